@@ -1,0 +1,81 @@
+// Writes a sample problem, as the simulator leaves it: a hill slope catchment with a stream, in
+// which storms come and go. It serves to try the post-processor, to test it and to measure it.
+//
+//   make_problem /tmp/small
+//   make_problem --elements prism --domains olf,frac,chan,well,tile,dual --variables all /tmp/every
+//   make_problem --nx 500 --ny 500 --layers 39 --times 2 --variables head,sat,v /tmp/large
+//   make_problem --help
+//
+// The program stands alone on purpose. It shares no code with the reader of these files, so that
+// its bytes check the reader and the reader checks its bytes.
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <new>
+#include <string>
+#include <system_error>
+#include <vector>
+
+#include "examples/problem_domains.hpp"
+#include "examples/problem_files.hpp"
+#include "examples/problem_mesh.hpp"
+#include "examples/problem_options.hpp"
+#include "examples/problem_weather.hpp"
+
+namespace {
+
+constexpr double output_interval = 3600; // seconds
+
+void create_directory(const std::string& directory) {
+    std::error_code fault;
+    std::filesystem::create_directories(directory, fault);
+    if (!fault && std::filesystem::is_directory(directory, fault)) return;
+    const std::string reason = fault ? fault.message() : "a file of this name exists";
+    std::fprintf(stderr, "make_problem: cannot create directory %s: %s\n", directory.c_str(),
+                 reason.c_str());
+    std::exit(1);
+}
+
+problem_files::Problem build_problem(const problem_options::Options& options) {
+    problem_files::Problem problem;
+    problem.directory = options.directory;
+    problem.prefix = options.prefix;
+    problem.piece_limit = options.piece_limit;
+    problem.suffix_digits = options.suffix_digits;
+    problem.unit_system = options.unit_system;
+    problem.older_generation = options.older_generation;
+    problem.walls = options.walls;
+    problem.mesh = problem_mesh::build(options.nx, options.ny, options.layers, options.prisms);
+    problem.domains = problem_domains::build(problem.mesh, options.domains, options.walls);
+    return problem;
+}
+
+void make_problem(const problem_options::Options& options) {
+    create_directory(options.directory);
+    problem_files::Problem problem = build_problem(options);
+    problem_files::write_description(problem);
+    problem_files::write_mesh(problem);
+    problem_weather::Weather weather = problem_weather::start();
+    for (int index = 1; index <= options.times; ++index) {
+        problem_weather::advance(weather, (index - 1) * output_interval);
+        for (const problem_variables::Variable& variable : options.variables)
+            problem_files::write_results(problem, variable, weather, index);
+    }
+    std::printf("%s: %d nodes, %d elements in pm; %lld files, %.1f MB\n", options.directory.c_str(),
+                problem_mesh::node_count(problem.mesh), problem_mesh::element_count(problem.mesh),
+                static_cast<long long>(problem.files), static_cast<double>(problem.bytes) / 1.0e6);
+}
+
+} // namespace
+
+int main(int argument_count, char** arguments) {
+    try {
+        make_problem(problem_options::read(
+            std::vector<std::string>(arguments + 1, arguments + argument_count)));
+    } catch (const std::bad_alloc&) {
+        std::fprintf(stderr, "make_problem: out of memory\n");
+        return 1;
+    }
+    return 0;
+}

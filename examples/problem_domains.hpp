@@ -1,0 +1,83 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <vector>
+
+#include "examples/problem_mesh.hpp"
+
+// The simulation domains of the sample problem. All of them have nodes of their own (multi-node
+// coupling): a node of a domain stands at a node of pm, and the two are linked.
+//
+// The global numbering has the nodes of pm first, then those of the other domains in the order of
+// `Tag`: node i of a domain has the global number node_offset + i. Element lists hold node numbers
+// of pm.
+namespace problem_domains {
+
+enum class Tag { pm, dual, olf, frac, chan, well, tile };
+constexpr std::array<const char*, 7> names = {"pm", "dual", "olf", "frac", "chan", "well", "tile"};
+
+// Sets of domains, for the table of variables and the options.
+using TagSet = unsigned;
+constexpr TagSet bit(Tag tag) {
+    return 1U << static_cast<unsigned>(tag);
+}
+
+// The middle of an element of a domain that is not 3D.
+struct Centre {
+    problem_mesh::Column column;
+    double z = 0;
+    double volume = 0; // of water or rock that the element stands for, cubic metres
+};
+
+struct Domain {
+    Tag tag = Tag::pm;
+    std::int32_t node_offset = 0;      // global nodes ahead of this domain
+    std::vector<std::int32_t> pm_node; // per node, its node of pm; empty for pm
+
+    // The elements of pm and dual are those of the mesh and are not listed here.
+    std::int32_t nodes_per_element = 0;
+    std::vector<std::int32_t> element_nodes; // node numbers of pm, 0 in an unused slot
+    std::vector<std::int32_t> element_zone;
+    std::vector<Centre> centres; // per element
+
+    std::vector<std::int32_t> pm_element; // dual: the pm elements where it is present
+
+    std::vector<std::int32_t> side_elements; // frac: elements of pm on the one side of each
+                                             // element, then those on the other; 0 for none
+    std::vector<double> aperture;            // frac: per element, metres
+
+    // olf: nodes that a cutoff wall doubles, as node numbers of olf. Their doubles are the last
+    // nodes of the domain, in the same order.
+    std::vector<std::int32_t> doubled_nodes;
+};
+
+// Where a value is wanted, and what is known there.
+struct Place {
+    const problem_mesh::Column* column = nullptr;
+    double z = 0; // metres
+    int ground_zone = 0;
+    int zone = 0;      // of an element of the domain
+    double volume = 0; // of an element, cubic metres
+    double cell_length = 0;
+    bool beyond_wall = false; // a doubled node, on the far side of the wall
+};
+
+// Builds the domains of the set, pm always among them, in the order of the global numbering. With
+// `walls`, the surface nodes along a cutoff wall are doubled.
+std::vector<Domain> build(const problem_mesh::Mesh& mesh, TagSet wanted, bool walls);
+
+std::int32_t node_count(const problem_mesh::Mesh& mesh, const Domain& domain);
+
+// Elements that have results. The list of dual in its file is longer: it names all elements of pm,
+// those without a dual continuum with zone 0.
+std::int32_t element_count(const problem_mesh::Mesh& mesh, const Domain& domain);
+
+// Zone of each element of pm or dual as the elements file tells it, by element number of pm.
+int file_zone(const problem_mesh::Mesh& mesh, Tag tag, std::int32_t pm_element);
+
+// Nodes and elements are counted from 0 here.
+Place node_place(const problem_mesh::Mesh& mesh, const Domain& domain, std::int32_t node);
+Place element_place(const problem_mesh::Mesh& mesh, const Domain& domain, std::int32_t element);
+
+} // namespace problem_domains

@@ -1,0 +1,80 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "examples/problem_domains.hpp"
+#include "examples/problem_mesh.hpp"
+#include "examples/problem_variables.hpp"
+#include "examples/problem_weather.hpp"
+
+// The files of a problem, record by record. The layout of a record is told in record_file.hpp.
+//
+// <prefix>o.gen                  version, 80 characters
+//                                number of title lines
+//                                the lines, 60 characters each, in one record
+//                                handle of the unit system
+//
+// <prefix>o.coordinates_pm       number of nodes
+//                                x, y, z of each node, reals of 64 bits
+//                                cells along x, cells along y, number of sheets
+//
+// <prefix>o.coordinates_<tag>    number of nodes
+//                                coupling scheme, 1 for a domain with nodes of its own
+//                                per node, its node of pm
+//                                per node of pm, the global number of the domain's node, or 0
+//   and for olf                  logical: a cutoff wall doubles nodes. If so,
+//                                number of walls
+//                                number of sides of a wall
+//                                per node, logical: it is doubled
+//                                per side, per node: the global number to take on that side, or 0
+//                                per node, the number of its wall, or 0
+//
+// <prefix>o.elements_<tag>       nodes of an element
+//                                number of elements
+//                                per element, its nodes by their numbers in pm
+//                                per element, its zone
+//   and for olf                  per element, the number of the wall beside it, or 0
+//                                logical: as in the coordinates file. If so,
+//                                per element, the side of the wall that it lies on, 1 or 2
+//   and for frac                 per element the element of pm on one side of it, then per element
+//                                the one on the other side, in one record
+//                                per element, its aperture, reals of 64 bits
+//
+// <prefix>o.<stem>_<tag>.<index> header, 80 characters
+//                                the values
+//
+// The header of a result file begins with the time stamp, a blank and a free text, 55 characters
+// in all. In the newer generation "#!TVN", "001" and "LE" follow, then the type ("R08", "R04",
+// "I04"), the number of components in two digits and of values in ten. The older generation leaves
+// these 25 characters blank.
+//
+// The values of one component are one record. Of more components, the newer generation has one
+// record for each, the older one record for each node or element.
+namespace problem_files {
+
+struct Problem {
+    std::string directory;
+    std::string prefix;
+    std::uint32_t piece_limit = 0; // longest piece of a record, bytes
+    std::int32_t suffix_digits = 0;
+    std::int32_t unit_system = 0;
+    bool older_generation = false;
+    bool walls = false;
+    problem_mesh::Mesh mesh;
+    std::vector<problem_domains::Domain> domains;
+    std::int64_t files = 0; // written so far
+    std::uint64_t bytes = 0;
+};
+
+// Each of these ends the program with status 1 when a file cannot be written.
+void write_description(Problem& problem);
+void write_mesh(Problem& problem);
+
+// Writes the files of one variable at one output time, one for each of its domains that the problem
+// has. `index` counts output times from 1.
+void write_results(Problem& problem, const problem_variables::Variable& variable,
+                   const problem_weather::Weather& weather, std::int32_t index);
+
+} // namespace problem_files

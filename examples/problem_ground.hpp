@@ -1,0 +1,58 @@
+#pragma once
+
+#include "examples/problem_domains.hpp"
+#include "examples/problem_weather.hpp"
+
+// The ground itself: its materials, its heat, and what becomes of its water. A field gives one
+// component of the value at a place and time, in SI units; components are counted from 0.
+namespace problem_ground {
+
+using problem_domains::Place;
+using problem_weather::Weather;
+
+// Means of the four kinds of ground.
+struct Material {
+    double conductivity;      // saturated, m/s
+    double porosity;          // part of 1
+    double specific_storage;  // 1/m
+    double retention;         // of the saturation curve: parts of a metre of suction, 1/m
+    double residual;          // saturation that stays
+    double tortuosity;        // part of 1
+    double interbed_fraction; // of compressible beds, part of 1
+};
+const Material& material(const Place& place);
+
+inline double depth_below_ground(const Place& place) {
+    return place.column->ground - place.z;
+}
+
+// Influence of the surface: 1 there, falling to exactly 0 at `reach` metres below it.
+double surface_influence(const Place& place, double reach);
+
+double conductivity(const Place&, const Weather&, int component); // xx, yy, zz, xy, yz, zx; m/s
+double porosity(const Place&, const Weather&, int);
+double specific_storage(const Place&, const Weather&, int); // 1/m
+double tortuosity(const Place&, const Weather&, int);
+double interbed_fraction(const Place&, const Weather&, int);
+double element_volume(const Place&, const Weather&, int); // m3
+
+// The same, as they change with time.
+double changing_conductivity(const Place&, const Weather&, int component);
+double changing_porosity(const Place&, const Weather&, int);
+double changing_storage(const Place&, const Weather&, int);
+double frozen_conductivity(const Place&, const Weather&, int);
+double changing_zone(const Place&, const Weather&, int);
+double mine_strip(const Place&, const Weather&, int); // number of the strip mined so far
+
+double temperature(const Place&, const Weather&, int); // K
+double ice_content(const Place&, const Weather&, int); // part of the water, up to 0.6
+
+double water_age(const Place&, const Weather&, int);       // s
+double water_age_ratio(const Place&, const Weather&, int); // part of the water younger than a month
+double location_probability(const Place&, const Weather&, int); // of a source, 1/m3
+double fluid_density(const Place&, const Weather&, int);        // kg/m3
+
+// Number of the cutoff wall at a node, and at an element beside it; 0 elsewhere and below its foot.
+double wall_number(const Place&, const Weather&, int);
+
+} // namespace problem_ground

@@ -1,0 +1,205 @@
+#include "examples/problem_options.hpp"
+
+#include <algorithm>
+#include <charconv>
+#include <cstdio>
+#include <cstdlib>
+#include <iterator>
+#include <sstream>
+
+#include "examples/record_file.hpp"
+
+namespace problem_options {
+
+namespace {
+
+[[noreturn]] void wrong(const std::string& text) {
+    std::fprintf(stderr, "make_problem: %s\nTry 'make_problem --help'.\n", text.c_str());
+    std::exit(2);
+}
+
+struct Row {
+    const char* name;
+    const char* value; // what stands for the value in the help; empty for a switch
+    const char* help;
+    void (*apply)(Options&, const std::string& name, const std::string& value);
+};
+
+std::int32_t number(const std::string& name, const std::string& value, std::int32_t lowest,
+                    std::int32_t highest) {
+    std::int32_t result = 0;
+    const char* end = value.data() + value.size();
+    const auto [stop, fault] = std::from_chars(value.data(), end, result);
+    if (fault != std::errc() || stop != end || result < lowest || result > highest)
+        wrong(name + " needs a whole number from " + std::to_string(lowest) + " to " +
+              std::to_string(highest) + ", not \"" + value + "\"");
+    return result;
+}
+
+// True for the second of two words.
+bool second(const std::string& name, const std::string& value, const char* first_word,
+            const char* second_word) {
+    if (value == second_word) return true;
+    if (value != first_word)
+        wrong(name + " needs " + first_word + " or " + second_word + ", not \"" + value + "\"");
+    return false;
+}
+
+problem_domains::TagSet domain_set(const std::string& name, const std::string& value) {
+    problem_domains::TagSet set = 0;
+    std::istringstream list(value);
+    for (std::string word; std::getline(list, word, ',');) {
+        const auto& names = problem_domains::names;
+        const auto found = std::find(names.begin(), names.end(), word);
+        if (found == names.end()) wrong(name + ": no domain \"" + word + "\"");
+        set |= problem_domains::bit(static_cast<problem_domains::Tag>(found - names.begin()));
+    }
+    return set;
+}
+
+constexpr std::int32_t most_cells = 1 << 20;
+
+const Row rows[] = {
+    {"--prefix", "NAME", "prefix of the file names (catchment)",
+     [](Options& options, const std::string& name, const std::string& value) {
+         if (value.empty() || value.find_first_of("/\\ \t\r\n") != std::string::npos)
+             wrong(name + " needs a name without blanks and slashes");
+         options.prefix = value;
+     }},
+    {"--nx", "CELLS", "cells of the plan along the valley (24)",
+     [](Options& options, const std::string& name, const std::string& value) {
+         options.nx = number(name, value, 2, most_cells);
+     }},
+    {"--ny", "CELLS", "cells of the plan across the valley (16)",
+     [](Options& options, const std::string& name, const std::string& value) {
+         options.ny = number(name, value, 2, most_cells);
+     }},
+    {"--layers", "N", "layers of elements, thinner towards the surface (6)",
+     [](Options& options, const std::string& name, const std::string& value) {
+         options.layers = number(name, value, 1, 10000);
+     }},
+    {"--times", "N", "output times, one hour apart (6)",
+     [](Options& options, const std::string& name, const std::string& value) {
+         options.times = number(name, value, 1, 1000000000);
+     }},
+    {"--elements", "KIND", "brick, or prism: every quad of the plan cut in two (brick)",
+     [](Options& options, const std::string& name, const std::string& value) {
+         options.prisms = second(name, value, "brick", "prism");
+     }},
+    {"--domains", "LIST", "of pm,dual,olf,frac,chan,well,tile; pm comes always (pm,olf)",
+     [](Options& options, const std::string& name, const std::string& value) {
+         options.domains = domain_set(name, value);
+     }},
+    {"--variables", "LIST", "default, all, or variables from the list below (default)",
+     [](Options& options, const std::string&, const std::string& value) {
+         options.variable_words = value;
+     }},
+    {"--tensor", "", "conductivity of elements as a full tensor",
+     [](Options& options, const std::string&, const std::string&) { options.full_tensor = true; }},
+    {"--walls", "", "double the nodes of olf along a cutoff wall",
+     [](Options& options, const std::string&, const std::string&) { options.walls = true; }},
+    {"--units", "HANDLE", "unit system, 0 to 9: metres to 4, then centimetres (0, m and s)",
+     [](Options& options, const std::string& name, const std::string& value) {
+         options.unit_system = number(name, value, 0, 9);
+     }},
+    {"--generation", "AGE", "of the result files: newer or older (newer)",
+     [](Options& options, const std::string& name, const std::string& value) {
+         options.older_generation = second(name, value, "newer", "older");
+     }},
+    {"--sub-records", "BYTES", "split records that are longer (2147483639)",
+     [](Options& options, const std::string& name, const std::string& value) {
+         const auto most = static_cast<std::int32_t>(record_file::longest_piece);
+         options.piece_limit = static_cast<std::uint32_t>(number(name, value, 1, most));
+     }},
+    {"--digits", "N", "digits of the time index in file names, 4 to 10 (4)",
+     [](Options& options, const std::string& name, const std::string& value) {
+         options.suffix_digits = number(name, value, 4, 10);
+     }},
+};
+
+void print_help() {
+    std::printf("Usage: make_problem [options] DIRECTORY\n\n"
+                "Writes a sample problem, as the simulator leaves it, into DIRECTORY, which is\n"
+                "created. Files of the same name are replaced, other files stay. The same options\n"
+                "always give the same bytes.\n\n");
+    for (const Row& row : rows) {
+        const std::string left = std::string(row.name) + " " + row.value;
+        std::printf("  %-20s %s\n", left.c_str(), row.help);
+    }
+    std::printf("  %-20s %s\n\nVariables:\n", "--help", "print this text");
+    std::string line = " ";
+    for (const std::string& stem : problem_variables::stems()) {
+        if (line.size() + stem.size() > 78) {
+            std::printf("%s\n", line.c_str());
+            line = " ";
+        }
+        line += " " + stem;
+    }
+    std::printf("%s\n", line.c_str());
+}
+
+// The numbers of nodes, elements and global nodes must fit the files, which have 32 bits for them.
+void check_size(const Options& options) {
+    const double columns = (options.nx + 1.0) * (options.ny + 1.0);
+    const double nodes = columns * (options.layers + 1.0);
+    if (nodes > 5.0e8)
+        wrong("the mesh would have more than 500 million nodes: take fewer cells or layers");
+}
+
+void check_times(const Options& options) {
+    const std::string last = std::to_string(options.times);
+    if (last.size() > static_cast<std::size_t>(options.suffix_digits))
+        wrong("--times " + last + " needs --digits " + std::to_string(last.size()));
+}
+
+void apply(Options& options, const std::vector<std::string>& arguments, std::size_t& position) {
+    const std::string& argument = arguments[position];
+    const std::size_t equals = argument.find('=');
+    const std::string name = argument.substr(0, equals);
+    const Row* row = std::find_if(std::begin(rows), std::end(rows),
+                                  [&name](const Row& candidate) { return name == candidate.name; });
+    if (row == std::end(rows)) wrong("unknown option " + name);
+    const bool is_switch = *row->value == '\0';
+    if (is_switch && equals != std::string::npos) wrong(name + " takes no value");
+    std::string value;
+    if (equals != std::string::npos) {
+        value = argument.substr(equals + 1);
+    } else if (!is_switch) {
+        if (++position == arguments.size()) wrong(name + " needs a value");
+        value = arguments[position];
+    }
+    row->apply(options, name, value);
+}
+
+} // namespace
+
+Options read(const std::vector<std::string>& arguments) {
+    Options options;
+    options.domains = problem_domains::bit(problem_domains::Tag::olf);
+    options.piece_limit = record_file::longest_piece;
+    for (std::size_t position = 0; position < arguments.size(); ++position) {
+        const std::string& argument = arguments[position];
+        if (argument == "--help") {
+            print_help();
+            std::exit(0);
+        }
+        if (argument.substr(0, 2) == "--") {
+            apply(options, arguments, position);
+        } else if (options.directory.empty() && !argument.empty()) {
+            options.directory = argument;
+        } else {
+            wrong("unexpected argument \"" + argument + "\"");
+        }
+    }
+    if (options.directory.empty()) wrong("no directory given");
+    check_size(options);
+    check_times(options);
+    problem_variables::Selection selection =
+        problem_variables::select(options.variable_words, options.full_tensor);
+    if (selection.unknown) wrong("--variables: no variable \"" + *selection.unknown + "\"");
+    if (selection.variables.empty()) wrong("--variables needs at least one variable");
+    options.variables = std::move(selection.variables);
+    return options;
+}
+
+} // namespace problem_options

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "examples/problem_domains.hpp"
+#include "examples/problem_variables.hpp"
+
+namespace problem_options {
+
+struct Options {
+    std::string directory;
+    std::string prefix = "catchment";
+    std::int32_t nx = 24; // cells along the valley, and across it
+    std::int32_t ny = 16;
+    std::int32_t layers = 6;
+    std::int32_t times = 6;
+    bool prisms = false;
+    problem_domains::TagSet domains = 0; // pm is there in any case
+    std::string variable_words = "default";
+    std::vector<problem_variables::Variable> variables; // what the words stand for
+    bool older_generation = false;
+    std::uint32_t piece_limit = 0; // longest piece of a record, bytes
+    std::int32_t suffix_digits = 4;
+    std::int32_t unit_system = 0;
+    bool walls = false;
+    bool full_tensor = false;
+};
+
+// Reads the command line. Prints the help and ends with status 0 when it is asked for; ends with
+// status 2 and a message when the command line is wrong.
+Options read(const std::vector<std::string>& arguments);
+
+} // namespace problem_options

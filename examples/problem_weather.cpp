@@ -1,0 +1,67 @@
+#include "examples/problem_weather.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+namespace problem_weather {
+
+namespace {
+
+constexpr double pi = std::numbers::pi;
+constexpr double day = 86400;
+constexpr double step = 60;
+
+// One storm in each 17 hours, none like the other in onset, length and strength.
+double rain_at(double time) {
+    constexpr double period = 61200;
+    const double number = std::floor(time / period);
+    const double onset = number * period + 4300 + 2900 * std::sin(1.9 * number + 0.3);
+    const double length = 7900 + 2300 * std::sin(2.7 * number);
+    const double part = (time - onset) / length;
+    if (part <= 0 || part >= 1) return 0;
+    const double peak = 4.3e-6 * (1 + 0.45 * std::sin(1.3 * number + 1.1));
+    return peak * std::pow(std::sin(pi * part), 2);
+}
+
+double fill(double store, double inflow, double seconds, double residence) {
+    return store * std::exp(-seconds / residence) + inflow * seconds;
+}
+
+void set_state_of_the_hour(Weather& weather) {
+    const double hour_angle = 2 * pi * (weather.time / day - 0.25);
+    weather.rain = rain_at(weather.time);
+    weather.sun = std::max(0.0, std::sin(hour_angle));
+    weather.air = 278.43 + 3.17 * std::sin(hour_angle - 0.6) + 0.43 * std::sin(0.37 * hour_angle);
+    weather.melt_rate = 2.9e-8 * std::max(0.0, weather.air - 273.15);
+    weather.wetness = weather.soil / (weather.soil + 0.0061);
+    weather.most_rain = std::max(weather.most_rain, weather.rain);
+    weather.most_overland = std::max(weather.most_overland, weather.overland);
+    weather.most_valley = std::max(weather.most_valley, weather.valley);
+}
+
+void advance_by(Weather& weather, double seconds) {
+    const double rain = rain_at(weather.time + 0.5 * seconds);
+    weather.overland = fill(weather.overland, rain, seconds, 1.6 * 3600);
+    weather.soil = fill(weather.soil, rain, seconds, 13.3 * 3600);
+    weather.valley = fill(weather.valley, 0.74 * rain, seconds, 0.9 * day);
+    weather.ridge = fill(weather.ridge, 0.58 * rain, seconds, 3.7 * day);
+    weather.melted += weather.melt_rate * seconds;
+    weather.time += seconds;
+    set_state_of_the_hour(weather);
+}
+
+} // namespace
+
+Weather start() {
+    Weather weather;
+    set_state_of_the_hour(weather);
+    return weather;
+}
+
+void advance(Weather& weather, double time) {
+    while (time - weather.time >= step) advance_by(weather, step);
+    if (time > weather.time) advance_by(weather, time - weather.time);
+}
+
+} // namespace problem_weather

@@ -1,0 +1,143 @@
+#include "meshrake/mesh_shaping/mesh_columns.hpp"
+
+#include "meshrake/model/run_state.hpp"
+#include "meshrake/plot_data/array_writing.hpp"
+#include "tvncommon/ArrayHelpers.hpp"
+#include "tvncommon/error.hpp"
+
+namespace mesh_shaping {
+
+using model::run;
+using plot_data::Packing;
+
+namespace {
+
+// The values are put together for the included nodes or elements alone.
+constexpr Packing packed{};
+
+std::int32_t layerElements(const Domain& domain, std::string_view column) {
+    const std::int32_t layers = run.sheetCount - 1;
+    const std::int32_t n = layers > 0 ? domain.elementCount / layers : 0;
+    if (n == 0 && domain.elementCount > 0)
+        error::fatalError(std::string(column) + " of the " + domain.name +
+                          " domain: the mesh has no layers of elements");
+    return n;
+}
+
+std::vector<std::int32_t> temporaryArray(std::int32_t size, std::string_view name) {
+    std::vector<std::int32_t> values;
+    ArrayHelpers::allocateArray(values, size, name);
+    return values;
+}
+
+// Mean of the heights of the upper over the lower nodes, whose slots match in order.
+double thickness(const Domain& domain, std::size_t element) {
+    const std::int32_t half = domain.nodesPerElement / 2;
+    const std::int32_t* slots =
+        domain.elementNodes.data() + element * static_cast<std::size_t>(domain.nodesPerElement);
+    double sum = 0;
+    for (std::int32_t j = 0; j < half; ++j) {
+        const std::int32_t lower = slots[j];
+        const std::int32_t upper = slots[j + half];
+        if (lower < 1 || upper < 1)
+            error::input_error("Thickness: element " + std::to_string(element + 1) + " of " +
+                               model::problemFile("elements_" + domain.name) +
+                               " has an unused node slot");
+        sum += domain.z[static_cast<std::size_t>(upper - 1)] -
+               domain.z[static_cast<std::size_t>(lower - 1)];
+    }
+    return sum / half;
+}
+
+} // namespace
+
+void meshColumnInit(Domain& domain, const VariableRow& row, OutputVar& var) {
+    var.firstExists = var.exists = true;
+    var.columns.resize(plot_data::columnCount(row));
+    for (std::size_t c = 0; c < var.columns.size(); ++c)
+        plot_data::declareColumn(domain, row, var.columns[c], row.columns[c].name, row.unit);
+}
+
+void coordinatesInit(Domain& domain, const VariableRow& row, OutputVar& var) {
+    meshColumnInit(domain, row, var);
+}
+
+void coordinatesWrite(Domain& domain, const VariableRow& row, OutputVar&) {
+    const Packing packing{domain.truncateEnabled, domain.nodeIncluded.data()};
+    const std::vector<double>* coordinates[] = {&domain.x, &domain.y, &domain.z};
+    for (std::size_t c = 0; c < 3; ++c)
+        plot_data::tecplotWriteArrayReal8(domain.nodeCount, coordinates[c]->data(), packing,
+                                          row.columns[c].label, domain);
+}
+
+void nodeNumberInit(Domain& domain, const VariableRow& row, OutputVar& var) {
+    if (!run.wallsPresent) meshColumnInit(domain, row, var);
+}
+
+void write3DNodeNumber(Domain& domain, const VariableRow& row, OutputVar&) {
+    std::vector<std::int32_t> values = temporaryArray(domain.nodeCount, row.arrayText);
+    std::size_t n = 0;
+    for (std::size_t i = 0; i < values.size(); ++i)
+        if (domain.nodeIncluded[i])
+            values[n++] =
+                domain.couplingScheme != 0 ? domain.linkToPm[i] : static_cast<std::int32_t>(i + 1);
+    plot_data::tecplotWriteArrayInt4(static_cast<std::int64_t>(n), values.data(), packed,
+                                     row.columns[0].label, domain);
+}
+
+void writeLayerNumber(Domain& domain, const VariableRow& row, OutputVar&) {
+    const std::int32_t perLayer = layerElements(domain, row.columns[0].name);
+    std::vector<std::int32_t> values = temporaryArray(domain.elementCount, row.arrayText);
+    std::size_t n = 0;
+    for (std::int32_t e = 0; e < domain.elementCount; ++e)
+        if (domain.elementIncluded[static_cast<std::size_t>(e)]) values[n++] = e / perLayer + 1;
+    plot_data::tecplotWriteArrayInt4(static_cast<std::int64_t>(n), values.data(), packed,
+                                     row.columns[0].label, domain);
+}
+
+void writeColumnNumber(Domain& domain, const VariableRow& row, OutputVar&) {
+    const std::int32_t perLayer = layerElements(domain, row.columns[0].name);
+    std::vector<std::int32_t> values = temporaryArray(domain.elementCount, row.arrayText);
+    std::size_t n = 0;
+    for (std::int32_t e = 0; e < domain.elementCount; ++e)
+        if (domain.elementIncluded[static_cast<std::size_t>(e)]) values[n++] = e % perLayer + 1;
+    plot_data::tecplotWriteArrayInt4(static_cast<std::int64_t>(n), values.data(), packed,
+                                     row.columns[0].label, domain);
+}
+
+void writeElementThickness(Domain& domain, const VariableRow& row, OutputVar&) {
+    if (domain.nodesPerElement < 2 && domain.elementCount > 0)
+        error::fatalError("Thickness of the " + domain.name + " domain: elements of one node");
+    std::vector<double> values;
+    ArrayHelpers::allocateArray(values, domain.elementCount, row.arrayText);
+    std::size_t n = 0;
+    for (std::size_t e = 0; e < values.size(); ++e)
+        if (domain.elementIncluded[e]) values[n++] = thickness(domain, e);
+    plot_data::tecplotWriteArrayReal8(static_cast<std::int64_t>(n), values.data(), packed,
+                                      row.columns[0].label, domain);
+}
+
+void depth2SurfInit(Domain& domain, const VariableRow& row, OutputVar& var) {
+    if (!run.plotDepthBelowSurface) return;
+    var.columns.resize(1);
+    std::vector<double>& depth = var.columns[0].real8;
+    if (depth.empty()) {
+        ArrayHelpers::allocateArray(depth, domain.nodeCount, row.arrayText);
+        if (run.sheetCount < 1) error::fatalError("Depth2Surf: the mesh has no node sheets");
+        const auto sheets = static_cast<std::size_t>(run.sheetCount);
+        const std::size_t sheetNodes = depth.size() / sheets;
+        const std::size_t topSheet = (sheets - 1) * sheetNodes;
+        for (std::size_t k = 0; k < topSheet; k += sheetNodes)
+            for (std::size_t i = 0; i < sheetNodes; ++i)
+                depth[k + i] = domain.z[topSheet + i] - domain.z[k + i];
+    }
+    meshColumnInit(domain, row, var);
+}
+
+void apertureWrite(Domain& domain, const VariableRow& row, OutputVar&) {
+    const Packing packing{domain.truncateEnabled, domain.elementIncluded.data()};
+    plot_data::tecplotWriteArrayReal8(domain.elementCount, domain.fractureAperture.data(), packing,
+                                      row.columns[0].label, domain);
+}
+
+} // namespace mesh_shaping

@@ -1,0 +1,96 @@
+#include "meshrake/meshrake.hpp"
+
+#include "meshrake/model/problem_description.hpp"
+#include "meshrake/model/run_state.hpp"
+#include "meshrake/run/banner.hpp"
+#include "meshrake/run/command_line.hpp"
+#include "meshrake/run/control_file.hpp"
+#include "meshrake/run/domains.hpp"
+#include "meshrake/run/problem_prefix.hpp"
+#include "meshrake/run/time_loop.hpp"
+#include "tvncommon/error.hpp"
+#include "tvncommon/file_units.hpp"
+#include "tvncommon/io_layer.hpp"
+#include "tvncommon/units.hpp"
+
+#include <new>
+
+using model::run;
+using namespace run_driver;
+
+namespace {
+
+void startFresh() {
+    run = {};
+    io_layer::reset();
+    error::reset();
+    units::reset();
+}
+
+void openEchoFile() {
+    const std::string name = model::problemFile("meshrake.eco");
+    run.echoUnit = file_units::getUnit();
+    error::checkFileOpen(io_layer::openTextReplace(run.echoUnit, name, io_layer::Flush::everyLine),
+                         name);
+    error::setErrorLoggingFileUnit(run.echoUnit);
+}
+
+// Wishes that this version cannot fulfil end the run with a word rather than with half a result.
+void notThereYet(bool wanted, const char* what) {
+    if (wanted) error::fatalError(std::string(what) + " is not there yet.");
+}
+
+void writeProducts() {
+    notThereYet(run.compareHeads, "The comparison of heads");
+    notThereYet(run.compareWaterTable, "The comparison of water table elevations");
+    notThereYet(run.compareDepthToTable, "The comparison of depths to the water table");
+    notThereYet(run.compareSurfaceDepth, "The comparison of surface water depths");
+    notThereYet(run.plotIsopach, "The isopach plot");
+    notThereYet(run.plotDepthBelowSurface, "The plot of depths below the ground surface");
+}
+
+void runMeshrake(int argc, const char* const* argv) {
+    startFresh();
+    header(io_layer::screen);
+    readCommandLine(argc, argv);
+    run.problemPrefix = getModelPrefix(".skiv");
+
+    // From here on every banner stands in the echo file too.
+    openEchoFile();
+    header(run.echoUnit);
+    error::warningMsg("Meshrake has been deprecated and will be removed in a future release.\n"
+                      "We recommend using tvn2vtu for post-processing going forward.");
+
+    model::titleRead();
+    model::speciesRead();
+    model::hmcFractionsRead();
+    Domains domains;
+    createDomains(domains);
+    processControlFile(domains);
+    notThereYet(run.tecplotBinary, "The binary form of the plot files");
+
+    // From here on nodes, elements and wishes are fixed.
+    run.pmPassRequired = pmIsLent(domains);
+    timeLoop(domains);
+    model::writeScreen("");
+    model::writeEcho("");
+    closeAll(domains);
+    run.tecplotAppend = false;
+    writeProducts();
+    normalExitStop();
+}
+
+} // namespace
+
+int meshrake_main(int argc, const char* const* argv) {
+    try {
+        try {
+            runMeshrake(argc, argv);
+        } catch (const std::bad_alloc&) {
+            error::check_alloc(io_layer::outOfMemory, "working memory");
+        }
+    } catch (const error::RunEnded& end) {
+        return end.status;
+    }
+    return 0;
+}

@@ -1,0 +1,72 @@
+#include "meshrake/model/domain.hpp"
+
+#include "meshrake/model/mesh_reading.hpp"
+#include "meshrake/model/run_state.hpp"
+#include "tvncommon/error.hpp"
+#include "tvncommon/file_units.hpp"
+#include "tvncommon/io_layer.hpp"
+
+#include <algorithm>
+#include <utility>
+
+namespace model {
+
+namespace {
+
+constexpr std::array<std::pair<std::string_view, DomainSet>, 7> tagNames{{{"pm", tags::pm},
+                                                                          {"dual", tags::dual},
+                                                                          {"olf", tags::olf},
+                                                                          {"frac", tags::frac},
+                                                                          {"chan", tags::chan},
+                                                                          {"well", tags::well},
+                                                                          {"tile", tags::tile}}};
+
+DomainSet tagOf(std::string_view name) {
+    const auto it = std::find_if(tagNames.begin(), tagNames.end(),
+                                 [&](const auto& t) { return t.first == name; });
+    return it == tagNames.end() ? 0 : it->second;
+}
+
+void buildLabels(Domain& domain) {
+    domain.writeDomain = {"write " + domain.name + " domain file", true};
+    for (const OptionRow& row : optionTable)
+        optionOf(domain, row.option) = {optionLabel(row, domain.name), true};
+    domain.truncateDomain = "truncate " + domain.name + " domain";
+    domain.truncateByLayer = "truncate " + domain.name + " domain by layer";
+}
+
+} // namespace
+
+DomainOption& optionOf(Domain& domain, Option option) {
+    return domain.options[static_cast<std::size_t>(option)];
+}
+
+bool enabled(const Domain& domain, Option option) {
+    return option == Option::none || domain.options[static_cast<std::size_t>(option)].enabled;
+}
+
+OutputVar& outputVar(Domain& domain, std::string_view key) {
+    const auto it = std::find_if(domain.outputVars.begin(), domain.outputVars.end(),
+                                 [&](const OutputVar& v) { return v.key == key; });
+    if (it == domain.outputVars.end())
+        error::fatalError("Unknown output variable: " + std::string(key));
+    return *it;
+}
+
+void domainCreate(Domain& domain, std::string_view tag, const Domain& pm) {
+    if (tag == "addition") {
+        domain.name = tag;
+        domain.exists = true;
+        return;
+    }
+    domain.exists = io_layer::exists(problemFile("coordinates_" + std::string(tag)));
+    if (!domain.exists) return;
+    domain.name = tag;
+    domain.tag = tagOf(tag);
+    domain.tecplotUnit = file_units::getUnit();
+    buildLabels(domain);
+    coordsRead(domain, pm);
+    elemsRead(domain, pm);
+}
+
+} // namespace model

@@ -1,0 +1,98 @@
+#pragma once
+
+#include "meshrake/model/domain_options.hpp"
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace model {
+
+// Type of the values of a column; the numbers are those of the plot files.
+enum class DataType { single = 1, real8 = 2, longInt = 3 };
+
+// One column of a data set and the values behind it. Only the array of the column's type is in use:
+// one value per node or per element.
+struct Column {
+    std::int32_t varNumber = 0; // number in the data set, from 1; 0 when it has none
+    std::vector<float> real4;
+    std::vector<double> real8;
+    std::vector<std::int32_t> int4;
+};
+
+// State of one output variable in one domain. A vector or a family of species has several columns
+// and one set of flags.
+struct OutputVar {
+    std::string_view key;     // key of its row in the table of variables
+    bool firstExists = false; // its file was found in the first pass: it is in the data set
+    bool exists = false;      // its file was found at the current output time
+    std::vector<Column> columns;
+};
+
+// The plot file that a domain writes.
+struct DataSet {
+    std::string fileName;        // as given to tecplotFileOpen, without extension
+    std::int32_t zoneNumber = 0; // zone created last, 0 before the first
+    std::int32_t numVars = 0;    // variables declared so far
+    std::string varNameList;     // quoted names, separated by commas
+    std::string varTypeList;     // type words, separated by commas
+    std::string unitComments;    // comment lines with the units of the variables
+    std::string unitAuxData;     // the same as auxiliary data of the variables
+};
+
+// One simulation domain: its mesh, options, output variables and plot file. Node and element
+// numbers in the arrays count from 1.
+struct Domain {
+    std::string name;     // tag; empty while the domain does not exist
+    DomainSet tag = 0;    // the same as a bit
+    bool exists = false;  // its coordinates file exists
+    int tecplotUnit = -1; // file unit of the plot file, below 1 when closed
+
+    std::int32_t couplingScheme = 0; // 1: own nodes (multi-node), else nodes of pm (common-node)
+    DomainOption writeDomain;
+    std::array<DomainOption, optionCount> options;
+
+    std::int32_t nodeCount = 0;
+    std::vector<double> x, y, z;          // nodeCount each, length unit; pm and multi-node only
+    std::vector<std::int32_t> linkToPm;   // nodeCount: pm node under each node; not for pm
+    std::vector<std::int32_t> linkFromPm; // pm nodeCount: global node number, below 1 where none
+    std::int32_t nodeOffset = 0;          // global node number minus the domain's own
+
+    std::int32_t elementCount = 0;
+    std::int32_t nodesPerElement = 0;
+    std::vector<std::int32_t> elementNodes; // nodesPerElement for each element: pm node numbers
+    std::vector<std::int32_t> elementZone;  // elementCount
+    std::string zoneType;                   // word of the plot file, blank for an unknown shape
+    std::vector<std::int32_t> fractureLink; // frac: elementCount first values, then the second
+    std::vector<double> fractureAperture;   // frac: elementCount, length unit
+
+    std::string truncateDomain, truncateByLayer; // labels of the two truncation instructions
+    bool truncateEnabled = false; // asked for; after truncation: the output is packed
+    bool truncateByLayerEnabled = false;
+    std::array<double, 6> truncateBounds{-1e20, 1e20, -1e20, 1e20, -1e20, 1e20}; // x, y, z pairs
+    std::array<std::int32_t, 2> truncateLayers{0, 1000};                         // first, last
+
+    // Results of the truncation, fixed for the run.
+    std::vector<std::uint8_t> nodeIncluded;    // nodeCount
+    std::vector<std::uint8_t> elementIncluded; // elementCount
+    std::vector<std::int32_t> nodeRenumber;    // pm nodeCount: node number in the output, 0: none
+    std::int32_t nnTruncated = 0;              // nodes and elements of the output mesh
+    std::int32_t neTruncated = 0;
+
+    DataSet dataSet;
+    std::vector<OutputVar> outputVars; // one for each row of the table of variables
+};
+
+DomainOption& optionOf(Domain& domain, Option option);
+bool enabled(const Domain& domain, Option option); // true for Option::none
+
+// The domain's variable with this key; ends the run when the table has no such row.
+OutputVar& outputVar(Domain& domain, std::string_view key);
+
+// Tests for the domain's files and, when they are there, builds the labels and reads the mesh.
+// `pm` is the pm record, also for pm itself. A damaged file ends the run with its name.
+void domainCreate(Domain& domain, std::string_view tag, const Domain& pm);
+
+} // namespace model

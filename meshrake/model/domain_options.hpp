@@ -1,0 +1,93 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+// The options of a domain: what a line of the control file can switch off. One row each; the rows
+// stand in the order in which the control file template lists them.
+namespace model {
+
+// Tags of the domains, one bit each, so that a row can name several.
+using DomainSet = unsigned;
+namespace tags {
+inline constexpr DomainSet pm = 1, dual = 2, olf = 4, frac = 8, chan = 16, well = 32, tile = 64;
+inline constexpr DomainSet anyDomain = pm | dual | olf | frac | chan | well | tile;
+} // namespace tags
+
+enum class Option {
+    layerNumbers,
+    columnNumbers,
+    elementThickness,
+    cutoffWall,
+    heads,
+    pressureHeads,
+    incisedHeads,
+    environmentalHead,
+    saturations,
+    volumetricWaterContent,
+    iceSaturation,
+    linearVelocities,
+    concentrations,
+    immobileConcentrations,
+    redoxCapacity,
+    massSorbed,
+    friction,
+    pecletNumber,
+    diffusionPecletNumber,
+    elementK,
+    elementPorosity,
+    elementSpecificStorage,
+    elementTortuosity,
+    elementCompressibleFraction,
+    elementVolume,
+    aperture,
+    permafrost,
+    flux,
+    tvk,
+    timeVaryingPorosity,
+    timeVaryingSpecificStorage,
+    exchangeFlux,
+    soluteExchange,
+    et,
+    localProbability,
+    et3d,
+    depthToWaterTable,
+    maxWaterDepth,
+    timeVaryingTopography,
+    timeVaryingTopographyZones,
+    rainAndSnowmelt,
+    hmcFractions,
+    flowRates,
+    fluidDensity,
+    freezingThawingTemperature,
+    newtonResidual,
+    mineAdvance,
+    depthToWaterTable2d,
+    waterAge,
+    none // a variable that no option controls
+};
+
+inline constexpr std::size_t optionCount = static_cast<std::size_t>(Option::none);
+
+struct OptionRow {
+    Option option;
+    std::string_view words; // of the label: "no <tag>" and these words
+    DomainSet inTemplate;   // domains whose template block lists it
+    Option cleared;         // what the control file line switches off; none: not recognised
+};
+
+// Rows in the order of the enumeration.
+extern const std::array<OptionRow, optionCount> optionTable;
+
+// A control file line and the state of the option that it switches off.
+struct DomainOption {
+    std::string label; // at most 60 characters, lower case
+    bool enabled = true;
+};
+
+// "no <tag> heads" and the like.
+std::string optionLabel(const OptionRow& row, std::string_view tag);
+
+} // namespace model

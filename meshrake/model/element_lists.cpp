@@ -1,0 +1,90 @@
+#include "meshrake/model/mesh_reading.hpp"
+
+#include "meshrake/model/run_state.hpp"
+#include "tvncommon/error.hpp"
+#include "tvncommon/file_units.hpp"
+#include "tvncommon/io_layer.hpp"
+
+#include <algorithm>
+
+namespace model {
+
+namespace {
+
+void checkNodeNumbers(int unit, const Domain& domain, const Domain& pm) {
+    const std::int32_t lowest = domain.tag == tags::pm ? 0 : -2147483647 - 1;
+    for (const std::int32_t node : domain.elementNodes)
+        if (node > pm.nodeCount || node < lowest)
+            file_units::badContents(unit, "An element has pm node " + std::to_string(node) +
+                                              ", which is not in the mesh");
+}
+
+// An element of zone 0 stands where the dual continuum is not.
+void dropElementsOfZone0(Domain& domain) {
+    const auto slots = static_cast<std::size_t>(domain.nodesPerElement);
+    std::size_t kept = 0;
+    for (std::size_t e = 0; e < domain.elementZone.size(); ++e) {
+        if (domain.elementZone[e] == 0) continue;
+        const auto from = domain.elementNodes.begin() + static_cast<std::ptrdiff_t>(e * slots);
+        std::copy(from, from + static_cast<std::ptrdiff_t>(slots),
+                  domain.elementNodes.begin() + static_cast<std::ptrdiff_t>(kept * slots));
+        domain.elementZone[kept++] = domain.elementZone[e];
+    }
+    domain.elementCount = static_cast<std::int32_t>(kept);
+}
+
+void readWallLayers(int unit, const Domain& olf) {
+    const std::string name = "Overland flow wall node element array";
+    file_units::readArray(unit, olf.elementCount, run.wallElementLayer, name);
+    run.wallsPresent = file_units::readLogical(unit);
+    if (run.wallsPresent) file_units::readArray(unit, olf.elementCount, run.wallElementLayer, name);
+}
+
+void readFractures(int unit, Domain& frac) {
+    const std::string name = "Fracture element arrays";
+    file_units::readArray(unit, 2 * std::int64_t{frac.elementCount}, frac.fractureLink, name);
+    file_units::readArray(unit, frac.elementCount, frac.fractureAperture, name);
+}
+
+std::string zoneTypeOf(const Domain& domain) {
+    switch (domain.nodesPerElement) {
+    case 2:
+        return "FELINESEG";
+    case 3:
+    case 4:
+        return (domain.tag & (tags::pm | tags::dual)) != 0 ? "FETETRAHEDRON" : "FEQUADRILATERAL";
+    case 6:
+    case 8:
+        return "FEBRICK";
+    default:
+        return "";
+    }
+}
+
+} // namespace
+
+void elemsRead(Domain& domain, const Domain& pm) {
+    const std::string name = problemFile("elements_" + domain.name);
+    write_string("Elements file: " + name);
+    const int unit = file_units::getUnit();
+    error::checkFileOpen(io_layer::openRecordsRead(unit, name), name);
+    domain.nodesPerElement = file_units::readInteger(unit);
+    domain.elementCount = file_units::readInteger(unit);
+    const std::string arrays = domain.name + " element arrays";
+    if (domain.nodesPerElement < 0)
+        file_units::badContents(unit, "The number of nodes per element is negative");
+    file_units::checkCount(unit, domain.elementCount, 4, arrays);
+    file_units::readArray(unit, std::int64_t{domain.nodesPerElement} * domain.elementCount,
+                          domain.elementNodes, arrays);
+    file_units::readArray(unit, domain.elementCount, domain.elementZone, arrays);
+    checkNodeNumbers(unit, domain, pm);
+    if (domain.tag == tags::dual) dropElementsOfZone0(domain);
+    if (domain.tag == tags::olf) readWallLayers(unit, domain);
+    if (domain.tag == tags::frac) readFractures(unit, domain);
+    file_units::freeUnit(unit);
+    write_string("  Number of elements " + std::to_string(domain.elementCount));
+    write_string("  Done reading elements file");
+    domain.zoneType = zoneTypeOf(domain);
+}
+
+} // namespace model

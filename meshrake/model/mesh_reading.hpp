@@ -1,0 +1,23 @@
+#pragma once
+
+#include "meshrake/model/domain.hpp"
+
+namespace model {
+
+// Reads <prefix>o.coordinates_<tag>: a record file without a header.
+//
+//   pm: nodeCount; x, y, z of node 1, of node 2 and so on, 64-bit reals; three integers, the third
+//   of them sheetCount (0: to be derived from the first column).
+//   Others: nodeCount; couplingScheme; linkToPm; linkFromPm. olf goes on with wallsPresent and, if
+//   that is true, wallCountA, wallLayers, and the flags, table and values of the wall nodes.
+//
+// Global node numbers are given in the order of the calls: pm, then each multi-node domain. Numbers
+// beyond the mesh and a damaged file end the run.
+void coordsRead(Domain& domain, const Domain& pm);
+
+// Reads <prefix>o.elements_<tag>: nodesPerElement; elementCount; elementNodes; elementZone; then
+// for olf the wall layers of the elements, for frac link and aperture. Elements of zone 0 of `dual`
+// are dropped. Node numbers are those of pm, slots below 1 are unused.
+void elemsRead(Domain& domain, const Domain& pm);
+
+} // namespace model

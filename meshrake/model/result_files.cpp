@@ -1,0 +1,151 @@
+#include "meshrake/model/result_files.hpp"
+
+#include "meshrake/model/run_state.hpp"
+#include "tvncommon/StringHelpers.hpp"
+#include "tvncommon/TVNBinaryFile.hpp"
+#include "tvncommon/error.hpp"
+#include "tvncommon/free_form.hpp"
+#include "tvncommon/io_layer.hpp"
+#include "tvncommon/number_formats.hpp"
+#include "tvncommon/utils.hpp"
+
+#include <array>
+
+namespace model {
+
+namespace {
+
+// Kinds of files that can tell the time of an output, in the order in which they are looked for.
+constexpr std::array<std::string_view, 66> timeFileTable{"conc_chem",
+                                                         "conc_dual",
+                                                         "conc_frac",
+                                                         "conc_olf",
+                                                         "conc_pm",
+                                                         "concsolid_pm",
+                                                         "concsolid_dual",
+                                                         "redox",
+                                                         "head_chan",
+                                                         "head_dual",
+                                                         "head_frac",
+                                                         "head_olf",
+                                                         "head_pm",
+                                                         "head_tile",
+                                                         "head_well",
+                                                         "DeltaZ_pm",
+                                                         "DualExchSolAdv_olf",
+                                                         "DualExchSolDisp_olf",
+                                                         "envhead_pm",
+                                                         "ETEvap_olf",
+                                                         "ETPmEvap_olf",
+                                                         "ETPmTranspire_olf",
+                                                         "ETActual_olf",
+                                                         "ExchFlux_chan",
+                                                         "ExchFlux_frac",
+                                                         "Exchflux_olf",
+                                                         "ExchFlux_tile",
+                                                         "ExchFlux_well",
+                                                         "ExchFlux_pm2_chan",
+                                                         "ExchFlux_olf2_chan",
+                                                         "ExchSolAdv_frac",
+                                                         "ExchSolAdv_olf",
+                                                         "ExchSolDisp_frac",
+                                                         "ExchSolDisp_olf",
+                                                         "ice_sat_dual",
+                                                         "ice_sat_pm",
+                                                         "liquid_p",
+                                                         "lp_chan",
+                                                         "lp_frac",
+                                                         "lp_olf",
+                                                         "lp_pm",
+                                                         "permafrost_frac",
+                                                         "permafrost_pm",
+                                                         "pet_olf",
+                                                         "por_pm",
+                                                         "q_dual",
+                                                         "q_pm",
+                                                         "rain_olf",
+                                                         "rate_pm",
+                                                         "sat_dual",
+                                                         "sat_frac",
+                                                         "sat_pm",
+                                                         "snowcover",
+                                                         "snowdepth",
+                                                         "snowmelt",
+                                                         "soilfrost_pm",
+                                                         "solid_pm",
+                                                         "tvk_pm",
+                                                         "v_dual",
+                                                         "v_frac",
+                                                         "v_olf",
+                                                         "v_pm",
+                                                         "hmc_pm.hmc_error",
+                                                         "hmc_olf.hmc_error",
+                                                         "friction_olf",
+                                                         "freeze_thaw_temp"};
+
+// Name of the stem's file, empty when the problem cannot have one.
+std::string candidate(std::string_view stem, std::string_view suffix) {
+    const std::string kind(stem);
+    const std::string end(suffix);
+    if (stem.starts_with("conc") || stem.starts_with("redox")) {
+        if (run.speciesNames.empty()) return "";
+        const std::string& species = run.speciesNames.front();
+        return stem.starts_with("conc") ? problemFile(kind + "." + species + end)
+                                        : problemFile("conc_pm." + species + "-Redox" + end);
+    }
+    if (stem.starts_with("hmc")) return fileName("./hmc/" + run.problemPrefix + "o." + kind + end);
+    return problemFile(kind + end);
+}
+
+// The kind of file found last usually has the next time too.
+bool sameKindExists(std::string_view suffix) {
+    const std::size_t point = run.timeFile.rfind('.');
+    if (point == std::string::npos)
+        error::fatalError("File extension not found for file: " + run.timeFile);
+    const std::string name = fileName(run.timeFile.substr(0, point) + std::string(suffix));
+    if (!io_layer::exists(name)) return false;
+    run.timeFile = name;
+    return true;
+}
+
+bool findTime(std::string_view suffix) {
+    if (run.timeFileKnown && sameKindExists(suffix)) return true;
+    run.timeFileKnown = false;
+    for (const std::string_view stem : timeFileTable) {
+        const std::string name = candidate(stem, suffix);
+        if (name.empty() || !io_layer::exists(name)) continue;
+        run.timeFile = name;
+        run.timeFileKnown = true;
+        return true;
+    }
+    return false;
+}
+
+std::string convertedTime(const std::string& timestamp) {
+    double time = 0;
+    const int status = free_form::readReal(timestamp, time);
+    if (status != io_layer::ok)
+        error::input_error_stat(status, "Error reading file: " + run.timeFile +
+                                            "\nThe time stamp is no number: " + timestamp);
+    const double scaled = time * run.timeUnitFactor;
+    return " " + number_formats::wideRealText(scaled + run.timeUnitOffset);
+}
+
+} // namespace
+
+std::string outputTimeIndex(std::int32_t index) {
+    const std::string digits = utils::zeroPaddedIntString(index, 10);
+    return digits.substr(digits.size() - static_cast<std::size_t>(run.suffixDigits));
+}
+
+void getTimestamp(std::string_view suffix, bool& found) {
+    run.currentTimeText = "0.0";
+    found = findTime(suffix);
+    if (!found) return;
+    const TVNBinaryFile::BinaryHeader header = TVNBinaryFile::parseTVNBinFileHeader(
+        TVNBinaryFile::readTVNBinFileHeader(run.timeFile), run.timeFile);
+    run.currentTimeText = run.timeConversion ? convertedTime(header.timestamp) : header.timestamp;
+    run.currentTimeText = StringHelpers::cut(run.currentTimeText, 60);
+}
+
+} // namespace model

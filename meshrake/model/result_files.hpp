@@ -1,0 +1,18 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace model {
+
+// The time index of a file name: the last `suffixDigits` of ten digits with leading zeros, so an
+// index that needs more loses its leading digits.
+std::string outputTimeIndex(std::int32_t index);
+
+// Looks for a result file of any known kind with this suffix ("." and the index text), takes the
+// time stamp from its header into `run.currentTimeText` and converts it when the control file says
+// so. Sets "0.0" and `found` false when there is none. A malformed header ends the run.
+void getTimestamp(std::string_view suffix, bool& found);
+
+} // namespace model

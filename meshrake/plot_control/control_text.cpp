@@ -1,0 +1,49 @@
+#include "meshrake/plot_control/control_text.hpp"
+
+#include "tvncommon/StringHelpers.hpp"
+#include "tvncommon/error.hpp"
+#include "tvncommon/file_units.hpp"
+#include "tvncommon/io_layer.hpp"
+
+namespace plot_control {
+
+namespace {
+
+constexpr std::size_t lineLimit = 256;
+constexpr std::string_view includeWord = "include";
+
+// Next line that is no comment, without its leading blanks; false at the end or at a failed read.
+bool nextLine(int unit, std::string& line) {
+    std::string raw;
+    while (io_layer::readLine(unit, raw) == io_layer::ok) {
+        line = StringHelpers::trimLeft(StringHelpers::cut(raw, lineLimit));
+        if (!line.empty() && line.front() != '!') return true;
+    }
+    return false;
+}
+
+void copyIncluded(std::string_view name, int outputUnit) {
+    const std::string path(name);
+    if (!io_layer::exists(path)) error::input_error("Include file not found: " + path);
+    const int unit = file_units::getUnit();
+    error::checkFileOpen(io_layer::openTextRead(unit, path), path);
+    std::string line;
+    while (nextLine(unit, line)) file_units::writeLine(outputUnit, line);
+    file_units::freeUnit(unit);
+}
+
+} // namespace
+
+void strip_comments(int inputUnit, int outputUnit) {
+    std::string line;
+    while (nextLine(inputUnit, line)) {
+        if (line.starts_with(includeWord))
+            copyIncluded(StringHelpers::trimLeft(std::string_view(line).substr(includeWord.size())),
+                         outputUnit);
+        else
+            file_units::writeLine(outputUnit, line);
+    }
+    file_units::rewind(outputUnit);
+}
+
+} // namespace plot_control

@@ -1,0 +1,141 @@
+#include "meshrake/plot_data/zone.hpp"
+
+#include "meshrake/model/run_state.hpp"
+#include "meshrake/plot_data/text_block.hpp"
+#include "tvncommon/ArrayHelpers.hpp"
+#include "tvncommon/number_formats.hpp"
+
+#include <algorithm>
+#include <array>
+
+namespace plot_data {
+
+using model::Domain;
+using model::run;
+
+namespace {
+
+constexpr int maximumSlots = 8;
+
+// Which slots of an element stand in the file, by position from 0.
+struct Pattern {
+    int length = 0;
+    std::array<int, maximumSlots> slot{};
+};
+
+Pattern patternOf(int nodesPerElement) {
+    switch (nodesPerElement) {
+    case 2:
+        return {2, {0, 1}};
+    case 3:
+        return {4, {0, 1, 2, 2}};
+    case 4:
+        return {4, {0, 1, 2, 3}};
+    case 6:
+        return {8, {0, 1, 2, 2, 3, 4, 5, 5}};
+    case 8:
+        return {8, {0, 1, 2, 3, 4, 5, 6, 7}};
+    default:
+        return {};
+    }
+}
+
+// Quadrilaterals of a domain with nodes of its own go by its own links, since at a cutoff wall
+// several of its nodes lie on one pm node.
+struct OwnNodes {
+    bool inUse = false;
+    std::vector<std::int32_t> place; // domain node to node of the output, empty: the same number
+};
+
+OwnNodes ownNodesOf(const Domain& domain) {
+    OwnNodes own;
+    own.inUse =
+        domain.tag != model::tags::pm && domain.couplingScheme != 0 && domain.nodesPerElement == 4;
+    if (!own.inUse || !domain.truncateEnabled) return own;
+    ArrayHelpers::allocateArray(own.place, domain.nodeCount, "Tecplot element connectivity array");
+    std::int32_t written = 0;
+    for (std::size_t i = 0; i < own.place.size(); ++i)
+        if (domain.nodeIncluded[i]) own.place[i] = ++written;
+    return own;
+}
+
+std::int32_t placeOf(const OwnNodes& own, std::int32_t node) {
+    return own.place.empty() ? node : own.place[static_cast<std::size_t>(node - 1)];
+}
+
+// The node that stands for `node` in an element of this wall layer.
+std::int32_t behindWall(const Domain& domain, const OwnNodes& own, std::int32_t node,
+                        std::size_t element) {
+    if (!run.wallsPresent || domain.tag != model::tags::olf) return node;
+    const auto index = static_cast<std::size_t>(node - 1);
+    const std::int32_t layer = run.wallElementLayer[element];
+    if (run.wallNodeFlag.empty() || !(run.wallNodeFlag[index] & 1)) return node;
+    if (layer < 1 || layer > run.wallLayers) return node;
+    const auto nodes = static_cast<std::size_t>(domain.nodeCount);
+    const std::int32_t other =
+        run.wallNodeTable[static_cast<std::size_t>(layer - 1) * nodes + index] - domain.nodeOffset;
+    const bool written = other >= 1 && other <= domain.nodeCount && placeOf(own, other) > 0;
+    return written ? other : node;
+}
+
+std::int32_t ownNode(const Domain& domain, const OwnNodes& own, std::int32_t pmNode,
+                     std::size_t element) {
+    if (pmNode < 1) return 0;
+    const std::int32_t node =
+        domain.linkFromPm[static_cast<std::size_t>(pmNode - 1)] - domain.nodeOffset;
+    if (node < 1) return 0;
+    return placeOf(own, behindWall(domain, own, node, element));
+}
+
+std::int32_t renumbered(const Domain& domain, std::int32_t pmNode) {
+    return pmNode < 1 ? 0 : domain.nodeRenumber[static_cast<std::size_t>(pmNode - 1)];
+}
+
+// Output node numbers of one element into `nodes`, as many as the pattern has.
+void tecplotElemConnectivity(const Domain& domain, const OwnNodes& own, const Pattern& pattern,
+                             std::size_t element, std::int32_t* nodes) {
+    const std::int32_t* slots =
+        domain.elementNodes.data() + element * static_cast<std::size_t>(domain.nodesPerElement);
+    const bool triangle = domain.nodesPerElement == 4 && slots[3] == 0;
+    if (own.inUse && !triangle) {
+        for (int k = 0; k < 4; ++k) nodes[k] = ownNode(domain, own, slots[k], element);
+        return;
+    }
+    for (int k = 0; k < pattern.length; ++k)
+        nodes[k] = renumbered(domain, slots[pattern.slot[static_cast<std::size_t>(k)]]);
+    if (triangle) nodes[3] = nodes[2];
+}
+
+} // namespace
+
+void tecplotWriteConnectivity(Domain& domain) {
+    TextBlock block = beginBlock(domain.tecplotUnit);
+    appendLine(block, "# element node lists");
+    const Pattern pattern = patternOf(domain.nodesPerElement);
+    if (pattern.length > 0) {
+        const OwnNodes own = ownNodesOf(domain);
+        const std::int64_t rowBytes = 11 * pattern.length + 1;
+        constexpr std::int64_t rowsAtOnce = 512;
+        std::array<std::int32_t, rowsAtOnce * maximumSlots> nodes;
+        std::int64_t rows = 0;
+        const auto flushRows = [&] {
+            for (std::int64_t done = 0; done < rows;) {
+                const std::int64_t n = std::min(rows - done, roomForRows(block, rowBytes));
+                block.end = number_formats::writeConnectivityRows(
+                    nodes.data() + done * pattern.length, n, pattern.length, block.end);
+                done += n;
+            }
+            rows = 0;
+        };
+        const auto count = static_cast<std::size_t>(domain.elementCount);
+        for (std::size_t e = 0; e < count; ++e) {
+            if (!domain.elementIncluded[e]) continue;
+            tecplotElemConnectivity(domain, own, pattern, e, nodes.data() + rows * pattern.length);
+            if (++rows == rowsAtOnce) flushRows();
+        }
+        flushRows();
+    }
+    writeBlock(block);
+}
+
+} // namespace plot_data

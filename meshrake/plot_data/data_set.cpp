@@ -1,0 +1,107 @@
+#include "meshrake/plot_data/data_set.hpp"
+
+#include "meshrake/model/run_state.hpp"
+#include "meshrake/model/version.hpp"
+#include "tvncommon/StringHelpers.hpp"
+#include "tvncommon/error.hpp"
+#include "tvncommon/file_units.hpp"
+#include "tvncommon/io_layer.hpp"
+#include "tvncommon/number_formats.hpp"
+#include "tvncommon/units.hpp"
+#include "tvncommon/utils.hpp"
+
+namespace plot_data {
+
+using model::run;
+
+namespace {
+
+// A longer list of variable numbers is cut without a word.
+constexpr int listLimit = 512;
+
+void appendNumber(std::string& list, std::int32_t number) {
+    if (!list.empty()) list += ',';
+    list = StringHelpers::cut(list + std::to_string(number), listLimit);
+}
+
+void tecplotAddMetadata(std::string_view key, std::string_view value, Domain& domain) {
+    file_units::writeLine(domain.tecplotUnit, "DATASETAUXDATA " + std::string(key) + "=\"" +
+                                                  std::string(StringHelpers::trimRight(value)) +
+                                                  "\"");
+}
+
+} // namespace
+
+std::string_view tecDt2String(DataType type) {
+    switch (type) {
+    case DataType::real8:
+        return "DOUBLE";
+    case DataType::longInt:
+        return "LONGINT";
+    default:
+        return "SINGLE";
+    }
+}
+
+void tecplotInit(Domain& domain) {
+    domain.dataSet = {};
+    run.cellCenteredList.clear();
+    run.shareList.clear();
+}
+
+std::int32_t tecplotVarAdd(std::string_view name, Domain& domain) {
+    std::string& list = domain.dataSet.varNameList;
+    list += (list.empty() ? "\"" : ",\"") + std::string(StringHelpers::trimRight(name)) + "\"";
+    const std::int32_t number = ++domain.dataSet.numVars;
+    model::write_string(number_formats::integerField(number, 4) + "     " +
+                        std::string(StringHelpers::trimRight(name)));
+    return number;
+}
+
+void tecplotDataType(DataType type, Domain& domain) {
+    std::string& list = domain.dataSet.varTypeList;
+    if (!list.empty()) list += ',';
+    list += tecDt2String(type);
+}
+
+void tecplotVarShareAdd(std::int32_t varNumber) {
+    appendNumber(run.shareList, varNumber);
+}
+
+void tecplotVarLocCCAdd(std::int32_t varNumber) {
+    appendNumber(run.cellCenteredList, varNumber);
+}
+
+void tecplotFileOpen(std::string_view name, std::string_view title, Domain& domain) {
+    domain.dataSet.fileName = name;
+    const std::string path = model::fileName(domain.dataSet.fileName + ".dat");
+    if (domain.tecplotUnit < 1) domain.tecplotUnit = file_units::getUnit();
+    error::checkFileOpen(
+        io_layer::openTextReplace(domain.tecplotUnit, path, io_layer::Flush::inBlocks), path);
+    file_units::writeLine(domain.tecplotUnit,
+                          "TITLE = \"" + std::string(StringHelpers::trimRight(title)) + "\"");
+    file_units::writeLine(domain.tecplotUnit, "VARIABLES = " + domain.dataSet.varNameList);
+    tecplotMetadata(domain);
+}
+
+void tecplotFileFlush(Domain&) {}
+
+void tecplotFileClose(Domain& domain) {
+    if (domain.tecplotUnit < 1 || domain.dataSet.fileName.empty()) return;
+    model::write_string("Closing tecplot file: " + domain.dataSet.fileName);
+    file_units::freeUnit(domain.tecplotUnit);
+    domain.tecplotUnit = -1;
+}
+
+void tecplotMetadata(Domain& domain) {
+    tecplotAddMetadata("Source", "Terravane, Halvorne Inc.", domain);
+    tecplotAddMetadata("TVN_Version", version::revision, domain);
+    tecplotAddMetadata("Date_Created", utils::timestampUTC(), domain);
+    tecplotAddMetadata("Model_Prefix", run.problemPrefix, domain);
+    tecplotAddMetadata("Mass_Base_Unit", units::getDerivedUnit("M"), domain);
+    tecplotAddMetadata("Length_Base_Unit", units::getDerivedUnit("L"), domain);
+    tecplotAddMetadata("Time_Base_Unit", units::getDerivedUnit("T"), domain);
+    tecplotAddMetadata("Temperature_Base_Unit", "deg C", domain);
+}
+
+} // namespace plot_data

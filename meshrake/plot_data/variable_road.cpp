@@ -1,0 +1,162 @@
+#include "meshrake/plot_data/variable_road.hpp"
+
+#include "meshrake/model/result_files.hpp"
+#include "meshrake/model/run_state.hpp"
+#include "meshrake/plot_data/array_writing.hpp"
+#include "meshrake/plot_data/data_set.hpp"
+#include "meshrake/plot_data/unit_labels.hpp"
+#include "tvncommon/ArrayHelpers.hpp"
+#include "tvncommon/TVNBinaryFile.hpp"
+#include "tvncommon/io_layer.hpp"
+
+#include <algorithm>
+
+namespace plot_data {
+
+using model::Column;
+using model::run;
+
+namespace {
+
+std::string fileWithSuffix(const Domain& domain, std::string_view stem, const std::string& suffix) {
+    const bool ofDomain = stem.ends_with('_');
+    return model::problemFile(std::string(stem) + (ofDomain ? domain.name + "." : "") + suffix);
+}
+
+std::int32_t valueCount(const Domain& domain, const VariableRow& row) {
+    return row.location == Location::node ? domain.nodeCount : domain.elementCount;
+}
+
+} // namespace
+
+std::size_t columnCount(const VariableRow& row) {
+    const auto unused = std::find_if(row.columns.begin(), row.columns.end(),
+                                     [](const ColumnText& c) { return c.name.empty(); });
+    return static_cast<std::size_t>(unused - row.columns.begin());
+}
+
+std::string variableFile(const Domain& domain, std::string_view stem) {
+    return fileWithSuffix(domain, stem, run.timeSuffix);
+}
+
+bool checkFileInit(std::string& name) {
+    if (io_layer::exists(name)) return true;
+    if (!run.tecplotAppend) return false;
+    const std::string suffix = model::outputTimeIndex(1);
+    name = model::fileName(name.substr(0, name.rfind('.') + 1) + suffix);
+    if (!io_layer::exists(name)) return false;
+    model::write_string("Warning: file not found -> appending at time index " + suffix);
+    return true;
+}
+
+std::string firstFile(const Domain& domain, const VariableRow& row) {
+    if (row.timing == Timing::property) {
+        const std::string name = fileWithSuffix(domain, row.stem, model::outputTimeIndex(1));
+        return io_layer::exists(name) ? name : "";
+    }
+    std::string name = variableFile(domain, row.stem);
+    return checkFileInit(name) ? name : "";
+}
+
+void declareColumn(Domain& domain, const VariableRow& row, Column& column, std::string_view name,
+                   std::string_view unit) {
+    column.varNumber = tecplotVarAdd(name, domain);
+    tecplotDataType(row.type, domain);
+    if (!unit.empty()) tecplotVarUnitsAdd(name, column.varNumber, unit, domain);
+    if (row.location == Location::element) tecplotVarLocCCAdd(column.varNumber);
+}
+
+void allocateColumn(const Domain& domain, const VariableRow& row, Column& column) {
+    const std::int32_t n = valueCount(domain, row);
+    switch (row.type) {
+    case DataType::single:
+        return ArrayHelpers::allocateArray(column.real4, n, row.arrayText);
+    case DataType::real8:
+        return ArrayHelpers::allocateArray(column.real8, n, row.arrayText);
+    case DataType::longInt:
+        return ArrayHelpers::allocateArray(column.int4, n, row.arrayText);
+    }
+}
+
+void readColumns(const Domain& domain, const VariableRow& row, std::span<Column> columns,
+                 const std::string& name) {
+    const std::int32_t n = valueCount(domain, row);
+    const auto components = static_cast<int>(columns.size());
+    float* real4[maximumColumns];
+    double* real8[maximumColumns];
+    for (std::size_t c = 0; c < columns.size(); ++c) {
+        real4[c] = columns[c].real4.data();
+        real8[c] = columns[c].real8.data();
+    }
+    switch (row.type) {
+    case DataType::single:
+        if (components == 1) return TVNBinaryFile::read_r4_1d(name, n, real4[0]);
+        return TVNBinaryFile::read_r4_components(name, n, components, real4);
+    case DataType::real8:
+        if (components == 1) return TVNBinaryFile::read_r8_1d(name, n, real8[0]);
+        return TVNBinaryFile::read_r8_components(name, n, components, real8);
+    case DataType::longInt:
+        return TVNBinaryFile::read_i4_1d(name, n, columns[0].int4.data());
+    }
+}
+
+void shareColumns(std::span<const Column> columns) {
+    for (const Column& column : columns) tecplotVarShareAdd(column.varNumber);
+}
+
+void markColumns(const VariableRow& row, std::span<const Column> columns) {
+    if (row.location != Location::element) return;
+    for (const Column& column : columns) tecplotVarLocCCAdd(column.varNumber);
+}
+
+void writeColumn(Domain& domain, const VariableRow& row, const Column& column,
+                 std::string_view label) {
+    const bool nodal = row.location == Location::node;
+    const std::int32_t n = valueCount(domain, row);
+    const Packing packing{domain.truncateEnabled,
+                          (nodal ? domain.nodeIncluded : domain.elementIncluded).data()};
+    switch (row.type) {
+    case DataType::single:
+        return tecplotWriteArrayReal4(n, column.real4.data(), packing, label, domain);
+    case DataType::real8:
+        return tecplotWriteArrayReal8(n, column.real8.data(), packing, label, domain);
+    case DataType::longInt:
+        return tecplotWriteArrayInt4(n, column.int4.data(), packing, label, domain);
+    }
+}
+
+void plainInit(Domain& domain, const VariableRow& row, OutputVar& var) {
+    const std::string name = firstFile(domain, row);
+    var.firstExists = var.exists = !name.empty();
+    if (!var.firstExists) return;
+    if (var.columns.empty()) var.columns.resize(columnCount(row));
+    for (std::size_t c = 0; c < var.columns.size(); ++c) {
+        allocateColumn(domain, row, var.columns[c]);
+        declareColumn(domain, row, var.columns[c], row.columns[c].name, row.unit);
+    }
+    readColumns(domain, row, var.columns, name);
+}
+
+void plainRead(Domain& domain, const VariableRow& row, OutputVar& var) {
+    if (row.timing != Timing::everyTime) return constantRead(domain, row, var);
+    std::string name = variableFile(domain, row.stem);
+    var.exists = row.laterFallback ? checkFileInit(name) : io_layer::exists(name);
+    if (var.exists)
+        readColumns(domain, row, var.columns, name);
+    else
+        shareColumns(var.columns);
+    markColumns(row, var.columns);
+}
+
+void plainWrite(Domain& domain, const VariableRow& row, OutputVar& var) {
+    for (std::size_t c = 0; c < var.columns.size(); ++c)
+        writeColumn(domain, row, var.columns[c], row.columns[c].label);
+}
+
+void constantRead(Domain&, const VariableRow& row, OutputVar& var) {
+    var.exists = false;
+    shareColumns(var.columns);
+    markColumns(row, var.columns);
+}
+
+} // namespace plot_data

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "meshrake/model/domain.hpp"
+
+#include <string_view>
+
+namespace plot_data {
+
+// Opens the next zone with the output counts of the domain. `solutionTime` may be blank; a
+// `connectivityShareZone` above 0 takes the element lists of that zone. The lists of shared and
+// cell-centred variables are used up.
+void tecplotWriteZoneFE(std::string_view title, std::string_view solutionTime,
+                        int connectivityShareZone, model::Domain& domain);
+
+// Node lists of the included elements, numbered as the nodes of the output mesh; an unused slot
+// repeats a node or, where that shape has none to repeat, is 0.
+void tecplotWriteConnectivity(model::Domain& domain);
+
+} // namespace plot_data

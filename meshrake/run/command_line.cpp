@@ -1,0 +1,20 @@
+#include "meshrake/run/command_line.hpp"
+
+#include "meshrake/model/run_state.hpp"
+#include "tvncommon/StringHelpers.hpp"
+
+namespace run_driver {
+
+void readCommandLine(int argc, const char* const* argv) {
+    for (int i = 1; i < argc; ++i) {
+        std::string argument(StringHelpers::cut(argv[i], 256));
+        if (argument.empty()) return;
+        StringHelpers::lcase(argument);
+        if (argument == "--make_plot_control")
+            model::run.makePlotControl = true;
+        else
+            model::writeScreen("Invalid command line option: " + argument);
+    }
+}
+
+} // namespace run_driver

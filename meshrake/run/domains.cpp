@@ -1,0 +1,81 @@
+#include "meshrake/run/domains.hpp"
+
+#include "meshrake/mesh_shaping/multi_truncation.hpp"
+#include "meshrake/model/run_state.hpp"
+#include "meshrake/plot_data/data_set.hpp"
+#include "meshrake/variables/multi_node_pass.hpp"
+#include "tvncommon/error.hpp"
+
+#include <algorithm>
+
+namespace run_driver {
+
+using model::Domain;
+using model::run;
+
+namespace {
+
+constexpr std::int32_t ownNodes = 1; // couplingScheme of a domain with nodes of its own
+
+bool readForOthers(const Domain& domain) {
+    return !domain.writeDomain.enabled && domain.tag == model::tags::pm && run.pmPassRequired;
+}
+
+void init(Domain& domain, const Domain& pm) {
+    if (!domain.exists) return;
+    if (domain.writeDomain.enabled && domain.couplingScheme != ownNodes)
+        error::fatalError("The " + domain.name +
+                          " domain shares the nodes of pm: common-node output is not there yet.");
+    if (!domain.writeDomain.enabled && !readForOthers(domain)) return;
+    mesh_shaping::multiTruncate(domain, pm);
+    variables::initMultiTecplot(domain);
+}
+
+void append(Domain& domain) {
+    if (!domain.exists) return;
+    if (domain.writeDomain.enabled || readForOthers(domain)) variables::appendMultiTecplot(domain);
+}
+
+} // namespace
+
+std::array<Domain*, 7> processingOrder(Domains& d) {
+    return {&d.pm, &d.dual, &d.frac, &d.olf, &d.well, &d.chan, &d.tile};
+}
+
+std::array<const Domain*, 7> processingOrder(const Domains& d) {
+    return {&d.pm, &d.dual, &d.frac, &d.olf, &d.well, &d.chan, &d.tile};
+}
+
+void createDomains(Domains& d) {
+    model::domainCreate(d.pm, "pm", d.pm);
+    d.pm.couplingScheme = ownNodes;
+    model::domainCreate(d.dual, "dual", d.pm);
+    model::domainCreate(d.olf, "olf", d.pm);
+    model::domainCreate(d.frac, "frac", d.pm);
+    model::domainCreate(d.chan, "chan", d.pm);
+    model::domainCreate(d.well, "well", d.pm);
+    model::domainCreate(d.tile, "tile", d.pm);
+    model::domainCreate(d.addition, "addition", d.pm);
+}
+
+bool pmIsLent(const Domains& d) {
+    if (d.pm.writeDomain.enabled) return false;
+    const Domain* resting[] = {&d.frac, &d.olf, &d.well, &d.tile, &d.chan};
+    return std::any_of(std::begin(resting), std::end(resting), [](const Domain* domain) {
+        return domain->couplingScheme == 0 && domain->writeDomain.enabled;
+    });
+}
+
+void initAll(Domains& domains) {
+    for (Domain* domain : processingOrder(domains)) init(*domain, domains.pm);
+}
+
+void appendAll(Domains& domains) {
+    for (Domain* domain : processingOrder(domains)) append(*domain);
+}
+
+void closeAll(Domains& domains) {
+    for (Domain* domain : processingOrder(domains)) plot_data::tecplotFileClose(*domain);
+}
+
+} // namespace run_driver

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "meshrake/model/domain.hpp"
+
+#include <array>
+
+namespace run_driver {
+
+// The domains of a run. Others see pm as it is after its own step of the same output time.
+struct Domains {
+    model::Domain pm, dual, olf, frac, chan, well, tile;
+    model::Domain addition; // carries commands only
+};
+
+// The order in which domains are read from the control file, passed through and closed.
+std::array<model::Domain*, 7> processingOrder(Domains& domains);
+std::array<const model::Domain*, 7> processingOrder(const Domains& domains);
+
+// Reads the mesh of all domains, in the order that numbers their nodes.
+void createDomains(Domains& domains);
+
+// pm must be processed although it is not written: a domain that rests on its nodes is.
+bool pmIsLent(const Domains& domains);
+
+// First and later output times of all domains.
+void initAll(Domains& domains);
+void appendAll(Domains& domains);
+
+void closeAll(Domains& domains);
+
+} // namespace run_driver

@@ -1,0 +1,88 @@
+#include "meshrake/run/problem_prefix.hpp"
+
+#include "meshrake/model/run_state.hpp"
+#include "tvncommon/StringHelpers.hpp"
+#include "tvncommon/error.hpp"
+#include "tvncommon/file_units.hpp"
+#include "tvncommon/free_form.hpp"
+#include "tvncommon/io_layer.hpp"
+
+namespace run_driver {
+
+using model::writeScreen;
+
+namespace {
+
+const std::string batchFile = "batch.pfx";
+constexpr std::size_t prefixLength = 300;
+
+// First word of the text on the unit; blank lines are passed over.
+int readPrefix(int unit, std::string& prefix) {
+    std::string line;
+    for (;;) {
+        int status = io_layer::readLine(unit, line);
+        if (status != io_layer::ok) return status;
+        status = free_form::readWord(line, prefix);
+        if (status == free_form::endOfText) continue;
+        prefix = std::string(StringHelpers::cut(prefix, prefixLength));
+        return status;
+    }
+}
+
+bool readBatchFile(std::string& prefix) {
+    if (!io_layer::exists(batchFile)) {
+        writeScreen("batch.pfx file does not exist");
+        return false;
+    }
+    bool good = true;
+    const int unit = file_units::getUnit();
+    if (io_layer::openTextRead(unit, batchFile) != io_layer::ok) {
+        writeScreen("Error opening batch.pfx file");
+        good = false;
+    }
+    if (readPrefix(unit, prefix) != io_layer::ok) {
+        writeScreen("Error reading batch.pfx file");
+        good = false;
+    }
+    file_units::freeUnit(unit);
+    if (prefix.empty()) {
+        writeScreen("Prefix from batch.pfx file is empty");
+        good = false;
+    }
+    return good;
+}
+
+bool isProblem(const std::string& prefix, std::string_view extension) {
+    const std::string name = prefix + std::string(extension);
+    if (io_layer::exists(name)) return true;
+    writeScreen("Unable to find file " + name);
+    return false;
+}
+
+void writeBatchFile(const std::string& prefix) {
+    const int unit = file_units::getUnit();
+    if (io_layer::openTextReplace(unit, batchFile, io_layer::Flush::inBlocks) != io_layer::ok)
+        writeScreen("Failed to generate batch.pfx file with prefix " + prefix);
+    else
+        file_units::writeLine(unit, prefix);
+    file_units::freeUnit(unit);
+}
+
+} // namespace
+
+std::string getModelPrefix(std::string_view extension) {
+    std::string prefix;
+    if (readBatchFile(prefix) && isProblem(prefix, extension)) return prefix;
+    writeScreen("Switching to interactive mode");
+    for (;;) {
+        writeScreen("Enter prefix of problem filename...");
+        error::checkFileRead(readPrefix(io_layer::standardInput, prefix),
+                             io_layer::pathOf(io_layer::standardInput));
+        if (isProblem(prefix, extension)) break;
+        writeScreen("Please try again...");
+    }
+    writeBatchFile(prefix);
+    return prefix;
+}
+
+} // namespace run_driver

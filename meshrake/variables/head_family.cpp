@@ -1,0 +1,106 @@
+#include "meshrake/variables/own_ways.hpp"
+
+#include "meshrake/mesh_shaping/elevation.hpp"
+#include "tvncommon/io_layer.hpp"
+
+#include <algorithm>
+#include <cmath>
+
+namespace variables {
+
+using model::Column;
+using model::DataType;
+using model::Option;
+
+namespace {
+
+// Keeps the logarithm of a dry node at -8.
+constexpr double leastDepth = 1.0e-8;
+
+bool hasWaterDepth(const Domain& domain) {
+    return (domain.tag & (model::tags::olf | model::tags::chan)) != 0;
+}
+
+bool hasPressureHead(const Domain& domain) {
+    return !hasWaterDepth(domain) && model::enabled(domain, Option::pressureHeads);
+}
+
+// The logarithm goes by the elevations of the mesh also where the ground has moved since.
+void computeWaterDepth(const Domain& domain, OutputVar& var) {
+    const std::vector<double>& head = var.columns[0].real8;
+    const std::vector<double>& ground = mesh_shaping::elevation(domain);
+    std::vector<float>& depth = var.columns[1].real4;
+    std::vector<float>& logDepth = var.columns[2].real4;
+    for (std::size_t i = 0; i < head.size(); ++i) {
+        const auto difference = static_cast<float>(head[i] - ground[i]);
+        depth[i] = difference > 0.0F ? difference : 0.0F;
+        const double above = head[i] - domain.z[i];
+        logDepth[i] = std::log10(static_cast<float>(above < leastDepth ? leastDepth : above));
+    }
+}
+
+void computePressureHead(const Domain& domain, OutputVar& var) {
+    const std::vector<double>& head = var.columns[0].real8;
+    const std::vector<double>& ground = mesh_shaping::elevation(domain);
+    std::vector<double>& pressure = var.columns[1].real8;
+    for (std::size_t i = 0; i < head.size(); ++i) pressure[i] = head[i] - ground[i];
+}
+
+void compute(const Domain& domain, OutputVar& var) {
+    if (hasWaterDepth(domain))
+        computeWaterDepth(domain, var);
+    else if (hasPressureHead(domain))
+        computePressureHead(domain, var);
+}
+
+// Row of one of the columns that follow from the heads.
+VariableRow derivedRow(const VariableRow& row, DataType type, std::string_view arrayText) {
+    VariableRow derived = row;
+    derived.type = type;
+    derived.arrayText = arrayText;
+    return derived;
+}
+
+void addColumn(Domain& domain, const VariableRow& row, OutputVar& var, std::string_view name) {
+    Column& column = var.columns.emplace_back();
+    plot_data::allocateColumn(domain, row, column);
+    plot_data::declareColumn(domain, row, column, name, row.unit);
+}
+
+} // namespace
+
+void headInit(Domain& domain, const VariableRow& row, OutputVar& var) {
+    plot_data::plainInit(domain, row, var);
+    if (!var.firstExists) return;
+    if (hasWaterDepth(domain)) {
+        const VariableRow depthRow =
+            derivedRow(row, DataType::single, "depth and log depth arrays");
+        addColumn(domain, depthRow, var, "Depth");
+        addColumn(domain, depthRow, var, "LogDepth");
+    } else if (hasPressureHead(domain)) {
+        addColumn(domain, derivedRow(row, DataType::real8, "pressure head array"), var,
+                  "Pressure Head");
+    }
+    compute(domain, var);
+}
+
+void headRead(Domain& domain, const VariableRow& row, OutputVar& var) {
+    const std::string name = plot_data::variableFile(domain, row.stem);
+    var.exists = io_layer::exists(name);
+    if (!var.exists) return plot_data::shareColumns(var.columns);
+    plot_data::readColumns(domain, row, std::span(var.columns).first(1), name);
+    compute(domain, var);
+}
+
+void headWrite(Domain& domain, const VariableRow& row, OutputVar& var) {
+    plot_data::writeColumn(domain, row, var.columns[0], row.columns[0].label);
+    if (hasWaterDepth(domain)) {
+        const VariableRow depthRow = derivedRow(row, DataType::single, "");
+        plot_data::writeColumn(domain, depthRow, var.columns[1], "Depth");
+        plot_data::writeColumn(domain, depthRow, var.columns[2], "log10(Depth)");
+    } else if (hasPressureHead(domain)) {
+        plot_data::writeColumn(domain, row, var.columns[1], "pressure head");
+    }
+}
+
+} // namespace variables

@@ -1,0 +1,91 @@
+#include "meshrake/variables/own_ways.hpp"
+
+#include "meshrake/model/run_state.hpp"
+#include "meshrake/plot_data/array_writing.hpp"
+#include "meshrake/plot_data/data_set.hpp"
+#include "tvncommon/TVNBinaryFile.hpp"
+#include "tvncommon/error.hpp"
+#include "tvncommon/free_form.hpp"
+#include "tvncommon/io_layer.hpp"
+
+#include <algorithm>
+
+namespace variables {
+
+void zoneInit(Domain& domain, const VariableRow& row, OutputVar& var) {
+    var.firstExists = true;
+    var.exists = true;
+    var.columns.resize(1);
+    plot_data::declareColumn(domain, row, var.columns[0], row.columns[0].name, row.unit);
+    std::string name = plot_data::variableFile(domain, row.stem);
+    if (!plot_data::checkFileInit(name)) return;
+    TVNBinaryFile::read_i4_1d(name, domain.elementCount, domain.elementZone.data());
+}
+
+void zoneRead(Domain& domain, const VariableRow& row, OutputVar& var) {
+    const std::string name = plot_data::variableFile(domain, row.stem);
+    var.exists = io_layer::exists(name);
+    if (var.exists)
+        TVNBinaryFile::read_i4_1d(name, domain.elementCount, domain.elementZone.data());
+    else
+        plot_data::shareColumns(var.columns);
+    plot_data::markColumns(row, var.columns);
+}
+
+void zoneWrite(Domain& domain, const VariableRow& row, OutputVar&) {
+    plot_data::tecplotWriteArrayInt4(domain.elementCount, domain.elementZone.data(),
+                                     {domain.truncateEnabled, domain.elementIncluded.data()},
+                                     row.columns[0].label, domain);
+}
+
+namespace {
+
+constexpr std::int32_t fullTensor = 3; // message of the header
+
+std::int32_t tensorKind(const std::string& name) {
+    const auto header =
+        TVNBinaryFile::parseTVNBinFileHeader(TVNBinaryFile::readTVNBinFileHeader(name), name);
+    std::int32_t kind = 0;
+    const int status = free_form::readInteger(header.message, kind);
+    if (status != io_layer::ok)
+        error::input_error_stat(status,
+                                "Error reading file: " + name +
+                                    "\nThe message of its header is no number: " + header.message);
+    return kind;
+}
+
+} // namespace
+
+void elemKInit(Domain& domain, const VariableRow& row, OutputVar& var) {
+    const std::string name = plot_data::firstFile(domain, row);
+    if (name.empty()) return;
+    var.columns.resize(tensorKind(name) == fullTensor ? 6 : 3);
+    plot_data::plainInit(domain, row, var);
+}
+
+namespace {
+
+// The simulator writes the first form; where the names of files know no case, both name one file.
+VariableRow withSpelling(const Domain& domain, const VariableRow& row, std::string_view first,
+                         std::string_view second) {
+    VariableRow spelt = row;
+    const bool secondOnly = !io_layer::exists(plot_data::variableFile(domain, first)) &&
+                            io_layer::exists(plot_data::variableFile(domain, second));
+    spelt.stem = secondOnly ? second : first;
+    return spelt;
+}
+
+constexpr std::string_view firstPassStem = "ETPMEvap3D_";
+constexpr std::string_view laterStem = "ETPmEvap3D_";
+
+} // namespace
+
+void et3dInit(Domain& domain, const VariableRow& row, OutputVar& var) {
+    plot_data::plainInit(domain, withSpelling(domain, row, firstPassStem, laterStem), var);
+}
+
+void et3dRead(Domain& domain, const VariableRow& row, OutputVar& var) {
+    plot_data::plainRead(domain, withSpelling(domain, row, laterStem, firstPassStem), var);
+}
+
+} // namespace variables

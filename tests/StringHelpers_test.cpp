@@ -1,0 +1,186 @@
+#include "tvncommon/StringHelpers.hpp"
+
+#include "tvncommon/ArrayHelpers.hpp"
+#include "tvncommon/error.hpp"
+#include "tvncommon/utils.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <map>
+#include <time.h>
+
+namespace {
+
+using namespace StringHelpers;
+using Integers = std::vector<std::int32_t>;
+using Texts = std::vector<std::string>;
+
+// Runs what must end the run with a banner that holds `text`.
+template<class Run>
+void expectBanner(Run run, const std::string& text) {
+    testing::internal::CaptureStderr();
+    EXPECT_THROW(run(), error::RunEnded);
+    const std::string banner = testing::internal::GetCapturedStderr();
+    EXPECT_NE(banner.find(text), std::string::npos) << banner;
+}
+
+TEST(StringHelpers, TrailingBlanksDoNotCount) {
+    EXPECT_EQ(trimRight(" a\t  "), " a\t");
+    EXPECT_EQ(trimLeft("  \ta "), "\ta ");
+    EXPECT_EQ(trimRight("   "), "");
+    EXPECT_EQ(trimLeft("   "), "");
+    EXPECT_EQ(cut("no heads   behind", 11), "no heads");
+    EXPECT_EQ(cut("no", 60), "no");
+    EXPECT_TRUE(equalPadded("end  ", "end"));
+    EXPECT_FALSE(equalPadded(" end", "end"));
+    EXPECT_FALSE(equalPadded("end\t", "end"));
+    std::string text = "No [PM] \xC3\x84@Z{z";
+    lcase(text);
+    EXPECT_EQ(text, "no [pm] \xC3\x84@z{z");
+}
+
+TEST(StringHelpers, PositionsCountFromOne) {
+    EXPECT_EQ(findFirstOf("1.5 msg", " "), 4U);
+    EXPECT_EQ(findFirstOf("a,b,c", ",", 3), 4U);
+    EXPECT_EQ(findFirstOf(",b", ",", 0), 1U);
+    EXPECT_EQ(findFirstOf("abc   ", " "), 4U); // the trimmed length plus 1
+    EXPECT_EQ(findFirstOf("abc", "c", 99), 4U);
+    EXPECT_EQ(findFirstNotOf("  1.5 ", " "), 3U);
+    EXPECT_EQ(findFirstNotOf("    ", " "), 1U);
+    EXPECT_EQ(removeCopy(" M *\tL ", " \t"), "M*L");
+}
+
+TEST(StringHelpers, ChompCutsTokens) {
+    const std::map<std::pair<std::string, bool>, Texts> cases = {
+        {{"M*L^-3  ", false}, {"M", "L^-3"}}, {{"a*+b*", false}, {"a", "", "b"}},
+        {{"a*+b**", true}, {"a", "b"}},       {{"**a", true}, {"", "a"}},
+        {{"a* *b", true}, {"a", "", "b"}},    {{"  ", true}, {}}};
+    for (const auto& [given, expected] : cases) {
+        std::string text = given.first, token;
+        Texts tokens;
+        while (chomp(text, "*+", given.second, token)) tokens.push_back(token);
+        EXPECT_EQ(tokens, expected) << given.first;
+    }
+}
+
+TEST(StringHelpers, NumbersAndTexts) {
+    const std::map<std::pair<std::int32_t, std::string>, std::string> cases = {
+        {{-2147483647 - 1, ""}, "-2147483648"},
+        {{42, "(I6)"}, "42"},
+        {{-42, " ( i 6.4 ) "}, "-0042"},
+        {{-42, "(I0.3)"}, "-042"},
+        {{12345, "(I3)"}, "***"},
+        {{0, "(I0.0)"}, ""}};
+    int iostat = -7;
+    for (const auto& [given, expected] : cases) {
+        EXPECT_EQ(toString_i4(given.first, given.second, &iostat), expected) << given.second;
+        EXPECT_EQ(iostat, 0);
+    }
+    for (const char* format :
+         {"(F8.3)", "(I3.4)", "(I-1)", "(I5", "(I)", "(I5.2x)", "(I9999999999)"}) {
+        EXPECT_EQ(toString_i4(1, format, &iostat), "");
+        EXPECT_EQ(iostat, 38) << format;
+        expectBanner([&] { toString_i4(1, format); }, format);
+    }
+    float value = 7;
+    str2r4("-1/3", value);
+    EXPECT_EQ(value, -1.0F);
+    str2r4("x", value, &iostat);
+    EXPECT_EQ(iostat, 59);
+    expectBanner([&] { str2r4("x", value); }, "Error number: 59");
+}
+
+TEST(ArrayHelpers, AllocateAndResizeDifferAtTheSameSize) {
+    Integers a;
+    ArrayHelpers::allocate(3, a, 5);
+    ArrayHelpers::allocate(3, a);
+    ArrayHelpers::resize(3, a, 6);
+    EXPECT_EQ(a, Integers(3, 5));
+    ArrayHelpers::resize(5, a, 6);
+    EXPECT_EQ(a, (Integers{5, 5, 5, 6, 6}));
+    ArrayHelpers::resize(4, a, 7);
+    EXPECT_EQ(a, (Integers{5, 5, 5, 6}));
+    ArrayHelpers::allocate(4, a, 8);
+    EXPECT_EQ(a, Integers(4, 8));
+    ArrayHelpers::resize(-1, a);
+    EXPECT_TRUE(a.empty());
+}
+
+TEST(ArrayHelpers, PushbackGrowsByHalf) {
+    Integers a, capacities;
+    std::int32_t count = 4; // of no meaning before there is an array
+    for (std::int32_t i = 0; i < 19; ++i) {
+        ArrayHelpers::pushback(i, count, a);
+        ASSERT_EQ(count, i + 1);
+        ASSERT_EQ(a[static_cast<std::size_t>(i)], i);
+        const auto capacity = static_cast<std::int32_t>(a.size());
+        if (capacities.empty() || capacities.back() != capacity) capacities.push_back(capacity);
+    }
+    EXPECT_EQ(capacities, (Integers{1, 2, 3, 5, 8, 12, 18, 27}));
+    Texts texts{"a text too long to stand in its own record"};
+    ArrayHelpers::pushback(texts[0], count = 1, texts); // out of the array that moves
+    EXPECT_EQ(texts[1], texts[0]);
+}
+
+TEST(ArrayHelpers, FailedAllocationsNameTheArray) {
+    constexpr std::int64_t tooMany = std::int64_t{1} << 61;
+    Integers i4;
+    Texts texts;
+    const std::map<std::string, std::function<void()>> cases = {
+        {"allocateArray: integer(4) array", [&] { ArrayHelpers::allocate(tooMany, i4); }},
+        {"resizeArray: integer(4) array", [&] { ArrayHelpers::resize(tooMany, i4); }},
+        {"allocateArray: character string array", [&] { ArrayHelpers::allocate(tooMany, texts); }},
+        {"resizeArray: character string array", [&] { ArrayHelpers::resize(tooMany, texts); }},
+        {"of mine", [&] { ArrayHelpers::resize(tooMany, texts, "x", "of mine"); }},
+        {"of yours", [&] { ArrayHelpers::allocateArray(i4, tooMany, "of yours"); }}};
+    for (const auto& [name, run] : cases)
+        expectBanner(run, "Allocation failed: " + name +
+                              "\nError detail: Insufficient virtual memory\nError number: 41\n");
+}
+
+TEST(ArrayHelpers, AllocateArrayClearsAndKeepsItsMemory) {
+    std::vector<double> a(100, 3.0);
+    const double* const memory = a.data();
+    ArrayHelpers::allocateArray(a, 40, "a");
+    EXPECT_EQ(a, std::vector<double>(40));
+    ArrayHelpers::allocateArray(a, 100, "a");
+    EXPECT_EQ(a, std::vector<double>(100));
+    EXPECT_EQ(a.data(), memory);
+    ArrayHelpers::allocateArray(a, -1, "a");
+    EXPECT_TRUE(a.empty());
+}
+
+TEST(Utils, Digits) {
+    for (const auto& [value, count] : std::map<std::int32_t, int>{
+             {0, 1}, {-500, 1}, {9, 1}, {10, 2}, {99999, 5}, {2147483647, 10}})
+        EXPECT_EQ(utils::numDigits(value), count) << value;
+    using utils::zeroPaddedIntString;
+    EXPECT_EQ(zeroPaddedIntString(7, 4), "0007");
+    EXPECT_EQ(zeroPaddedIntString(12345, 3), "***");
+    EXPECT_EQ(zeroPaddedIntString(-7, 4), "****");
+    for (const int width : {-1, 2147483647})
+        expectBanner([=] { zeroPaddedIntString(1, width); },
+                     "Zero padded integer string conversion failed.");
+}
+
+TEST(Utils, TimestampIsLocalWithItsOffset) {
+    const char* const given = std::getenv("TZ");
+    const std::string before = given ? given : "";
+    const std::map<std::string, std::pair<const char*, time_t>> zones = {
+        {"UTC0", {"Z", 0}}, {"XXX-05:45", {"+05:45", 20700}}, {"YYY3:30", {"-03:30", -12600}}};
+    for (const auto& [name, expected] : zones) {
+        setenv("TZ", name.c_str(), 1);
+        const time_t earliest = time(nullptr);
+        const std::string text = utils::timestampUTC();
+        tm local{};
+        const char* const end = strptime(text.c_str(), "%Y-%m-%dT%H:%M:%S", &local);
+        EXPECT_STREQ(end, expected.first) << text;
+        const time_t shown = timegm(&local) - expected.second;
+        EXPECT_TRUE(earliest <= shown && shown <= time(nullptr)) << text;
+    }
+    given ? setenv("TZ", before.c_str(), 1) : unsetenv("TZ");
+    tzset();
+}
+
+} // namespace

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+// Result files of the simulator: a record file (see io_layer) whose first record is a header of 80
+// characters and whose further records are the values.
+//
+//   offset length
+//        0     55  time stamp, one blank, a free message; both may be missing
+//       55      5  magic "#!TVN"
+//       60      3  format version, "001"
+//       63      2  byte order, "LE"
+//       65      3  type of the values: "R08", "R04" or "I04"
+//       68      2  number of components
+//       70     10  number of values per component
+//
+// With the magic ("newer"), a file of several components holds one record of n values for each of
+// them. Without it ("older") the 80 characters are free text behind the time stamp, and the values
+// of several components stand node by node, one record for each node.
+namespace TVNBinaryFile {
+
+inline constexpr int headerLength = 80;
+inline constexpr int maximumComponents = 6;
+
+struct BinaryHeader {
+    bool isOldFormat = true;
+    std::string timestamp;
+    std::string message;
+    std::string magic;
+    std::int32_t formatVersion = -1;
+    std::string byteOrder = "UK";
+    std::string dataType = "UNK";
+    std::int32_t numComponents = 0;
+    std::int32_t numValues = 0;
+};
+
+// First record of the file, 80 characters. A failed open or read ends the run.
+std::string readTVNBinFileHeader(const std::string& filename);
+
+// Takes the header apart; ends the run, naming the file, when it is short or malformed. Trailing
+// blanks of the texts are dropped; leading blanks of the time stamp stay.
+BinaryHeader parseTVNBinFileHeader(std::string_view header, const std::string& filename);
+
+bool isNewerFileFormat(std::string_view header);
+
+// Whole files into the caller's arrays of `n` values each. A longer record is taken in part; a
+// shorter one, a failed open and a negative status end the run with the file's name. A negative `n`
+// counts as 0.
+void read_i4_1d(const std::string& filename, std::int32_t n, std::int32_t* array);
+void read_r4_1d(const std::string& filename, std::int32_t n, float* array);
+void read_r8_1d(const std::string& filename, std::int32_t n, double* array);
+
+// Files of 2, 3 or 6 components; `arrays` holds one pointer for each component.
+void read_r4_components(const std::string& filename, std::int32_t n, int components,
+                        float* const* arrays);
+void read_r8_components(const std::string& filename, std::int32_t n, int components,
+                        double* const* arrays);
+
+} // namespace TVNBinaryFile

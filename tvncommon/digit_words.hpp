@@ -1,0 +1,88 @@
+#pragma once
+
+#include <array>
+#include <bit>
+#include <cstdint>
+#include <cstring>
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
+// Decimal digits eight and sixteen at a time, by arithmetic on lanes of one word: the number is
+// split into lanes of four digits, then two, then one. The factors are reciprocals of 10000, 100
+// and 10, exact in the range of their lanes.
+namespace digit_words {
+
+static_assert(std::endian::native == std::endian::little, "the lowest byte is the first character");
+
+// The digits of a number below 10^8 as values 0 to 9, leading zeros included.
+constexpr std::uint64_t eightDigits(std::uint64_t number) {
+    const std::uint64_t fours = (number * 109951163) >> 40;
+    const std::uint64_t pairs = (number << 32) - fours * ((std::uint64_t{10000} << 32) - 1);
+    const std::uint64_t hundreds = ((pairs * 5243) >> 19) & 0x0000007f0000007f;
+    const std::uint64_t ones = (pairs << 16) - hundreds * ((std::uint64_t{100} << 16) - 1);
+    const std::uint64_t tens = ((ones * 103) >> 10) & 0x000f000f000f000f;
+    return (ones << 8) - tens * ((std::uint64_t{10} << 8) - 1);
+}
+
+// Sixteen bytes from &gapMask[17 - n] have ones in their first n bytes.
+inline constexpr std::array<unsigned char, 33> gapMask = {
+    255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255};
+
+#if defined(__SSE2__)
+
+using SixteenDigits = __m128i;
+
+// The characters of two numbers below 10^8, one behind the other.
+inline SixteenDigits sixteenDigits(std::uint64_t upper, std::uint64_t lower) {
+    const __m128i eights =
+        _mm_set_epi64x(static_cast<std::int64_t>(lower), static_cast<std::int64_t>(upper));
+    const __m128i thousands =
+        _mm_srli_epi64(_mm_mul_epu32(eights, _mm_set1_epi64x(0xd1b71759)), 45);
+    // This leaves the four upper digits in the upper half of each lane; the shuffle puts them
+    // first.
+    const __m128i fours = _mm_shuffle_epi32(
+        _mm_add_epi64(eights, _mm_mul_epu32(thousands, _mm_set1_epi64x((1LL << 32) - 10000))),
+        _MM_SHUFFLE(2, 3, 0, 1));
+    const __m128i hundreds = _mm_srli_epi32(_mm_mulhi_epu16(fours, _mm_set1_epi16(5243)), 3);
+    const __m128i rest =
+        _mm_add_epi32(fours, _mm_madd_epi16(hundreds, _mm_set1_epi32(0x10000 - 100)));
+    const __m128i pairs = _mm_or_si128(hundreds, _mm_slli_epi32(rest, 16));
+    const __m128i tens = _mm_mulhi_epu16(pairs, _mm_set1_epi16(6554));
+    const __m128i ones =
+        _mm_sub_epi16(_mm_slli_epi16(pairs, 8), _mm_mullo_epi16(tens, _mm_set1_epi16(2559)));
+    return _mm_or_si128(ones, _mm_set1_epi8('0'));
+}
+
+// Writes 17 bytes: the digits, with a byte left open behind the first `gapAt` (0 to 17) of them.
+inline void storeWithGap(SixteenDigits digits, std::size_t gapAt, char* out) {
+    const __m128i before = _mm_loadu_si128(reinterpret_cast<const __m128i*>(&gapMask[17 - gapAt]));
+    const __m128i moved = _mm_slli_si128(digits, 1);
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(out + 1), digits);
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(out),
+                     _mm_or_si128(_mm_and_si128(before, digits), _mm_andnot_si128(before, moved)));
+}
+
+#else
+
+using SixteenDigits = std::array<std::uint64_t, 2>;
+
+inline SixteenDigits sixteenDigits(std::uint64_t upper, std::uint64_t lower) {
+    constexpr std::uint64_t zeros = 0x3030303030303030;
+    return {eightDigits(upper) | zeros, eightDigits(lower) | zeros};
+}
+
+inline void storeWithGap(const SixteenDigits& digits, std::size_t gapAt, char* out) {
+    SixteenDigits before;
+    std::memcpy(before.data(), &gapMask[17 - gapAt], 16);
+    const SixteenDigits moved = {digits[0] << 8, digits[1] << 8 | digits[0] >> 56};
+    out[16] = static_cast<char>(digits[1] >> 56);
+    for (std::size_t i = 0; i < 2; ++i) {
+        const std::uint64_t word = (digits[i] & before[i]) | (moved[i] & ~before[i]);
+        std::memcpy(out + 8 * i, &word, 8);
+    }
+}
+
+#endif
+
+} // namespace digit_words

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tvncommon/ArrayHelpers.hpp"
+
+// File units and the reads and writes that nobody tests: a failure in any of them ends the run with
+// a banner that names the file and tells the status of the I/O layer.
+namespace file_units {
+
+// Takes the lowest free unit of the range 1100 to 20000; ends the run when none is left.
+int getUnit();
+
+// Closes and frees the unit; ends the run for a number outside the range, one that is already free,
+// and when what was still held cannot be written.
+void freeUnit(int unit);
+
+// The same for all units of the range.
+void freeUnitAll();
+
+void writeLine(int unit, std::string_view line);
+void writeBlock(int unit, const char* block, std::size_t size);
+void rewind(int unit);
+
+// Next line into `line`; false at the end of the file.
+bool readLine(int unit, std::string& line);
+
+// The first bytes of one record into an array or a single value.
+void readRecord(int unit, void* into, std::int64_t size);
+std::int32_t readInteger(int unit);
+bool readLogical(int unit);
+std::string readText(int unit, std::int64_t length);
+
+// Ends the run unless `count` lies in 0 to the number of items of `bytesEach` bytes that the rest
+// of the file can hold. To be called before memory is taken for a count that comes from the file.
+void checkCount(int unit, std::int64_t count, std::int64_t bytesEach, std::string_view what);
+
+// Ends the run as a read error of this unit's file does, telling what is wrong with its contents.
+[[noreturn]] void badContents(int unit, std::string_view what);
+
+// One record of `count` values into `array`, which is allocated under `name` after the count has
+// been held against the size of the file.
+template<class T>
+void readArray(int unit, std::int64_t count, std::vector<T>& array, std::string_view name) {
+    checkCount(unit, count, static_cast<std::int64_t>(sizeof(T)), name);
+    ArrayHelpers::allocateArray(array, count, name);
+    readRecord(unit, array.data(), count * static_cast<std::int64_t>(sizeof(T)));
+}
+
+} // namespace file_units

@@ -1,0 +1,410 @@
+#include "tvncommon/io_layer.hpp"
+
+#include "tvncommon/system_calls.hpp"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cerrno>
+#include <cstring>
+#include <map>
+#include <vector>
+
+static_assert(std::endian::native == std::endian::little,
+              "the files are little-endian and are read and written as they stand");
+
+namespace io_layer {
+
+namespace {
+
+using system_calls::table;
+
+constexpr std::size_t readBufferSize = 32768;
+constexpr std::size_t writeBufferSize = 32768;
+
+// The record under the reading position.
+struct OpenRecord {
+    std::int64_t pieceLength = 0; // payload bytes of the current sub-record
+    std::int64_t pieceLeft = 0;   // those not read yet
+    bool goesOn = false;          // a further sub-record follows
+};
+
+struct Connection {
+    int descriptor = -1;
+    std::string path;
+    bool writing = false;
+    Flush flushing = Flush::inBlocks;
+    std::string held;             // text that is not written yet
+    std::vector<char> readBuffer; // allocated at the first read
+    std::size_t readBegin = 0;    // unread part of `readBuffer`
+    std::size_t readEnd = 0;
+    std::int64_t size = 0;     // file size at the open
+    std::int64_t position = 0; // bytes taken by the reader
+    OpenRecord record;
+};
+
+struct State {
+    std::array<bool, lastUnit - firstUnit + 1> taken{};
+    std::map<int, Connection> connections;
+};
+
+Connection fixedStream(int descriptor, const char* path, bool writing) {
+    Connection c;
+    c.descriptor = descriptor;
+    c.path = path;
+    c.writing = writing;
+    c.flushing = Flush::everyLine;
+    return c;
+}
+
+State freshState() {
+    State s;
+    s.connections[standardInput] = fixedStream(0, "standard input", false);
+    s.connections[screen] = fixedStream(1, "standard output", true);
+    s.connections[standardError] = fixedStream(2, "standard error", true);
+    return s;
+}
+
+State state = freshState();
+
+Connection* find(int unit) {
+    const auto it = state.connections.find(unit);
+    return it == state.connections.end() ? nullptr : &it->second;
+}
+
+int statusOfOpen(int error) {
+    switch (error) {
+    case ENOENT:
+        return fileNotFound;
+    case EACCES:
+    case EPERM:
+        return permissionDenied;
+    case ENOTDIR:
+        return invalidPath;
+    case EMFILE:
+    case ENFILE:
+        return tooManyOpenFiles;
+    default:
+        return openFailed;
+    }
+}
+
+int open(int unit, const std::string& path, system_calls::OpenMode mode, Connection& c) {
+    c.descriptor = table.open(path.c_str(), mode);
+    if (c.descriptor < 0) return statusOfOpen(errno);
+    c.path = path;
+    c.writing = mode == system_calls::OpenMode::replace;
+    system_calls::FileFacts facts;
+    const bool known = table.facts(c.descriptor, facts) == 0;
+    if (!known || facts.kind == system_calls::FileKind::folder) {
+        table.close(c.descriptor);
+        return openFailed;
+    }
+    c.size = facts.size;
+    state.connections[unit] = std::move(c);
+    return ok;
+}
+
+int writeAll(Connection& c, const char* from, std::size_t size) {
+    while (size > 0) {
+        const std::ptrdiff_t n = table.write(c.descriptor, from, size);
+        if (n < 0 && errno == EINTR) continue;
+        if (n <= 0) return writeFailed;
+        from += n;
+        size -= static_cast<std::size_t>(n);
+    }
+    return ok;
+}
+
+int flushHeld(Connection& c) {
+    const int status = writeAll(c, c.held.data(), c.held.size());
+    c.held.clear();
+    return status;
+}
+
+// Reads up to `size` bytes and stores their number in `got`; fewer only at the end of the file.
+int readUpTo(Connection& c, char* into, std::int64_t size, std::int64_t& got) {
+    got = 0;
+    while (got < size) {
+        if (c.readBegin < c.readEnd) {
+            const auto n = std::min<std::int64_t>(
+                size - got, static_cast<std::int64_t>(c.readEnd - c.readBegin));
+            std::memcpy(into + got, c.readBuffer.data() + c.readBegin, static_cast<std::size_t>(n));
+            c.readBegin += static_cast<std::size_t>(n);
+            got += n;
+            continue;
+        }
+        // A large piece goes straight to the caller's array.
+        const bool direct = size - got >= static_cast<std::int64_t>(readBufferSize);
+        if (!direct && c.readBuffer.empty()) c.readBuffer.resize(readBufferSize);
+        char* target = direct ? into + got : c.readBuffer.data();
+        const std::size_t room = direct ? static_cast<std::size_t>(size - got) : readBufferSize;
+        const std::ptrdiff_t n = table.read(c.descriptor, target, room);
+        if (n < 0 && errno == EINTR) continue;
+        if (n < 0) return readFailed;
+        if (n == 0) break;
+        if (direct) {
+            got += n;
+        } else {
+            c.readBegin = 0;
+            c.readEnd = static_cast<std::size_t>(n);
+        }
+    }
+    c.position += got;
+    return ok;
+}
+
+int readExactly(Connection& c, void* into, std::int64_t size) {
+    std::int64_t got = 0;
+    const int status = readUpTo(c, static_cast<char*>(into), size, got);
+    if (status != ok) return status;
+    return got == size ? ok : readFailed;
+}
+
+int skip(Connection& c, std::int64_t size) {
+    const std::int64_t target = c.position + size;
+    if (target > c.size) return readFailed;
+    if (size <= static_cast<std::int64_t>(c.readEnd - c.readBegin)) {
+        c.readBegin += static_cast<std::size_t>(size);
+    } else {
+        if (table.seek(c.descriptor, target) < 0) return readFailed;
+        c.readBegin = c.readEnd = 0;
+    }
+    c.position = target;
+    return ok;
+}
+
+int openPiece(Connection& c, bool first) {
+    std::int32_t marker = 0;
+    std::int64_t got = 0;
+    if (readUpTo(c, reinterpret_cast<char*>(&marker), 4, got) != ok) return readFailed;
+    if (got == 0 && first) return endOfFile;
+    if (got != 4) return readFailed;
+    const std::int64_t length = marker;
+    c.record.goesOn = length < 0;
+    c.record.pieceLength = c.record.pieceLeft = length < 0 ? -length : length;
+    return ok;
+}
+
+int closePiece(Connection& c) {
+    if (c.record.pieceLeft > 0) {
+        const int status = skip(c, c.record.pieceLeft);
+        if (status != ok) return status;
+    }
+    c.record.pieceLeft = 0;
+    std::int32_t marker = 0;
+    const int status = readExactly(c, &marker, 4);
+    if (status != ok) return status;
+    const std::int64_t length = marker;
+    return (length < 0 ? -length : length) == c.record.pieceLength ? ok : readFailed;
+}
+
+} // namespace
+
+void reset() {
+    state = freshState();
+}
+
+bool exists(const std::string& path) {
+    return table.exists(path.c_str()) == 0;
+}
+
+int takeUnit() {
+    for (int unit = firstUnit; unit <= lastUnit; ++unit) {
+        bool& taken = state.taken[static_cast<std::size_t>(unit - firstUnit)];
+        if (taken) continue;
+        taken = true;
+        return unit;
+    }
+    return 0;
+}
+
+bool unitTaken(int unit) {
+    return state.taken[static_cast<std::size_t>(unit - firstUnit)];
+}
+
+int releaseUnit(int unit) {
+    state.taken[static_cast<std::size_t>(unit - firstUnit)] = false;
+    Connection* c = find(unit);
+    if (!c) return ok;
+    int status = c->writing ? flushHeld(*c) : ok;
+    if (table.close(c->descriptor) != 0 && c->writing && status == ok) status = writeFailed;
+    state.connections.erase(unit);
+    return status;
+}
+
+int releaseAll(std::string& path) {
+    int first = ok;
+    while (!state.connections.empty() && state.connections.rbegin()->first >= firstUnit) {
+        const int unit = state.connections.rbegin()->first;
+        const std::string name = pathOf(unit);
+        const int status = releaseUnit(unit);
+        if (status == ok || first != ok) continue;
+        first = status;
+        path = name;
+    }
+    state.taken.fill(false);
+    return first;
+}
+
+std::string pathOf(int unit) {
+    const Connection* c = find(unit);
+    return c ? c->path : std::string();
+}
+
+int openTextRead(int unit, const std::string& path) {
+    Connection c;
+    return open(unit, path, system_calls::OpenMode::read, c);
+}
+
+int openTextReplace(int unit, const std::string& path, Flush flushing) {
+    Connection c;
+    c.flushing = flushing;
+    return open(unit, path, system_calls::OpenMode::replace, c);
+}
+
+int openRecordsRead(int unit, const std::string& path) {
+    Connection c;
+    return open(unit, path, system_calls::OpenMode::read, c);
+}
+
+int openRecordsReplace(int unit, const std::string& path) {
+    Connection c;
+    return open(unit, path, system_calls::OpenMode::replace, c);
+}
+
+int readLine(int unit, std::string& line) {
+    line.clear();
+    Connection* c = find(unit);
+    if (!c) return readFailed;
+    bool any = false;
+    for (;;) {
+        if (c->readBegin == c->readEnd) {
+            char next = 0;
+            std::int64_t got = 0;
+            if (readUpTo(*c, &next, 1, got) != ok) return readFailed;
+            if (got == 0) break;
+            --c->readBegin;
+            --c->position;
+        }
+        any = true;
+        const char* begin = c->readBuffer.data() + c->readBegin;
+        const std::size_t held = c->readEnd - c->readBegin;
+        const void* lineFeed = std::memchr(begin, '\n', held);
+        const std::size_t n =
+            lineFeed ? static_cast<std::size_t>(static_cast<const char*>(lineFeed) - begin) : held;
+        line.append(begin, n);
+        c->readBegin += n + (lineFeed ? 1 : 0);
+        c->position += static_cast<std::int64_t>(n + (lineFeed ? 1 : 0));
+        if (lineFeed) break;
+    }
+    if (!line.empty() && line.back() == '\r') line.pop_back();
+    return any ? ok : endOfFile;
+}
+
+int writeText(int unit, std::string_view text) {
+    Connection* c = find(unit);
+    if (!c || !c->writing) return writeFailed;
+    c->held.append(text);
+    return c->held.size() >= writeBufferSize ? flushHeld(*c) : ok;
+}
+
+int writeLine(int unit, std::string_view line) {
+    int status = writeText(unit, line);
+    if (status == ok) status = writeText(unit, "\n");
+    if (status != ok) return status;
+    Connection& c = *find(unit);
+    return c.flushing == Flush::everyLine ? flushHeld(c) : ok;
+}
+
+int writeBlock(int unit, const char* block, std::size_t size) {
+    Connection* c = find(unit);
+    if (!c || !c->writing) return writeFailed;
+    const int status = flushHeld(*c);
+    return status == ok ? writeAll(*c, block, size) : status;
+}
+
+int flush(int unit) {
+    Connection* c = find(unit);
+    if (!c || !c->writing) return writeFailed;
+    return flushHeld(*c);
+}
+
+int rewind(int unit) {
+    Connection* c = find(unit);
+    if (!c) return readFailed;
+    const int status = c->writing ? flushHeld(*c) : ok;
+    if (status != ok) return status;
+    if (table.seek(c->descriptor, 0) < 0) return c->writing ? writeFailed : readFailed;
+    c->readBegin = c->readEnd = 0;
+    c->position = 0;
+    return ok;
+}
+
+std::int64_t bytesLeft(int unit) {
+    const Connection* c = find(unit);
+    return c ? std::max<std::int64_t>(c->size - c->position, 0) : 0;
+}
+
+int beginRecord(int unit) {
+    Connection* c = find(unit);
+    return c ? openPiece(*c, true) : readFailed;
+}
+
+int readInRecord(int unit, void* into, std::int64_t size) {
+    Connection& c = *find(unit);
+    char* target = static_cast<char*>(into);
+    while (size > 0) {
+        while (c.record.pieceLeft == 0) {
+            if (!c.record.goesOn) return readFailed;
+            int status = closePiece(c);
+            if (status == ok) status = openPiece(c, false);
+            if (status != ok) return status;
+        }
+        const std::int64_t n = std::min(size, c.record.pieceLeft);
+        const int status = readExactly(c, target, n);
+        if (status != ok) return status;
+        c.record.pieceLeft -= n;
+        target += n;
+        size -= n;
+    }
+    return ok;
+}
+
+int endRecord(int unit) {
+    Connection& c = *find(unit);
+    for (;;) {
+        const bool goesOn = c.record.goesOn;
+        int status = closePiece(c);
+        if (status == ok && goesOn) status = openPiece(c, false);
+        if (status != ok || !goesOn) return status;
+    }
+}
+
+int readRecord(int unit, void* into, std::int64_t size) {
+    int status = beginRecord(unit);
+    if (status == ok) status = readInRecord(unit, into, size);
+    if (status == ok) status = endRecord(unit);
+    return status;
+}
+
+int writeRecord(int unit, const void* payload, std::int64_t size, std::int64_t maximumPiece) {
+    const char* from = static_cast<const char*>(payload);
+    bool first = true;
+    do {
+        const std::int64_t n = std::min(size, maximumPiece);
+        const bool goesOn = size > n;
+        const auto leading = static_cast<std::int32_t>(goesOn ? -n : n);
+        const auto trailing = static_cast<std::int32_t>(first ? n : -n);
+        int status = writeText(unit, {reinterpret_cast<const char*>(&leading), 4});
+        if (status == ok) status = writeBlock(unit, from, static_cast<std::size_t>(n));
+        if (status == ok) status = writeText(unit, {reinterpret_cast<const char*>(&trailing), 4});
+        if (status != ok) return status;
+        from += n;
+        size -= n;
+        first = false;
+    } while (size > 0);
+    return ok;
+}
+
+} // namespace io_layer

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+// The only place that talks to the operating system. Every call of the I/O layer goes through the
+// table, so that a test can make any of them fail.
+namespace system_calls {
+
+enum class OpenMode { read, replace };
+enum class FileKind { regular, folder, other };
+
+struct FileFacts {
+    FileKind kind = FileKind::other;
+    std::int64_t size = 0;
+};
+
+// Each call returns what its namesake of the system returns, -1 with `errno` on failure.
+struct Table {
+    int (*open)(const char* path, OpenMode mode);
+    std::ptrdiff_t (*read)(int descriptor, void* into, std::size_t size);
+    std::ptrdiff_t (*write)(int descriptor, const void* from, std::size_t size);
+    std::int64_t (*seek)(int descriptor, std::int64_t position);
+    int (*close)(int descriptor);
+    int (*facts)(int descriptor, FileFacts& facts);
+    int (*exists)(const char* path);
+};
+
+// The table in use; assigning `systemTable()` puts back the real calls.
+extern Table table;
+Table systemTable();
+
+// A reader that goes away and a file size limit are failures of a write, not the end of the
+// process.
+void ignoreWriteSignals();
+
+// Date and time of day with the zone's offset from universal time, as the system tells them.
+struct LocalTime {
+    int year, month, day, hour, minute, second;
+    int offsetMinutes;
+};
+LocalTime localTime();
+
+} // namespace system_calls
