@@ -1,6 +1,6 @@
 #include "meshrake/mesh_shaping/depth_to_table.hpp"
 
-#include "meshrake/mesh_shaping/elevation.hpp"
+#include "meshrake/mesh_shaping/topography.hpp"
 #include "meshrake/model/run_state.hpp"
 #include "tvncommon/depth_to_groundwater.hpp"
 

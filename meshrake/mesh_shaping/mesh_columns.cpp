@@ -15,6 +15,11 @@ namespace {
 // The values are put together for the included nodes or elements alone.
 constexpr Packing packed{};
 
+// The record that holds the domain's nodes.
+const Domain& nodesOf(const Domain& domain) {
+    return model::hasOwnNodes(domain) ? domain : *domain.pmReference;
+}
+
 std::int32_t layerElements(const Domain& domain, std::string_view column) {
     const std::int32_t layers = run.sheetCount - 1;
     const std::int32_t n = layers > 0 ? domain.elementCount / layers : 0;
@@ -64,9 +69,10 @@ void coordinatesInit(Domain& domain, const VariableRow& row, OutputVar& var) {
 
 void coordinatesWrite(Domain& domain, const VariableRow& row, OutputVar&) {
     const Packing packing{domain.truncateEnabled, domain.nodeIncluded.data()};
-    const std::vector<double>* coordinates[] = {&domain.x, &domain.y, &domain.z};
+    const Domain& mesh = nodesOf(domain);
+    const std::vector<double>* coordinates[] = {&mesh.x, &mesh.y, &mesh.z};
     for (std::size_t c = 0; c < 3; ++c)
-        plot_data::tecplotWriteArrayReal8(domain.nodeCount, coordinates[c]->data(), packing,
+        plot_data::tecplotWriteArrayReal8(mesh.nodeCount, coordinates[c]->data(), packing,
                                           row.columns[c].label, domain);
 }
 
@@ -75,12 +81,12 @@ void nodeNumberInit(Domain& domain, const VariableRow& row, OutputVar& var) {
 }
 
 void write3DNodeNumber(Domain& domain, const VariableRow& row, OutputVar&) {
-    std::vector<std::int32_t> values = temporaryArray(domain.nodeCount, row.arrayText);
+    std::vector<std::int32_t> values = temporaryArray(nodesOf(domain).nodeCount, row.arrayText);
+    const bool linked = model::hasOwnNodes(domain);
     std::size_t n = 0;
     for (std::size_t i = 0; i < values.size(); ++i)
         if (domain.nodeIncluded[i])
-            values[n++] =
-                domain.couplingScheme != 0 ? domain.linkToPm[i] : static_cast<std::int32_t>(i + 1);
+            values[n++] = linked ? domain.linkToPm[i] : static_cast<std::int32_t>(i + 1);
     plot_data::tecplotWriteArrayInt4(static_cast<std::int64_t>(n), values.data(), packed,
                                      row.columns[0].label, domain);
 }

@@ -45,12 +45,20 @@ bool enabled(const Domain& domain, Option option) {
     return option == Option::none || domain.options[static_cast<std::size_t>(option)].enabled;
 }
 
-OutputVar& outputVar(Domain& domain, std::string_view key) {
+bool hasOwnNodes(const Domain& domain) {
+    return domain.couplingScheme == 1;
+}
+
+const OutputVar* findOutputVar(const Domain& domain, std::string_view key) {
     const auto it = std::find_if(domain.outputVars.begin(), domain.outputVars.end(),
                                  [&](const OutputVar& v) { return v.key == key; });
-    if (it == domain.outputVars.end())
-        error::fatalError("Unknown output variable: " + std::string(key));
-    return *it;
+    return it == domain.outputVars.end() ? nullptr : &*it;
+}
+
+OutputVar& outputVar(Domain& domain, std::string_view key) {
+    const OutputVar* found = findOutputVar(domain, key);
+    if (!found) error::fatalError("Unknown output variable: " + std::string(key));
+    return domain.outputVars[static_cast<std::size_t>(found - domain.outputVars.data())];
 }
 
 void domainCreate(Domain& domain, std::string_view tag, const Domain& pm) {
@@ -63,6 +71,7 @@ void domainCreate(Domain& domain, std::string_view tag, const Domain& pm) {
     if (!domain.exists) return;
     domain.name = tag;
     domain.tag = tagOf(tag);
+    domain.pmReference = &pm;
     domain.tecplotUnit = file_units::getUnit();
     buildLabels(domain);
     coordsRead(domain, pm);

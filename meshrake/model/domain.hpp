@@ -45,10 +45,11 @@ struct DataSet {
 // One simulation domain: its mesh, options, output variables and plot file. Node and element
 // numbers in the arrays count from 1.
 struct Domain {
-    std::string name;     // tag; empty while the domain does not exist
-    DomainSet tag = 0;    // the same as a bit
-    bool exists = false;  // its coordinates file exists
-    int tecplotUnit = -1; // file unit of the plot file, below 1 when closed
+    std::string name;                    // tag; empty while the domain does not exist
+    DomainSet tag = 0;                   // the same as a bit
+    bool exists = false;                 // its coordinates file exists
+    const Domain* pmReference = nullptr; // pm as it is at the current output time
+    int tecplotUnit = -1;                // file unit of the plot file, below 1 when closed
 
     std::int32_t couplingScheme = 0; // 1: own nodes (multi-node), else nodes of pm (common-node)
     DomainOption writeDomain;
@@ -75,10 +76,11 @@ struct Domain {
     std::array<std::int32_t, 2> truncateLayers{0, 1000};                         // first, last
 
     // Results of the truncation, fixed for the run.
-    std::vector<std::uint8_t> nodeIncluded;    // nodeCount
-    std::vector<std::uint8_t> elementIncluded; // elementCount
-    std::vector<std::int32_t> nodeRenumber;    // pm nodeCount: node number in the output, 0: none
-    std::int32_t nnTruncated = 0;              // nodes and elements of the output mesh
+    std::vector<std::uint8_t> nodeIncluded;       // nodeCount; of pm for a common-node domain
+    std::vector<std::uint8_t> domainNodeIncluded; // nodeCount; common-node only
+    std::vector<std::uint8_t> elementIncluded;    // elementCount
+    std::vector<std::int32_t> nodeRenumber; // pm nodeCount: node number in the output, 0: none
+    std::int32_t nnTruncated = 0;           // nodes and elements of the output mesh
     std::int32_t neTruncated = 0;
 
     DataSet dataSet;
@@ -87,6 +89,12 @@ struct Domain {
 
 DomainOption& optionOf(Domain& domain, Option option);
 bool enabled(const Domain& domain, Option option); // true for Option::none
+
+// True for pm and for a domain on the multi-node scheme.
+bool hasOwnNodes(const Domain& domain);
+
+// The domain's variable with this key, null while the domain has none of that key.
+const OutputVar* findOutputVar(const Domain& domain, std::string_view key);
 
 // The domain's variable with this key; ends the run when the table has no such row.
 OutputVar& outputVar(Domain& domain, std::string_view key);

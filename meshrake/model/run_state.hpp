@@ -67,6 +67,7 @@ struct RunState {
     std::int32_t totalNodes = 0;                 // global nodes so far
     std::int32_t gridCountA = 0, gridCountB = 0; // kept, used by nothing
     std::int32_t sheetCount = 0;                 // node sheets of pm; layers are one fewer
+    std::int32_t meshNodesPerElement = 0;        // of the last element of a common-node truncation
     bool wallsPresent = false;                   // olf has cutoff walls: several nodes at a place
     std::int32_t wallCountA = 0;                 // kept, used by nothing
     std::int32_t wallLayers = 0;

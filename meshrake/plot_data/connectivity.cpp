@@ -50,7 +50,7 @@ struct OwnNodes {
 OwnNodes ownNodesOf(const Domain& domain) {
     OwnNodes own;
     own.inUse =
-        domain.tag != model::tags::pm && domain.couplingScheme != 0 && domain.nodesPerElement == 4;
+        domain.tag != model::tags::pm && model::hasOwnNodes(domain) && domain.nodesPerElement == 4;
     if (!own.inUse || !domain.truncateEnabled) return own;
     ArrayHelpers::allocateArray(own.place, domain.nodeCount, "Tecplot element connectivity array");
     std::int32_t written = 0;

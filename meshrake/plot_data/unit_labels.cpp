@@ -1,5 +1,6 @@
 #include "meshrake/plot_data/unit_labels.hpp"
 
+#include "meshrake/model/run_state.hpp"
 #include "tvncommon/StringHelpers.hpp"
 #include "tvncommon/file_units.hpp"
 #include "tvncommon/units.hpp"
@@ -7,6 +8,7 @@
 namespace plot_data {
 
 using model::Domain;
+using model::run;
 
 namespace {
 
@@ -24,11 +26,35 @@ void tecplotVarUnitsAddPrivate(std::string_view varName, std::int32_t varNumber,
                "VARAUXDATA " + std::to_string(varNumber) + " Units=\"" + units + "\"");
 }
 
+// A temperature stands where a concentration would, a heat flux where a mass flux would; particles
+// are counted.
+std::string parseUnitsTrans(std::size_t speciesIndex, std::string_view label) {
+    constexpr std::string_view concentration = "M * L^-3";
+    constexpr std::string_view massFlux = "M * L^-2 * T^-1";
+    if (run.speciesFlagA[speciesIndex]) {
+        if (StringHelpers::equalPadded(label, concentration)) {
+            units::setTempUnitsToC();
+            return units::parseUnits("K");
+        }
+        if (StringHelpers::equalPadded(label, massFlux)) return units::parseUnits("M * T^-3");
+    } else if (run.speciesFlagB[speciesIndex]) {
+        if (StringHelpers::equalPadded(label, concentration)) return units::parseUnits("Nc * L^-3");
+        if (StringHelpers::equalPadded(label, massFlux))
+            return units::parseUnits("Nc * L^-2 * T^-1");
+    }
+    return units::parseUnits(label);
+}
+
 } // namespace
 
 void tecplotVarUnitsAdd(std::string_view varName, std::int32_t varNumber, std::string_view label,
                         Domain& domain) {
     tecplotVarUnitsAddPrivate(varName, varNumber, units::parseUnits(label), domain);
+}
+
+void tecplotTransVarUnitsAdd(std::size_t speciesIndex, std::string_view varName,
+                             std::int32_t varNumber, std::string_view label, Domain& domain) {
+    tecplotVarUnitsAddPrivate(varName, varNumber, parseUnitsTrans(speciesIndex, label), domain);
 }
 
 void tecplotVarUnitsWrite(Domain& domain) {

@@ -11,6 +11,11 @@ namespace plot_data {
 void tecplotVarUnitsAdd(std::string_view varName, std::int32_t varNumber, std::string_view label,
                         model::Domain& domain);
 
+// The same for a variable of a transport species, from 0: the expression is first adapted to a
+// species that is heat or is made of particles.
+void tecplotTransVarUnitsAdd(std::size_t speciesIndex, std::string_view varName,
+                             std::int32_t varNumber, std::string_view label, model::Domain& domain);
+
 // Puts the collected units into the open data set: all comment lines, then the auxiliary data.
 void tecplotVarUnitsWrite(model::Domain& domain);
 

@@ -39,10 +39,10 @@ std::string variableFile(const Domain& domain, std::string_view stem) {
     return fileWithSuffix(domain, stem, run.timeSuffix);
 }
 
-bool checkFileInit(std::string& name) {
+bool checkFileInit(std::string& name, std::int32_t fallback) {
     if (io_layer::exists(name)) return true;
     if (!run.tecplotAppend) return false;
-    const std::string suffix = model::outputTimeIndex(1);
+    const std::string suffix = model::outputTimeIndex(fallback);
     name = model::fileName(name.substr(0, name.rfind('.') + 1) + suffix);
     if (!io_layer::exists(name)) return false;
     model::write_string("Warning: file not found -> appending at time index " + suffix);
@@ -113,8 +113,9 @@ void writeColumn(Domain& domain, const VariableRow& row, const Column& column,
                  std::string_view label) {
     const bool nodal = row.location == Location::node;
     const std::int32_t n = valueCount(domain, row);
-    const Packing packing{domain.truncateEnabled,
-                          (nodal ? domain.nodeIncluded : domain.elementIncluded).data()};
+    const std::vector<std::uint8_t>& nodes =
+        model::hasOwnNodes(domain) ? domain.nodeIncluded : domain.domainNodeIncluded;
+    const Packing packing{domain.truncateEnabled, (nodal ? nodes : domain.elementIncluded).data()};
     switch (row.type) {
     case DataType::single:
         return tecplotWriteArrayReal4(n, column.real4.data(), packing, label, domain);

@@ -30,6 +30,10 @@ enum class Timing {
     property   // that of output time 1, whatever the current time; shared from then on
 };
 
+// Variables with a file for each species or mixing fraction of the problem. The name of a member is
+// the species' and that of the row's column behind it.
+enum class Family { oneFile, allSpecies, mobileSpecies, heatSpecies, particleSpecies, fractions };
+
 // Name in the variable list, and comment in front of the values.
 struct ColumnText {
     std::string_view name;
@@ -52,8 +56,9 @@ struct VariableRow {
     std::array<ColumnText, maximumColumns> columns{}; // those of the components, empty ones behind
     std::string_view arrayText{};                     // tells the array when memory runs out
     Timing timing = Timing::everyTime;
-    bool laterFallback = false; // a continued run may fall back to output time 1 later too
-    bool sharedLast = false;    // its numbers stand behind all others in the list of shared ones
+    Family family = Family::oneFile; // of several files, each with a column
+    bool laterFallback = false;      // a continued run may fall back to output time 1 later too
+    bool sharedLast = false; // its numbers stand behind all others in the list of shared ones
 
     // Steps of a variable that differs from the rest.
     Step init = nullptr;  // first pass: declare and read
@@ -67,8 +72,8 @@ std::size_t columnCount(const VariableRow& row);
 std::string variableFile(const Domain& domain, std::string_view stem);
 
 // Tests for the file in the first pass. A continued run that does not find it looks for that of
-// time index 1, whose name then replaces `name`, and says so on echo file and screen.
-bool checkFileInit(std::string& name);
+// time index `fallback`, whose name then replaces `name`, and says so on echo file and screen.
+bool checkFileInit(std::string& name, std::int32_t fallback = 1);
 
 // File that the row's values come from in the first pass, empty when there is none.
 std::string firstFile(const Domain& domain, const VariableRow& row);

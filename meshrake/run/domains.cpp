@@ -1,10 +1,10 @@
 #include "meshrake/run/domains.hpp"
 
+#include "meshrake/mesh_shaping/common_truncation.hpp"
 #include "meshrake/mesh_shaping/multi_truncation.hpp"
 #include "meshrake/model/run_state.hpp"
 #include "meshrake/plot_data/data_set.hpp"
-#include "meshrake/variables/multi_node_pass.hpp"
-#include "tvncommon/error.hpp"
+#include "meshrake/variables/passes.hpp"
 
 #include <algorithm>
 
@@ -15,25 +15,27 @@ using model::run;
 
 namespace {
 
-constexpr std::int32_t ownNodes = 1; // couplingScheme of a domain with nodes of its own
-
 bool readForOthers(const Domain& domain) {
     return !domain.writeDomain.enabled && domain.tag == model::tags::pm && run.pmPassRequired;
 }
 
 void init(Domain& domain, const Domain& pm) {
     if (!domain.exists) return;
-    if (domain.writeDomain.enabled && domain.couplingScheme != ownNodes)
-        error::fatalError("The " + domain.name +
-                          " domain shares the nodes of pm: common-node output is not there yet.");
-    if (!domain.writeDomain.enabled && !readForOthers(domain)) return;
-    mesh_shaping::multiTruncate(domain, pm);
-    variables::initMultiTecplot(domain);
+    if (domain.writeDomain.enabled && !model::hasOwnNodes(domain)) {
+        mesh_shaping::commonTruncate(domain, pm);
+        variables::initCommonTecplot(domain);
+    } else if (domain.writeDomain.enabled || readForOthers(domain)) {
+        mesh_shaping::multiTruncate(domain, pm);
+        variables::initMultiTecplot(domain);
+    }
 }
 
 void append(Domain& domain) {
     if (!domain.exists) return;
-    if (domain.writeDomain.enabled || readForOthers(domain)) variables::appendMultiTecplot(domain);
+    if (domain.writeDomain.enabled && !model::hasOwnNodes(domain))
+        variables::appendCommonTecplot(domain);
+    else if (domain.writeDomain.enabled || readForOthers(domain))
+        variables::appendMultiTecplot(domain);
 }
 
 } // namespace
@@ -48,7 +50,7 @@ std::array<const Domain*, 7> processingOrder(const Domains& d) {
 
 void createDomains(Domains& d) {
     model::domainCreate(d.pm, "pm", d.pm);
-    d.pm.couplingScheme = ownNodes;
+    d.pm.couplingScheme = 1;
     model::domainCreate(d.dual, "dual", d.pm);
     model::domainCreate(d.olf, "olf", d.pm);
     model::domainCreate(d.frac, "frac", d.pm);

@@ -1,6 +1,6 @@
 #include "meshrake/variables/own_ways.hpp"
 
-#include "meshrake/mesh_shaping/elevation.hpp"
+#include "meshrake/mesh_shaping/topography.hpp"
 #include "tvncommon/io_layer.hpp"
 
 #include <algorithm>

@@ -2,6 +2,8 @@
 
 #include "meshrake/mesh_shaping/depth_to_table.hpp"
 #include "meshrake/mesh_shaping/mesh_columns.hpp"
+#include "meshrake/mesh_shaping/topography.hpp"
+#include "meshrake/variables/families.hpp"
 #include "meshrake/variables/own_ways.hpp"
 
 #include <array>
@@ -10,6 +12,7 @@ namespace variables {
 
 using namespace mesh_shaping;
 using enum model::Option;
+using enum plot_data::Family;
 using enum plot_data::Location;
 using enum plot_data::Timing;
 using namespace model::tags;
@@ -63,7 +66,10 @@ const VariableRow table[] = {
      .columns = {{{"Depth2Surf", "Depth to surf"}}}, .arrayText = "Depth to surface array",
      .init = depth2SurfInit, .read = constantRead},
 
-    // Heads and saturations
+    // Heads and saturations, behind the elevations that they need
+    {.key = "tvTopoPre", .domains = anyDomain, .option = timeVaryingTopography,
+     .stem = "tvtopo_", .arrayText = "time varying topography z array", .init = tvTopoPreInit,
+     .read = tvTopoPreRead},
     {.key = "incHead", .domains = chan, .option = incisedHeads, .stem = "incised_head_",
      .unit = "L",
      .columns = {{{"Incised Head", "incised head"}}}, .arrayText = "incised head array"},
@@ -251,9 +257,49 @@ const VariableRow table[] = {
      .arrayText = "exchange flux array"},
 
     // Transport
+    {.key = "conc", .domains = anyDomain, .option = concentrations, .stem = "conc_",
+     .unit = "M * L^-3", .arrayText = "concentration array", .family = allSpecies},
+    {.key = "concSolid", .domains = pm | dual, .option = concentrations, .stem = "concsolid_",
+     .unit = "Nc * M^-1",
+     .columns = {{{" (solid)", ""}}}, .arrayText = "colloid concentration solid array",
+     .family = particleSpecies},
+    {.key = "iconc", .domains = anyDomain, .option = immobileConcentrations, .stem = "iconc_",
+     .unit = "M * L^-3",
+     .columns = {{{" (immobile)", ""}}}, .arrayText = "immobile concentration arrays",
+     .family = allSpecies},
+    {.key = "exchSol", .domains = anyDomain, .option = soluteExchange, .stem = "ExchSol_",
+     .type = single, .unit = "M * L^-2 * T^-1",
+     .columns = {{{" exchange", "solute exchange"}}}, .arrayText = "solute exchange arrays",
+     .family = mobileSpecies},
+    {.key = "exchSolAdv", .domains = anyDomain, .option = soluteExchange,
+     .stem = "ExchSolAdv_", .type = single, .unit = "M * L^-2 * T^-1",
+     .columns = {{{" adv. exchange", "adv. solute exchange"}}},
+     .arrayText = "Advective solute exchange arrays", .family = mobileSpecies},
+    {.key = "dualExchSolAdv", .domains = anyDomain, .option = soluteExchange,
+     .stem = "DualExchSolAdv_", .type = single, .unit = "M * L^-2 * T^-1",
+     .columns = {{{" dual adv. exchange", "dual adv. solute exchange"}}},
+     .arrayText = "Advective dual solute exchange arrays", .family = mobileSpecies},
+    {.key = "exchSolDisp", .domains = anyDomain, .option = soluteExchange,
+     .stem = "ExchSolDisp_", .type = single, .unit = "M * L^-2 * T^-1",
+     .columns = {{{" disp. exchange", "disp. solute exchange"}}},
+     .arrayText = "Dispersive solute exchange arrays", .family = mobileSpecies},
+    {.key = "dualExchSolDisp", .domains = anyDomain, .option = soluteExchange,
+     .stem = "DualExchSolDisp_", .type = single, .unit = "M * L^-2 * T^-1",
+     .columns = {{{" dual disp. exchange", "dual disp. solute exchange"}}},
+     .arrayText = "Dispersive dual solute exchange arrays", .family = mobileSpecies},
+    {.key = "redoxCapacity", .domains = anyDomain, .option = redoxCapacity, .stem = "conc_",
+     .unit = "M * L^-3",
+     .columns = {{{"Redox capacity", "Redox Capacity"}}}, .arrayText = "redox capacity array",
+     .init = redoxCapacityInit, .read = redoxCapacityRead},
+    {.key = "massSorbed", .domains = pm, .option = massSorbed, .stem = "mass_sorbed_",
+     .unit = "M",
+     .columns = {{{" Mass Sorbed", "mass sorbed"}}}, .arrayText = "mass sorbed array",
+     .family = heatSpecies},
     {.key = "fluidDensity", .domains = pm, .option = fluidDensity, .stem = "fluid_density_",
      .unit = "L^3 * T^-1",
      .columns = {{{"Fluid Density", "Fluid Density"}}}, .arrayText = "fluid density array"},
+    {.key = "hmc", .domains = anyDomain, .option = hmcFractions, .stem = "hmc_", .unit = "1",
+     .arrayText = "hmc array", .family = fractions},
     {.key = "waterAge", .domains = anyDomain, .option = waterAge, .stem = "water_age_",
      .unit = "T",
      .columns = {{{"Water Age", "water age"}}}, .arrayText = "water age array"},
@@ -267,6 +313,16 @@ const VariableRow table[] = {
      .location = element, .unit = "L^-3",
      .columns = {{{"LocationProbability", "location probability (cell centred)"}}},
      .arrayText = "local probability array"},
+
+    // Moving ground
+    {.key = "tvTopo", .domains = anyDomain, .option = timeVaryingTopography, .stem = "tvtopo_",
+     .unit = "L",
+     .columns = {{{"tvTopoZ", "tvTopoZ"}, {"tvTopoZAbsDiff", "tvTopoZAbsDiff"}}},
+     .arrayText = "time varying topography z array", .init = tvTopoInit, .read = tvTopoRead},
+    {.key = "tvTopoZone", .domains = pm, .option = timeVaryingTopographyZones,
+     .stem = "tvtopo_zone_", .type = longInt, .location = element,
+     .columns = {{{"tvTopoZone", "tvTopoZone"}}},
+     .arrayText = "time varying topography zone array", .init = tvTopoZoneInit},
 };
 // clang-format on
 
@@ -274,15 +330,6 @@ const VariableRow table[] = {
 
 std::span<const VariableRow> variableTable() {
     return table;
-}
-
-bool applies(const VariableRow& row, const Domain& domain) {
-    return (row.domains & domain.tag) != 0 && model::enabled(domain, row.option);
-}
-
-void createOutputVars(Domain& domain) {
-    domain.outputVars.assign(std::size(table), {});
-    for (std::size_t i = 0; i < std::size(table); ++i) domain.outputVars[i].key = table[i].key;
 }
 
 } // namespace variables

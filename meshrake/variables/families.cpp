@@ -1,0 +1,149 @@
+#include "meshrake/variables/families.hpp"
+
+#include "meshrake/model/run_state.hpp"
+#include "meshrake/plot_data/data_set.hpp"
+#include "meshrake/plot_data/unit_labels.hpp"
+#include "tvncommon/StringHelpers.hpp"
+#include "tvncommon/io_layer.hpp"
+
+namespace variables {
+
+using model::Column;
+using model::run;
+using plot_data::Family;
+
+namespace {
+
+struct Member {
+    std::string file;  // without the time index and the point in front of it
+    std::string name;  // in the variable list
+    std::string label; // comment in front of the values
+    std::size_t species = 0;
+};
+
+bool belongs(Family family, std::size_t species) {
+    switch (family) {
+    case Family::allSpecies:
+        return true;
+    case Family::mobileSpecies:
+        return species < static_cast<std::size_t>(run.numMobileSpecies);
+    case Family::heatSpecies:
+        return run.speciesFlagA[species] != 0;
+    case Family::particleSpecies:
+        return run.speciesFlagB[species] != 0;
+    default:
+        return false;
+    }
+}
+
+std::string speciesFile(const Domain& domain, const VariableRow& row, std::size_t species) {
+    return std::string(row.stem) + domain.name + "." + run.speciesNames[species];
+}
+
+std::vector<Member> fractionMembers(const Domain& domain, const VariableRow& row) {
+    const std::string stem =
+        "./hmc/" + run.problemPrefix + "o." + std::string(row.stem) + domain.name + ".";
+    std::vector<Member> members;
+    for (const std::string& fraction : run.hmcFractionNames)
+        members.push_back({stem + fraction, fraction, fraction});
+    members.push_back({stem + "mixing_ratio", "HMC Mixing Ratio", "hmc_mixing_ratio"});
+    members.push_back({stem + "hmc_error", "HMC Error", "hmc_error"});
+    return members;
+}
+
+std::vector<Member> membersOf(const Domain& domain, const VariableRow& row) {
+    if (row.family == Family::fractions) {
+        if (!run.hmcPresent) return {};
+        return fractionMembers(domain, row);
+    }
+    std::vector<Member> members;
+    for (std::size_t s = 0; s < run.speciesNames.size(); ++s) {
+        if (!belongs(row.family, s)) continue;
+        const std::string name = run.speciesNames[s] + std::string(row.columns[0].name);
+        const std::string_view label = row.columns[0].label;
+        members.push_back({run.problemPrefix + "o." + speciesFile(domain, row, s), name,
+                           label.empty() ? name : std::string(label), s});
+    }
+    return members;
+}
+
+std::string currentFile(const Member& member) {
+    return model::fileName(member.file + "." + run.timeSuffix);
+}
+
+void declareMember(Domain& domain, const VariableRow& row, const Member& member, Column& column) {
+    if (row.family == Family::fractions)
+        return plot_data::declareColumn(domain, row, column, member.name, row.unit);
+    plot_data::declareColumn(domain, row, column, member.name, "");
+    plot_data::tecplotTransVarUnitsAdd(member.species, member.name, column.varNumber, row.unit,
+                                       domain);
+}
+
+} // namespace
+
+void familyInit(Domain& domain, const VariableRow& row, OutputVar& var) {
+    const std::vector<Member> members = membersOf(domain, row);
+    if (members.empty()) return;
+    std::string first = currentFile(members.front());
+    var.firstExists = plot_data::checkFileInit(first);
+    if (!var.firstExists) return;
+    var.columns.resize(members.size());
+    for (Column& column : var.columns) plot_data::allocateColumn(domain, row, column);
+    for (std::size_t m = 0; m < members.size(); ++m) {
+        std::string name = currentFile(members[m]);
+        var.exists = plot_data::checkFileInit(name);
+        declareMember(domain, row, members[m], var.columns[m]);
+        plot_data::readColumns(domain, row, {&var.columns[m], 1}, name);
+    }
+}
+
+void familyRead(Domain& domain, const VariableRow& row, OutputVar& var) {
+    const std::vector<Member> members = membersOf(domain, row);
+    for (std::size_t m = 0; m < members.size(); ++m) {
+        const std::span<Column> column{&var.columns[m], 1};
+        const std::string name = currentFile(members[m]);
+        var.exists = io_layer::exists(name);
+        if (var.exists)
+            plot_data::readColumns(domain, row, column, name);
+        else
+            plot_data::shareColumns(column);
+    }
+}
+
+void familyWrite(Domain& domain, const VariableRow& row, OutputVar& var) {
+    const std::vector<Member> members = membersOf(domain, row);
+    for (std::size_t m = 0; m < members.size(); ++m)
+        plot_data::writeColumn(domain, row, var.columns[m], members[m].label);
+}
+
+namespace {
+
+std::string redoxFile(const Domain& domain, const VariableRow& row, std::size_t species) {
+    return model::problemFile(speciesFile(domain, row, species) + "-Redox." + run.timeSuffix);
+}
+
+} // namespace
+
+void redoxCapacityInit(Domain& domain, const VariableRow& row, OutputVar& var) {
+    if (run.numMobileSpecies < 1) return;
+    std::string name = redoxFile(domain, row, 0);
+    var.firstExists = var.exists = plot_data::checkFileInit(name);
+    if (!var.firstExists) return;
+    var.columns.resize(1);
+    plot_data::allocateColumn(domain, row, var.columns[0]);
+    declareMember(domain, row, {"", std::string(row.columns[0].name), "", 0}, var.columns[0]);
+    plot_data::readColumns(domain, row, var.columns, name);
+}
+
+void redoxCapacityRead(Domain& domain, const VariableRow& row, OutputVar& var) {
+    for (std::size_t s = 0; s < static_cast<std::size_t>(run.numMobileSpecies); ++s) {
+        const std::string name = redoxFile(domain, row, s);
+        var.exists = io_layer::exists(name);
+        if (var.exists)
+            plot_data::readColumns(domain, row, var.columns, name);
+        else
+            plot_data::shareColumns(var.columns);
+    }
+}
+
+} // namespace variables

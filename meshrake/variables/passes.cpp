@@ -1,0 +1,131 @@
+#include "meshrake/variables/passes.hpp"
+
+#include "meshrake/model/run_state.hpp"
+#include "meshrake/plot_data/data_set.hpp"
+#include "meshrake/plot_data/unit_labels.hpp"
+#include "meshrake/plot_data/zone.hpp"
+#include "meshrake/variables/common_node_table.hpp"
+#include "meshrake/variables/families.hpp"
+#include "meshrake/variables/variable_table.hpp"
+#include "tvncommon/error.hpp"
+#include "tvncommon/io_layer.hpp"
+
+namespace variables {
+
+using model::run;
+using plot_data::Family;
+
+namespace {
+
+using Table = std::span<const VariableRow>;
+
+// pm lends its arrays to domains without nodes of their own and has no plot file itself.
+bool readForOthersOnly(const Domain& domain) {
+    return domain.tag == model::tags::pm && run.pmPassRequired;
+}
+
+void announce(const Domain& domain, const std::string& name) {
+    model::write_string("");
+    model::write_string(std::string(48, '-'));
+    if (readForOthersOnly(domain)) {
+        model::write_string("pm data read for common node output");
+        return;
+    }
+    const std::string temporary = name + ".szplt.szhdr";
+    if (!run.tecplotAppend && io_layer::exists(temporary))
+        error::warningMsg("Tecplot szplt temporary files found (" + temporary +
+                          ", etc.)\nConsider deleting them, otherwise data may be appended.");
+    model::write_string(domain.name + " data to tecplot");
+    model::write_string("Creating tecplot file " + name);
+}
+
+void createOutputVars(Domain& domain, Table table) {
+    domain.outputVars.assign(table.size(), {});
+    for (std::size_t i = 0; i < table.size(); ++i) domain.outputVars[i].key = table[i].key;
+}
+
+bool applies(const VariableRow& row, const Domain& domain) {
+    return (row.domains & domain.tag) != 0 && model::enabled(domain, row.option);
+}
+
+// Steps of a row: its own, those of a family, or the plain road's.
+VariableRow::Step stepOf(const VariableRow& row, VariableRow::Step own, VariableRow::Step family,
+                         VariableRow::Step plain) {
+    if (own) return own;
+    return row.family == Family::oneFile ? plain : family;
+}
+
+void declareAndRead(Domain& domain, Table table) {
+    for (std::size_t i = 0; i < table.size(); ++i) {
+        if (!applies(table[i], domain)) continue;
+        stepOf(table[i], table[i].init, familyInit, plot_data::plainInit)(domain, table[i],
+                                                                          domain.outputVars[i]);
+    }
+}
+
+void readOrShare(Domain& domain, Table table) {
+    for (const bool last : {false, true})
+        for (std::size_t i = 0; i < table.size(); ++i) {
+            const bool inDataSet = applies(table[i], domain) && domain.outputVars[i].firstExists;
+            if (!inDataSet || table[i].sharedLast != last) continue;
+            stepOf(table[i], table[i].read, familyRead, plot_data::plainRead)(domain, table[i],
+                                                                              domain.outputVars[i]);
+        }
+}
+
+void writeArrays(Domain& domain, Table table) {
+    for (std::size_t i = 0; i < table.size(); ++i) {
+        if (!applies(table[i], domain) || !domain.outputVars[i].exists) continue;
+        stepOf(table[i], table[i].write, familyWrite, plot_data::plainWrite)(domain, table[i],
+                                                                             domain.outputVars[i]);
+    }
+}
+
+void flushAtInterval(Domain& domain) {
+    const std::int32_t done = run.timeIndex - run.firstTimeIndex + 1;
+    if (done % run.tecplotFlushInterval == 0) plot_data::tecplotFileFlush(domain);
+}
+
+void initTecplot(Domain& domain, Table table) {
+    const std::string name = model::problemFile(domain.name);
+    announce(domain, name);
+    plot_data::tecplotInit(domain);
+    createOutputVars(domain, table);
+    declareAndRead(domain, table);
+    if (readForOthersOnly(domain)) return;
+
+    plot_data::tecplotFileOpen(name, run.titleLines.front(), domain);
+    plot_data::tecplotVarUnitsWrite(domain);
+    plot_data::tecplotWriteZoneFE(domain.name, run.currentTimeText, 0, domain);
+    writeArrays(domain, table);
+    plot_data::tecplotWriteConnectivity(domain);
+    flushAtInterval(domain);
+}
+
+void appendTecplot(Domain& domain, Table table) {
+    run.cellCenteredList.clear();
+    run.shareList.clear();
+    readOrShare(domain, table);
+    if (readForOthersOnly(domain)) return;
+
+    plot_data::tecplotWriteZoneFE(domain.name, run.currentTimeText, 1, domain);
+    writeArrays(domain, table);
+    flushAtInterval(domain);
+}
+
+} // namespace
+
+void initMultiTecplot(Domain& domain) {
+    initTecplot(domain, variableTable());
+}
+void initCommonTecplot(Domain& domain) {
+    initTecplot(domain, commonNodeTable());
+}
+void appendMultiTecplot(Domain& domain) {
+    appendTecplot(domain, variableTable());
+}
+void appendCommonTecplot(Domain& domain) {
+    appendTecplot(domain, commonNodeTable());
+}
+
+} // namespace variables
