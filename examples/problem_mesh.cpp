@@ -97,6 +97,9 @@ Mesh build(std::int32_t nx, std::int32_t ny, std::int32_t layers, bool prisms) {
     mesh.cell_length = std::sqrt(length_along / nx * length_across / ny);
     // On a coarse mesh the stream is wide enough to meet the nodes of its line.
     const double stream_width = std::max(13.7, 0.8 * length_across / ny);
+    const auto quads = static_cast<std::size_t>(nx) * static_cast<std::size_t>(ny);
+    mesh.columns.reserve(quads + static_cast<std::size_t>(nx + ny + 1));
+    mesh.cells.reserve(prisms ? 2 * quads : quads);
     for (std::int32_t j = 0; j <= ny; ++j) {
         const double y = grid_line(j, ny, length_across);
         for (std::int32_t i = 0; i <= nx; ++i)

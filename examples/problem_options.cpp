@@ -6,6 +6,8 @@
 #include <cstdlib>
 #include <iterator>
 #include <sstream>
+#include <system_error>
+#include <utility>
 
 #include "examples/record_file.hpp"
 
@@ -127,13 +129,14 @@ void print_help() {
         std::printf("  %-20s %s\n", left.c_str(), row.help);
     }
     std::printf("  %-20s %s\n\nVariables:\n", "--help", "print this text");
-    std::string line = " ";
+    std::string line;
     for (const std::string& stem : problem_variables::stems()) {
         if (line.size() + stem.size() > 78) {
             std::printf("%s\n", line.c_str());
-            line = " ";
+            line.clear();
         }
-        line += " " + stem;
+        line += line.empty() ? "  " : " ";
+        line += stem;
     }
     std::printf("%s\n", line.c_str());
 }

@@ -13,7 +13,7 @@ using problem_mesh::Column;
 
 namespace {
 
-// Part of the precipitation that falls as snow: more with height, less on a warm day.
+// Share of the precipitation that falls as snow: more with height, less on a warm day.
 double snow_part(const Place& place, const Weather& weather) {
     const double air = weather.air - 0.0063 * (place.column->ground - 212.37);
     return std::clamp(0.5 - 0.41 * (air - 274.35), 0.0, 1.0);
