@@ -42,7 +42,7 @@ TEST(StringHelpers, TrailingBlanksDoNotCount) {
 
 TEST(StringHelpers, PositionsCountFromOne) {
     EXPECT_EQ(findFirstOf("1.5 msg", " "), 4U);
-    EXPECT_EQ(findFirstOf("a,b,c", ",", 3), 4U);
+    EXPECT_EQ(findFirstOf("a,b,c", ",", 4), 4U);
     EXPECT_EQ(findFirstOf(",b", ",", 0), 1U);
     EXPECT_EQ(findFirstOf("abc   ", " "), 4U); // the trimmed length plus 1
     EXPECT_EQ(findFirstOf("abc", "c", 99), 4U);

@@ -66,6 +66,16 @@ TEST(DepthToGroundwater, ColumnsByHand) {
     }
 }
 
+// A column in which any other order of the operations ends in another last digit.
+TEST(DepthToGroundwater, InterpolatesInTheOrderAgreed) {
+    const Values z{0, 4.7, 7.7}, head{1.3, 0.5, 0.5};
+    Values depth(3);
+    depth2gwtDomain(3, 3, true, z, head, depth);
+    EXPECT_EQ(depth, (Values{-1.1109090909090908, 3.5890909090909093, 6.58909090909091}));
+    depth2gwt2dDomain(3, 3, true, z, head, depth);
+    EXPECT_EQ(depth, Values(3, 6.58909090909091));
+}
+
 // The sweeps over whole sheets must not differ in one bit from a walk for each node alone, nor step
 // outside the arrays where nodes are left over.
 TEST(DepthToGroundwater, SweepsEqualWalks) {

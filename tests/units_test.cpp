@@ -75,7 +75,7 @@ TEST_F(Units, Labels) {
         {"L^/2", "(m^/2)", "(cm^/2)"},
         {"L^", "(m)", "(cm)"},
         {"^2", "(^2)", "(^2)"},
-        {R"(\m * \L^2 * \x * \)", R"((m L^2 \x \))", R"((m L^2 \x \))"},
+        {R"(\m * \L^2 * \Lx * \)", R"((m L^2 \Lx \))", R"((m L^2 \Lx \))"},
         {"L/T", "(L/T)", "(L/T)"},
     };
     for (const Label& label : labels) {

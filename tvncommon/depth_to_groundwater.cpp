@@ -124,6 +124,7 @@ void lowestCrossings(const Mesh& mesh, std::span<char> found, std::span<double> 
 void depth2gwtDomain(std::int32_t nodeCount, std::int32_t sheetCount, bool interpolate,
                      std::span<const double> z, std::span<const double> head,
                      std::span<double> depth) {
+    if (nodeCount < 1) return;
     const Mesh mesh = meshOf(nodeCount, sheetCount, interpolate, z, head);
     std::vector<double> waterTable;
     ArrayHelpers::allocateArray(waterTable, nodeCount / sheetCount,
@@ -135,6 +136,7 @@ void depth2gwtDomain(std::int32_t nodeCount, std::int32_t sheetCount, bool inter
 void depth2gwt2dDomain(std::int32_t nodeCount, std::int32_t sheetCount, bool interpolate,
                        std::span<const double> z, std::span<const double> head,
                        std::span<double> depth) {
+    if (nodeCount < 1) return;
     const Mesh mesh = meshOf(nodeCount, sheetCount, interpolate, z, head);
     std::vector<char> found;
     ArrayHelpers::allocateArray(found, nodeCount / sheetCount,

@@ -11,7 +11,7 @@
 // that is no number, is saturated. The water table lies where a saturated node has an unsaturated
 // one above it: at the head of the saturated node or, with `interpolate`, where the pressure head
 // between the two is 0. A node count that makes no whole number of sheets leaves nodes over at the
-// end. Fewer than one sheet, or more sheets than nodes, ends the run.
+// end. Fewer than one sheet, or more sheets than nodes where there are any, ends the run.
 namespace depth_to_groundwater {
 
 // For each node its height above the crossing nearest to it: unsaturated nodes look down, saturated

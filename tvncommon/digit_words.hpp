@@ -10,7 +10,8 @@
 
 // Decimal digits eight and sixteen at a time, by arithmetic on lanes of one word: the number is
 // split into lanes of four digits, then two, then one. The factors are reciprocals of 10000, 100
-// and 10, exact in the range of their lanes.
+// and 10, exact in the range of their lanes. With 16-byte registers both words are split at once,
+// which halves the time of a whole wide real; the form without them serves other machines.
 namespace digit_words {
 
 static_assert(std::endian::native == std::endian::little, "the lowest byte is the first character");
@@ -39,8 +40,7 @@ inline SixteenDigits sixteenDigits(std::uint64_t upper, std::uint64_t lower) {
         _mm_set_epi64x(static_cast<std::int64_t>(lower), static_cast<std::int64_t>(upper));
     const __m128i thousands =
         _mm_srli_epi64(_mm_mul_epu32(eights, _mm_set1_epi64x(0xd1b71759)), 45);
-    // This leaves the four upper digits in the upper half of each lane; the shuffle puts them
-    // first.
+    // The product leaves the upper four digits in the upper half of a lane; they go first.
     const __m128i fours = _mm_shuffle_epi32(
         _mm_add_epi64(eights, _mm_mul_epu32(thousands, _mm_set1_epi64x((1LL << 32) - 10000))),
         _MM_SHUFFLE(2, 3, 0, 1));

@@ -80,9 +80,7 @@ bool split(std::string_view text, Decimal& number) {
         return !s.empty() && s.find_first_not_of(digits) == std::string_view::npos;
     };
     number.mantissa = text.substr(0, text.find_first_not_of("0123456789."));
-    if (number.mantissa.find_first_of(digits) == std::string_view::npos ||
-        number.mantissa.find('.') != number.mantissa.rfind('.'))
-        return false;
+    if (number.mantissa.find('.') != number.mantissa.rfind('.')) return false;
     text.remove_prefix(number.mantissa.size());
     if (text.empty()) return true;
 

@@ -88,10 +88,10 @@ void familyInit(Domain& domain, const VariableRow& row, OutputVar& var) {
     var.firstExists = plot_data::checkFileInit(first);
     if (!var.firstExists) return;
     var.columns.resize(members.size());
-    for (Column& column : var.columns) plot_data::allocateColumn(domain, row, column);
     for (std::size_t m = 0; m < members.size(); ++m) {
         std::string name = currentFile(members[m]);
         var.exists = plot_data::checkFileInit(name);
+        plot_data::allocateColumn(domain, row, var.columns[m]);
         declareMember(domain, row, members[m], var.columns[m]);
         plot_data::readColumns(domain, row, {&var.columns[m], 1}, name);
     }
