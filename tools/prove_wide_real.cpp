@@ -2,17 +2,20 @@
 //
 //     prove_wide_real [number of random patterns, default 100000000] [--floats]
 //
-// The first two steps are a proof for all doubles: the table of decades is right, and no double
-// comes so near to half a unit of its 17th digit that 128 bits of a power of ten could round it
-// wrongly. The others compare whole fields with std::to_chars: powers of two and ten and what lies
-// around them, ties, random bit patterns and, with --floats, each 32-bit pattern. It says what it
-// did and ends with status 1 at the first fault.
+// The first steps are a proof for all doubles: the table of decades is right, no double comes so
+// near to half a unit of its 17th digit that 128 bits of a power of ten could round it wrongly, and
+// each group of eight digits comes out as it should. The others compare whole fields with
+// std::to_chars: powers of two and ten and what lies around them, ties, random bit patterns and,
+// with --floats, each 32-bit pattern. It says what it did and ends with status 1 at the first
+// fault.
 
 #include "tests/wide_real_reference.hpp"
+#include "tvncommon/digit_words.hpp"
 #include "tvncommon/number_formats.hpp"
 #include "tvncommon/wide_real_tables.hpp"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <chrono>
 #include <cmath>
@@ -232,6 +235,34 @@ void proveRounding() {
         static_cast<long long>(pieces), static_cast<long long>(inexact));
 }
 
+// All numbers of eight digits, in both halves, against counting in texts of four.
+void checkDigits() {
+    constexpr std::uint32_t texts = 10000;
+    std::vector<std::array<char, 4>> four(texts);
+    for (std::uint32_t i = 0; i < texts; ++i) {
+        for (std::uint32_t rest = i, place = 4; place-- > 0; rest /= 10) {
+            four[i][place] = static_cast<char>('0' + rest % 10);
+        }
+    }
+    for (std::uint32_t upper = 0; upper < texts; ++upper) {
+        for (std::uint32_t lower = 0; lower < texts; ++lower) {
+            const std::uint64_t number = std::uint64_t{upper} * texts + lower;
+            char text[17];
+            digit_words::storeWithGap(digit_words::sixteenDigits(number, 99999999 - number), 16,
+                                      text);
+            const std::uint64_t eight = digit_words::eightDigits(number) | 0x3030303030303030;
+            if (std::memcmp(text, four[upper].data(), 4) != 0 ||
+                std::memcmp(text + 4, four[lower].data(), 4) != 0 ||
+                std::memcmp(text + 8, four[texts - 1 - upper].data(), 4) != 0 ||
+                std::memcmp(text + 12, four[texts - 1 - lower].data(), 4) != 0 ||
+                std::memcmp(text, &eight, 8) != 0) {
+                fail("wrong digits, number", static_cast<std::int64_t>(number));
+            }
+        }
+    }
+    std::printf("digits: right for all numbers of eight digits\n");
+}
+
 void compareField(double value) {
     if (!std::isfinite(value)) return;
     char ours[26];
@@ -307,11 +338,13 @@ int main(int argumentCount, char** arguments) {
     std::int64_t patterns = 100'000'000;
     bool floats = false;
     for (int i = 1; i < argumentCount; ++i) {
-        if (std::strcmp(arguments[i], "--floats") == 0) {
-            floats = true;
-        } else {
-            patterns = std::atoll(arguments[i]);
-        }
+        const bool isSwitch = std::strcmp(arguments[i], "--floats") == 0;
+        if (isSwitch) floats = true;
+        if (!isSwitch) patterns = std::atoll(arguments[i]);
+    }
+    if (patterns <= 0) {
+        std::printf("usage: prove_wide_real [number of random patterns] [--floats]\n");
+        return 1;
     }
     std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
     const auto begin = std::chrono::steady_clock::now();
@@ -319,6 +352,7 @@ int main(int argumentCount, char** arguments) {
     checkTable();
     checkFirstHit();
     proveRounding();
+    checkDigits();
     comparePowers();
     compareTies(std::max<std::int64_t>(patterns / 1000, 1000), random);
     compareRandom(patterns, random);

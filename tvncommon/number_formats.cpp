@@ -3,6 +3,7 @@
 #include "tvncommon/digit_words.hpp"
 #include "tvncommon/wide_real_tables.hpp"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <charconv>
@@ -82,17 +83,10 @@ constexpr std::uint64_t infinityBits = std::uint64_t{0x7ff} << 52;
 }
 
 template<typename Real>
-char* putRows(const Real* values, std::int64_t rows, char* out) {
-    for (; rows > 0; --rows, out += realRowBytes) {
-        for (int i = 0; i < valuesPerRow; ++i) put(*values++, out + i * wideRealWidth);
-        out[realRowBytes - 1] = '\n';
-    }
-    return out;
-}
-
-template<typename Real>
 char* putTail(const Real* values, int count, char* out) {
-    for (int i = 0; i < count; ++i, out += wideRealWidth) writeWideReal(values[i], out);
+    for (int i = 0; i < count; ++i, out += wideRealWidth) {
+        writeWideReal(static_cast<double>(values[i]), out);
+    }
     *out = '\n';
     return out + 1;
 }
@@ -136,11 +130,25 @@ std::string wideRealText(double value) {
 }
 
 char* writeRealRows(const double* values, std::int64_t rows, char* out) {
-    return putRows(values, rows, out);
+    for (; rows > 0; --rows, out += realRowBytes) {
+        for (int i = 0; i < valuesPerRow; ++i) put(*values++, out + i * wideRealWidth);
+        out[realRowBytes - 1] = '\n';
+    }
+    return out;
 }
 
+// Widened in batches: one by one, each conversion would add its delay to that of the digits.
 char* writeRealRows(const float* values, std::int64_t rows, char* out) {
-    return putRows(values, rows, out);
+    constexpr std::int64_t batchRows = 16;
+    std::array<double, batchRows * valuesPerRow> wide;
+    while (rows > 0) {
+        const std::int64_t now = std::min(rows, batchRows);
+        std::copy(values, values + now * valuesPerRow, wide.begin());
+        out = writeRealRows(wide.data(), now, out);
+        values += now * valuesPerRow;
+        rows -= now;
+    }
+    return out;
 }
 
 char* writeRealTail(const double* values, int count, char* out) {
