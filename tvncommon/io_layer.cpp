@@ -95,8 +95,10 @@ int open(int unit, const std::string& path, system_calls::OpenMode mode, Connect
     c.path = path;
     c.writing = mode == system_calls::OpenMode::replace;
     system_calls::FileFacts facts;
-    const bool known = table.facts(c.descriptor, facts) == 0;
-    if (!known || facts.kind == system_calls::FileKind::folder) {
+    // Only a regular file is sure to come to an end; a device can be written all the same.
+    const bool usable = table.facts(c.descriptor, facts) == 0 &&
+                        (c.writing || facts.kind == system_calls::FileKind::regular);
+    if (!usable) {
         table.close(c.descriptor);
         return openFailed;
     }
