@@ -3,6 +3,6 @@
 #include "tvncommon/system_calls.hpp"
 
 int main(int argc, char** argv) {
-    system_calls::ignoreWriteSignals();
+    system_calls::prepareProcess();
     return meshrake_main(argc, argv);
 }

@@ -13,6 +13,7 @@
 #include "tvncommon/io_layer.hpp"
 #include "tvncommon/units.hpp"
 
+#include <exception>
 #include <new>
 
 using model::run;
@@ -28,10 +29,8 @@ void startFresh() {
 }
 
 void openEchoFile() {
-    const std::string name = model::problemFile("meshrake.eco");
-    run.echoUnit = file_units::getUnit();
-    error::checkFileOpen(io_layer::openTextReplace(run.echoUnit, name, io_layer::Flush::everyLine),
-                         name);
+    run.echoUnit =
+        file_units::openTextReplace(model::problemFile("meshrake.eco"), io_layer::Flush::everyLine);
     error::setErrorLoggingFileUnit(run.echoUnit);
 }
 
@@ -88,6 +87,8 @@ int meshrake_main(int argc, const char* const* argv) {
             runMeshrake(argc, argv);
         } catch (const std::bad_alloc&) {
             error::check_alloc(io_layer::outOfMemory, "working memory");
+        } catch (const std::exception& surprise) {
+            error::fatalError(std::string("Internal error: ") + surprise.what());
         }
     } catch (const error::RunEnded& end) {
         return end.status;

@@ -21,8 +21,7 @@ struct OpenFile {
 };
 
 OpenFile openAndReadHeader(const std::string& filename) {
-    OpenFile file{file_units::getUnit(), std::string(headerLength, ' ')};
-    error::checkFileOpen(io_layer::openRecordsRead(file.unit, filename), filename);
+    OpenFile file{file_units::openRecordsRead(filename), std::string(headerLength, ' ')};
     const int status = io_layer::readRecord(file.unit, file.header.data(), headerLength);
     if (status != io_layer::ok)
         error::input_error_stat(status, "Error reading header from file " + filename);

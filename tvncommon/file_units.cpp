@@ -38,6 +38,24 @@ void freeUnitAll() {
     error::checkFileWrite(status, path);
 }
 
+int openTextRead(const std::string& path) {
+    const int unit = getUnit();
+    error::checkFileOpen(io_layer::openTextRead(unit, path), path);
+    return unit;
+}
+
+int openTextReplace(const std::string& path, io_layer::Flush flush) {
+    const int unit = getUnit();
+    error::checkFileOpen(io_layer::openTextReplace(unit, path, flush), path);
+    return unit;
+}
+
+int openRecordsRead(const std::string& path) {
+    const int unit = getUnit();
+    error::checkFileOpen(io_layer::openRecordsRead(unit, path), path);
+    return unit;
+}
+
 void writeLine(int unit, std::string_view line) {
     checkWrite(unit, io_layer::writeLine(unit, line));
 }
@@ -47,7 +65,9 @@ void writeBlock(int unit, const char* block, std::size_t size) {
 }
 
 void rewind(int unit) {
-    checkRead(unit, io_layer::rewind(unit));
+    const int status = io_layer::rewind(unit);
+    if (status == io_layer::writeFailed) checkWrite(unit, status);
+    checkRead(unit, status);
 }
 
 bool readLine(int unit, std::string& line) {
@@ -59,6 +79,18 @@ bool readLine(int unit, std::string& line) {
 
 void readRecord(int unit, void* into, std::int64_t size) {
     checkRead(unit, io_layer::readRecord(unit, into, size));
+}
+
+void beginRecord(int unit) {
+    checkRead(unit, io_layer::beginRecord(unit));
+}
+
+void readInRecord(int unit, void* into, std::int64_t size) {
+    checkRead(unit, io_layer::readInRecord(unit, into, size));
+}
+
+void endRecord(int unit) {
+    checkRead(unit, io_layer::endRecord(unit));
 }
 
 std::int32_t readInteger(int unit) {
@@ -78,10 +110,11 @@ std::string readText(int unit, std::int64_t length) {
     return text;
 }
 
-void checkCount(int unit, std::int64_t count, std::int64_t bytesEach, std::string_view what) {
-    if (count >= 0 && count <= io_layer::bytesLeft(unit) / bytesEach) return;
-    badContents(unit, std::string(what) + " of " + std::to_string(count) +
-                          " entries does not fit the size of the file");
+void checkCount(int unit, std::int64_t count, std::int64_t bytesEach, std::string_view items) {
+    const std::string counted = std::to_string(count) + " " + std::string(items);
+    if (count < 0) badContents(unit, "A count is negative: " + counted);
+    if (count > io_layer::bytesLeft(unit) / bytesEach)
+        badContents(unit, "More than the file can hold: " + counted);
 }
 
 void badContents(int unit, std::string_view what) {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "tvncommon/ArrayHelpers.hpp"
+#include "tvncommon/io_layer.hpp"
 
 // File units and the reads and writes that nobody tests: a failure in any of them ends the run with
 // a banner that names the file and tells the status of the I/O layer.
@@ -21,6 +22,12 @@ void freeUnit(int unit);
 // The same for all units of the range.
 void freeUnitAll();
 
+// Opens a file that must be there for reading, or one to be replaced for writing, on a unit that is
+// free. A failed open ends the run.
+int openTextRead(const std::string& path);
+int openTextReplace(const std::string& path, io_layer::Flush flush);
+int openRecordsRead(const std::string& path);
+
 void writeLine(int unit, std::string_view line);
 void writeBlock(int unit, const char* block, std::size_t size);
 void rewind(int unit);
@@ -34,9 +41,15 @@ std::int32_t readInteger(int unit);
 bool readLogical(int unit);
 std::string readText(int unit, std::int64_t length);
 
+// The same in pieces, for a record that is taken apart while it is read.
+void beginRecord(int unit);
+void readInRecord(int unit, void* into, std::int64_t size);
+void endRecord(int unit);
+
 // Ends the run unless `count` lies in 0 to the number of items of `bytesEach` bytes that the rest
-// of the file can hold. To be called before memory is taken for a count that comes from the file.
-void checkCount(int unit, std::int64_t count, std::int64_t bytesEach, std::string_view what);
+// of the file can hold. To be called before memory is taken for a count that comes from the file;
+// `items` tells what is counted, such as "mobile species".
+void checkCount(int unit, std::int64_t count, std::int64_t bytesEach, std::string_view items);
 
 // Ends the run as a read error of this unit's file does, telling what is wrong with its contents.
 [[noreturn]] void badContents(int unit, std::string_view what);
@@ -45,7 +58,7 @@ void checkCount(int unit, std::int64_t count, std::int64_t bytesEach, std::strin
 // been held against the size of the file.
 template<class T>
 void readArray(int unit, std::int64_t count, std::vector<T>& array, std::string_view name) {
-    checkCount(unit, count, static_cast<std::int64_t>(sizeof(T)), name);
+    checkCount(unit, count, static_cast<std::int64_t>(sizeof(T)), "values of " + std::string(name));
     ArrayHelpers::allocateArray(array, count, name);
     readRecord(unit, array.data(), count * static_cast<std::int64_t>(sizeof(T)));
 }

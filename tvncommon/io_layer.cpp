@@ -7,6 +7,7 @@
 #include <bit>
 #include <cerrno>
 #include <cstring>
+#include <limits>
 #include <map>
 #include <vector>
 
@@ -21,6 +22,8 @@ using system_calls::table;
 
 constexpr std::size_t readBufferSize = 32768;
 constexpr std::size_t writeBufferSize = 32768;
+constexpr std::size_t longestLine = 1048576;
+constexpr std::int64_t unbounded = std::numeric_limits<std::int64_t>::max();
 
 // The record under the reading position.
 struct OpenRecord {
@@ -54,6 +57,7 @@ Connection fixedStream(int descriptor, const char* path, bool writing) {
     c.path = path;
     c.writing = writing;
     c.flushing = Flush::everyLine;
+    c.size = unbounded;
     return c;
 }
 
@@ -89,7 +93,13 @@ int statusOfOpen(int error) {
     }
 }
 
+// The system would take the text up to a NUL for the name: another file's.
+bool canBeName(const std::string& path) {
+    return path.find('\0') == std::string::npos;
+}
+
 int open(int unit, const std::string& path, system_calls::OpenMode mode, Connection& c) {
+    if (!canBeName(path)) return invalidPath;
     c.descriptor = table.open(path.c_str(), mode);
     if (c.descriptor < 0) return statusOfOpen(errno);
     c.path = path;
@@ -124,6 +134,27 @@ int flushHeld(Connection& c) {
     return status;
 }
 
+// What one call gets of the file from `position` on, 0 at its end, below 0 for a failure. A file
+// that grows while it is read ends where it ended at the open.
+std::ptrdiff_t readSome(const Connection& c, char* into, std::int64_t size, std::int64_t position) {
+    const std::int64_t room = std::min(size, c.size - position);
+    if (room <= 0) return 0;
+    for (;;) {
+        const std::ptrdiff_t n = table.read(c.descriptor, into, static_cast<std::size_t>(room));
+        if (n >= 0 || errno != EINTR) return n;
+    }
+}
+
+// Fills the empty buffer; it stays empty at the end of the file.
+int fillBuffer(Connection& c, std::int64_t position) {
+    if (c.readBuffer.empty()) c.readBuffer.resize(readBufferSize);
+    c.readBegin = c.readEnd = 0;
+    const std::ptrdiff_t n = readSome(c, c.readBuffer.data(), readBufferSize, position);
+    if (n < 0) return readFailed;
+    c.readEnd = static_cast<std::size_t>(n);
+    return ok;
+}
+
 // Reads up to `size` bytes and stores their number in `got`; fewer only at the end of the file.
 int readUpTo(Connection& c, char* into, std::int64_t size, std::int64_t& got) {
     got = 0;
@@ -137,20 +168,15 @@ int readUpTo(Connection& c, char* into, std::int64_t size, std::int64_t& got) {
             continue;
         }
         // A large piece goes straight to the caller's array.
-        const bool direct = size - got >= static_cast<std::int64_t>(readBufferSize);
-        if (!direct && c.readBuffer.empty()) c.readBuffer.resize(readBufferSize);
-        char* target = direct ? into + got : c.readBuffer.data();
-        const std::size_t room = direct ? static_cast<std::size_t>(size - got) : readBufferSize;
-        const std::ptrdiff_t n = table.read(c.descriptor, target, room);
-        if (n < 0 && errno == EINTR) continue;
+        if (size - got < static_cast<std::int64_t>(readBufferSize)) {
+            if (fillBuffer(c, c.position + got) != ok) return readFailed;
+            if (c.readEnd == 0) break;
+            continue;
+        }
+        const std::ptrdiff_t n = readSome(c, into + got, size - got, c.position + got);
         if (n < 0) return readFailed;
         if (n == 0) break;
-        if (direct) {
-            got += n;
-        } else {
-            c.readBegin = 0;
-            c.readEnd = static_cast<std::size_t>(n);
-        }
+        got += n;
     }
     c.position += got;
     return ok;
@@ -208,7 +234,7 @@ void reset() {
 }
 
 bool exists(const std::string& path) {
-    return table.exists(path.c_str()) == 0;
+    return canBeName(path) && table.exists(path.c_str()) == 0;
 }
 
 int takeUnit() {
@@ -282,12 +308,8 @@ int readLine(int unit, std::string& line) {
     bool any = false;
     for (;;) {
         if (c->readBegin == c->readEnd) {
-            char next = 0;
-            std::int64_t got = 0;
-            if (readUpTo(*c, &next, 1, got) != ok) return readFailed;
-            if (got == 0) break;
-            --c->readBegin;
-            --c->position;
+            if (fillBuffer(*c, c->position) != ok) return readFailed;
+            if (c->readEnd == 0) break;
         }
         any = true;
         const char* begin = c->readBuffer.data() + c->readBegin;
@@ -295,7 +317,8 @@ int readLine(int unit, std::string& line) {
         const void* lineFeed = std::memchr(begin, '\n', held);
         const std::size_t n =
             lineFeed ? static_cast<std::size_t>(static_cast<const char*>(lineFeed) - begin) : held;
-        line.append(begin, n);
+        line.append(begin, std::min(n, longestLine - line.size()));
+        if (line.size() == longestLine && c->size == unbounded) return readFailed;
         c->readBegin += n + (lineFeed ? 1 : 0);
         c->position += static_cast<std::int64_t>(n + (lineFeed ? 1 : 0));
         if (lineFeed) break;

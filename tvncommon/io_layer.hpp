@@ -59,7 +59,8 @@ int openRecordsRead(int unit, const std::string& path);
 int openRecordsReplace(int unit, const std::string& path);
 
 // Next line without its line end; `endOfFile` when there is none. A last line without a line feed
-// counts. A carriage return in front of the line feed is dropped.
+// counts. A carriage return in front of the line feed is dropped, and so is what goes beyond a
+// mebibyte; on the standard input, which need not end, so long a line fails.
 int readLine(int unit, std::string& line);
 int writeText(int unit, std::string_view text);
 int writeLine(int unit, std::string_view line);

@@ -12,10 +12,11 @@ namespace system_calls {
 namespace {
 
 int openFile(const char* path, OpenMode mode) {
-    if (mode == OpenMode::replace)
-        return ::open(path, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
-    // Without O_NONBLOCK the open of a pipe that nobody writes to would never return.
-    return ::open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    // Without O_NONBLOCK the open of a pipe that nobody holds at the other end would never return.
+    const int access = mode == OpenMode::replace ? O_WRONLY | O_CREAT | O_TRUNC : O_RDONLY;
+    const int descriptor = ::open(path, access | O_CLOEXEC | O_NONBLOCK, 0666);
+    if (descriptor >= 0) ::fcntl(descriptor, F_SETFL, access & O_WRONLY);
+    return descriptor;
 }
 
 std::int64_t seekFile(int descriptor, std::int64_t position) {
@@ -45,9 +46,12 @@ Table systemTable() {
 
 Table table = systemTable();
 
-void ignoreWriteSignals() {
+void prepareProcess() {
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
+    // Writes to a screen that was closed go on to fail; banners that nobody sees do not matter.
+    for (int stream = 0; stream <= 2; ++stream)
+        if (::fcntl(stream, F_GETFD) < 0) ::open("/dev/null", stream == 2 ? O_WRONLY : O_RDONLY);
 }
 
 LocalTime localTime() {

@@ -31,9 +31,9 @@ struct Table {
 extern Table table;
 Table systemTable();
 
-// A reader that goes away and a file size limit are failures of a write, not the end of the
-// process.
-void ignoreWriteSignals();
+// Makes the process fit for the run: a reader that goes away and a file size limit are failures of
+// a write, not the end of it, and a standard stream that was closed leaves its number to no file.
+void prepareProcess();
 
 // Date and time of day with the zone's offset from universal time, as the system tells them.
 struct LocalTime {

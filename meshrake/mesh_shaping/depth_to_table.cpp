@@ -3,6 +3,9 @@
 #include "meshrake/mesh_shaping/topography.hpp"
 #include "meshrake/model/run_state.hpp"
 #include "tvncommon/depth_to_groundwater.hpp"
+#include "tvncommon/error.hpp"
+
+#include <algorithm>
 
 namespace mesh_shaping {
 
@@ -18,6 +21,10 @@ using Depths = decltype(&depth_to_groundwater::depth2gwtDomain);
 // The arrays are allocated at their first use, which for a mesh of tetrahedra is a later time: such
 // a mesh has no column declared and yet gets the values of later times.
 void compute(Domain& domain, const VariableRow& row, OutputVar& var, Depths depths) {
+    if (run.sheetCount < 1 || run.sheetCount > std::max(domain.nodeCount, 1))
+        error::fatalError("Depth to groundwater: " + std::to_string(domain.nodeCount) +
+                          " nodes in " + std::to_string(run.sheetCount) +
+                          " sheets\nFile: " + model::problemFile("coordinates_pm"));
     if (var.columns[0].real8.empty()) plot_data::allocateColumn(domain, row, var.columns[0]);
     depths(domain.nodeCount, run.sheetCount, run.interpolateDepthToTable, elevation(domain),
            model::outputVar(domain, "head").columns[0].real8, var.columns[0].real8);

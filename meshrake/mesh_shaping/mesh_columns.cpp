@@ -25,7 +25,8 @@ std::int32_t layerElements(const Domain& domain, std::string_view column) {
     const std::int32_t n = layers > 0 ? domain.elementCount / layers : 0;
     if (n == 0 && domain.elementCount > 0)
         error::fatalError(std::string(column) + " of the " + domain.name +
-                          " domain: the mesh has no layers of elements");
+                          " domain: the mesh has no layers of elements\nFile: " +
+                          model::problemFile("elements_" + domain.name));
     return n;
 }
 
@@ -113,7 +114,9 @@ void writeColumnNumber(Domain& domain, const VariableRow& row, OutputVar&) {
 
 void writeElementThickness(Domain& domain, const VariableRow& row, OutputVar&) {
     if (domain.nodesPerElement < 2 && domain.elementCount > 0)
-        error::fatalError("Thickness of the " + domain.name + " domain: elements of one node");
+        error::fatalError("Thickness of the " + domain.name +
+                          " domain: elements of one node\nFile: " +
+                          model::problemFile("elements_" + domain.name));
     std::vector<double> values;
     ArrayHelpers::allocateArray(values, domain.elementCount, row.arrayText);
     std::size_t n = 0;
@@ -129,7 +132,9 @@ void depth2SurfInit(Domain& domain, const VariableRow& row, OutputVar& var) {
     std::vector<double>& depth = var.columns[0].real8;
     if (depth.empty()) {
         ArrayHelpers::allocateArray(depth, domain.nodeCount, row.arrayText);
-        if (run.sheetCount < 1) error::fatalError("Depth2Surf: the mesh has no node sheets");
+        if (run.sheetCount < 1)
+            error::fatalError("Depth2Surf: the mesh has no node sheets\nFile: " +
+                              model::problemFile("coordinates_pm"));
         const auto sheets = static_cast<std::size_t>(run.sheetCount);
         const std::size_t sheetNodes = depth.size() / sheets;
         const std::size_t topSheet = (sheets - 1) * sheetNodes;

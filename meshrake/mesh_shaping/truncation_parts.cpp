@@ -44,7 +44,8 @@ std::int32_t layerSize(const Domain& domain, std::int32_t elementCount) {
     if (n == 0 && domain.elementCount > 0 && !domain.truncateEnabled &&
         domain.truncateByLayerEnabled)
         error::input_error("Truncation of the " + domain.name +
-                           " domain by layer: the mesh has fewer elements than layers");
+                           " domain by layer: the mesh has fewer elements than layers\nFile: " +
+                           model::problemFile("elements_" + domain.name));
     return n;
 }
 

@@ -13,13 +13,15 @@ namespace model {
 
 namespace {
 
-constexpr std::array<std::pair<std::string_view, DomainSet>, 7> tagNames{{{"pm", tags::pm},
-                                                                          {"dual", tags::dual},
-                                                                          {"olf", tags::olf},
-                                                                          {"frac", tags::frac},
-                                                                          {"chan", tags::chan},
-                                                                          {"well", tags::well},
-                                                                          {"tile", tags::tile}}};
+constexpr std::array<std::pair<std::string_view, DomainSet>, 8> tagNames{
+    {{"pm", tags::pm},
+     {"dual", tags::dual},
+     {"olf", tags::olf},
+     {"frac", tags::frac},
+     {"chan", tags::chan},
+     {"well", tags::well},
+     {"tile", tags::tile},
+     {"addition", tags::addition}}};
 
 DomainSet tagOf(std::string_view name) {
     const auto it = std::find_if(tagNames.begin(), tagNames.end(),
@@ -41,8 +43,12 @@ DomainOption& optionOf(Domain& domain, Option option) {
     return domain.options[static_cast<std::size_t>(option)];
 }
 
+const DomainOption& optionOf(const Domain& domain, Option option) {
+    return domain.options[static_cast<std::size_t>(option)];
+}
+
 bool enabled(const Domain& domain, Option option) {
-    return option == Option::none || domain.options[static_cast<std::size_t>(option)].enabled;
+    return option == Option::none || optionOf(domain, option).enabled;
 }
 
 bool hasOwnNodes(const Domain& domain) {
@@ -62,8 +68,9 @@ OutputVar& outputVar(Domain& domain, std::string_view key) {
 }
 
 void domainCreate(Domain& domain, std::string_view tag, const Domain& pm) {
-    if (tag == "addition") {
+    if (tagOf(tag) == tags::addition) {
         domain.name = tag;
+        domain.tag = tags::addition;
         domain.exists = true;
         return;
     }

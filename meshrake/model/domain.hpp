@@ -88,6 +88,7 @@ struct Domain {
 };
 
 DomainOption& optionOf(Domain& domain, Option option);
+const DomainOption& optionOf(const Domain& domain, Option option);
 bool enabled(const Domain& domain, Option option); // true for Option::none
 
 // True for pm and for a domain on the multi-node scheme.

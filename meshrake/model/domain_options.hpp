@@ -14,6 +14,7 @@ using DomainSet = unsigned;
 namespace tags {
 inline constexpr DomainSet pm = 1, dual = 2, olf = 4, frac = 8, chan = 16, well = 32, tile = 64;
 inline constexpr DomainSet anyDomain = pm | dual | olf | frac | chan | well | tile;
+inline constexpr DomainSet addition = 128; // carries commands, has no mesh
 } // namespace tags
 
 enum class Option {

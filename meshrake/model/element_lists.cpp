@@ -1,18 +1,18 @@
 #include "meshrake/model/mesh_reading.hpp"
 
 #include "meshrake/model/run_state.hpp"
-#include "tvncommon/error.hpp"
 #include "tvncommon/file_units.hpp"
-#include "tvncommon/io_layer.hpp"
 
 #include <algorithm>
+#include <limits>
 
 namespace model {
 
 namespace {
 
 void checkNodeNumbers(int unit, const Domain& domain, const Domain& pm) {
-    const std::int32_t lowest = domain.tag == tags::pm ? 0 : -2147483647 - 1;
+    const std::int32_t lowest =
+        domain.tag == tags::pm ? 0 : std::numeric_limits<std::int32_t>::min();
     for (const std::int32_t node : domain.elementNodes)
         if (node > pm.nodeCount || node < lowest)
             file_units::badContents(unit, "An element has pm node " + std::to_string(node) +
@@ -66,14 +66,13 @@ std::string zoneTypeOf(const Domain& domain) {
 void elemsRead(Domain& domain, const Domain& pm) {
     const std::string name = problemFile("elements_" + domain.name);
     write_string("Elements file: " + name);
-    const int unit = file_units::getUnit();
-    error::checkFileOpen(io_layer::openRecordsRead(unit, name), name);
+    const int unit = file_units::openRecordsRead(name);
     domain.nodesPerElement = file_units::readInteger(unit);
     domain.elementCount = file_units::readInteger(unit);
     const std::string arrays = domain.name + " element arrays";
     if (domain.nodesPerElement < 0)
         file_units::badContents(unit, "The number of nodes per element is negative");
-    file_units::checkCount(unit, domain.elementCount, 4, arrays);
+    file_units::checkCount(unit, domain.elementCount, 4, "elements");
     file_units::readArray(unit, std::int64_t{domain.nodesPerElement} * domain.elementCount,
                           domain.elementNodes, arrays);
     file_units::readArray(unit, domain.elementCount, domain.elementZone, arrays);

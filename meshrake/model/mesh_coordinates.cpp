@@ -1,16 +1,17 @@
 #include "meshrake/model/mesh_reading.hpp"
 
 #include "meshrake/model/run_state.hpp"
-#include "tvncommon/error.hpp"
 #include "tvncommon/file_units.hpp"
-#include "tvncommon/io_layer.hpp"
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace model {
 
 namespace {
+
+constexpr std::int64_t bytesPerNode = 24; // x, y and z
 
 // Nodes of one column differ in plan by less than this.
 constexpr double columnTolerance = 1.0e-5;
@@ -25,11 +26,10 @@ void allocateCoordinates(Domain& domain) {
 void readCoordinates(int unit, Domain& domain) {
     constexpr std::int32_t blockNodes = 8192;
     std::vector<double> block(3 * blockNodes);
-    error::checkFileRead(io_layer::beginRecord(unit), io_layer::pathOf(unit));
+    file_units::beginRecord(unit);
     for (std::int32_t first = 0; first < domain.nodeCount; first += blockNodes) {
         const std::int32_t n = std::min(blockNodes, domain.nodeCount - first);
-        const int status = io_layer::readInRecord(unit, block.data(), n * std::int64_t{24});
-        error::checkFileRead(status, io_layer::pathOf(unit));
+        file_units::readInRecord(unit, block.data(), n * bytesPerNode);
         for (std::int32_t i = 0; i < n; ++i) {
             const auto node = static_cast<std::size_t>(first + i);
             const double* xyz = block.data() + 3 * static_cast<std::size_t>(i);
@@ -38,7 +38,7 @@ void readCoordinates(int unit, Domain& domain) {
             domain.z[node] = xyz[2];
         }
     }
-    error::checkFileRead(io_layer::endRecord(unit), io_layer::pathOf(unit));
+    file_units::endRecord(unit);
 }
 
 std::int32_t deriveSheetCount(const Domain& pm) {
@@ -51,8 +51,7 @@ std::int32_t deriveSheetCount(const Domain& pm) {
 }
 
 void readPmCoordinates(int unit, Domain& domain) {
-    constexpr std::int64_t bytesEach = 24;
-    file_units::checkCount(unit, domain.nodeCount, bytesEach, "coordinate arrays");
+    file_units::checkCount(unit, domain.nodeCount, bytesPerNode, "nodes");
     allocateCoordinates(domain);
     readCoordinates(unit, domain);
     std::int32_t counts[3] = {};
@@ -76,6 +75,7 @@ void readWalls(int unit, const Domain& olf) {
     if (run.wallLayers < 0) file_units::badContents(unit, "The number of wall layers is negative");
     const std::int64_t nodes = olf.nodeCount;
     file_units::readArray(unit, nodes, run.wallNodeFlag, "olf wall arrays");
+    for (std::int32_t& flag : run.wallNodeFlag) flag &= 1; // the lowest bit tells true
     file_units::readArray(unit, nodes * run.wallLayers, run.wallNodeTable, "olf wall arrays");
     file_units::readArray(unit, nodes, run.wallNodeValue, "olf wall arrays");
 }
@@ -86,7 +86,7 @@ void checkLinks(int unit, const Domain& domain, const Domain& pm) {
         if (node < 1 || node > pm.nodeCount)
             file_units::badContents(unit, "A node is linked to pm node " + std::to_string(node) +
                                               ", which is not in the mesh");
-    if (domain.couplingScheme != 1) return;
+    if (!hasOwnNodes(domain)) return;
     const std::int64_t last = std::int64_t{domain.nodeOffset} + domain.nodeCount;
     for (const std::int32_t node : domain.linkFromPm)
         if (node > 0 && (node <= domain.nodeOffset || node > last))
@@ -110,14 +110,14 @@ void readLinkedNodes(int unit, Domain& domain, const Domain& pm) {
     file_units::readArray(unit, domain.nodeCount, domain.linkToPm, "link arrays");
     file_units::readArray(unit, pm.nodeCount, domain.linkFromPm, "link arrays");
     if (domain.tag == tags::olf) readWalls(unit, domain);
-    const bool ownNodes = domain.couplingScheme == 1;
-    domain.nodeOffset = ownNodes ? run.totalNodes : 0;
-    if (ownNodes && domain.nodeCount > 2147483647 - run.totalNodes)
+    domain.nodeOffset = hasOwnNodes(domain) ? run.totalNodes : 0;
+    constexpr std::int32_t mostNodes = std::numeric_limits<std::int32_t>::max();
+    if (hasOwnNodes(domain) && domain.nodeCount > mostNodes - run.totalNodes)
         file_units::badContents(unit, "The global number of nodes is beyond 2147483647");
     checkLinks(unit, domain, pm);
     file_units::freeUnit(unit);
     write_string("  Done reading coordinates");
-    if (!ownNodes) {
+    if (!hasOwnNodes(domain)) {
         write_string("  Using common-node coupling scheme");
         return;
     }
@@ -131,10 +131,9 @@ void readLinkedNodes(int unit, Domain& domain, const Domain& pm) {
 void coordsRead(Domain& domain, const Domain& pm) {
     const std::string name = problemFile("coordinates_" + domain.name);
     write_string("Coordinates file: " + name);
-    const int unit = file_units::getUnit();
-    error::checkFileOpen(io_layer::openRecordsRead(unit, name), name);
+    const int unit = file_units::openRecordsRead(name);
     domain.nodeCount = file_units::readInteger(unit);
-    file_units::checkCount(unit, domain.nodeCount, 4, "Number of nodes");
+    file_units::checkCount(unit, domain.nodeCount, 4, "nodes");
     write_string("  Number of nodes " + std::to_string(domain.nodeCount));
     if (domain.tag == tags::pm)
         readPmCoordinates(unit, domain);

@@ -20,12 +20,6 @@ constexpr std::int64_t speciesNameLength = 50;
 constexpr std::int64_t fractionNameLength = 80;
 constexpr std::int64_t recordFrame = 8; // the two lengths around a payload
 
-int openRecords(const std::string& name) {
-    const int unit = file_units::getUnit();
-    error::checkFileOpen(io_layer::openRecordsRead(unit, name), name);
-    return unit;
-}
-
 std::string readName(int unit, std::int64_t length) {
     return std::string(StringHelpers::trimRight(file_units::readText(unit, length)));
 }
@@ -33,12 +27,12 @@ std::string readName(int unit, std::int64_t length) {
 } // namespace
 
 void titleRead() {
-    const int unit = openRecords(problemFile("gen"));
+    const int unit = file_units::openRecordsRead(problemFile("gen"));
     if (!StringHelpers::equalPadded(file_units::readText(unit, versionLength), version::revision))
         error::warningMsg("Skiv version does not match MESHRAKE version.\n"
                           "This may result in a failure of MESHRAKE to run.");
     run.numTitleLines = file_units::readInteger(unit);
-    file_units::checkCount(unit, run.numTitleLines, titleLength, "Title");
+    file_units::checkCount(unit, run.numTitleLines, titleLength, "title lines");
     const std::string blankLine(static_cast<std::size_t>(titleLength), ' ');
     ArrayHelpers::allocate(std::max(run.numTitleLines, 1), run.titleLines, blankLine,
                            "Title array");
@@ -65,13 +59,13 @@ void speciesRead() {
         return;
     }
     writeScreen("Species file: " + name);
-    const int unit = openRecords(name);
+    const int unit = file_units::openRecordsRead(name);
     run.numMobileSpecies = file_units::readInteger(unit);
     run.numImmobileSpecies = file_units::readInteger(unit);
     file_units::checkCount(unit, run.numMobileSpecies, speciesNameLength + recordFrame,
-                           "Mobile species");
+                           "mobile species");
     file_units::checkCount(unit, run.numImmobileSpecies, speciesNameLength + recordFrame,
-                           "Immobile species");
+                           "immobile species");
     run.numSpecies = run.numMobileSpecies + run.numImmobileSpecies;
     ArrayHelpers::allocateArray(run.speciesNames, run.numSpecies, "Species arrays");
     ArrayHelpers::allocateArray(run.speciesFlagA, run.numSpecies, "Species arrays");
@@ -93,13 +87,13 @@ void hmcFractionsRead() {
         return;
     }
     writeScreen("HMC file: " + name);
-    const int unit = openRecords(name);
+    const int unit = file_units::openRecordsRead(name);
     // The simulator's own settings stand around the count.
     for (int i = 0; i < 4; ++i) file_units::readInteger(unit);
     run.numHmcFractions = file_units::readInteger(unit);
     for (int i = 0; i < 2; ++i) file_units::readInteger(unit);
     constexpr std::int64_t bytesEach = fractionNameLength + 2 * 4 + 3 * recordFrame;
-    file_units::checkCount(unit, run.numHmcFractions, bytesEach, "HMC frac_name array");
+    file_units::checkCount(unit, run.numHmcFractions, bytesEach, "mixing fractions");
     ArrayHelpers::allocateArray(run.hmcFractionNames, run.numHmcFractions, "HMC frac_name array");
     for (std::string& fraction : run.hmcFractionNames) {
         fraction = StringHelpers::cut("f_" + readName(unit, fractionNameLength), 80);

@@ -122,16 +122,20 @@ bool findTime(std::string_view suffix) {
 }
 
 std::string convertedTime(const std::string& timestamp) {
+    const double scaled = timeOf(timestamp) * run.timeUnitFactor;
+    return " " + number_formats::wideRealText(scaled + run.timeUnitOffset);
+}
+
+} // namespace
+
+double timeOf(const std::string& timestamp) {
     double time = 0;
     const int status = free_form::readReal(timestamp, time);
     if (status != io_layer::ok)
         error::input_error_stat(status, "Error reading file: " + run.timeFile +
                                             "\nThe time stamp is no number: " + timestamp);
-    const double scaled = time * run.timeUnitFactor;
-    return " " + number_formats::wideRealText(scaled + run.timeUnitOffset);
+    return time;
 }
-
-} // namespace
 
 std::string outputTimeIndex(std::int32_t index) {
     const std::string digits = utils::zeroPaddedIntString(index, 10);

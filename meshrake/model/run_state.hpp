@@ -84,12 +84,15 @@ struct RunState {
 
 extern RunState run;
 
+// True for a pm that lends its arrays to domains without nodes of their own and is not written.
+bool isOnlyLent(const Domain& domain);
+
 // Writes one line on the screen, on the echo file, and on both. A failure ends the run.
 void writeScreen(std::string_view line);
 void writeEcho(std::string_view line);
 void write_string(std::string_view line);
 
-// A file name as the file system sees it: at most 300 characters, trailing blanks dropped.
+// A file name without its trailing blanks. One of more than 300 characters ends the run.
 std::string fileName(std::string_view text);
 
 // "<prefix>o.<rest>" as a file name.

@@ -24,14 +24,16 @@ struct Line {
     std::string folded; // the same in lower case
 };
 
+[[noreturn]] void badText(int status) {
+    error::input_error_stat(status, "Error reading " + run.problemPrefix + ".plot.control file");
+}
+
 // False at the end of the text.
 bool nextLine(Line& line) {
     std::string raw;
     const int status = io_layer::readLine(run.controlUnit, raw);
     if (status == io_layer::endOfFile) return false;
-    if (status != io_layer::ok)
-        error::input_error_stat(status,
-                                "Error reading " + run.problemPrefix + ".plot.control file");
+    if (status != io_layer::ok) badText(status);
     line.typed = StringHelpers::cut(raw, lineLimit);
     line.folded = line.typed;
     StringHelpers::lcase(line.folded);
@@ -60,8 +62,8 @@ bool nextValueLine(std::string& line) {
 }
 
 void readValues(std::span<const free_form::Item> items) {
-    error::checkFileRead(free_form::readItems(nextValueLine, items),
-                         io_layer::pathOf(run.controlUnit));
+    const int status = free_form::readItems(nextValueLine, items);
+    if (status != io_layer::ok) badText(status);
 }
 
 void readPair(double& first, double& second) {
@@ -229,7 +231,7 @@ void readPlotControl(Domain& domain) {
     do {
         if (!nextLine(line)) return;
     } while (!endsSection(line));
-    if (domain.name == "addition") return readAddition();
+    if (domain.tag == model::tags::addition) return readAddition();
     do {
         if (!nextLine(line)) return;
     } while (line.folded != domain.writeDomain.label);

@@ -54,7 +54,7 @@ void pmComparisonLines() {
 void domainLines(const Domain& domain) {
     line(domain.writeDomain.label);
     for (const model::OptionRow& row : model::optionTable)
-        if (row.inTemplate & domain.tag) comment(model::optionLabel(row, domain.name));
+        if (row.inTemplate & domain.tag) comment(model::optionOf(domain, row.option).label);
     truncationLines(domain);
     if (domain.tag == model::tags::pm) pmComparisonLines();
     if (domain.tag != model::tags::olf) return;
@@ -83,7 +83,7 @@ void writePlotControlInit() {
 
 void writePlotControl(const Domain& domain) {
     if (!domain.exists) return;
-    if (domain.name == "addition")
+    if (domain.tag == model::tags::addition)
         additionLines();
     else
         domainLines(domain);

@@ -69,7 +69,7 @@ std::int32_t behindWall(const Domain& domain, const OwnNodes& own, std::int32_t 
     if (!run.wallsPresent || domain.tag != model::tags::olf) return node;
     const auto index = static_cast<std::size_t>(node - 1);
     const std::int32_t layer = run.wallElementLayer[element];
-    if (run.wallNodeFlag.empty() || !(run.wallNodeFlag[index] & 1)) return node;
+    if (run.wallNodeFlag.empty() || run.wallNodeFlag[index] == 0) return node;
     if (layer < 1 || layer > run.wallLayers) return node;
     const auto nodes = static_cast<std::size_t>(domain.nodeCount);
     const std::int32_t other =

@@ -18,11 +18,8 @@ namespace {
 const std::string scratchFile = "scratch_plot";
 
 void stripControlFile(const std::string& name) {
-    const int scratch = file_units::getUnit();
-    error::checkFileOpen(io_layer::openTextReplace(scratch, scratchFile, io_layer::Flush::inBlocks),
-                         scratchFile);
-    const int control = file_units::getUnit();
-    error::checkFileOpen(io_layer::openTextRead(control, name), name);
+    const int scratch = file_units::openTextReplace(scratchFile, io_layer::Flush::inBlocks);
+    const int control = file_units::openTextRead(name);
     plot_control::strip_comments(control, scratch);
     file_units::freeUnit(control);
     file_units::freeUnit(scratch);

@@ -15,16 +15,12 @@ using model::run;
 
 namespace {
 
-bool readForOthers(const Domain& domain) {
-    return !domain.writeDomain.enabled && domain.tag == model::tags::pm && run.pmPassRequired;
-}
-
 void init(Domain& domain, const Domain& pm) {
     if (!domain.exists) return;
     if (domain.writeDomain.enabled && !model::hasOwnNodes(domain)) {
         mesh_shaping::commonTruncate(domain, pm);
         variables::initCommonTecplot(domain);
-    } else if (domain.writeDomain.enabled || readForOthers(domain)) {
+    } else if (domain.writeDomain.enabled || model::isOnlyLent(domain)) {
         mesh_shaping::multiTruncate(domain, pm);
         variables::initMultiTecplot(domain);
     }
@@ -34,7 +30,7 @@ void append(Domain& domain) {
     if (!domain.exists) return;
     if (domain.writeDomain.enabled && !model::hasOwnNodes(domain))
         variables::appendCommonTecplot(domain);
-    else if (domain.writeDomain.enabled || readForOthers(domain))
+    else if (domain.writeDomain.enabled || model::isOnlyLent(domain))
         variables::appendMultiTecplot(domain);
 }
 

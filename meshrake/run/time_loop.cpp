@@ -3,9 +3,6 @@
 #include "meshrake/model/result_files.hpp"
 #include "meshrake/model/run_state.hpp"
 #include "meshrake/run/append_state.hpp"
-#include "tvncommon/error.hpp"
-#include "tvncommon/free_form.hpp"
-#include "tvncommon/io_layer.hpp"
 
 namespace run_driver {
 
@@ -19,12 +16,7 @@ std::string timeLine() {
 }
 
 bool inTimeWindow() {
-    double time = 0;
-    const int status = free_form::readReal(run.currentTimeText, time);
-    if (status != io_layer::ok)
-        error::input_error_stat(status,
-                                "Error reading file: " + run.timeFile +
-                                    "\nThe time stamp is no number: " + run.currentTimeText);
+    const double time = model::timeOf(run.currentTimeText);
     return !(time < run.timeWindowMin || time > run.timeWindowMax);
 }
 

@@ -19,15 +19,10 @@ namespace {
 
 using Table = std::span<const VariableRow>;
 
-// pm lends its arrays to domains without nodes of their own and has no plot file itself.
-bool readForOthersOnly(const Domain& domain) {
-    return domain.tag == model::tags::pm && run.pmPassRequired;
-}
-
 void announce(const Domain& domain, const std::string& name) {
     model::write_string("");
     model::write_string(std::string(48, '-'));
-    if (readForOthersOnly(domain)) {
+    if (model::isOnlyLent(domain)) {
         model::write_string("pm data read for common node output");
         return;
     }
@@ -92,7 +87,7 @@ void initTecplot(Domain& domain, Table table) {
     plot_data::tecplotInit(domain);
     createOutputVars(domain, table);
     declareAndRead(domain, table);
-    if (readForOthersOnly(domain)) return;
+    if (model::isOnlyLent(domain)) return;
 
     plot_data::tecplotFileOpen(name, run.titleLines.front(), domain);
     plot_data::tecplotVarUnitsWrite(domain);
@@ -106,7 +101,7 @@ void appendTecplot(Domain& domain, Table table) {
     run.cellCenteredList.clear();
     run.shareList.clear();
     readOrShare(domain, table);
-    if (readForOthersOnly(domain)) return;
+    if (model::isOnlyLent(domain)) return;
 
     plot_data::tecplotWriteZoneFE(domain.name, run.currentTimeText, 1, domain);
     writeArrays(domain, table);
