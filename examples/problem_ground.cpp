@@ -18,6 +18,16 @@ constexpr std::array<Material, 4> materials = {{
 
 constexpr double day = 86400;
 
+// How far a point of the ground has risen, m: most at the surface, nothing at the bottom.
+double rise(const Place& place, const Weather& weather) {
+    const problem_mesh::Column& column = *place.column;
+    const double upstream = column.x / 2137.4 - 0.43;
+    const double at_stream = -13.7 * upstream * column.stream * column.variation;
+    const double on_hill = -0.71 * column.hill * column.slope_y * column.slope_y;
+    const double part = (place.z - column.bottom) / (column.ground - column.bottom);
+    return weather.washed * (at_stream + on_hill) * part * part;
+}
+
 } // namespace
 
 const Material& material(const Place& place) {
@@ -139,6 +149,15 @@ double location_probability(const Place& place, const Weather& weather, int) {
 double fluid_density(const Place& place, const Weather& weather, int) {
     const double warm = temperature(place, weather, 0) - 277.13;
     return 999.972 - 0.0071 * warm * warm + 0.0047 * depth_below_ground(place);
+}
+
+double moved_elevation(const Place& place, const Weather& weather, int) {
+    return place.z + rise(place, weather);
+}
+
+double moved_zone(const Place& place, const Weather& weather, int) {
+    const bool filled = rise(place, weather) > 0.013 && depth_below_ground(place) < 3.1;
+    return filled ? 5 : place.zone;
 }
 
 double wall_number(const Place& place, const Weather&, int) {

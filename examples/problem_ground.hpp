@@ -52,6 +52,11 @@ double water_age_ratio(const Place&, const Weather&, int); // part of the water 
 double location_probability(const Place&, const Weather&, int); // of a source, 1/m3
 double fluid_density(const Place&, const Weather&, int);        // kg/m3
 
+// The ground as it is now: the stream cuts into its upper course and fills its lower one, and the
+// hill sides creep. The zone of the fill is a new one.
+double moved_elevation(const Place&, const Weather&, int); // m
+double moved_zone(const Place&, const Weather&, int);
+
 // Number of the cutoff wall at a node, and at an element beside it; 0 elsewhere and below its foot.
 double wall_number(const Place&, const Weather&, int);
 

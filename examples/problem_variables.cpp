@@ -115,6 +115,8 @@ const Variable table[] = {
 {"fluid_density_",    pm,         extra, R8, N, 1,     -3,  0, ground::fluid_density,          "fluid density"},
 {"water_age_",        any,        extra, R8, N, 1,      0,  1, ground::water_age,              "water age"},
 {"water_age_ratio_",  any,        extra, R8, N, 1,      0,  0, ground::water_age_ratio,        "water age ratio"},
+{"tvtopo_",           any,        extra, R8, N, 1,      1,  0, ground::moved_elevation,        "elevation"},
+{"tvtopo_zone_",      pm,         extra, I4, E, 1,      0,  0, ground::moved_zone,             "zone of the moved ground"},
 {"wall_node_",        pm | olf,   extra, I4, N, 1,      0,  0, ground::wall_number,            "cutoff wall number"},
 {"wall_elem_",        pm | olf,   extra, I4, E, 1,      0,  0, ground::wall_number,            "cutoff wall number"},
 };

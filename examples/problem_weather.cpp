@@ -42,7 +42,9 @@ void set_state_of_the_hour(Weather& weather) {
 
 void advance_by(Weather& weather, double seconds) {
     const double rain = rain_at(weather.time + 0.5 * seconds);
+    const double held = weather.overland + rain * seconds;
     weather.overland = fill(weather.overland, rain, seconds, 1.6 * 3600);
+    weather.washed += held - weather.overland;
     weather.soil = fill(weather.soil, rain, seconds, 13.3 * 3600);
     weather.valley = fill(weather.valley, 0.74 * rain, seconds, 0.9 * day);
     weather.ridge = fill(weather.ridge, 0.58 * rain, seconds, 3.7 * day);

@@ -11,6 +11,7 @@ struct Weather {
     double sun = 0;         // 0 at night, 1 at noon
     double air = 0;         // temperature in the valley, K
     double melted = 0;      // snow that has become water since the start, m
+    double washed = 0.0027; // water that has run off over the land since it was surveyed, m
     double overland = 0;    // stores in metres of water: gone within hours,
     double soil = 0.006;    //   within half a day,
     double valley = 0.0113; //   within a day,
