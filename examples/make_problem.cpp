@@ -3,6 +3,7 @@
 //
 //   make_problem /tmp/small
 //   make_problem --elements prism --domains olf,frac,chan,well,tile,dual --variables all /tmp/every
+//   make_problem --species Nitrate,Heat:heat,Calcite:immobile --coupling mixed --hmc 4 /tmp/mixed
 //   make_problem --nx 500 --ny 500 --layers 39 --times 2 --variables head,sat,v /tmp/large
 //   make_problem --help
 //
@@ -47,12 +48,16 @@ problem_files::Problem build_problem(const problem_options::Options& options) {
     problem.older_generation = options.older_generation;
     problem.walls = options.walls;
     problem.mesh = problem_mesh::build(options.nx, options.ny, options.layers, options.prisms);
-    problem.domains = problem_domains::build(problem.mesh, options.domains, options.walls);
+    problem.domains =
+        problem_domains::build(problem.mesh, options.domains, options.sharing, options.walls);
+    problem.species = options.species;
+    problem.origins = options.origins;
     return problem;
 }
 
 void make_problem(const problem_options::Options& options) {
     create_directory(options.directory);
+    if (options.origins) create_directory(options.directory + "/hmc");
     problem_files::Problem problem = build_problem(options);
     problem_files::write_description(problem);
     problem_files::write_mesh(problem);

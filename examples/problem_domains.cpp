@@ -195,7 +195,7 @@ void build_nodes_and_elements(const Mesh& mesh, Domain& domain, bool walls) {
 
 } // namespace
 
-std::vector<Domain> build(const Mesh& mesh, TagSet wanted, bool walls) {
+std::vector<Domain> build(const Mesh& mesh, TagSet wanted, TagSet sharing, bool walls) {
     std::vector<Domain> domains;
     std::int32_t global_nodes = 0;
     for (unsigned number = 0; number < names.size(); ++number) {
@@ -204,8 +204,13 @@ std::vector<Domain> build(const Mesh& mesh, TagSet wanted, bool walls) {
         Domain domain;
         domain.tag = tag;
         domain.node_offset = global_nodes;
+        domain.shares_nodes = (sharing & bit(tag)) != 0 && tag != Tag::pm;
         build_nodes_and_elements(mesh, domain, walls);
-        global_nodes += node_count(mesh, domain);
+        if (domain.shares_nodes) {
+            std::sort(domain.pm_node.begin(), domain.pm_node.end());
+        } else {
+            global_nodes += node_count(mesh, domain);
+        }
         domains.push_back(std::move(domain));
     }
     return domains;

@@ -5,13 +5,16 @@
 #include <vector>
 
 #include "examples/problem_mesh.hpp"
+#include "examples/problem_species.hpp"
 
-// The simulation domains of the sample problem. All of them have nodes of their own (multi-node
-// coupling): a node of a domain stands at a node of pm, and the two are linked.
+// The simulation domains of the sample problem. A node of a domain stands at a node of pm. In
+// multi-node coupling the two are different nodes that are linked; in common-node coupling the
+// domain shares the node of pm and numbers it all the same, in the order of pm.
 //
-// The global numbering has the nodes of pm first, then those of the other domains in the order of
-// `Tag`: node i of a domain has the global number node_offset + i. Element lists hold node numbers
-// of pm.
+// The global numbering has the nodes of pm first, then those of the domains with nodes of their
+// own, in the order of `Tag`: node i of a domain has the global number node_offset + i. A domain
+// that shares nodes takes numbers from there too, but the next domain begins at the same one.
+// Element lists hold node numbers of pm.
 namespace problem_domains {
 
 enum class Tag { pm, dual, olf, frac, chan, well, tile };
@@ -32,6 +35,7 @@ struct Centre {
 
 struct Domain {
     Tag tag = Tag::pm;
+    bool shares_nodes = false;         // common-node coupling
     std::int32_t node_offset = 0;      // global nodes ahead of this domain
     std::vector<std::int32_t> pm_node; // per node, its node of pm; empty for pm
 
@@ -52,7 +56,7 @@ struct Domain {
     std::vector<std::int32_t> doubled_nodes;
 };
 
-// Where a value is wanted, and what is known there.
+// Where a value is wanted, and of what; and what is known there.
 struct Place {
     const problem_mesh::Column* column = nullptr;
     double z = 0; // metres
@@ -61,11 +65,14 @@ struct Place {
     double volume = 0; // of an element, cubic metres
     double cell_length = 0;
     bool beyond_wall = false; // a doubled node, on the far side of the wall
+    const problem_species::Species* species = nullptr; // of a value that belongs to one
 };
 
-// Builds the domains of the set, pm always among them, in the order of the global numbering. With
-// `walls`, the surface nodes along a cutoff wall are doubled.
-std::vector<Domain> build(const problem_mesh::Mesh& mesh, TagSet wanted, bool walls);
+// Builds the domains of the set, pm always among them, in the order of the global numbering. Those
+// of `sharing` share the nodes of pm. With `walls`, the surface nodes along a cutoff wall are
+// doubled, which needs nodes of its own.
+std::vector<Domain> build(const problem_mesh::Mesh& mesh, TagSet wanted, TagSet sharing,
+                          bool walls);
 
 std::int32_t node_count(const problem_mesh::Mesh& mesh, const Domain& domain);
 

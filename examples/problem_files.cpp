@@ -1,9 +1,11 @@
 #include "examples/problem_files.hpp"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
 #include <cstddef>
+#include <iterator>
 
 #include "examples/record_file.hpp"
 
@@ -11,6 +13,8 @@ namespace problem_files {
 
 using problem_domains::Domain;
 using problem_domains::Tag;
+using problem_species::Species;
+using problem_variables::Family;
 using problem_variables::Location;
 using problem_variables::Type;
 using problem_variables::Variable;
@@ -65,6 +69,35 @@ void write_text(Problem& problem, const std::string& path, const std::string& te
     close(problem, file);
 }
 
+void write_species(Problem& problem) {
+    const std::vector<Species>& list = problem.species;
+    const auto mobile = static_cast<std::int32_t>(
+        std::count_if(list.begin(), list.end(), [](const Species& s) { return s.mobile; }));
+    RecordFile file = create(problem, "species");
+    record_file::int32_record(file, mobile);
+    record_file::int32_record(file, static_cast<std::int32_t>(list.size()) - mobile);
+    for (const Species& species : list) record_file::text_record(file, species.name, 50);
+    for (const Species& species : list)
+        if (species.mobile) record_file::logical_record(file, species.heat);
+    for (const Species& species : list)
+        if (species.mobile) record_file::logical_record(file, species.particles);
+    close(problem, file);
+}
+
+void write_origins(Problem& problem) {
+    RecordFile file = create(problem, "hmc");
+    for (const std::int32_t setting : {1, 2, 1}) record_file::int32_record(file, setting);
+    record_file::logical_record(file, true);
+    record_file::int32_record(file, static_cast<std::int32_t>(problem.origins->size()));
+    for (const std::int32_t setting : {1, 0}) record_file::int32_record(file, setting);
+    for (const Species& origin : *problem.origins) {
+        record_file::text_record(file, origin.name, 80);
+        record_file::int32_record(file, origin.number + 1);
+        record_file::int32_record(file, 0);
+    }
+    close(problem, file);
+}
+
 void write_pm_coordinates(Problem& problem, RecordFile& file) {
     const problem_mesh::Mesh& mesh = problem.mesh;
     const double scale = units(problem).per_metre;
@@ -87,7 +120,7 @@ void write_links(const Problem& problem, const Domain& domain, RecordFile& file)
     for (std::size_t node = domain.pm_node.size(); node > 0; --node)
         from_pm[static_cast<std::size_t>(domain.pm_node[node - 1]) - 1] =
             domain.node_offset + static_cast<std::int32_t>(node);
-    record_file::int32_record(file, 1);
+    record_file::int32_record(file, domain.shares_nodes ? 0 : 1);
     record_file::int32_list_record(file, domain.pm_node);
     record_file::int32_list_record(file, from_pm);
 }
@@ -221,10 +254,52 @@ void write_header(const Problem& problem, const Variable& variable, const Weathe
     record_file::text_record(file, text, 80);
 }
 
-// From SI units to those of the problem.
-double unit_scale(const Problem& problem, const Variable& variable) {
-    return std::pow(units(problem).per_metre, variable.length_power) *
-           std::pow(units(problem).seconds, -variable.time_power);
+// From SI units to those of the problem. Degrees stand in place of a concentration of heat, and
+// watts in place of its flux, which are free of lengths.
+double unit_scale(const Problem& problem, const Variable& variable, const Species* species) {
+    double length_power = variable.length_power;
+    double time_power = variable.time_power;
+    if (species != nullptr && species->heat) {
+        length_power = 0;
+        time_power *= 3;
+    }
+    return std::pow(units(problem).per_metre, length_power) *
+           std::pow(units(problem).seconds, -time_power);
+}
+
+// The species or origins that the variable has a file for each of; one without a name where it has
+// only one file.
+std::vector<Species> members(const Problem& problem, const Variable& variable) {
+    const auto belongs = [&variable](const Species& species) {
+        switch (variable.family) {
+        case Family::mobile:
+            return species.mobile;
+        case Family::heat:
+            return species.heat;
+        case Family::particles:
+            return species.particles;
+        default:
+            return true;
+        }
+    };
+    if (variable.family == Family::one_file || variable.family == Family::origin_sums) return {{}};
+    std::vector<Species> chosen;
+    const auto& list = variable.family == Family::origins ? *problem.origins : problem.species;
+    std::copy_if(list.begin(), list.end(), std::back_inserter(chosen), belongs);
+    return chosen;
+}
+
+// Without the time index.
+std::string result_path(const Problem& problem, const Variable& variable, const Domain& domain,
+                        const Species& species) {
+    const bool of_origins =
+        variable.family == Family::origins || variable.family == Family::origin_sums;
+    std::string path =
+        problem.directory + (of_origins ? "/hmc/" : "/") + problem.prefix + "o." + variable.stem;
+    if (path.back() == '.') return path;
+    path += tag_name(domain);
+    if (!species.name.empty()) path += (of_origins ? ".f_" : ".") + species.name;
+    return path + variable.tail + ".";
 }
 
 void put_value(RecordFile& file, Type type, double value) {
@@ -239,13 +314,15 @@ void put_value(RecordFile& file, Type type, double value) {
 }
 
 void write_values(const Problem& problem, const Variable& variable, const Domain& domain,
-                  const Weather& weather, std::int32_t count, RecordFile& file) {
-    const double scale = unit_scale(problem, variable);
+                  const Species* species, const Weather& weather, std::int32_t count,
+                  RecordFile& file) {
+    const double scale = unit_scale(problem, variable, species);
     const bool nodal = variable.location == Location::node;
     const auto put = [&](std::int32_t position, int component) {
-        const problem_domains::Place place =
+        problem_domains::Place place =
             nodal ? problem_domains::node_place(problem.mesh, domain, position)
                   : problem_domains::element_place(problem.mesh, domain, position);
+        place.species = species;
         put_value(file, variable.type, scale * variable.field(place, weather, component));
     };
     const std::uint64_t size = variable.type == Type::real64 ? 8 : 4;
@@ -277,6 +354,8 @@ void write_description(Problem& problem) {
     record_file::put_text(file, "Storms, infiltration and recession, hour by hour", 60);
     record_file::int32_record(file, problem.unit_system);
     close(problem, file);
+    if (!problem.species.empty()) write_species(problem);
+    if (problem.origins) write_origins(problem);
 }
 
 void write_mesh(Problem& problem) {
@@ -292,17 +371,20 @@ void write_results(Problem& problem, const Variable& variable, const Weather& we
     if (variable.when == When::first && index > 1) return;
     if (variable.when == When::later && index == 1) return;
     const std::string suffix = zero_padded(index, static_cast<std::size_t>(problem.suffix_digits));
+    const std::vector<Species> of = members(problem, variable);
     for (const Domain& domain : problem.domains) {
         if ((variable.domains & problem_domains::bit(domain.tag)) == 0) continue;
-        std::string name = variable.stem;
-        name += name.back() == '.' ? suffix : tag_name(domain) + ("." + suffix);
-        RecordFile file = create(problem, name);
+        if (domain.shares_nodes && problem_variables::is_at_nodes_of_pm(variable)) continue;
         const std::int32_t count = variable.location == Location::node
                                        ? problem_domains::node_count(problem.mesh, domain)
                                        : problem_domains::element_count(problem.mesh, domain);
-        write_header(problem, variable, weather, count, file);
-        write_values(problem, variable, domain, weather, count, file);
-        close(problem, file);
+        for (const Species& species : of) {
+            RecordFile file = record_file::create(
+                result_path(problem, variable, domain, species) + suffix, problem.piece_limit);
+            write_header(problem, variable, weather, count, file);
+            write_values(problem, variable, domain, &species, weather, count, file);
+            close(problem, file);
+        }
     }
 }
 

@@ -1,11 +1,13 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "examples/problem_domains.hpp"
 #include "examples/problem_mesh.hpp"
+#include "examples/problem_species.hpp"
 #include "examples/problem_variables.hpp"
 #include "examples/problem_weather.hpp"
 
@@ -16,12 +18,24 @@
 //                                the lines, 60 characters each, in one record
 //                                handle of the unit system
 //
+// <prefix>o.species              number of mobile species
+//                                number of immobile ones
+//                                per species, mobile ones first, its name, 50 characters
+//                                per mobile species, logical: it is heat
+//                                per mobile species, logical: it is made of particles
+//
+// <prefix>o.hmc                  three settings of the simulator
+//                                logical, a further one
+//                                number of origins of water
+//                                two further settings
+//                                per origin, its name, 80 characters, and two settings
+//
 // <prefix>o.coordinates_pm       number of nodes
 //                                x, y, z of each node, reals of 64 bits
 //                                cells along x, cells along y, number of sheets
 //
 // <prefix>o.coordinates_<tag>    number of nodes
-//                                coupling scheme, 1 for a domain with nodes of its own
+//                                coupling scheme, 1 for a domain with nodes of its own, else 0
 //                                per node, its node of pm
 //                                per node of pm, the global number of the domain's node, or 0
 //   and for olf                  logical: a cutoff wall doubles nodes. If so,
@@ -45,6 +59,9 @@
 // <prefix>o.<stem>_<tag>.<index> header, 80 characters
 //                                the values
 //
+// <prefix>o.<stem>_<tag>.<species>.<index>   the same, of one species
+// hmc/<prefix>o.hmc_<tag>.f_<name>.<index>   the same, of one origin of water
+//
 // The header of a result file begins with the time stamp, a blank and a free text, 55 characters
 // in all. In the newer generation "#!TVN", "001" and "LE" follow, then the type ("R08", "R04",
 // "I04"), the number of components in two digits and of values in ten. The older generation leaves
@@ -62,6 +79,8 @@ struct Problem {
     std::int32_t unit_system = 0;
     bool older_generation = false;
     bool walls = false;
+    std::vector<problem_species::Species> species;
+    std::optional<std::vector<problem_species::Species>> origins; // of water
     problem_mesh::Mesh mesh;
     std::vector<problem_domains::Domain> domains;
     std::int64_t files = 0; // written so far
@@ -73,7 +92,7 @@ void write_description(Problem& problem);
 void write_mesh(Problem& problem);
 
 // Writes the files of one variable at one output time, one for each of its domains that the problem
-// has. `index` counts output times from 1.
+// has, and for each species that it is about. `index` counts output times from 1.
 void write_results(Problem& problem, const problem_variables::Variable& variable,
                    const problem_weather::Weather& weather, std::int32_t index);
 

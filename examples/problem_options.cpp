@@ -59,6 +59,15 @@ problem_domains::TagSet domain_set(const std::string& name, const std::string& v
     return set;
 }
 
+problem_domains::TagSet sharing_set(const std::string& name, const std::string& value) {
+    using problem_domains::bit;
+    using problem_domains::Tag;
+    if (value == "multi") return 0;
+    if (value == "common") return ~problem_domains::TagSet{0};
+    if (value == "mixed") return bit(Tag::olf) | bit(Tag::frac) | bit(Tag::well);
+    return domain_set(name, value);
+}
+
 constexpr std::int32_t most_cells = 1 << 20;
 
 const Row rows[] = {
@@ -91,6 +100,20 @@ const Row rows[] = {
     {"--domains", "LIST", "of pm,dual,olf,frac,chan,well,tile; pm comes always (pm,olf)",
      [](Options& options, const std::string& name, const std::string& value) {
          options.domains = domain_set(name, value);
+     }},
+    {"--coupling", "KIND", "multi, common, mixed, or the domains that share pm's nodes (multi)",
+     [](Options& options, const std::string& name, const std::string& value) {
+         options.sharing = sharing_set(name, value);
+     }},
+    {"--species", "LIST", "such as Nitrate,Heat:heat,Virus:particles,Calcite:immobile,8 (none)",
+     [](Options& options, const std::string& name, const std::string& value) {
+         problem_species::Reading reading = problem_species::read(value);
+         if (reading.fault) wrong(name + ": " + *reading.fault);
+         options.species = std::move(reading.species);
+     }},
+    {"--hmc", "N", "origins of water whose parts in the mixture are followed (not at all)",
+     [](Options& options, const std::string& name, const std::string& value) {
+         options.origins = problem_species::origins(number(name, value, 0, 1000));
      }},
     {"--variables", "LIST", "default, all, or variables from the list below (default)",
      [](Options& options, const std::string&, const std::string& value) {
@@ -128,7 +151,9 @@ void print_help() {
         const std::string left = std::string(row.name) + " " + row.value;
         std::printf("  %-20s %s\n", left.c_str(), row.help);
     }
-    std::printf("  %-20s %s\n\nVariables:\n", "--help", "print this text");
+    std::printf("  %-20s %s\n\n", "--help", "print this text");
+    std::printf("A species is a name and, behind colons, what it is: heat, particles, immobile. A\n"
+                "number in place of a name stands for so many solutes.\n\nVariables:\n");
     std::string line;
     for (const std::string& stem : problem_variables::stems()) {
         if (line.size() + stem.size() > 78) {
@@ -153,6 +178,27 @@ void check_times(const Options& options) {
     const std::string last = std::to_string(options.times);
     if (last.size() > static_cast<std::size_t>(options.suffix_digits))
         wrong("--times " + last + " needs --digits " + std::to_string(last.size()));
+}
+
+// A wall doubles nodes of olf, which the nodes of pm cannot follow.
+void check_walls(const Options& options) {
+    using problem_domains::bit;
+    using problem_domains::Tag;
+    if (options.walls && (options.sharing & bit(Tag::olf)) != 0)
+        wrong("--walls needs an olf with nodes of its own: change --coupling");
+}
+
+void select_variables(Options& options) {
+    const problem_variables::Given given = {options.full_tensor, !options.species.empty(),
+                                            options.origins.has_value()};
+    problem_variables::Selection selection =
+        problem_variables::select(options.variable_words, given);
+    if (selection.unknown) wrong("--variables: no variable \"" + *selection.unknown + "\"");
+    if (selection.lacking)
+        wrong("--variables: " + *selection.lacking + " needs " +
+              (*selection.lacking == "hmc" ? "--hmc" : "--species"));
+    if (selection.variables.empty()) wrong("--variables needs at least one variable");
+    options.variables = std::move(selection.variables);
 }
 
 void apply(Options& options, const std::vector<std::string>& arguments, std::size_t& position) {
@@ -197,11 +243,8 @@ Options read(const std::vector<std::string>& arguments) {
     if (options.directory.empty()) wrong("no directory given");
     check_size(options);
     check_times(options);
-    problem_variables::Selection selection =
-        problem_variables::select(options.variable_words, options.full_tensor);
-    if (selection.unknown) wrong("--variables: no variable \"" + *selection.unknown + "\"");
-    if (selection.variables.empty()) wrong("--variables needs at least one variable");
-    options.variables = std::move(selection.variables);
+    check_walls(options);
+    select_variables(options);
     return options;
 }
 

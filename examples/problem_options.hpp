@@ -1,10 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "examples/problem_domains.hpp"
+#include "examples/problem_species.hpp"
 #include "examples/problem_variables.hpp"
 
 namespace problem_options {
@@ -18,6 +20,9 @@ struct Options {
     std::int32_t times = 6;
     bool prisms = false;
     problem_domains::TagSet domains = 0; // pm is there in any case
+    problem_domains::TagSet sharing = 0; // domains that share the nodes of pm
+    std::vector<problem_species::Species> species;
+    std::optional<std::vector<problem_species::Species>> origins; // of water
     std::string variable_words = "default";
     std::vector<problem_variables::Variable> variables; // what the words stand for
     bool older_generation = false;

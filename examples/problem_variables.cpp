@@ -8,6 +8,7 @@
 
 #include "examples/problem_ground.hpp"
 #include "examples/problem_surface.hpp"
+#include "examples/problem_transport.hpp"
 #include "examples/problem_water.hpp"
 
 namespace problem_variables {
@@ -20,6 +21,7 @@ namespace {
 
 namespace ground = problem_ground;
 namespace surface = problem_surface;
+namespace transport = problem_transport;
 namespace water = problem_water;
 
 constexpr TagSet pm = bit(Tag::pm);
@@ -29,7 +31,8 @@ constexpr TagSet frac = bit(Tag::frac);
 constexpr TagSet chan = bit(Tag::chan);
 constexpr TagSet well = bit(Tag::well);
 constexpr TagSet tile = bit(Tag::tile);
-constexpr TagSet within = frac | chan | well | tile; // the ground, in faces and lines
+constexpr TagSet drains = well | tile;
+constexpr TagSet within = frac | chan | drains; // the ground, in faces and lines
 constexpr TagSet any = pm | dual | olf | within;
 
 // Whether the default set has the variable.
@@ -41,8 +44,10 @@ constexpr Type R4 = Type::real32;
 constexpr Type I4 = Type::int32;
 constexpr Location N = Location::node;
 constexpr Location E = Location::element;
+constexpr When always = When::always;
 constexpr When first = When::first;
 constexpr When later = When::later;
+using enum Family;
 
 // The file of the 3D evaporation changes a letter of its name after the first output time. The
 // header text of ElemK begins with the number by which a reader tells its form.
@@ -115,6 +120,26 @@ const Variable table[] = {
 {"fluid_density_",    pm,         extra, R8, N, 1,     -3,  0, ground::fluid_density,          "fluid density"},
 {"water_age_",        any,        extra, R8, N, 1,      0,  1, ground::water_age,              "water age"},
 {"water_age_ratio_",  any,        extra, R8, N, 1,      0,  0, ground::water_age_ratio,        "water age ratio"},
+{"conc_",             pm,         usual, R8, N, 1,     -3,  0, transport::ground_concentration,        "concentration",          always, species},
+{"conc_",             dual,       usual, R8, N, 1,     -3,  0, transport::macropore_concentration,     "concentration",          always, species},
+{"conc_",             olf | chan, usual, R8, N, 1,     -3,  0, transport::surface_concentration,       "concentration",          always, species},
+{"conc_",             frac,       usual, R8, N, 1,     -3,  0, transport::fracture_concentration,      "concentration",          always, species},
+{"conc_",             drains,     usual, R8, N, 1,     -3,  0, transport::drain_concentration,         "concentration",          always, species},
+{"concsolid_",        pm | dual,  usual, R8, N, 1,      0,  0, transport::attached_particles,          "attached particles",     always, particles},
+{"iconc_",            any,        extra, R8, N, 1,     -3,  0, transport::immobile_concentration,      "immobile concentration", always, species},
+{"ExchSol_",          olf,        extra, R4, N, 1,     -2, -1, transport::surface_exchange,            "solute exchange",        always, mobile},
+{"ExchSol_",          any & ~olf, extra, R4, N, 1,     -2, -1, transport::line_exchange,               "solute exchange",        always, mobile},
+{"ExchSolAdv_",       olf,        extra, R4, N, 1,     -2, -1, transport::surface_advection,           "advective exchange",     always, mobile},
+{"ExchSolAdv_",       any & ~olf, extra, R4, N, 1,     -2, -1, transport::line_advection,              "advective exchange",     always, mobile},
+{"DualExchSolAdv_",   any,        extra, R4, N, 1,     -2, -1, transport::macropore_advection,         "advective exchange",     always, mobile},
+{"ExchSolDisp_",      olf,        extra, R4, N, 1,     -2, -1, transport::surface_dispersion,          "dispersive exchange",    always, mobile},
+{"ExchSolDisp_",      any & ~olf, extra, R4, N, 1,     -2, -1, transport::line_dispersion,             "dispersive exchange",    always, mobile},
+{"DualExchSolDisp_",  any,        extra, R4, N, 1,     -2, -1, transport::macropore_dispersion,        "dispersive exchange",    always, mobile},
+{"conc_",             any,        extra, R8, N, 1,     -3,  0, transport::redox_capacity,              "redox capacity",         always, mobile, "-Redox"},
+{"mass_sorbed_",      pm,         extra, R8, N, 1,      0,  0, transport::sorbed_mass,                 "mass sorbed",            always, heat},
+{"hmc_",              any,        usual, R8, N, 1,      0,  0, transport::origin_fraction,             "part of the water",      always, origins},
+{"hmc_",              any,        usual, R8, N, 1,      0,  0, transport::mixing_ratio,                "mixing ratio",           always, origin_sums, ".mixing_ratio"},
+{"hmc_",              any,        usual, R8, N, 1,      0,  0, transport::mixing_error,                "error of the parts",     always, origin_sums, ".hmc_error"},
 {"tvtopo_",           any,        extra, R8, N, 1,      1,  0, ground::moved_elevation,        "elevation"},
 {"tvtopo_zone_",      pm,         extra, I4, E, 1,      0,  0, ground::moved_zone,             "zone of the moved ground"},
 {"wall_node_",        pm | olf,   extra, I4, N, 1,      0,  0, ground::wall_number,            "cutoff wall number"},
@@ -128,11 +153,12 @@ std::string lower_case(std::string text) {
     return text;
 }
 
-// The stem without what joins it to the rest of the file name.
+// What the variable is asked for by: the stem without what joins it to the rest of the file name,
+// and what tells it from another one of the same stem.
 std::string bare_stem(const Variable& variable) {
     std::string stem = variable.stem;
     stem.pop_back();
-    return stem;
+    return *variable.tail == '.' ? stem : stem + variable.tail;
 }
 
 Variable in_form(Variable variable, bool full_tensor) {
@@ -150,9 +176,21 @@ bool is_known(const std::string& word) {
     });
 }
 
+bool has_what_it_is_about(const Variable& variable, const Given& given) {
+    switch (variable.family) {
+    case Family::one_file:
+        return true;
+    case Family::origins:
+    case Family::origin_sums:
+        return given.origins;
+    default:
+        return given.species;
+    }
+}
+
 } // namespace
 
-Selection select(const std::string& words, bool full_tensor) {
+Selection select(const std::string& words, const Given& given) {
     Selection selection;
     std::set<std::string> wanted;
     std::istringstream list(words);
@@ -163,10 +201,22 @@ Selection select(const std::string& words, bool full_tensor) {
     for (const Variable& variable : table) {
         const bool in_set =
             wanted.count("all") > 0 || (variable.usual && wanted.count("default") > 0);
-        if (in_set || wanted.count(lower_case(bare_stem(variable))) > 0)
-            selection.variables.push_back(in_form(variable, full_tensor));
+        const bool by_name = wanted.count(lower_case(bare_stem(variable))) > 0;
+        if (!in_set && !by_name) continue;
+        if (has_what_it_is_about(variable, given)) {
+            selection.variables.push_back(in_form(variable, given.full_tensor));
+        } else if (by_name && !selection.lacking) {
+            selection.lacking = bare_stem(variable);
+        }
     }
     return selection;
+}
+
+bool is_at_nodes_of_pm(const Variable& variable) {
+    if (variable.location != Location::node) return false;
+    return std::any_of(std::begin(table), std::end(table), [&variable](const Variable& other) {
+        return (other.domains & pm) != 0 && bare_stem(other) == bare_stem(variable);
+    });
 }
 
 std::vector<std::string> stems() {

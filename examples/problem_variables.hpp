@@ -16,6 +16,10 @@ enum class Location { node, element };
 // Output times that have the file.
 enum class When { always, first, later };
 
+// Variables with a file for each species of a kind, or for each origin of water. Their files lie in
+// the folder "hmc" and not beside the others when they are about origins.
+enum class Family { one_file, species, mobile, heat, particles, origins, origin_sums };
+
 // One component, counted from 0, of the value at a place and time, in SI units.
 using Field = double (*)(const problem_domains::Place&, const problem_weather::Weather&, int);
 
@@ -27,20 +31,34 @@ struct Variable {
     Location location;
     int components;
     double length_power; // of the unit, to convert from SI
-    double time_power;
+    double time_power;   //   of a solute where the unit depends on the species
     Field field;
     const char* meaning; // goes into the header of the file, behind the time stamp
     When when = When::always;
+    Family family = Family::one_file;
+    const char* tail = ""; // of the file name, behind the species and ahead of the index
 };
 
 struct Selection {
     std::vector<Variable> variables;
     std::optional<std::string> unknown; // the first word that is neither a set nor a stem
+    std::optional<std::string> lacking; // a stem asked for that needs species or origins of water
+};
+
+// What the problem has beside the flow of water, and the form of its tensors: the conductivity of
+// elements has six components in full form and else three.
+struct Given {
+    bool full_tensor = false;
+    bool species = false;
+    bool origins = false;
 };
 
 // The rows that `words` asks for: "default", "all" and stems, separated by commas, in any case of
-// letters. With `full_tensor`, the conductivity of elements has six components and not three.
-Selection select(const std::string& words, bool full_tensor);
+// letters. The two sets hold families only as far as the problem has what they are about.
+Selection select(const std::string& words, const Given& given);
+
+// Whether the variable belongs to the nodes of pm too. A domain that shares them has no such file.
+bool is_at_nodes_of_pm(const Variable& variable);
 
 // The names of all stems, each once, in the order of the table.
 std::vector<std::string> stems();
