@@ -1,0 +1,228 @@
+#include "meshrake/mesh_shaping/common_truncation.hpp"
+#include "meshrake/model/run_state.hpp"
+#include "tests/data_set.hpp"
+#include "tests/runs.hpp"
+
+#include <gmock/gmock.h>
+
+// A surface that shares the nodes of pm: what it takes from pm and what is its own.
+namespace {
+
+using namespace sample_files;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using Texts = std::vector<std::string>;
+
+const std::string pmBlock = "write pm domain file\nend\n", olfBlock = "write olf domain file\n";
+
+class CommonNode : public testing::Test {
+protected:
+    CommonNode() { make(); }
+
+    // Every file is there at three times.
+    static void make() {
+        makeProblem("--nx 3 --ny 2 --layers 2 --times 3 --coupling common "
+                    "--species Heat:heat,Virus:particles --variables head,max_depth,sat,ice_sat,"
+                    "freeze_thaw_temp,newton_residual,flow_rate,v,friction,permafrost,conc");
+    }
+
+    static data_set::DataSet runOver(const std::string& control = pmBlock + olfBlock) {
+        put("t.plot.control", "end\n" + control);
+        const runs::Ran ran = runs::runHere();
+        EXPECT_EQ(ran.status, 0) << ran.errors;
+        return data_set::parse(get("to.olf.dat"));
+    }
+
+    const Folder folder;
+};
+
+// The list without some of its names.
+std::string left(std::string list, const std::string& without) {
+    std::istringstream names(without);
+    for (std::string name; std::getline(names, name, ',');) {
+        const std::size_t at = ("," + list + ",").find("," + name + ",");
+        list.erase(at == 0 ? 0 : at - 1, name.size() + 1);
+    }
+    return list;
+}
+
+const std::string columns =
+    "X,Y,Z,Zone,3DNode#,Head,Pressure Head,MaxDepth,Saturation,Ice Saturation,"
+    "Freezing-thawing temperature,Newton residual,Flow Rate,Vx,Vy,Vz,nx,ny,Permafrost,Heat,Virus";
+const std::string velocity = "x linear velocity (cell centred),y linear velocity (cell centred),"
+                             "z linear velocity (cell centred),";
+const std::string friction = "x friction (cell centred),y friction (cell centred)";
+const std::string meshArrays = "x,y,z,zone (cell centred),3D node #,";
+const std::string arrays = "head,pressure head,max water depth,saturation,ice saturation,"
+                           "freezing-thawing temperature,newton residual,flow rate," +
+                           velocity + friction + ",Permafrost (cell centred),Heat,Virus";
+
+// Everything that pm lends is what pm shows at the node of that number, in a part of the mesh too.
+TEST_F(CommonNode, TakesItsColumnsFromPmAndFromItsOwnFiles) {
+    const data_set::DataSet whole = runOver();
+    const data_set::DataSet pm = data_set::parse(get("to.pm.dat"));
+    const std::string text = get("to.olf.dat");
+    for (const std::string part : {"0 1d9\n0 1d9\n0 1d9\n", "700 1d9\n0 1d9\n0 1d9\n"}) {
+        const data_set::DataSet olf = runOver(pmBlock + olfBlock + "truncate olf domain\n" + part);
+        EXPECT_EQ(olf.fault, "");
+        EXPECT_EQ(olf.variables, columns);
+        const Texts& numbers = olf.zones.at(0).values.at("3D node #");
+        EXPECT_THAT(numbers, testing::SizeIs(part[0] == '0' ? 12 : 9));
+        for (std::size_t z = 0; z < 3; ++z) {
+            EXPECT_EQ(olf.zones.at(z).centred, "4,14,15,16,17,18,19");
+            EXPECT_EQ(olf.zones[z].shared, z == 0 ? "" : "1,2,3,4,5");
+            EXPECT_EQ(olf.zones[z].written, (z == 0 ? meshArrays : "") + arrays);
+            for (const std::string label : {"head", "pressure head", "saturation", "Heat", "Virus",
+                                            "ice saturation", "freezing-thawing temperature",
+                                            "newton residual", "max water depth", "flow rate"})
+                for (std::size_t i = 0; i < numbers.size(); ++i) {
+                    const std::size_t node = std::stoul(numbers[i]) - 1; // 24 of them lie below
+                    const bool own = label == "max water depth" || label == "flow rate";
+                    EXPECT_EQ(olf.zones[z].values.at(label).at(i),
+                              own ? whole.zones[z].values.at(label).at(node - 24)
+                                  : pm.zones[z].values.at(label).at(node))
+                        << label;
+                }
+        }
+    }
+    // Heat has come before, in pm, so all temperatures are in degrees. Particles are not counted.
+    for (const std::string unit :
+         {"Saturation units: (-)", "Freezing-thawing temperature units: (deg C)",
+          "Newton residual units: (m^3 s^-1)", "Heat units: (deg C)", "Virus units: (kg m^-3)"})
+        EXPECT_THAT(text, HasSubstr("\n# " + unit + "\n"));
+    std::filesystem::remove("to.species");
+    runOver();
+    EXPECT_THAT(get("to.olf.dat"), HasSubstr("\n# Freezing-thawing temperature units: (K)\n"));
+}
+
+TEST_F(CommonNode, ColumnsComeAndGo) {
+    struct Case {
+        Texts gone;                      // files
+        std::string control;             // a line of the surface's block
+        std::string columns;             // that are not there,
+        std::string sharedLater, arrays; // or at the second time shared, and so not written
+    };
+    const Case cases[] = {
+        // At the first time
+        {{"head_pm.0001"}, "", "Head,Pressure Head", "", "head,pressure head"},
+        {{}, "no olf heads\n", "Head,Pressure Head", "", "head,pressure head"},
+        {{}, "no olf pressure heads\n", "Pressure Head", "", "pressure head"},
+        {{"sat_pm.0001"}, "", "Saturation", "", "saturation"},
+        {{}, "no olf newton residual\n", "Newton residual", "", "newton residual"},
+        {{}, "no olf concentrations\n", "Heat,Virus", "", "Heat,Virus"},
+        {{"conc_pm.Heat.0001"}, "", "Heat,Virus", "", "Heat,Virus"},
+        {{"max_depth_olf.0001"}, "", "MaxDepth", "", "max water depth"},
+        {{}, "no olf flow rates\n", "Flow Rate", "", "flow rate"},
+        // Later
+        {{"head_pm.0002"}, "", "", ",6,7", "head,pressure head"},
+        {{"sat_pm.0002", "ice_sat_pm.0002"}, "", "", ",9,10", "saturation,ice saturation"},
+        {{"freeze_thaw_temp_pm.0002"}, "", "", ",11", "freezing-thawing temperature"},
+        {{"newton_residual_pm.0002"}, "", "", ",12", "newton residual"},
+        {{"max_depth_olf.0002", "flow_rate_olf.0002"},
+         "",
+         "",
+         ",8,13",
+         "max water depth,flow rate"},
+        {{"v_olf.0002", "friction_olf.0002"}, "", "", ",14,15,16,17,18", velocity + friction},
+        {{"permafrost_olf.0002"}, "", "", ",19", "Permafrost (cell centred)"},
+        {{"conc_pm.Virus.0002"}, "", "", ",20,21", "Heat,Virus"},
+        {{"conc_pm.Heat.0002"}, "", "", "", ""},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.arrays + c.control);
+        make();
+        for (const std::string& file : c.gone) ASSERT_TRUE(std::filesystem::remove("to." + file));
+        const data_set::DataSet olf = runOver(pmBlock + olfBlock + c.control);
+        EXPECT_EQ(olf.variables, left(columns, c.columns));
+        ASSERT_EQ(olf.zones.size(), 3U);
+        EXPECT_EQ(olf.zones[1].shared, "1,2,3,4,5" + c.sharedLater);
+        EXPECT_EQ(olf.zones[1].written, left(arrays, c.arrays));
+        if (c.columns.empty()) {
+            EXPECT_EQ(olf.zones[2].written, arrays);
+        }
+    }
+}
+
+// Neither a truncated pm nor one that is not written changes what the surface shows.
+TEST_F(CommonNode, DoesNotDependOnWhatPmShows) {
+    runOver();
+    const Bytes whole = getDated("to.olf.dat");
+    std::filesystem::remove("to.pm.dat");
+    runOver(olfBlock);
+    EXPECT_EQ(getDated("to.olf.dat"), whole);
+    EXPECT_FALSE(std::filesystem::exists("to.pm.dat"));
+    EXPECT_THAT(get("to.meshrake.eco"),
+                HasSubstr("\n" + std::string(48, '-') +
+                          "\npm data read for common node output\n   1     X\n"));
+    runOver("write pm domain file\ntruncate pm domain\n0 700\n0 1d9\n0 1d9\nend\n" + olfBlock);
+    EXPECT_EQ(getDated("to.olf.dat"), whole);
+    // A pressure head that pm does not make is declared and has no values.
+    runOver("write pm domain file\nno pm pressure heads\nend\n" + olfBlock);
+    EXPECT_THAT(get("to.olf.dat"), HasSubstr("\n# pressure head\n# max water depth\n"));
+}
+
+class CommonTruncation : public runs::PartOfRun {
+protected:
+    CommonTruncation() {
+        Problem problem = brickProblem({2, 1, 2});
+        patch(problem["to.coordinates_olf"], 1, 0, 0);
+        write(problem);
+        create(pm, "pm", pm);
+        create(olf, "olf", pm);
+        takeScreen();
+    }
+
+    // Numbers of the kept nodes of pm, of the domain's own and of its elements.
+    std::vector<Integers> kept() const {
+        std::vector<Integers> numbers;
+        for (const auto* mask :
+             {&olf.nodeIncluded, &olf.domainNodeIncluded, &olf.elementIncluded}) {
+            numbers.emplace_back();
+            for (std::size_t i = 0; i < mask->size(); ++i)
+                if ((*mask)[i]) numbers.back().push_back(static_cast<std::int32_t>(i + 1));
+        }
+        return numbers;
+    }
+
+    model::Domain pm, olf;
+};
+
+// The nodes are numbered as the domain has them, one that no element touches too.
+TEST_F(CommonTruncation, WholeMesh) {
+    std::swap(olf.linkToPm[0], olf.linkToPm[5]);
+    olf.elementNodes = {13, 14, 17, 16, 14, 17, 16, -3};
+    mesh_shaping::commonTruncate(olf, pm);
+    EXPECT_THAT(kept(),
+                ElementsAre(Integers{13, 14, 16, 17}, Integers{1, 2, 3, 4, 5, 6}, Integers{1, 2}));
+    EXPECT_EQ(olf.nodeRenumber, (Integers{0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 6, 2, 3, 4, 5, 1}));
+    EXPECT_TRUE(olf.truncateEnabled);
+    EXPECT_EQ(model::run.meshNodesPerElement, 3);
+    EXPECT_EQ(takeScreen(), "\nMedium: olf\nFull mesh (no truncation)\nNodes:    6\nElements: 2\n");
+}
+
+// A part of it is numbered as pm has the nodes, and layers are as large as pm's.
+TEST_F(CommonTruncation, PartOfIt) {
+    olf.linkFromPm[13] = 0; // a node without a link: kept, but none of the domain's own
+    olf.truncateByLayerEnabled = true;
+    olf.truncateLayers = {1, 1};
+    olf.truncateBounds = {0, 0.5, -1e20, 1e20, 100, 100};
+    mesh_shaping::commonTruncate(olf, pm);
+    EXPECT_THAT(kept(), ElementsAre(Integers{13, 14, 16, 17}, Integers{1, 4, 5}, Integers{1}));
+    EXPECT_EQ(olf.nodeRenumber, (Integers{0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 2, 0, 3, 4, 0}));
+    EXPECT_EQ(takeScreen(), "\nMedium: olf\nTruncated mesh\nNodes:    4/6\nElements: 1/2\n");
+
+    olf.truncateEnabled = false;
+    olf.truncateLayers = {2, 9};
+    olf.truncateBounds[1] = 2;
+    mesh_shaping::commonTruncate(olf, pm);
+    EXPECT_EQ(std::pair(olf.nnTruncated, olf.neTruncated), std::pair(0, 0));
+
+    olf.truncateEnabled = true; // the ranges come before the layers
+    olf.truncateBounds = {0, 2, 0, 1, 3, 3};
+    olf.linkFromPm[17] = 99;
+    runs::expectEnd("INPUT",
+                    "Error reading file: to.coordinates_olf\nA pm node is linked to node 99",
+                    [&] { mesh_shaping::commonTruncate(olf, pm); });
+}
+
+} // namespace

@@ -1,0 +1,237 @@
+#include "tests/data_set.hpp"
+#include "tests/runs.hpp"
+
+#include <gmock/gmock.h>
+
+// Variables with a file for each species or mixing fraction: which files give which columns.
+namespace {
+
+using namespace sample_files;
+using runs::runHere;
+using testing::HasSubstr;
+using Texts = std::vector<std::string>;
+
+struct Member {
+    std::string file, name, label, unit;
+};
+
+struct Family {
+    bool single; // 32-bit reals
+    std::vector<Member> members;
+};
+
+const Texts species = {"Heat", "Virus", "Ca salt"}; // the last one is immobile
+
+// The members are the first species, as many as units are given for.
+Family familyOf(const std::string& stem, const std::string& tail, const std::string& label,
+                const Texts& units, bool single = false) {
+    Family family{single, {}};
+    for (std::size_t s = 0; s < units.size(); ++s) {
+        const std::string name = species[s] + tail;
+        const std::string file = "to." + stem + "_pm." + species[s];
+        family.members.push_back({file, name, label.empty() ? name : label, units[s]});
+    }
+    return family;
+}
+
+const Texts amounts = {"(deg C)", "(Nc m^-3)", "(kg m^-3)"};
+const Texts fluxes = {"(kg s^-3)", "(Nc m^-2 s^-1)"};
+const std::vector<Family> families = {
+    familyOf("conc", "", "", amounts),
+    familyOf("concsolid", " (solid)", "", {"(Nc kg^-1)", "(Nc kg^-1)"}),
+    familyOf("iconc", " (immobile)", "", amounts),
+    familyOf("ExchSol", " exchange", "solute exchange", fluxes, true),
+    familyOf("ExchSolAdv", " adv. exchange", "adv. solute exchange", fluxes, true),
+    familyOf("DualExchSolAdv", " dual adv. exchange", "dual adv. solute exchange", fluxes, true),
+    familyOf("ExchSolDisp", " disp. exchange", "disp. solute exchange", fluxes, true),
+    familyOf("DualExchSolDisp", " dual disp. exchange", "dual disp. solute exchange", fluxes, true),
+    familyOf("mass_sorbed", " Mass Sorbed", "mass sorbed", {"(kg)"}),
+    {false,
+     {{"./hmc/to.hmc_pm.f_rain", "f_rain", "f_rain", "(-)"},
+      {"./hmc/to.hmc_pm.mixing_ratio", "HMC Mixing Ratio", "hmc_mixing_ratio", "(-)"},
+      {"./hmc/to.hmc_pm.hmc_error", "HMC Error", "hmc_error", "(-)"}}},
+};
+
+Bytes integerRecords(const Integers& values) {
+    Bytes records;
+    for (const std::int32_t value : values) records += integerRecord({value});
+    return records;
+}
+
+// The first species is heat and made of particles at once: heat comes first.
+const Bytes speciesFile = integerRecords({2, 1}) + textRecord(species[0], 50) +
+                          textRecord(species[1], 50) + textRecord(species[2], 50) +
+                          integerRecords({-1, 0, 1, -1});
+
+// One brick at three times, of which only the mesh is written: 7 columns.
+const std::string mesh = "X,Y,Z,Zone,Layer Number,Column Number,Thickness";
+const std::string meshNumbers = "1,2,3,4,5,6,7";
+Problem baseProblem() {
+    Problem problem = brickProblem({1, 1, 1, 3});
+    problem["to.species"] = speciesFile;
+    problem["to.hmc"] =
+        integerRecords({1, 2, 3, -1, 1, 4, 5}) + textRecord("rain", 80) + integerRecords({6, 7});
+    problem["t.plot.control"] = "end\nwrite pm domain file\nno pm heads\n";
+    return problem;
+}
+
+void add(Problem& problem, const Family& family, std::size_t member, int time) {
+    const double value = 100 * time + static_cast<double>(member) + 0.5;
+    problem[family.members[member].file + ".000" + std::to_string(time)] =
+        family.single ? resultFile("0.0", {std::vector<float>(8, static_cast<float>(value))})
+                      : resultFile("0.0", {Reals(8, value)});
+}
+
+struct Output {
+    runs::Ran ran;
+    std::string text;
+    data_set::DataSet set;
+};
+
+Output runOver(const Problem& problem) {
+    const Folder folder;
+    std::filesystem::create_directory("hmc");
+    write(problem);
+    Output output{runHere(), get("to.pm.dat"), {}};
+    output.set = data_set::parse(output.text);
+    return output;
+}
+
+std::string arrayText(const Member& member, std::size_t place, int time) {
+    return "," + member.label + " " + std::to_string(time) + "0" + std::to_string(place);
+}
+
+// The arrays of a zone in their order: comment and value without its part behind the point.
+std::string arraysOf(const data_set::Zone& zone) {
+    std::string arrays;
+    std::istringstream labels(zone.written);
+    std::map<std::string, std::size_t> taken; // of arrays with the same comment
+    for (std::string label; std::getline(labels, label, ',');) {
+        const std::string value = zone.values.at(label).at(8 * taken[label]++);
+        arrays += "," + label + " " + value.substr(0, value.find('.'));
+    }
+    return arrays;
+}
+
+// At the second time any of the files may be missing: that shares the column, and all columns are
+// written if the last file is there, with the values read last. The third time is whole again. At
+// the first time the first file decides for all; when it is there, the others must be too.
+TEST(Families, ComeAndGo) {
+    for (const Family& family : families)
+        for (unsigned present = 0; present < 1U << family.members.size(); ++present) {
+            SCOPED_TRACE(family.members[0].file + " " + std::to_string(present));
+            Problem gaps = baseProblem(), late = baseProblem();
+            std::string names = mesh, second, third, shared = meshNumbers, missing;
+            bool last = false;
+            for (std::size_t m = 0; m < family.members.size(); ++m) {
+                const Member& member = family.members[m];
+                last = (present >> m & 1) != 0;
+                for (const int time : {1, 2, 3}) {
+                    if (last || time != 2) add(gaps, family, m, time);
+                    if (last || time != 1) add(late, family, m, time);
+                }
+                names += "," + member.name;
+                second += arrayText(member, m, last ? 2 : 1);
+                third += arrayText(member, m, 3);
+                if (!last) shared += "," + std::to_string(8 + m);
+                if (!last && missing.empty()) missing = member.file + ".0001";
+            }
+            const Output out = runOver(gaps);
+            ASSERT_EQ(out.set.zones.size(), 3U);
+            EXPECT_EQ(out.set.variables, names);
+            EXPECT_EQ(out.set.zones[1].shared, shared);
+            EXPECT_EQ(arraysOf(out.set.zones[1]), last ? second : "");
+            EXPECT_EQ(out.set.zones[2].shared, meshNumbers);
+            EXPECT_EQ(arraysOf(out.set.zones[2]), third);
+            for (const Member& member : family.members)
+                EXPECT_THAT(out.text,
+                            HasSubstr("\n# " + member.name + " units: " + member.unit + "\n"));
+
+            const Output first = runOver(late);
+            const bool ends = (present & 1) != 0 && !missing.empty();
+            EXPECT_EQ(first.ran.status, ends ? 1 : 0);
+            EXPECT_THAT(first.ran.errors,
+                        HasSubstr(ends ? "Failed to open file: " + missing + "\n" : ""));
+            if (!ends) {
+                EXPECT_EQ(first.set.variables, missing.empty() ? names : mesh);
+            }
+        }
+}
+
+// One column, filled by the files of all mobile species in turn.
+TEST(Redox, LastFileHasTheLastWord) {
+    struct Case {
+        std::string first, second; // per species, whether its file is there
+        std::string shared, arrays;
+    };
+    const Case cases[] = {{"10", "11", "", ",Redox Capacity 201"},
+                          {"11", "10", ",8", ""},
+                          {"11", "01", ",8", ",Redox Capacity 201"},
+                          {"11", "00", ",8,8", ""},
+                          {"01", "11", "", ""}};
+    const Family redox = {
+        false, {{"to.conc_pm.Heat-Redox", "", "", ""}, {"to.conc_pm.Virus-Redox", "", "", ""}}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.first + " " + c.second);
+        Problem problem = baseProblem();
+        for (std::size_t m = 0; m < 2; ++m) {
+            if (c.first[m] == '1') add(problem, redox, m, 1);
+            if (c.second[m] == '1') add(problem, redox, m, 2);
+        }
+        const Output out = runOver(problem);
+        const bool there = c.first[0] == '1';
+        EXPECT_EQ(out.set.variables, mesh + (there ? ",Redox capacity" : ""));
+        EXPECT_THAT(out.text, HasSubstr(there ? "\n# Redox capacity units: (deg C)\n" : ""));
+        ASSERT_EQ(out.set.zones.size(), 3U);
+        EXPECT_EQ(out.set.zones[1].shared, meshNumbers + c.shared);
+        EXPECT_EQ(arraysOf(out.set.zones[1]), c.arrays);
+    }
+}
+
+// Every family at once, in its order and only in its domains; fewer species, fewer columns.
+TEST(Families, StandInTheirDomains) {
+    const std::string exchange =
+        ",Heat exchange,Virus exchange,Heat adv. exchange,Virus adv. exchange,"
+        "Heat dual adv. exchange,Virus dual adv. exchange,Heat disp. exchange,"
+        "Virus disp. exchange,Heat dual disp. exchange,Virus dual disp. exchange,Redox capacity";
+    const std::string resting = ",Heat (immobile),Virus (immobile),Ca (immobile)";
+    const std::string moving = ",Heat,Virus,Ca", solid = ",Virus (solid)";
+    const std::string fractions = ",f_rain,f_snowmelt,HMC Mixing Ratio,HMC Error";
+    const std::map<std::string, std::map<std::string, std::string>> cases = {
+        {"Heat:heat,Virus:particles,Ca:immobile",
+         {{"pm", moving + solid + resting + exchange + ",Heat Mass Sorbed"},
+          {"dual", moving + solid + resting + exchange},
+          {"olf", moving + resting + exchange}}},
+        {"Ca:immobile", {{"pm", ",Ca,Ca (immobile)"}, {"olf", ",Ca,Ca (immobile)"}}}};
+    for (const auto& [list, domains] : cases) {
+        const Folder folder;
+        makeProblem("--nx 3 --ny 2 --layers 2 --times 1 --domains dual,olf --hmc 2 --species " +
+                    list +
+                    " --variables conc,concsolid,iconc,ExchSol,ExchSolAdv,DualExchSolAdv,"
+                    "ExchSolDisp,DualExchSolDisp,conc-Redox,mass_sorbed,hmc");
+        ASSERT_EQ(runHere().status, 0);
+        for (const auto& [tag, columns] : domains) {
+            const data_set::DataSet set = data_set::parse(get("to." + tag + ".dat"));
+            EXPECT_EQ(set.variables,
+                      (tag == "pm" ? mesh : "X,Y,Z,Zone,3DNode#") + columns + fractions);
+        }
+    }
+}
+
+TEST(Families, CountsBeyondTheirFile) {
+    const std::tuple<std::string, int, std::string> counts[] = {
+        // file, record, what is counted
+        {"to.species", 0, "Mobile species"},
+        {"to.species", 1, "Immobile species"},
+        {"to.hmc", 4, "HMC frac_name array"}};
+    for (const auto& [file, number, what] : counts)
+        for (const std::int32_t count : {-1, 4, 2147483647}) {
+            Problem problem = baseProblem();
+            patch(problem[file], number, 0, count);
+            EXPECT_THAT(runOver(problem).ran.errors,
+                        HasSubstr("**\n\nError reading file: " + file + "\n" + what + " of " +
+                                  std::to_string(count) + " entries does not fit"));
+        }
+}
+
+} // namespace
