@@ -20,10 +20,11 @@ const Domain& nodesOf(const Domain& domain) {
     return model::hasOwnNodes(domain) ? domain : *domain.pmReference;
 }
 
+// Elements in a layer; a number of 0 ends the run where it would divide.
 std::int32_t layerElements(const Domain& domain, std::string_view column) {
     const std::int32_t layers = run.sheetCount - 1;
     const std::int32_t n = layers > 0 ? domain.elementCount / layers : 0;
-    if (n == 0 && domain.elementCount > 0)
+    if (layers < 1 || (n == 0 && domain.neTruncated > 0))
         error::fatalError(std::string(column) + " of the " + domain.name +
                           " domain: the mesh has no layers of elements\nFile: " +
                           model::problemFile("elements_" + domain.name));

@@ -125,7 +125,7 @@ std::string redoxFile(const Domain& domain, const VariableRow& row, std::size_t 
 } // namespace
 
 void redoxCapacityInit(Domain& domain, const VariableRow& row, OutputVar& var) {
-    if (run.numMobileSpecies < 1) return;
+    if (run.numSpecies < 1) return;
     std::string name = redoxFile(domain, row, 0);
     var.firstExists = var.exists = plot_data::checkFileInit(name);
     if (!var.firstExists) return;
@@ -136,6 +136,7 @@ void redoxCapacityInit(Domain& domain, const VariableRow& row, OutputVar& var) {
 }
 
 void redoxCapacityRead(Domain& domain, const VariableRow& row, OutputVar& var) {
+    if (run.numMobileSpecies < 1) return plot_data::constantRead(domain, row, var);
     for (std::size_t s = 0; s < static_cast<std::size_t>(run.numMobileSpecies); ++s) {
         const std::string name = redoxFile(domain, row, s);
         var.exists = io_layer::exists(name);

@@ -21,9 +21,7 @@ using plot_data::constantRead;
 namespace {
 
 constexpr auto single = model::DataType::single;
-constexpr auto real8 = model::DataType::real8;
 constexpr auto longInt = model::DataType::longInt;
-constexpr auto noOption = model::Option::none;
 
 // One variable to a row. What a row leaves out: 64-bit reals at the nodes, one file for each output
 // time, no option, no unit.
