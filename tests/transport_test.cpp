@@ -221,16 +221,18 @@ TEST(Families, StandInTheirDomains) {
 TEST(Families, CountsBeyondTheirFile) {
     const std::tuple<std::string, int, std::string> counts[] = {
         // file, record, what is counted
-        {"to.species", 0, "Mobile species"},
-        {"to.species", 1, "Immobile species"},
-        {"to.hmc", 4, "HMC frac_name array"}};
+        {"to.species", 0, "mobile species"},
+        {"to.species", 1, "immobile species"},
+        {"to.hmc", 4, "mixing fractions"}};
     for (const auto& [file, number, what] : counts)
         for (const std::int32_t count : {-1, 4, 2147483647}) {
             Problem problem = baseProblem();
             patch(problem[file], number, 0, count);
-            EXPECT_THAT(runOver(problem).ran.errors,
-                        HasSubstr("**\n\nError reading file: " + file + "\n" + what + " of " +
-                                  std::to_string(count) + " entries does not fit"));
+            EXPECT_THAT(
+                runOver(problem).ran.errors,
+                HasSubstr("**\n\nError reading file: " + file + "\n" +
+                          (count < 0 ? "A count is negative: " : "More than the file can hold: ") +
+                          std::to_string(count) + " " + what));
         }
 }
 

@@ -79,7 +79,7 @@ void sweepUp(const Mesh& mesh, std::span<double> waterTable, std::span<double> d
 }
 
 // Depths of the saturated nodes: the top head at first, then the crossing under every unsaturated
-// node. Nodes left over behind the top sheet have none above them either.
+// node. Nodes left over behind the top sheet have none above them and take the top head too.
 void sweepDown(const Mesh& mesh, std::span<double> waterTable, std::span<double> depth) {
     for (std::size_t s = (mesh.nodeCount - 1) / mesh.sheetNodes + 1; s-- > 0;) {
         const std::size_t begin = s * mesh.sheetNodes;
@@ -89,7 +89,8 @@ void sweepDown(const Mesh& mesh, std::span<double> waterTable, std::span<double>
             if (p < 0) continue;
             double& wt = waterTable[i - begin];
             if (s + 1 >= mesh.sheetCount) {
-                wt = p + mesh.z[i];
+                const std::size_t top = (mesh.sheetCount - 1) * mesh.sheetNodes + i - begin;
+                wt = pressureHead(mesh, top) + mesh.z[top];
             } else {
                 const std::size_t above = i + mesh.sheetNodes;
                 const double pAbove = pressureHead(mesh, above);
@@ -171,6 +172,9 @@ void depth2gwtNode(std::int32_t node, std::int32_t nodeCount, std::int32_t sheet
     if (pressureHead[i] < 0) {
         while (j >= sheetNodes && !(pressureHead[j] >= 0)) j -= sheetNodes;
         waterTable = pressureHead[j] >= 0 ? between(j) : pressureHead[j] + z[j];
+    } else if (i >= sheetsEnd) {
+        const std::size_t top = i % sheetNodes + sheetsEnd - sheetNodes;
+        waterTable = pressureHead[top] + z[top];
     } else {
         while (j + sheetNodes < sheetsEnd && !(pressureHead[j] < 0)) j += sheetNodes;
         waterTable = pressureHead[j] < 0 ? between(j - sheetNodes) : pressureHead[j] + z[j];

@@ -17,7 +17,7 @@ namespace depth_to_groundwater {
 // For each node its height above the crossing nearest to it: unsaturated nodes look down, saturated
 // ones up, and nodes below the water table get negative values. Where there is no crossing the head
 // of the column's bottom node or top node stands for the water table. A saturated node left over
-// counts as one of the top sheet.
+// has no crossing above it.
 void depth2gwtDomain(std::int32_t nodeCount, std::int32_t sheetCount, bool interpolate,
                      std::span<const double> z, std::span<const double> head,
                      std::span<double> depth);

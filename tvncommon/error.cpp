@@ -36,20 +36,23 @@ std::string_view trimmed(std::string_view text) {
     return text.substr(0, text.find_last_not_of(' ') + 1);
 }
 
-// A banner is the last word of a failing run: a target that cannot take it is passed over.
-void writeTo(int unit, std::initializer_list<std::string_view> lines) {
-    for (const std::string_view line : lines) io_layer::writeLine(unit, line);
-    io_layer::flush(unit);
+int writeTo(int unit, std::initializer_list<std::string_view> lines) {
+    int status = io_layer::ok;
+    for (const std::string_view line : lines)
+        if (status == io_layer::ok) status = io_layer::writeLine(unit, line);
+    return status == io_layer::ok ? io_layer::flush(unit) : status;
 }
 
-void writeToAll(std::initializer_list<std::string_view> lines) {
-    if (state.loggingUnit > 0) writeTo(state.loggingUnit, lines);
+// Status of the logging unit. A standard error stream that cannot take the text is passed over.
+int writeToAll(std::initializer_list<std::string_view> lines) {
+    const int status = state.loggingUnit > 0 ? writeTo(state.loggingUnit, lines) : io_layer::ok;
     writeTo(io_layer::standardError, lines);
+    return status;
 }
 
-void banner(std::string_view title, std::string_view message) {
+int banner(std::string_view title, std::string_view message) {
     const std::string stars(title.size(), '*');
-    writeToAll({"", stars, title, stars, "", trimmed(message), ""});
+    return writeToAll({"", stars, title, stars, "", trimmed(message), ""});
 }
 
 [[noreturn]] void endRun() {
@@ -87,7 +90,9 @@ void input_error(std::string_view message) {
 }
 
 void warningMsg(std::string_view message) {
-    banner("***      WARNING MESSAGE      ***", message);
+    const int status = banner("***      WARNING MESSAGE      ***", message);
+    // The run goes on, so a logging unit that has failed must not pass in silence.
+    checkFileWrite(status, io_layer::pathOf(state.loggingUnit));
 }
 
 void fatalErrorStat(int iostat, std::string_view message) {

@@ -23,6 +23,7 @@ using system_calls::table;
 constexpr std::size_t readBufferSize = 32768;
 constexpr std::size_t writeBufferSize = 32768;
 constexpr std::size_t longestLine = 1048576;
+constexpr std::size_t longestName = 300;
 constexpr std::int64_t unbounded = std::numeric_limits<std::int64_t>::max();
 
 // The record under the reading position.
@@ -93,9 +94,10 @@ int statusOfOpen(int error) {
     }
 }
 
-// The system would take the text up to a NUL for the name: another file's.
+// The system would take the text up to a NUL for the name: another file's. Names have a limit here,
+// since one that is cut would be another file's too.
 bool canBeName(const std::string& path) {
-    return path.find('\0') == std::string::npos;
+    return path.size() <= longestName && path.find('\0') == std::string::npos;
 }
 
 int open(int unit, const std::string& path, system_calls::OpenMode mode, Connection& c) {

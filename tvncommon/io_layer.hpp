@@ -40,7 +40,8 @@ enum class Flush { everyLine, inBlocks };
 // Forgets all units without closing them and puts back the fixed streams.
 void reset();
 
-// True when something of that name is there, a folder included.
+// True when something of that name is there, a folder included. A name of more than 300 characters
+// or with a NUL in it is nobody's, and no file opens under it.
 bool exists(const std::string& path);
 
 // Units. `takeUnit` returns the lowest free number of the range, or 0 when none is left.

@@ -57,6 +57,7 @@ void prepareProcess() {
 LocalTime localTime() {
     const std::time_t now = std::time(nullptr);
     std::tm t{};
+    ::tzset();
     ::localtime_r(&now, &t);
     return {t.tm_year + 1900,
             t.tm_mon + 1,

@@ -2,9 +2,9 @@
 
 #include "tvncommon/StringHelpers.hpp"
 #include "tvncommon/error.hpp"
+#include "tvncommon/system_calls.hpp"
 
-#include <array>
-#include <time.h>
+#include <cstdlib>
 
 namespace utils {
 
@@ -23,15 +23,14 @@ std::string zeroPaddedIntString(std::int32_t value, int width) {
 }
 
 std::string timestampUTC() {
-    const time_t now = time(nullptr);
-    tm local{};
-    tzset();
-    localtime_r(&now, &local);
-    std::array<char, 64> buffer{};
-    std::string text(buffer.data(), strftime(buffer.data(), buffer.size(), "%FT%T", &local));
-    std::string zone(buffer.data(), strftime(buffer.data(), buffer.size(), "%z", &local));
-    if (zone.empty() || zone.ends_with("0000")) return text + "Z";
-    return text + zone.insert(zone.size() - 2, ":");
+    const system_calls::LocalTime t = system_calls::localTime();
+    const auto two = [](int value) { return zeroPaddedIntString(value, 2); };
+    const std::string text = zeroPaddedIntString(t.year, 4) + "-" + two(t.month) + "-" +
+                             two(t.day) + "T" + two(t.hour) + ":" + two(t.minute) + ":" +
+                             two(t.second);
+    if (t.offsetMinutes == 0) return text + "Z";
+    const int offset = std::abs(t.offsetMinutes);
+    return text + (t.offsetMinutes < 0 ? "-" : "+") + two(offset / 60) + ":" + two(offset % 60);
 }
 
 } // namespace utils

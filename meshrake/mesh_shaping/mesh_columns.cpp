@@ -93,24 +93,31 @@ void write3DNodeNumber(Domain& domain, const VariableRow& row, OutputVar&) {
                                      row.columns[0].label, domain);
 }
 
-void writeLayerNumber(Domain& domain, const VariableRow& row, OutputVar&) {
+namespace {
+
+// One number for each included element; `numberOf` gets the element, from 0, and those in a layer.
+void writeElementNumbers(Domain& domain, const VariableRow& row,
+                         std::int32_t (*numberOf)(std::int32_t, std::int32_t)) {
     const std::int32_t perLayer = layerElements(domain, row.columns[0].name);
     std::vector<std::int32_t> values = temporaryArray(domain.elementCount, row.arrayText);
     std::size_t n = 0;
     for (std::int32_t e = 0; e < domain.elementCount; ++e)
-        if (domain.elementIncluded[static_cast<std::size_t>(e)]) values[n++] = e / perLayer + 1;
+        if (domain.elementIncluded[static_cast<std::size_t>(e)])
+            values[n++] = numberOf(e, perLayer);
     plot_data::tecplotWriteArrayInt4(static_cast<std::int64_t>(n), values.data(), packed,
                                      row.columns[0].label, domain);
 }
 
+} // namespace
+
+void writeLayerNumber(Domain& domain, const VariableRow& row, OutputVar&) {
+    writeElementNumbers(domain, row,
+                        [](std::int32_t e, std::int32_t perLayer) { return e / perLayer + 1; });
+}
+
 void writeColumnNumber(Domain& domain, const VariableRow& row, OutputVar&) {
-    const std::int32_t perLayer = layerElements(domain, row.columns[0].name);
-    std::vector<std::int32_t> values = temporaryArray(domain.elementCount, row.arrayText);
-    std::size_t n = 0;
-    for (std::int32_t e = 0; e < domain.elementCount; ++e)
-        if (domain.elementIncluded[static_cast<std::size_t>(e)]) values[n++] = e % perLayer + 1;
-    plot_data::tecplotWriteArrayInt4(static_cast<std::int64_t>(n), values.data(), packed,
-                                     row.columns[0].label, domain);
+    writeElementNumbers(domain, row,
+                        [](std::int32_t e, std::int32_t perLayer) { return e % perLayer + 1; });
 }
 
 void writeElementThickness(Domain& domain, const VariableRow& row, OutputVar&) {

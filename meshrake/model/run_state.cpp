@@ -1,19 +1,12 @@
 #include "meshrake/model/run_state.hpp"
 
 #include "tvncommon/StringHelpers.hpp"
-#include "tvncommon/error.hpp"
 #include "tvncommon/file_units.hpp"
 #include "tvncommon/io_layer.hpp"
 
 namespace model {
 
 RunState run;
-
-namespace {
-
-constexpr std::size_t nameLimit = 300;
-
-} // namespace
 
 bool isOnlyLent(const Domain& domain) {
     return domain.tag == tags::pm && run.pmPassRequired && !domain.writeDomain.enabled;
@@ -33,12 +26,7 @@ void write_string(std::string_view line) {
 }
 
 std::string fileName(std::string_view text) {
-    const std::string_view name = StringHelpers::trimRight(text);
-    // A name that is cut is that of another file.
-    if (name.size() > nameLimit)
-        error::input_error("File name longer than " + std::to_string(nameLimit) +
-                           " characters: " + std::string(name));
-    return std::string(name);
+    return std::string(StringHelpers::trimRight(text));
 }
 
 std::string problemFile(std::string_view rest) {

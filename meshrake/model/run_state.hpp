@@ -92,7 +92,7 @@ void writeScreen(std::string_view line);
 void writeEcho(std::string_view line);
 void write_string(std::string_view line);
 
-// A file name without its trailing blanks. One of more than 300 characters ends the run.
+// A file name without its trailing blanks.
 std::string fileName(std::string_view text);
 
 // "<prefix>o.<rest>" as a file name.

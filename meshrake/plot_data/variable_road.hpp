@@ -32,7 +32,7 @@ enum class Timing {
 
 // Variables with a file for each species or mixing fraction of the problem. The name of a member is
 // the species' and that of the row's column behind it.
-enum class Family { oneFile, allSpecies, mobileSpecies, heatSpecies, particleSpecies, fractions };
+enum class Family { oneFile, allSpecies, mobileSpecies, flagASpecies, flagBSpecies, fractions };
 
 // Name in the variable list, and comment in front of the values.
 struct ColumnText {

@@ -27,9 +27,9 @@ bool belongs(Family family, std::size_t species) {
         return true;
     case Family::mobileSpecies:
         return species < static_cast<std::size_t>(run.numMobileSpecies);
-    case Family::heatSpecies:
+    case Family::flagASpecies:
         return run.speciesFlagA[species] != 0;
-    case Family::particleSpecies:
+    case Family::flagBSpecies:
         return run.speciesFlagB[species] != 0;
     default:
         return false;

@@ -1,5 +1,6 @@
 #include "meshrake/variables/own_ways.hpp"
 
+#include "meshrake/model/result_files.hpp"
 #include "meshrake/model/run_state.hpp"
 #include "meshrake/plot_data/array_writing.hpp"
 #include "meshrake/plot_data/data_set.hpp"
@@ -8,7 +9,7 @@
 #include "tvncommon/free_form.hpp"
 #include "tvncommon/io_layer.hpp"
 
-#include <algorithm>
+#include <limits>
 
 namespace variables {
 
@@ -45,8 +46,10 @@ constexpr std::int32_t fullTensor = 3; // message of the header
 std::int32_t tensorKind(const std::string& name) {
     const auto header =
         TVNBinaryFile::parseTVNBinFileHeader(TVNBinaryFile::readTVNBinFileHeader(name), name);
-    std::int32_t kind = 0;
-    const int status = free_form::readInteger(header.message, kind);
+    constexpr std::int32_t unread = std::numeric_limits<std::int32_t>::min();
+    std::int32_t kind = unread;
+    int status = free_form::readInteger(header.message, kind);
+    if (kind == unread && status == io_layer::ok) status = io_layer::invalidData;
     if (status != io_layer::ok)
         error::input_error_stat(status,
                                 "Error reading file: " + name +
@@ -65,13 +68,19 @@ void elemKInit(Domain& domain, const VariableRow& row, OutputVar& var) {
 
 namespace {
 
-// The simulator writes the first form; where the names of files know no case, both name one file.
+// The simulator writes the first form; where the names of files know no case, both name one file. A
+// continued run may find either at output time 1 alone.
 VariableRow withSpelling(const Domain& domain, const VariableRow& row, std::string_view first,
                          std::string_view second) {
     VariableRow spelt = row;
-    const bool secondOnly = !io_layer::exists(plot_data::variableFile(domain, first)) &&
-                            io_layer::exists(plot_data::variableFile(domain, second));
-    spelt.stem = secondOnly ? second : first;
+    spelt.stem = first;
+    for (const std::string& suffix : {model::run.timeSuffix, model::outputTimeIndex(1)})
+        for (const std::string_view stem : {first, second}) {
+            const std::string name = std::string(stem) + domain.name + "." + suffix;
+            if (!io_layer::exists(model::problemFile(name))) continue;
+            spelt.stem = stem;
+            return spelt;
+        }
     return spelt;
 }
 

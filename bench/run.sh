@@ -1,0 +1,61 @@
+#!/usr/bin/env bash
+# Measures everything that has a limit, in one go, and prints the ratios beside the limits. Takes
+# some minutes; ends with status 1 where a limit is missed.
+#
+#   bench/run.sh
+set -euo pipefail
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+# shellcheck source=bench/table.sh
+source "$root/bench/table.sh"
+
+build=$root/build-bench
+"$root/tools/install_packages.sh" bench
+"$root/tools/build.sh" "$build" -DMESHRAKE_BENCH=ON -DMESHRAKE_TESTS=OFF
+
+results=$(mktemp)
+trap 'rm -f "$results"' EXIT
+
+# What is compared takes turns, so that a busy moment of the machine meets both sides.
+for program in number_formats_bench result_files_bench plot_files_bench; do
+    "$build/bench/$program" --benchmark_repetitions=5 --benchmark_enable_random_interleaving=true \
+        --benchmark_format=csv 2>/dev/null >>"$results"
+done
+
+# Median time of a benchmark in milliseconds.
+time_of() {
+    local time
+    time=$(tr -d '"' <"$results" | awk -F, -v name="$1" '
+        { sub("/(real|manual)_time_", "_", $1) }
+        $1 == name "_median" { printf "%.3f", $3 / ($5 == "ns" ? 1000000 : 1); exit }')
+    if [ -z "$time" ]; then
+        echo "run.sh: no benchmark is called $1" >&2
+        exit 1
+    fi
+    echo "$time"
+}
+
+# compare MEASURE OURS AGAINST MUST AIM: two benchmarks, ours over theirs; theirs over ours where
+# the limit is one of "times faster".
+compare() {
+    local ours theirs quotient
+    ours=$(time_of "$2")
+    theirs=$(time_of "$3")
+    if [ "${4:0:1}" = ">" ]; then
+        quotient=$(ratio "$theirs" "$ours")
+    else
+        quotient=$(ratio "$ours" "$theirs")
+    fi
+    table_row "$1" "$ours ms" "$theirs ms" "$quotient" "$4" "$5"
+}
+
+table_head
+for values in heads saturations bitPatterns; do
+    compare "wide real, $values: times faster" realRows/$values toChars/$values ">3" 6
+done
+compare "real array, heads (64 bits), in W" formatted/heads plain/heads 5 3
+compare "real array, velocities (32 bits), in W" formatted/velocities plain/velocities 5 3
+compare "connectivity, in W" formatted/connectivity plain/connectivity 3 2
+compare "read of a one-component file" readResultFile plainRead 1.3 1.1
+echo
+"$root/bench/whole_run.sh" "$build" || missed=1
+exit "$missed"

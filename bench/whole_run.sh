@@ -1,0 +1,92 @@
+#!/usr/bin/env bash
+# Measures a whole run on a problem of about a million nodes with three output times, against cp of
+# the files that it wrote, and its peak memory. All files are in the page cache; runs and copies
+# take turns. Takes 2 GB in the folder for temporary files and ends with status 1 where a limit is
+# missed.
+#
+#   bench/whole_run.sh [BUILD_FOLDER]
+#
+# The build folder needs -DMESHRAKE_BENCH=ON; without one, build-bench is built.
+set -euo pipefail
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+# shellcheck source=bench/table.sh
+source "$root/bench/table.sh"
+
+build=${1:-}
+if [ -z "$build" ]; then
+    build=$root/build-bench
+    "$root/tools/install_packages.sh" bench
+    "$root/tools/build.sh" "$build" -DMESHRAKE_BENCH=ON -DMESHRAKE_TESTS=OFF
+fi
+build=$(realpath "$build")
+
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+problem=$folder/problem
+copy=$folder/copy
+
+"$build/examples/make_problem" --prefix large --nx 160 --ny 160 --layers 39 --times 3 "$problem"
+cat "$problem"/* >/dev/null
+sync
+
+# A run that meets its own files would first have to take their pages apart.
+outputs() { ls "$problem"/largeo.*.dat "$problem/largeo.meshrake.eco"; }
+remove_outputs() { rm -rf "$copy" "$problem"/largeo.*.dat "$problem"/*.eco "$problem"/*.control; }
+
+# measured FOLDER PROGRAM [ARGUMENT]...: what run_measured says of it, which must end well.
+measured() {
+    "$build/bench/run_measured" "$@" 2>"$folder/errors" || {
+        cat "$folder/errors" >&2
+        return 1
+    }
+}
+
+repetitions=5
+runs=()
+copies=()
+peak=0
+for ((i = 0; i <= repetitions; ++i)); do
+    remove_outputs
+    numbers=$(measured "$problem" "$build/meshrake/meshrake")
+    read -r run _ _ memory <<<"$numbers"
+    mkdir "$copy"
+    # shellcheck disable=SC2046 # a list of file names without blanks
+    numbers=$(measured "$folder" cp $(outputs) "$copy")
+    read -r copied _ <<<"$numbers"
+    [ "$i" -gt 0 ] || continue # the first turn warms up
+    runs+=("$run")
+    copies+=("$copied")
+    [ "$memory" -le "$peak" ] || peak=$memory
+done
+
+median() { printf '%s\n' "$@" | sort -n | sed -n "$((($# + 1) / 2))p"; }
+
+# Bytes of what must be kept: coordinates, links, element lists and zones, which are the mesh files
+# with the coordinates of the domains beside pm, and an array for each column that is read, which
+# are the result files of one output time.
+kept_bytes() {
+    local bytes nodes file
+    bytes=$(cat "$problem"/largeo.coordinates_* "$problem"/largeo.elements_* \
+        "$problem"/largeo.*.0001 | wc -c)
+    for file in "$problem"/largeo.coordinates_*; do
+        [ "${file##*_}" != pm ] || continue
+        nodes=$(od -An -t d4 -j 4 -N 4 "$file")
+        bytes=$((bytes + 24 * nodes))
+    done
+    echo "$bytes"
+}
+
+run=$(median "${runs[@]}")
+copied=$(median "${copies[@]}")
+mib() { awk -v bytes="$1" 'BEGIN { printf "%.1f", bytes / 1048576 }'; }
+kept=$(kept_bytes)
+peak=$((peak * 1024))
+
+# shellcheck disable=SC2046
+written=$(wc -c $(outputs) | tail -n 1)
+echo "Written: $(mib "${written% *}") MiB. Runs: ${runs[*]} s. Copies: ${copies[*]} s."
+table_head
+table_row "whole run, against cp" "$run s" "$copied s" "$(ratio "$run" "$copied")" 2.5 1.3
+table_row "peak memory, MiB over the arrays kept" "$(mib "$peak")" "$(mib "$kept")" \
+    "$(mib $((peak - kept)))" 64 32
+exit "$missed"

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+// A reader of text data sets that knows nothing of the program: for what its files say, and for
+// whether they hold together.
+namespace data_set {
+
+struct Zone {
+    std::string line;
+    std::string centred, shared; // lists of the zone line
+    std::string written;         // comments in front of the arrays, separated by commas
+    std::map<std::string, std::vector<std::string>> values; // by comment, in order where several
+                                                            // arrays have the same
+    std::vector<std::size_t> counts;                        // values of each array
+};
+
+struct DataSet {
+    std::string fault;     // the first thing that does not hold together, empty for a good file
+    std::string variables; // names, separated by commas
+    std::vector<Zone> zones;
+};
+
+// Looks for as many arrays as variables are not shared, for their counts, for the type words, and
+// for node numbers that are nodes of the zone.
+DataSet parse(const std::string& text);
+
+} // namespace data_set

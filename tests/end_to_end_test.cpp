@@ -1,0 +1,340 @@
+#include "tests/data_set.hpp"
+#include "tests/runs.hpp"
+
+#include <gmock/gmock.h>
+
+// Whole runs, of the program itself or of all of it inside this process.
+namespace {
+
+using namespace sample_files;
+using runs::Ran;
+using runs::runHere;
+using runs::runProgram;
+using testing::HasSubstr;
+using testing::Not;
+using Singles = std::vector<float>;
+
+// One brick and its surface at three times; the names of the columns tell which files come and go.
+Problem comingAndGoing() {
+    Problem problem = brickProblem({1, 1, 1, 3});
+    const Bytes saturations = resultFile("0.0", {Singles{1, 1, 1, 1, 0.5F, 0.25F, 0.125F, 0}});
+    problem["to.sat_pm.0001"] = problem["to.sat_pm.0003"] = saturations;
+    problem["to.vwc_pm.0002"] = resultFile("0.0", {Reals(8)});
+    const Bytes velocities = resultFile("0.0", {Singles{0.1F}, Singles{-2.5F}, Singles{3e-10F}});
+    problem["to.v_pm.0001"] = problem["to.v_pm.0002"] = velocities;
+    problem.erase("to.head_olf.0002");
+    return problem;
+}
+
+const std::string normalExit = "\n\n\n                    ---- Normal exit ----\n\n\n";
+
+std::vector<std::string> filesHere() {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator("."))
+        if (entry.path().filename().string()[0] != '.') names.push_back(entry.path().filename());
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+TEST(WholeRun, WritesTheseFiles) {
+    const Folder folder;
+    write(comingAndGoing());
+    const std::vector<std::string> before = filesHere();
+    const Ran ran = runProgram();
+    EXPECT_EQ(ran.status, 0);
+    EXPECT_EQ(getDated("to.pm.dat"), expected("brick.pm.dat"));
+    EXPECT_EQ(getDated("to.olf.dat"), expected("brick.olf.dat"));
+    EXPECT_EQ(ran.screen, expected("brick.screen"));
+    EXPECT_EQ(get("to.meshrake.eco"), expected("brick.meshrake.eco"));
+    EXPECT_EQ(ran.errors, "\n*********************************\n***      WARNING MESSAGE      ***\n"
+                          "*********************************\n\n"
+                          "Meshrake has been deprecated and will be removed in a future release.\n"
+                          "We recommend using tvn2vtu for post-processing going forward.\n\n");
+    std::vector<std::string> after = before;
+    after.insert(after.end(), {"t.plot.control", "to.meshrake.eco", "to.olf.dat", "to.pm.dat"});
+    std::sort(after.begin(), after.end());
+    EXPECT_EQ(filesHere(), after);
+
+    // The control file that it has left asks for the same.
+    const Bytes pm = getDated("to.pm.dat"), olf = getDated("to.olf.dat");
+    EXPECT_EQ(runProgram().status, 0);
+    EXPECT_EQ(getDated("to.pm.dat"), pm);
+    EXPECT_EQ(getDated("to.olf.dat"), olf);
+}
+
+class Run : public testing::Test {
+protected:
+    // A run over the problem with this control text; an empty one means none.
+    Ran run(const std::string& control = "", const std::vector<std::string>& arguments = {}) {
+        if (!control.empty()) problem["t.plot.control"] = control;
+        write(problem);
+        return runHere(arguments);
+    }
+
+    Folder folder;
+    Problem problem = brickProblem({1, 1, 1, 4});
+};
+
+TEST_F(Run, LeavesNothingBehindForTheNext) {
+    problem["to.freeze_thaw_temp_pm.0001"] = resultFile("0.0", {Reals(8)});
+    ASSERT_EQ(run().status, 0);
+    const Bytes pm = getDated("to.pm.dat"), olf = getDated("to.olf.dat");
+    const Bytes echo = get("to.meshrake.eco");
+
+    // One run with all that can be set and a species that is heat, whose unit is another; one that
+    // fails half way; one that is asked for a template.
+    put("to.species", integerRecord({1}) + integerRecord({0}) + textRecord("heat", 50) +
+                          integerRecord({-1}) + integerRecord({0}));
+    put("to.conc_pm.heat.0001", problem["to.freeze_thaw_temp_pm.0001"]);
+    EXPECT_EQ(run("tecplot binary append\ntruncate time domain\n0 20\n"
+                  "number of digits for output file suffix\n4\nend\n"
+                  "write pm domain file\nno pm heads\ntruncate pm domain\n0 1\n0 1\n0 1\nend\n"
+                  "simulation time unit conversion factor\n5 2\ninterpolate depth to gw table\n")
+                  .status,
+              0);
+    EXPECT_THAT(get("to.pm.dat"), HasSubstr("# heat units: (deg C)\n"));
+    std::filesystem::remove("to.species");
+    put("to.head_olf.0002", problem["to.head_olf.0002"].substr(0, 60));
+    EXPECT_EQ(runHere().status, 1);
+    EXPECT_EQ(run("", {"--make_plot_control"}).status, 0);
+
+    std::filesystem::remove("t.plot.control");
+    problem.erase("t.plot.control");
+    ASSERT_EQ(run().status, 0);
+    EXPECT_EQ(getDated("to.pm.dat"), pm);
+    EXPECT_EQ(getDated("to.olf.dat"), olf);
+    EXPECT_EQ(get("to.meshrake.eco"), echo);
+}
+
+TEST_F(Run, AsksForThePrefix) {
+    const std::string ask = "Switching to interactive mode\nEnter prefix of problem filename...\n";
+    const std::string again = "Please try again...\nEnter prefix of problem filename...\n";
+    problem["sub dir.skiv"] = "";
+    problem["sub"] = "a file without the extension";
+    struct Case {
+        std::string batch; // "-": no such file
+        std::string input, dialogue;
+    };
+    const Case cases[] = {
+        {"t\n", "", "\nStack of bricks"},
+        {"\n \t\n t rest\nmore\n", "", "\nStack of bricks"},
+        {"'t'", "", "\nStack of bricks"},
+        {"-", "t\n", "\nbatch.pfx file does not exist\n" + ask},
+        {"", "t", "\nError reading batch.pfx file\nPrefix from batch.pfx file is empty\n" + ask},
+        {"''\n", "t,x\n", "\nPrefix from batch.pfx file is empty\n" + ask},
+        {"'t\n", "t\n",
+         "\nError reading batch.pfx file\nPrefix from batch.pfx file is empty\n" + ask},
+        {"sub dir\n", "\n\nT\nsub/t\n./t",
+         "\nUnable to find file sub.skiv\n" + ask + "Unable to find file T.skiv\n" + again +
+             "Unable to find file sub/t.skiv\n" + again},
+    };
+    for (const Case& c : cases) {
+        problem["batch.pfx"] = c.batch;
+        write(problem);
+        if (c.batch == "-") std::filesystem::remove("batch.pfx");
+        const Ran ran = runProgram("", c.input);
+        EXPECT_EQ(ran.status, 0) << c.batch;
+        EXPECT_THAT(ran.screen, HasSubstr("@@\n" + std::string(74, '@') + "\n" + c.dialogue))
+            << c.batch;
+        EXPECT_THAT(ran.screen, testing::EndsWith(normalExit));
+        EXPECT_EQ(get("batch.pfx"), c.input.empty()            ? c.batch
+                                    : c.input.ends_with("./t") ? "./t\n"
+                                                               : "t\n");
+    }
+    std::filesystem::remove("batch.pfx");
+    const Ran ended = runProgram("", "x\n\n");
+    EXPECT_EQ(ended.status, 1);
+    EXPECT_THAT(ended.errors, HasSubstr("**\n\nError reading file: standard input\nError detail: "
+                                        "End-of-file encountered on read\n"));
+    EXPECT_FALSE(std::filesystem::exists("batch.pfx"));
+}
+
+TEST_F(Run, CommandLine) {
+    const Ran made = run("nonsense\n", {"--Make_Plot_Control", "-x  ", "", "--never"});
+    EXPECT_EQ(made.status, 0);
+    EXPECT_THAT(made.screen, HasSubstr("@\n\nInvalid command line option: -x\nStack of bricks"));
+    EXPECT_THAT(made.screen, testing::EndsWith("\nGenerate t.plot.control file and terminate...\n" +
+                                               normalExit));
+    EXPECT_THAT(
+        get("to.meshrake.eco"),
+        testing::EndsWith("\nGenerate t.plot.control file and terminate...\n" + normalExit));
+    EXPECT_THAT(get("t.plot.control"),
+                testing::StartsWith("tecplot mode\n! tecplot binary mode\n"));
+    EXPECT_FALSE(std::filesystem::exists("to.pm.dat"));
+    EXPECT_FALSE(std::filesystem::exists("scratch_plot"));
+    EXPECT_THAT(runHere({"", "--make_plot_control"}).screen, HasSubstr("Time 0001: 0.0\n"));
+}
+
+// Lines of screen and echo file about output times, in order.
+std::string timesOf(const std::string& text) {
+    std::istringstream in(text);
+    std::string lines;
+    for (std::string line; std::getline(in, line);)
+        if (line.starts_with("Time ") || line.starts_with("Skip ") ||
+            line.starts_with("Warning:") || line.starts_with("Creating"))
+            lines += line + "\n";
+    return lines;
+}
+
+TEST_F(Run, TimeWindow) {
+    const std::string end = "Warning: No output file found with extension: 0005\n";
+    const std::string creating = "Creating tecplot file to.pm\n";
+    const std::map<std::string, std::string> cases = {
+        {"10 20", "Skip Time 0001: 0.0\n" + creating +
+                      "Time 0002: 10.0\nTime 0003: 20.0\nSkip Time 0004: 30.0\n"},
+        {"-1 0",
+         creating +
+             "Time 0001: 0.0\nSkip Time 0002: 10.0\nSkip Time 0003: 20.0\nSkip Time 0004: 30.0\n"},
+        {"11 1d1",
+         "Skip Time 0001: 0.0\nSkip Time 0002: 10.0\nSkip Time 0003: 20.0\nSkip Time 0004: 30.0\n"},
+    };
+    for (const auto& [window, lines] : cases) {
+        std::filesystem::remove("to.pm.dat");
+        const Ran ran = run("truncate time domain\n" + window + "\nend\nwrite pm domain file\n");
+        EXPECT_EQ(ran.status, 0);
+        EXPECT_EQ(timesOf(ran.screen), lines + end) << window;
+        EXPECT_EQ(timesOf(get("to.meshrake.eco")), lines + end) << window;
+        EXPECT_EQ(std::filesystem::exists("to.pm.dat"), lines.find(creating) != std::string::npos);
+    }
+    problem["to.head_olf.0002"] = resultFile("soon", {Reals(4)});
+    const Ran ran = run("truncate time domain\n0 1\nend\n");
+    EXPECT_EQ(ran.status, 1);
+    EXPECT_THAT(ran.errors, HasSubstr("**\n\nError reading file: to.head_olf.0002\n"));
+}
+
+TEST_F(Run, WithoutAnyOutputTime) {
+    for (const char* suffix : {".0001", ".0002", ".0003", ".0004"})
+        for (const char* stem : {"to.head_pm", "to.head_olf"})
+            problem.erase(stem + std::string(suffix));
+    problem["to.ElemPor_pm.0001"] = resultFile("", {Singles{0.25F}});
+    const Ran ran = run();
+    EXPECT_EQ(ran.status, 0);
+    EXPECT_EQ(timesOf(ran.screen), "Warning: No output file found with extension: 0001\nCreating "
+                                   "tecplot file to.pm\nCreating tecplot file to.olf\n");
+    const data_set::DataSet pm = data_set::parse(get("to.pm.dat"));
+    EXPECT_EQ(pm.fault, "");
+    EXPECT_THAT(pm.variables, HasSubstr(",Porosity"));
+    ASSERT_EQ(pm.zones.size(), 1U);
+    EXPECT_THAT(pm.zones[0].line, HasSubstr("SOLUTIONTIME=0.0, "));
+}
+
+TEST_F(Run, TimesPassThroughAsTextOrAreConverted) {
+    problem["to.head_pm.0001"] = problem["to.head_olf.0001"] =
+        resultFile("  1.50E+01 later", {Reals(8)});
+    ASSERT_EQ(run().status, 0);
+    EXPECT_THAT(get("to.meshrake.eco"), HasSubstr("\nTime 0001:   1.50E+01\nTime 0002: 10.0\n"));
+    EXPECT_THAT(get("to.pm.dat"), HasSubstr(", SOLUTIONTIME=1.50E+01, "));
+    ASSERT_EQ(
+        run("end\nwrite pm domain file\nend\nsimulation time unit conversion factor\n0.25 0.1\n")
+            .status,
+        0);
+    EXPECT_THAT(get("to.meshrake.eco"),
+                HasSubstr("\nTime 0001:  1.7500000000000000\nTime 0002:  1.2500000000000000\n"));
+    EXPECT_THAT(get("to.pm.dat"), HasSubstr(", SOLUTIONTIME=1.7500000000000000, "));
+}
+
+TEST_F(Run, DomainsThatAreNotAskedFor) {
+    ASSERT_EQ(run("end\nwrite olf domain file\n").status, 0);
+    EXPECT_TRUE(std::filesystem::exists("to.olf.dat"));
+    EXPECT_FALSE(std::filesystem::exists("to.pm.dat"));
+    EXPECT_THAT(get("to.meshrake.eco"), Not(HasSubstr("Closing tecplot file: to.pm")));
+
+    // Without the end of the top-level section, append stays on for a text file too.
+    std::filesystem::remove("to.olf.dat");
+    ASSERT_EQ(run("tecplot binary append\nwrite olf domain file\n").status, 0);
+    EXPECT_FALSE(std::filesystem::exists("to.olf.dat"));
+    EXPECT_EQ(get("to.tec_append"), integerRecord({4}));
+}
+
+TEST_F(Run, WarnsOfWhatMayMislead) {
+    problem["to.gen"] =
+        textRecord("2918 beta", 80) + integerRecord({0}) + record("") + integerRecord({7});
+    problem["to.olf.szplt.szhdr"] = "";
+    const Ran ran = run();
+    EXPECT_EQ(ran.status, 0);
+    EXPECT_THAT(ran.errors, HasSubstr("**\n\nSkiv version does not match MESHRAKE version.\nThis "
+                                      "may result in a failure of MESHRAKE to run.\n\n"));
+    EXPECT_THAT(ran.errors,
+                HasSubstr("**\n\nTecplot szplt temporary files found (to.olf.szplt.szhdr, "
+                          "etc.)\nConsider deleting them, otherwise data may be appended.\n\n"));
+    EXPECT_THAT(ran.screen, HasSubstr("@\n\n\n\nNo species file present\nNo HMC file present\n"));
+    EXPECT_THAT(get("to.pm.dat"), testing::StartsWith("TITLE = \"\"\n"));
+    EXPECT_THAT(get("to.pm.dat"),
+                HasSubstr("Length_Base_Unit=\"cm\"\nDATASETAUXDATA Time_Base_Unit=\"d\"\n"));
+    EXPECT_THAT(get("to.pm.dat"), HasSubstr("# Head units: (cm)\n"));
+}
+
+TEST_F(Run, DescriptionOfMoreThanFlow) {
+    problem["to.species"] = integerRecord({1}) + integerRecord({1}) + textRecord("salt", 50) +
+                            textRecord("ice", 50) + integerRecord({0}) + integerRecord({0});
+    problem["to.hmc"] = integerRecord({1}) + integerRecord({2}) + integerRecord({3}) +
+                        integerRecord({-1}) + integerRecord({1}) + integerRecord({4}) +
+                        integerRecord({5}) + textRecord("rain", 80) + integerRecord({6}) +
+                        integerRecord({7});
+    // Species come first among the files that tell the time.
+    for (const char* species : {"salt", "ice"})
+        problem["to.conc_pm." + std::string(species) + ".0001"] =
+            resultFile("7.5", {Reals(8, 0.5)});
+    const Ran ran = run("end\nwrite pm domain file\nend\n");
+    EXPECT_EQ(ran.status, 0) << ran.errors;
+    EXPECT_THAT(ran.screen, HasSubstr("\nSpecies file: to.species\nHMC file: to.hmc\n"));
+    EXPECT_THAT(ran.screen, HasSubstr("\nTime 0001: 7.5\nTime 0002: 10.0\n"));
+}
+
+// Sample problems that another program has made: what differs in the bytes of their files only
+// gives the same plots, and all files hold together.
+class MadeProblem : public testing::Test {
+protected:
+    std::map<std::string, Bytes> plots(const std::string& options,
+                                       const std::string& control = "") {
+        const Folder folder;
+        makeProblem("--nx 4 --ny 3 --layers 2 --times 3 " + options);
+        if (!control.empty()) put("t.plot.control", control);
+        const Ran ran = runProgram();
+        EXPECT_EQ(ran.status, 0) << options << ran.errors;
+        std::map<std::string, Bytes> found;
+        for (const std::string& name : filesHere())
+            if (name.ends_with(".dat")) found[name] = getDated(name);
+        return found;
+    }
+
+    const std::string everything = "--variables all --domains pm,dual,olf,frac,chan,well,tile ";
+    const std::vector<std::string> tags = {"pm", "dual", "olf", "frac", "chan", "well", "tile"};
+};
+
+TEST_F(MadeProblem, IsTheSameInAllFormsOfItsFiles) {
+    const auto plain = plots(everything);
+    EXPECT_EQ(plain.size(), 7U);
+    for (const std::string form :
+         {"--generation older ", "--sub-records 60 ", "--sub-records 7 --generation older "})
+        EXPECT_TRUE(plots(everything + form) == plain) << form;
+    EXPECT_TRUE(plots(everything + "--digits 6 ", [&] {
+                    std::string control = "number of digits for output file suffix\n6\nend\n";
+                    for (const std::string& tag : tags)
+                        control += "write " + tag + " domain file\nend\n";
+                    return control;
+                }()) == plain);
+}
+
+TEST_F(MadeProblem, GivesFilesThatHoldTogether) {
+    std::string range = "end\n", layer = "end\n";
+    for (const std::string& tag : tags) {
+        range += "write " + tag + " domain file\ntruncate " + tag +
+                 " domain\n0 1500\n300 1d4\n-1d9 1d9\nend\n";
+        layer += "write " + tag + " domain file\ntruncate " + tag +
+                 " domain by layer\n0 1d9\n0 1d9\n1 1\nend\n";
+    }
+    for (const std::string kind :
+         {"", "--elements prism ", "--walls ", "--walls --elements prism --tensor "})
+        for (const std::string& control : {std::string(), range, layer}) {
+            const auto made = plots(everything + kind, control);
+            EXPECT_EQ(made.size(), 7U);
+            for (const auto& [name, text] : made) {
+                const data_set::DataSet set = data_set::parse(text);
+                EXPECT_EQ(set.fault, "") << name << " " << kind << control.substr(0, 60);
+                EXPECT_EQ(set.zones.size(), 3U) << name;
+            }
+        }
+}
+
+} // namespace

@@ -1,0 +1,296 @@
+#include "tvncommon/io_layer.hpp"
+
+#include "tests/runs.hpp"
+#include "tvncommon/file_units.hpp"
+#include "tvncommon/system_calls.hpp"
+
+#include <algorithm>
+#include <cerrno>
+#include <map>
+
+namespace {
+
+using namespace io_layer;
+using namespace std::string_literals;
+using runs::expectEnd;
+using sample_files::Bytes;
+using sample_files::get;
+using sample_files::put;
+using Texts = std::vector<std::string>;
+
+class IoLayer : public testing::Test {
+protected:
+    ~IoLayer() override {
+        system_calls::table = system_calls::systemTable();
+        reset();
+    }
+    sample_files::Folder folder;
+};
+
+// A record of several pieces, each with its own length in front; the sign says that it goes on.
+Bytes pieces(const std::vector<std::pair<std::int32_t, std::string>>& parts) {
+    Bytes file;
+    for (const auto& [mark, payload] : parts) {
+        const Bytes length = sample_files::bytesOf(sample_files::Integers{mark});
+        file += length + payload + length;
+    }
+    return file;
+}
+
+// Status of each read of a whole record of these sizes, up to the first that fails.
+std::vector<int> statuses(const Bytes& file, const std::vector<std::int64_t>& sizes) {
+    put("file", file);
+    const int unit = takeUnit();
+    EXPECT_EQ(openRecordsRead(unit, "file"), ok);
+    std::vector<int> found;
+    for (const std::int64_t size : sizes) {
+        std::string into(static_cast<std::size_t>(size), '?');
+        found.push_back(readRecord(unit, into.data(), size));
+        if (found.back() != ok) break;
+    }
+    releaseUnit(unit);
+    return found;
+}
+
+TEST_F(IoLayer, RecordsAsTheyStandInTheFile) {
+    const std::map<std::pair<std::string, std::int64_t>, Bytes> cases = {
+        {{"", 3}, "\0\0\0\0\0\0\0\0"s},
+        {{"abc", 3}, "\3\0\0\0abc\3\0\0\0"s},
+        {{"abcd", 3}, "\xfd\xff\xff\xff"s + "abc\3\0\0\0\1\0\0\0d\xff\xff\xff\xff"s},
+        {{"abcdef", 2},
+         "\xfe\xff\xff\xff"s + "ab\2\0\0\0\xfe\xff\xff\xff"s + "cd\xfe\xff\xff\xff\2\0\0\0"s +
+             "ef\xfe\xff\xff\xff"s}};
+    for (const auto& [given, bytes] : cases) {
+        const auto size = static_cast<std::int64_t>(given.first.size());
+        int unit = takeUnit();
+        ASSERT_EQ(openRecordsReplace(unit, "file"), ok);
+        EXPECT_EQ(writeRecord(unit, given.first.data(), size, given.second), ok);
+        EXPECT_EQ(releaseUnit(unit), ok);
+        EXPECT_EQ(get("file"), bytes) << given.first;
+
+        ASSERT_EQ(openRecordsRead(unit = takeUnit(), "file"), ok);
+        std::string back(given.first.size(), '?');
+        EXPECT_EQ(beginRecord(unit), ok);
+        for (char& c : back) EXPECT_EQ(readInRecord(unit, &c, 1), ok);
+        EXPECT_EQ(readInRecord(unit, back.data(), 1), readFailed);
+        EXPECT_EQ(endRecord(unit), ok);
+        EXPECT_EQ(back, given.first);
+        EXPECT_EQ(beginRecord(unit), endOfFile);
+        releaseUnit(unit);
+    }
+}
+
+TEST_F(IoLayer, RecordsBeyondTheReadBuffer) {
+    std::string large(200001, ' ');
+    for (std::size_t i = 0; i < large.size(); ++i) large[i] = static_cast<char>(i * 7 + i / 256);
+    for (const std::int64_t piece : {70000, 32768, 32760, 997}) {
+        int unit = takeUnit();
+        ASSERT_EQ(openRecordsReplace(unit, "file"), ok);
+        for (int i = 0; i < 3; ++i)
+            writeRecord(unit, large.data(), static_cast<std::int64_t>(large.size()), piece);
+        ASSERT_EQ(releaseUnit(unit), ok);
+        ASSERT_EQ(openRecordsRead(unit = takeUnit(), "file"), ok);
+        EXPECT_EQ(bytesLeft(unit), static_cast<std::int64_t>(get("file").size()));
+        for (const std::int64_t size : {200001, 40000, 12}) {
+            std::string into(static_cast<std::size_t>(size), '?');
+            ASSERT_EQ(readRecord(unit, into.data(), size), ok);
+            EXPECT_TRUE(large.starts_with(into)) << piece;
+        }
+        EXPECT_EQ(bytesLeft(unit), 0);
+        releaseUnit(unit);
+    }
+}
+
+TEST_F(IoLayer, FileCutAtEveryLength) {
+    const Bytes first = sample_files::record("abcde");
+    const Bytes whole = first + pieces({{-3, "fgh"}, {-2, "ij"}, {1, "k"}});
+    for (std::size_t length = 0; length <= whole.size(); ++length) {
+        std::vector<int> expected{ok, ok, endOfFile};
+        if (length < whole.size()) expected = {ok, readFailed};
+        if (length == first.size()) expected = {ok, endOfFile};
+        if (length < first.size()) expected = {readFailed};
+        if (length == 0) expected = {endOfFile};
+        EXPECT_EQ(statuses(whole.substr(0, length), {5, 6, 1}), expected) << length;
+    }
+}
+
+TEST_F(IoLayer, MarkersThatLie) {
+    struct Case {
+        Bytes file;
+        std::int64_t asked;
+        int status;
+    };
+    const Case cases[] = {
+        {sample_files::record("abcd"), 4, ok},
+        {sample_files::record("abcd"), 2, ok},
+        {sample_files::record("abcd"), 0, ok},
+        {sample_files::record(""), 0, ok},
+        {sample_files::record("abcd"), 5, readFailed},
+        {"\4\0\0\0abcd\5\0\0\0"s, 4, readFailed},
+        {"\3\0\0\0abcd\4\0\0\0"s, 3, readFailed},
+        {"\4\0\0\0abcd\xfc\xff\xff\xff"s, 4, ok}, // the sign behind a piece counts for nothing
+        {"\xff\xff\xff\x7f"s + "abcd", 4, readFailed},
+        {"\0\0\0\x80"s + "abcd", 4, readFailed},
+        {pieces({{-2, "ab"}, {2, "cd"}}), 4, ok},
+        {pieces({{-2, "ab"}, {2, "cd"}}), 1, ok},
+        {pieces({{-2, "ab"}, {0, ""}}), 2, ok},
+        {pieces({{-2, "ab"}, {0, ""}}), 3, readFailed},
+        {pieces({{-2, "ab"}}), 2, readFailed}, // goes on, and then does not
+    };
+    for (const Case& c : cases)
+        EXPECT_EQ(statuses(c.file, {c.asked}), std::vector{c.status})
+            << testing::PrintToString(c.file);
+}
+
+TEST_F(IoLayer, Lines) {
+    const std::string longLine(70000, 'x');
+    const std::map<std::string, Texts> cases = {{"", {}},
+                                                {"\n", {""}},
+                                                {"a\n\nb\n", {"a", "", "b"}},
+                                                {"a\r\n\r\nb\r", {"a", "", "b"}},
+                                                {"a\rb\r\r\n", {"a\rb\r"}},
+                                                {"a\nlast", {"a", "last"}},
+                                                {" a\t \n"s + '\0' + "b\n", {" a\t ", "\0b"s}},
+                                                {longLine + "\n" + longLine, {longLine, longLine}}};
+    for (const auto& [contents, expected] : cases) {
+        put("file", contents);
+        const int unit = takeUnit();
+        ASSERT_EQ(openTextRead(unit, "file"), ok);
+        for (int pass = 0; pass < 2; ++pass) {
+            Texts lines;
+            for (std::string line; readLine(unit, line) == ok;) lines.push_back(line);
+            EXPECT_EQ(lines, expected) << contents.substr(0, 20);
+            EXPECT_EQ(rewind(unit), ok);
+        }
+        releaseUnit(unit);
+    }
+}
+
+// Texts and blocks reach the file in the order of the calls, whatever is held back in between.
+TEST_F(IoLayer, WritesAroundTheSizeOfTheBuffer) {
+    for (const std::size_t size :
+         std::initializer_list<std::size_t>{0, 1, 32766, 32767, 32768, 32769, 100000}) {
+        const std::string text(size, 'a');
+        for (const Flush flushing : {Flush::everyLine, Flush::inBlocks}) {
+            const int unit = takeUnit();
+            ASSERT_EQ(openTextReplace(unit, "file", flushing), ok);
+            EXPECT_EQ(writeLine(unit, text), ok);
+            if (flushing == Flush::everyLine) {
+                EXPECT_EQ(get("file"), text + "\n");
+            }
+            EXPECT_EQ(writeText(unit, "b"), ok);
+            EXPECT_EQ(writeBlock(unit, text.data(), text.size()), ok);
+            EXPECT_EQ(writeText(unit, "c"), ok);
+            EXPECT_EQ(releaseUnit(unit), ok);
+            EXPECT_EQ(get("file"), text + "\nb" + text + "c") << size;
+        }
+    }
+}
+
+int interrupted = 0; // every second call is
+
+TEST_F(IoLayer, InterruptedAndShortCalls) {
+    system_calls::table.write = [](int descriptor, const void* from, std::size_t size) {
+        if (++interrupted % 2 == 0) return errno = EINTR, std::ptrdiff_t{-1};
+        return system_calls::systemTable().write(descriptor, from, std::min<std::size_t>(size, 5));
+    };
+    system_calls::table.read = [](int descriptor, void* into, std::size_t size) {
+        if (++interrupted % 2 == 0) return errno = EINTR, std::ptrdiff_t{-1};
+        return system_calls::systemTable().read(descriptor, into, std::min<std::size_t>(size, 3));
+    };
+    const std::string payload(999, 'p');
+    int unit = takeUnit();
+    ASSERT_EQ(openRecordsReplace(unit, "file"), ok);
+    EXPECT_EQ(writeRecord(unit, payload.data(), 999, 100), ok);
+    EXPECT_EQ(writeLine(unit, "line\r"), ok);
+    EXPECT_EQ(releaseUnit(unit), ok);
+    ASSERT_EQ(openRecordsRead(unit = takeUnit(), "file"), ok);
+    std::string back(999, '?'), line;
+    EXPECT_EQ(readRecord(unit, back.data(), 999), ok);
+    EXPECT_EQ(back, payload);
+    EXPECT_EQ(readLine(unit, line), ok);
+    EXPECT_EQ(line, "line");
+}
+
+TEST_F(IoLayer, CallsThatFail) {
+    put("good", "x");
+    const int first = takeUnit(), second = takeUnit();
+    openTextReplace(first, "first", Flush::inBlocks);
+    openTextReplace(second, "second", Flush::inBlocks);
+    writeLine(second, "held");
+    system_calls::table.close = [](int) { return errno = EIO, -1; };
+    std::string path;
+    EXPECT_EQ(releaseUnit(first), writeFailed);
+    EXPECT_EQ(releaseAll(path), writeFailed);
+    EXPECT_EQ(path, "second");
+    system_calls::table.write = [](int, const void*, std::size_t) { return std::ptrdiff_t{0}; };
+    openTextReplace(takeUnit(), "third", Flush::everyLine);
+    EXPECT_EQ(writeLine(1100, "x"), writeFailed);
+    system_calls::table.read = [](int, void*, std::size_t) {
+        return errno = EIO, std::ptrdiff_t{-1};
+    };
+    openRecordsRead(takeUnit(), "good");
+    EXPECT_EQ(readLine(1101, path), readFailed);
+    EXPECT_EQ(readRecord(1101, nullptr, 0), readFailed);
+}
+
+int openError = 0;
+
+TEST_F(IoLayer, StatusOfAnOpen) {
+    put("file", "");
+    std::filesystem::create_directory("folder");
+    for (const auto& [path, status] : std::map<std::string, int>{
+             {"missing", fileNotFound}, {"folder", openFailed}, {"file/x", invalidPath}}) {
+        EXPECT_EQ(openRecordsRead(takeUnit(), path), status) << path;
+        EXPECT_EQ(openTextReplace(takeUnit(), path, Flush::inBlocks),
+                  path == "missing" ? ok : status);
+    }
+    system_calls::table.open = [](const char*, system_calls::OpenMode) {
+        return errno = openError, -1;
+    };
+    for (const auto& [error, status] : std::map<int, int>{
+             {EACCES, permissionDenied}, {EMFILE, tooManyOpenFiles}, {EIO, openFailed}}) {
+        openError = error;
+        EXPECT_EQ(openTextRead(takeUnit(), "file"), status) << error;
+    }
+    EXPECT_TRUE(exists("folder"));
+    EXPECT_FALSE(exists("nothing"));
+}
+
+TEST_F(IoLayer, UnitsAreTheLowestThatAreFree) {
+    EXPECT_EQ(file_units::getUnit(), 1100);
+    EXPECT_EQ(file_units::getUnit(), 1101);
+    file_units::freeUnit(1100);
+    EXPECT_EQ(file_units::getUnit(), 1100);
+    for (int unit = 1102; unit <= 20000; ++unit) ASSERT_EQ(file_units::getUnit(), unit);
+    expectEnd("FATAL", "No free file units, range exhausted: [1100,20000]\n\n",
+              file_units::getUnit);
+    for (const int unit : {1099, 20001, 0, -1})
+        expectEnd("FATAL",
+                  "File unit " + std::to_string(unit) + " outside of range [1100,20000]\n\n",
+                  [=] { file_units::freeUnit(unit); });
+    expectEnd("FATAL", "File unit 1100 already free\n\n", [] { file_units::freeUnit(1100); });
+    EXPECT_EQ(file_units::getUnit(), 1100); // the end of a run has freed them all
+}
+
+// Ten integers, which a count is held against before memory is taken for it.
+TEST_F(IoLayer, CountsThatDoNotFit) {
+    put("file", sample_files::integerRecord(sample_files::Integers(10, 1)));
+    std::vector<std::int32_t> values;
+    const std::string tooMany = "More than the file can hold: ";
+    for (const std::int64_t count : {-1LL, 13LL, 2147483647LL, 1LL << 62}) {
+        const int unit = file_units::openRecordsRead("file");
+        expectEnd("INPUT",
+                  "Error reading file: file\n" + (count < 0 ? "A count is negative: " : tooMany) +
+                      std::to_string(count) + " values of Things\n\n",
+                  [&] { file_units::readArray(unit, count, values, "Things"); });
+    }
+    for (const std::int64_t count : {0, 9, 10}) {
+        const int unit = file_units::openRecordsRead("file");
+        file_units::readArray(unit, count, values, "Things");
+        EXPECT_EQ(values, sample_files::Integers(static_cast<std::size_t>(count), 1));
+        file_units::freeUnit(unit);
+    }
+}
+
+} // namespace

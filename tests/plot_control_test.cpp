@@ -1,0 +1,266 @@
+#include "meshrake/plot_control/control_reading.hpp"
+#include "meshrake/plot_control/control_template.hpp"
+#include "meshrake/plot_control/control_text.hpp"
+
+#include "meshrake/model/run_state.hpp"
+#include "tests/runs.hpp"
+#include "tvncommon/file_units.hpp"
+#include "tvncommon/io_layer.hpp"
+
+#include <gmock/gmock.h>
+
+#include <set>
+
+namespace {
+
+using model::Domain;
+using model::Option;
+using model::run;
+using runs::expectEnd;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Not;
+
+class PlotControl : public runs::PartOfRun {
+protected:
+    PlotControl() {
+        const sample_files::Grid grid;
+        sample_files::Problem problem = sample_files::brickProblem(grid);
+        sample_files::addSheetDomain(problem, grid, "chan", 12, "", "");
+        sample_files::write(problem);
+        create(pm, "pm", pm);
+        create(olf, "olf", pm);
+        create(chan, "chan", pm);
+        create(well, "well", pm);
+        create(addition, "addition", pm);
+        takeScreen();
+        takeEcho();
+    }
+
+    std::vector<Domain*> all() { return {&pm, &olf, &chan, &well, &addition}; }
+
+    // Reads a control text as a run does, from its copy without comments.
+    void read(const std::string& text) {
+        sample_files::put("control", text);
+        const int control = file_units::getUnit(), scratch = file_units::getUnit();
+        io_layer::openTextRead(control, "control");
+        io_layer::openTextReplace(scratch, "scratch", io_layer::Flush::inBlocks);
+        plot_control::strip_comments(control, scratch);
+        file_units::freeUnit(control);
+        file_units::freeUnit(scratch);
+        run.controlUnit = file_units::getUnit();
+        io_layer::openTextRead(run.controlUnit, "scratch");
+        plot_control::readPlotControlInit();
+        for (Domain* domain : all()) plot_control::readPlotControl(*domain);
+        file_units::freeUnit(run.controlUnit);
+    }
+
+    static std::set<std::string> switchedOff(const Domain& domain) {
+        std::set<std::string> labels;
+        for (const model::DomainOption& option : domain.options)
+            if (!option.enabled) labels.insert(option.label);
+        return labels;
+    }
+
+    Domain pm, olf, chan, well, addition;
+};
+
+TEST_F(PlotControl, TemplateOffersWhatFitsTheProblem) {
+    const auto written = [&] {
+        run.controlUnit = file_units::getUnit();
+        io_layer::openTextReplace(run.controlUnit, "template", io_layer::Flush::inBlocks);
+        plot_control::writePlotControlInit();
+        for (const Domain* domain : all()) plot_control::writePlotControl(*domain);
+        plot_control::writePlotControlEnd();
+        file_units::freeUnit(run.controlUnit);
+        return sample_files::get("template");
+    };
+    EXPECT_EQ(written(), sample_files::expected("template.plot.control"));
+    EXPECT_THAT(written(), Not(HasSubstr("compare heads")));
+
+    sample_files::put("t.observed_heads", "");
+    const std::string window = "! -1.0E+20  1.0E+20\n! -1.0E+20  1.0E+20\n! -1.0E+20  1.0E+20\n";
+    EXPECT_THAT(written(), HasSubstr("        1000\n! compare heads 3d domain\n" + window +
+                                     "! compare gw table elevation\nend\n!---"));
+    sample_files::put("t.observed_d2gwt", "");
+    EXPECT_THAT(written(),
+                HasSubstr("! compare gw table elevation\n! compare depth to gw table\nend\n"));
+    std::filesystem::remove("to.head_pm.0001");
+    EXPECT_THAT(written(), Not(HasSubstr("! compare gw")));
+}
+
+TEST_F(PlotControl, TemplateReadAgainIsTheDefault) {
+    const Domain before = pm;
+    read(sample_files::expected("template.plot.control"));
+    for (const Domain* domain : {&pm, &olf, &chan}) {
+        EXPECT_TRUE(domain->writeDomain.enabled) << domain->name;
+        EXPECT_EQ(switchedOff(*domain), std::set<std::string>()) << domain->name;
+        EXPECT_FALSE(domain->truncateEnabled || domain->truncateByLayerEnabled);
+    }
+    EXPECT_FALSE(well.writeDomain.enabled);
+    EXPECT_EQ(pm.truncateBounds, before.truncateBounds);
+    const model::RunState fresh;
+    EXPECT_EQ(std::tuple(run.tecplotBinary, run.tecplotAppend, run.truncateTime, run.timeConversion,
+                         run.suffixDigits, run.tecplotFlushInterval),
+              std::tuple(fresh.tecplotBinary, fresh.tecplotAppend, fresh.truncateTime,
+                         fresh.timeConversion, fresh.suffixDigits, fresh.tecplotFlushInterval));
+    EXPECT_EQ(takeScreen(), "");
+}
+
+// Each comment of a block with its mark taken off: what the block offers must be understood, but
+// for the three labels that nothing reads.
+TEST_F(PlotControl, WhatTheTemplateOffersIsUnderstood) {
+    std::string text = sample_files::expected("template.plot.control");
+    for (std::size_t at = 0; (at = text.find("! no ", at)) != std::string::npos;) text.erase(at, 2);
+    read(text);
+    const std::string notice = "Plot control - Unrecognized line\n";
+    EXPECT_EQ(takeScreen(), notice + "no pm time varying topography\n\n" + notice +
+                                "no pm time varying topography zones\n\n" + notice +
+                                "no olf time varying topography\n\n" + notice +
+                                "no chan incised heads\n\n");
+    EXPECT_THAT(switchedOff(pm), Not(testing::Contains("no pm time varying specific storage")));
+    EXPECT_THAT(switchedOff(olf), testing::IsSupersetOf({"no olf heads", "no olf/pm exchange flux",
+                                                         "no olf friction (nx, ny)"}));
+    EXPECT_EQ(switchedOff(pm).size() + switchedOff(olf).size() + switchedOff(chan).size(),
+              32U + 14U + 9U);
+    EXPECT_EQ(switchedOff(well), std::set<std::string>());
+}
+
+TEST_F(PlotControl, LabelsThatNoTemplateHas) {
+    read("end\nwrite pm domain file\nno pm time varying specific storage\nno pm water age\nno pm "
+         "newton residual\n"
+         "no pm mine advance\nno pm freezing-thawing temperature\nno pm depth to water table "
+         "2d\nno pm et\nend\n");
+    EXPECT_THAT(switchedOff(pm), ElementsAre("no pm depth to water table 2d", "no pm et",
+                                             "no pm freezing-thawing temperature",
+                                             "no pm mine advance", "no pm newton residual",
+                                             "no pm time varying porosity", "no pm water age"));
+}
+
+TEST_F(PlotControl, EchoOfWhatIsRead) {
+    read("Tecplot Mode\nNonsense LINE\n  END of section  \n"
+         "WRITE OLF domain file\nNo olf HEADS\nwhat Is\nend\nPlot PM depth below ground surface\n");
+    const std::string i = "\nINSTRUCTION: ", notice = "Plot control - Unrecognized line\n";
+    EXPECT_EQ(takeEcho(), i + "Tecplot Mode\n" + i + "Nonsense LINE\n" + notice +
+                              "nonsense line\n\n" + i + "END of section\n" + i +
+                              "write olf domain file\n" + i + "No olf HEADS\n" + i + "what Is\n" +
+                              notice + "what is\n\n" + i + "end\n" + i +
+                              "plot pm depth below ground surface\n");
+    EXPECT_EQ(takeScreen(), notice + "nonsense line\n\n" + notice + "what is\n\n");
+    EXPECT_THAT(switchedOff(olf), ElementsAre("no olf heads"));
+    EXPECT_TRUE(run.plotDepthBelowSurface);
+    EXPECT_FALSE(pm.writeDomain.enabled);
+}
+
+TEST_F(PlotControl, ValuesOfAllInstructions) {
+    const std::string tail(60, ' ');
+    read("tecplot binary mode\ntecplot binary append\ntecplot binary flush interval\n7 rest\n"
+         "truncate time domain\n-1.5,\n 2.5d3\nnumber of digits for output file suffix\n10\nend\n"
+         "simulation time unit conversion factor\n10 2\nplot pm zone isopach structure\n"
+         "write chan domain file\ntruncate chan domain\n1 2\n3 4\n5 6\n"
+         "compare surface water depth\nend\n" // not a chan's instruction
+         "interpolate depth to gw table\n"
+         "write olf domain file\ncompare surface water depth\n1 2\n3 4\n5 6\nno olf et" +
+         tail +
+         "beyond the line\nend\n"
+         "write pm domain file\ntruncate pm domain by layer\n1 2\n3 4\n2 3\ncompare heads 3d "
+         "domain\n7 8\n9 10\n11 12\n"
+         "compare gw table elevation\ncompare depth to gw table\nno pm heads\n");
+    EXPECT_TRUE(run.tecplotBinary && run.tecplotAppend && run.truncateTime && run.timeConversion &&
+                run.plotIsopach && run.interpolateDepthToTable);
+    EXPECT_EQ(std::tuple(run.tecplotFlushInterval, run.suffixDigits, run.suffixLength),
+              std::tuple(7, 10, 11));
+    EXPECT_EQ(
+        std::tuple(run.timeWindowMin, run.timeWindowMax, run.timeUnitOffset, run.timeUnitFactor),
+        std::tuple(-1.5, 2500.0, 10.0, 2.0));
+    EXPECT_TRUE(run.compareHeads && run.compareWaterTable && run.compareDepthToTable &&
+                run.compareSurfaceDepth);
+    EXPECT_THAT(run.compareWindow, ElementsAre(1, 2, 3, 4, 5, 6)); // one for both; olf comes last
+    EXPECT_THAT(chan.truncateBounds, ElementsAre(1, 2, 3, 4, 5, 6));
+    EXPECT_TRUE(chan.truncateEnabled && !chan.truncateByLayerEnabled);
+    EXPECT_THAT(pm.truncateBounds, ElementsAre(1, 2, 3, 4, -1e20, 1e20));
+    EXPECT_THAT(pm.truncateLayers, ElementsAre(2, 3));
+    EXPECT_TRUE(!pm.truncateEnabled && pm.truncateByLayerEnabled);
+    EXPECT_THAT(switchedOff(olf), ElementsAre("no olf et"));
+    EXPECT_THAT(switchedOff(pm), ElementsAre("no pm heads"));
+    EXPECT_EQ(takeScreen(), "Plot control - Unrecognized line\ncompare surface water depth\n\n");
+}
+
+TEST_F(PlotControl, SectionsAndFilters) {
+    sample_files::put("more", "! comment\n  no pm heads\ninclude more\n\nendless");
+    struct Case {
+        std::string text;
+        bool pmWritten, olfWritten, append;
+        std::string unrecognized;
+    };
+    const Case cases[] = {
+        {"end\nwrite olf domain file\nend\nwrite pm domain file\nend\n", true, true, false, ""},
+        {"write pm domain file\nend\n", false, false, false, "write pm domain file"},
+        {"end\nwrite pm domain file ! why\nwrite olf domain file", false, true, false, ""},
+        {"tecplot binary append\nwrite pm domain file\n", false, false, true,
+         "write pm domain file"},
+        {"tecplot binary append\nwrite pm domain file\nend\n", false, false, false,
+         "write pm domain file"},
+        {"tecplot binary append\nEndless\nwrite pm domain file\n", true, false, false, ""},
+        {"end\nwrite pm domain file\nwrite olf domain file\nend\n", true, true, false,
+         "write olf domain file"},
+        {"end\nwrite well domain file\nno well heads\nno\nend\n", false, false, false, ""},
+        {"  ! x\n\n \nend\r\nwrite pm domain file\r\n", true, false, false, ""},
+        {"end\nwrite pm domain file\ninclude   more\nnonsense", true, false, false, "include more"},
+        {"INCLUDE more\nend\n", false, false, false, "include more"},
+        {std::string(254, ' ') + "end of a line that is cut\nwrite pm domain file\n", false, false,
+         false, "en"},
+        {"", false, false, false, ""},
+    };
+    for (const Case& c : cases) {
+        run.tecplotAppend = false;
+        takeScreen();
+        read(c.text);
+        EXPECT_EQ(std::tuple(pm.writeDomain.enabled, olf.writeDomain.enabled, run.tecplotAppend),
+                  std::tuple(c.pmWritten, c.olfWritten, c.append))
+            << c.text;
+        const std::string notice = "Plot control - Unrecognized line\n" + c.unrecognized + "\n\n";
+        EXPECT_THAT(takeScreen(), testing::StartsWith(c.unrecognized.empty() ? "" : notice));
+    }
+    EXPECT_THAT(switchedOff(pm), ElementsAre("no pm heads"));
+}
+
+TEST_F(PlotControl, ValuesThatEndTheRun) {
+    const std::string digits = "number of digits for output file suffix\n";
+    const std::string bounds = "Output file suffix length must be between 4 and 10\n";
+    const std::string unreadable = "Error reading output file suffix length\nError detail: ";
+    const std::string file = "Error reading t.plot.control file\nError detail: ";
+    struct Case {
+        std::string text, kind, message;
+    };
+    const Case cases[] = {
+        {digits + "3", "INPUT", bounds},
+        {digits + "11", "INPUT", bounds},
+        {digits + "4.0", "INPUT",
+         unreadable + "Invalid data format during list-directed input\nError number: 59\n"},
+        {digits, "INPUT", unreadable + "End-of-file encountered on read\nError number: -1\n"},
+        {"truncate time domain\n1 x\nend\n", "INPUT", file + "Invalid data format"},
+        {"truncate time domain\n1\n", "INPUT", file + "End-of-file"},
+        {"tecplot binary flush interval\n99999999999\n", "INPUT", file + "Invalid data format"},
+        {"end\nwrite pm domain file\ntruncate pm domain by layer\n1 2\n3 4\n1 2.5\n", "INPUT",
+         file + "Invalid data format"},
+        {"end\nwrite pm domain file\ntruncate pm domain\n1 2\n3 4\nend\n", "INPUT",
+         file + "Invalid data format"},
+        {"end\nsimulation time unit conversion factor\n", "INPUT", file + "End-of-file"},
+        {"include nowhere ! x\n", "INPUT", "Include file not found: nowhere ! x\n"},
+        {"include\n", "INPUT", "Include file not found:\n"},
+        {"include .\n", "FATAL", "Failed to open file: .\n"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.text);
+        expectEnd(c.kind, c.message, [&] { read(c.text); });
+        run.echoUnit = file_units::getUnit();
+        io_layer::openTextReplace(run.echoUnit, "echo", io_layer::Flush::everyLine);
+    }
+    for (const auto& [text, expected] : std::map<std::string, int>{{"0", 1}, {"-5", 1}, {"3", 3}}) {
+        read("tecplot binary flush interval\n" + text + "\nend\n");
+        EXPECT_EQ(run.tecplotFlushInterval, expected);
+    }
+}
+
+} // namespace

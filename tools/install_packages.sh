@@ -1,0 +1,64 @@
+#!/usr/bin/env bash
+# Sees to the packages that a build needs: installs what is missing, or says what to install.
+#
+#   tools/install_packages.sh [tests] [bench]
+#
+# Nothing is touched where all of it is there. It installs as root, or with sudo where that asks for
+# no password; else it ends with status 1.
+set -euo pipefail
+
+has_command() { command -v "$1" >/dev/null 2>&1; }
+
+has_header() { has_command c++ && echo "#include <$1>" | c++ -E -x c++ - >/dev/null 2>&1; }
+
+missing_packages() {
+    has_command cmake || echo cmake
+    has_command ninja || has_command make || echo ninja-build
+    has_command c++ || echo g++
+    for group in "$@"; do
+        case $group in
+        tests)
+            has_header gtest/gtest.h || echo libgtest-dev
+            has_header gmock/gmock.h || echo libgmock-dev
+            ;;
+        bench) has_header benchmark/benchmark.h || echo libbenchmark-dev ;;
+        *)
+            echo "install_packages.sh: no group of packages \"$group\"" >&2
+            exit 2
+            ;;
+        esac
+    done
+}
+
+as_root() {
+    if [ "$(id -u)" = 0 ]; then
+        "$@"
+    else
+        sudo -n "$@"
+    fi
+}
+
+# The lists of packages may be empty or too old for the server: then they are fetched first.
+install() {
+    local -r apt=(as_root env DEBIAN_FRONTEND=noninteractive apt-get -y -q)
+    "${apt[@]}" install --no-install-recommends "$@" && return
+    "${apt[@]}" update && "${apt[@]}" install --no-install-recommends "$@"
+}
+
+packages=$(missing_packages "$@")
+[ -n "$packages" ] || exit 0
+packages=${packages//$'\n'/ }
+
+if has_command apt-get && as_root true 2>/dev/null; then
+    echo "Installing $packages ..."
+    log=$(mktemp)
+    trap 'rm -f "$log"' EXIT
+    # shellcheck disable=SC2086 # a list of words
+    if install $packages >"$log" 2>&1 && [ -z "$(missing_packages "$@")" ]; then exit 0; fi
+    cat "$log" >&2
+    echo "These packages could not be installed: $packages" >&2
+else
+    echo "These packages are missing: $packages" >&2
+    echo "Install them and start again, on Debian with: sudo apt-get install $packages" >&2
+fi
+exit 1
