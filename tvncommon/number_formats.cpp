@@ -97,6 +97,44 @@ std::string rightAligned(const std::string& text, int width) {
     return std::string(columns - text.size(), ' ') + text;
 }
 
+std::string notFinite(double value, int width) {
+    if (std::isnan(value)) return rightAligned("NaN", width);
+    const std::string sign = std::signbit(value) ? "-" : "";
+    const bool room = static_cast<int>(sign.size()) + 8 <= width;
+    return rightAligned(sign + (room ? "Infinity" : "Inf"), width);
+}
+
+constexpr auto powersOfTen = [] {
+    std::array<std::uint64_t, 18> powers{1};
+    for (std::size_t i = 1; i < powers.size(); ++i) powers[i] = 10 * powers[i - 1];
+    return powers;
+}();
+
+// 1233 / 2^12 is log10(2).
+int digitCount(std::uint64_t number) {
+    const auto bits = static_cast<int>(std::bit_width(number | 1));
+    const int least = (bits * 1233) >> 12;
+    return least + (number >= powersOfTen[static_cast<std::size_t>(least)]);
+}
+
+// size * 10^decimals as the nearest integer, a tie to the even one. The product must be below
+// 10^16.
+std::uint64_t scaledInteger(double size, int decimals) {
+    const auto bits = std::bit_cast<std::uint64_t>(size);
+    const auto biased = static_cast<int>(bits >> 52);
+    const std::uint64_t fraction = bits & ((std::uint64_t{1} << 52) - 1);
+    const std::uint64_t significand = biased > 0 ? fraction | std::uint64_t{1} << 52 : fraction;
+    const int shift = 1075 - (biased > 0 ? biased : 1);
+    wide_real_tables::uint128 product = significand;
+    product *= powersOfTen[static_cast<std::size_t>(decimals)];
+    if (shift <= 0) return static_cast<std::uint64_t>(product << -shift);
+    if (shift > 100) return 0;
+    const auto whole = static_cast<std::uint64_t>(product >> shift);
+    const wide_real_tables::uint128 half = wide_real_tables::uint128{1} << (shift - 1);
+    const wide_real_tables::uint128 rest = product & (2 * half - 1);
+    return whole + (rest > half || (rest == half && (whole & 1) != 0));
+}
+
 inline void putInteger(std::int32_t value, char* field) {
     const bool negative = value < 0;
     const auto pattern = static_cast<std::uint32_t>(value);
@@ -187,12 +225,8 @@ char* writeConnectivityRows(const std::int32_t* values, std::int64_t rows, int p
 }
 
 std::string exponentField(double value, int width, int digits) {
-    if (std::isnan(value)) return rightAligned("NaN", width);
+    if (!std::isfinite(value)) return notFinite(value, width);
     std::string text = std::signbit(value) ? "-" : "";
-    if (std::isinf(value)) {
-        const bool room = static_cast<int>(text.size()) + 8 <= width;
-        return rightAligned(text + (room ? "Infinity" : "Inf"), width);
-    }
     if (static_cast<int>(text.size()) + digits + 6 <= width) text += '0';
     text += '.';
 
@@ -214,6 +248,61 @@ std::string exponentField(double value, int width, int digits) {
     text += exponent < 0 ? '-' : '+';
     if (size < 10) text += '0';
     return rightAligned(text + std::to_string(size), width);
+}
+
+char* writeFixedField(double value, int width, int decimals, char* field) {
+    constexpr int blanks = 48;     // in front, so that whole fields are copied
+    constexpr int mostDigits = 16; // that are laid out at once
+    std::array<char, 400> buffer;  // a finite number has 309 digits and these decimals at most
+    std::memset(buffer.data(), ' ', blanks);
+    char* begin = buffer.data() + blanks;
+    char* end = begin + mostDigits + 1;
+    const double size = std::fabs(value);
+    if (size * static_cast<double>(powersOfTen[static_cast<std::size_t>(decimals)]) < 9e15) {
+        const std::uint64_t scaled = scaledInteger(size, decimals);
+        const std::uint64_t eight = scaled / 100000000;
+        char* const point = begin + mostDigits - decimals;
+        digit_words::storeWithGap(digit_words::sixteenDigits(eight, scaled - eight * 100000000),
+                                  static_cast<std::size_t>(mostDigits - decimals), begin);
+        *point = '.';
+        begin = point - std::max(digitCount(scaled) - decimals, 1);
+        std::memset(begin - mostDigits, ' ', mostDigits);
+    } else if (std::isfinite(value)) {
+        end = std::to_chars(begin, buffer.data() + buffer.size(), size, std::chars_format::fixed,
+                            decimals)
+                  .ptr;
+        if (decimals == 0) *end++ = '.';
+    } else {
+        const std::string text = notFinite(value, width);
+        return std::copy(text.begin(), text.end(), field);
+    }
+    const bool negative = std::signbit(value);
+    if (*begin == '0' && decimals > 0 && end - begin + negative == width + 1) *begin++ = ' ';
+    if (negative) *--begin = '-';
+    if (end - begin > width) return std::fill_n(field, width, '*');
+    std::memcpy(field, end - width, static_cast<std::size_t>(width));
+    return field + width;
+}
+
+std::string generalField(double value, int width, int digits) {
+    if (!std::isfinite(value)) return notFinite(value, width);
+    std::array<char, 32> scientific; // d.ddde+xx, with no point when there is one digit
+    char* const end = std::to_chars(scientific.data(), scientific.data() + scientific.size(),
+                                    std::fabs(value), std::chars_format::scientific, digits - 1)
+                          .ptr;
+    const char* const mark = std::find(scientific.data(), end, 'e');
+    int exponent = 0;
+    std::from_chars(mark + (mark[1] == '+' ? 2 : 1), end, exponent);
+    const int inFront = exponent + 1; // of the point
+    if (inFront < 0 || inFront > digits) return exponentField(value, width, digits);
+
+    std::string text(scientific.data(), 1);
+    text.append(std::min<const char*>(scientific.data() + 2, mark), mark);
+    if (inFront == 0) text.insert(0, "0");
+    text.insert(static_cast<std::size_t>(std::max(inFront, 1)), ".");
+    if (std::signbit(value)) text.insert(0, "-");
+    constexpr int blanks = 4;
+    return rightAligned(text, width - blanks) + std::string(blanks, ' ');
 }
 
 std::string integerField(std::int64_t value, int width) {

@@ -44,6 +44,16 @@ char* writeConnectivityRows(const std::int32_t* values, std::int64_t rows, int p
 // is one column short.
 std::string exponentField(double value, int width, int digits);
 
+// Fixed notation with `decimals` (0 to 9) behind the point, right-aligned in `width` (at most 48)
+// columns of `field`; returns its end. A tie goes to the even digit. The zero before the point goes
+// when the field is one column short.
+char* writeFixedField(double value, int width, int decimals, char* field);
+
+// `digits` significant digits (at most 17), right-aligned in `width` columns: fixed notation with
+// four blanks behind for zero and for magnitudes that round to 0.1 and more, but less than
+// 10^digits; any other as `exponentField`.
+std::string generalField(double value, int width, int digits);
+
 // Right-aligned in `width` columns.
 std::string integerField(std::int64_t value, int width);
 
