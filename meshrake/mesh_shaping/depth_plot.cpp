@@ -1,0 +1,68 @@
+#include "meshrake/mesh_shaping/depth_plot.hpp"
+
+#include "meshrake/mesh_shaping/plot_parts.hpp"
+#include "meshrake/model/run_state.hpp"
+#include "meshrake/plot_data/array_writing.hpp"
+#include "meshrake/plot_data/data_set.hpp"
+#include "meshrake/plot_data/unit_labels.hpp"
+#include "meshrake/plot_data/zone.hpp"
+#include "tvncommon/ArrayHelpers.hpp"
+#include "tvncommon/error.hpp"
+
+namespace mesh_shaping {
+
+using model::Domain;
+using model::run;
+using plot_data::Packing;
+
+namespace {
+
+constexpr std::string_view plot = "plot pm depth below ground surface";
+
+void computeDepth(const Domain& olf, const Domain& pm, std::vector<double>& depth) {
+    const auto sheetNodes = static_cast<std::size_t>(olf.nodeCount);
+    const std::size_t topSheet = (depth.size() / sheetNodes - 1) * sheetNodes;
+    for (std::size_t k = 0; k < topSheet; k += sheetNodes)
+        for (std::size_t i = 0; i < sheetNodes; ++i)
+            depth[k + i] = pm.z[topSheet + i] - pm.z[k + i];
+}
+
+std::vector<double> depthOf(const Domain& olf, const Domain& pm) {
+    const model::OutputVar* var = model::findOutputVar(pm, "depth2Surf");
+    if (var && var->firstExists) return var->columns[0].real8;
+    std::vector<double> depth;
+    ArrayHelpers::allocateArray(depth, pm.nodeCount, "Depth to surface array");
+    computeDepth(olf, pm, depth);
+    return depth;
+}
+
+} // namespace
+
+void plot_pmdepth_grndsurf(const Domain& olf, Domain& pm) {
+    checkSurface(olf, plot);
+    if (olf.nodeCount > pm.nodeCount)
+        error::input_error("The " + std::string(plot) + " finds fewer nodes in pm than in olf.");
+    truncateForPlot(pm, pm);
+    const std::vector<double> depth = depthOf(olf, pm);
+
+    const std::string name = announcePlot(plot, "pm_DepthToSurf");
+    plot_data::tecplotInit(pm);
+    for (const std::string_view variable : {"X", "Y", "Z", "DepthToSurf"})
+        declareLength(variable, pm);
+    plot_data::tecplotFileOpen(name, run.titleLines.front(), pm);
+    plot_data::tecplotVarUnitsWrite(pm);
+    plot_data::tecplotWriteZoneFE("DepthToSurf", "", 0, pm);
+    const auto write = [&](const std::vector<double>& values, std::string_view label) {
+        plot_data::tecplotWriteArrayReal8(pm.nodeCount, values.data(),
+                                          Packing{pm.truncateEnabled, pm.nodeIncluded.data()},
+                                          label, pm);
+    };
+    write(pm.x, "x");
+    write(pm.y, "y");
+    write(pm.z, "z");
+    write(depth, "DepthToSurf");
+    plot_data::tecplotWriteConnectivity(pm);
+    plot_data::tecplotFileClose(pm);
+}
+
+} // namespace mesh_shaping
