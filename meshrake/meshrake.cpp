@@ -1,7 +1,11 @@
 #include "meshrake/meshrake.hpp"
 
+#include "meshrake/mesh_shaping/depth_plot.hpp"
+#include "meshrake/mesh_shaping/isopach_plot.hpp"
 #include "meshrake/model/problem_description.hpp"
 #include "meshrake/model/run_state.hpp"
+#include "meshrake/observation_compare/comparisons.hpp"
+#include "meshrake/observation_compare/observation_files.hpp"
 #include "meshrake/run/banner.hpp"
 #include "meshrake/run/command_line.hpp"
 #include "meshrake/run/control_file.hpp"
@@ -39,13 +43,27 @@ void notThereYet(bool wanted, const char* what) {
     if (wanted) error::fatalError(std::string(what) + " is not there yet.");
 }
 
-void writeProducts() {
-    notThereYet(run.compareHeads, "The comparison of heads");
-    notThereYet(run.compareWaterTable, "The comparison of water table elevations");
-    notThereYet(run.compareDepthToTable, "The comparison of depths to the water table");
-    notThereYet(run.compareSurfaceDepth, "The comparison of surface water depths");
-    notThereYet(run.plotIsopach, "The isopach plot");
-    notThereYet(run.plotDepthBelowSurface, "The plot of depths below the ground surface");
+// Each of them by a wish of the control file, on the state of the last output time.
+void writeProducts(Domains& domains) {
+    using namespace observation_compare;
+    if (run.compareHeads) {
+        read_obs_heads_xyz(domains.pm);
+        compare_heads_output(domains.pm);
+    }
+    if (run.compareWaterTable) {
+        read_obs_heads_xy(domains.pm);
+        compare_gwtable_elevation_output(domains.pm);
+    }
+    if (run.compareDepthToTable) {
+        read_d2gwt_heads(domains.pm);
+        compare_deth2gwtable_output(domains.pm);
+    }
+    if (run.compareSurfaceDepth) {
+        read_obs_heads_xy(domains.olf);
+        compare_heads_output(domains.olf);
+    }
+    if (run.plotIsopach) mesh_shaping::plot_pmzone_isopach_structure(domains.olf, domains.pm);
+    if (run.plotDepthBelowSurface) mesh_shaping::plot_pmdepth_grndsurf(domains.olf, domains.pm);
 }
 
 void runMeshrake(int argc, const char* const* argv) {
@@ -75,7 +93,7 @@ void runMeshrake(int argc, const char* const* argv) {
     model::writeEcho("");
     closeAll(domains);
     run.tecplotAppend = false;
-    writeProducts();
+    writeProducts(domains);
     normalExitStop();
 }
 

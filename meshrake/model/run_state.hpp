@@ -9,6 +9,16 @@
 
 namespace model {
 
+// Field measurements that are compared with the results of the last output time: those of one file
+// at a time.
+struct ObservationSet {
+    std::int32_t obsCount = 0;
+    std::vector<double> obsX, obsY, obsZ; // obsCount each, length unit; obsZ 0 where told in plan
+    std::vector<double> obsValue;         // obsCount: head, elevation or depth, length unit
+    std::vector<double> obsShape;         // 8 for each point: shape values in its element
+    std::vector<std::int32_t> obsElement; // obsCount: element of the point, 0 unknown, -1 outside
+};
+
 // Everything the run knows beside its domains. A fresh one is a program start.
 struct RunState {
     // Problem and place in the run
@@ -75,6 +85,8 @@ struct RunState {
     std::vector<std::int32_t> wallNodeTable;    // olf nodes by wallLayers: replacing global node
     std::vector<std::int32_t> wallNodeValue;    // olf nodes
     std::vector<std::int32_t> wallElementLayer; // olf elements: wall layer of the element
+
+    ObservationSet observations; // set up and given back by each comparison
 
     // Plot files: what the next zone line says, and where text is put together. One domain's zone
     // is complete before the next domain's begins, so one of each is enough.

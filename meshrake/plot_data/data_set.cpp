@@ -10,6 +10,8 @@
 #include "tvncommon/units.hpp"
 #include "tvncommon/utils.hpp"
 
+#include <utility>
+
 namespace plot_data {
 
 using model::run;
@@ -102,6 +104,14 @@ void tecplotMetadata(Domain& domain) {
     tecplotAddMetadata("Length_Base_Unit", units::getDerivedUnit("L"), domain);
     tecplotAddMetadata("Time_Base_Unit", units::getDerivedUnit("T"), domain);
     tecplotAddMetadata("Temperature_Base_Unit", "deg C", domain);
+}
+
+void tecplotMetadataAscii(int unit) {
+    Domain scratch;
+    scratch.tecplotUnit = unit;
+    const bool binary = std::exchange(run.tecplotBinary, false);
+    tecplotMetadata(scratch);
+    run.tecplotBinary = binary;
 }
 
 } // namespace plot_data

@@ -43,4 +43,7 @@ void tecplotFileClose(Domain& domain);
 // The eight auxiliary values of a data set: program, time, problem and base units.
 void tecplotMetadata(Domain& domain);
 
+// The same as text on any open unit, whatever the form of the plot files.
+void tecplotMetadataAscii(int unit);
+
 } // namespace plot_data

@@ -1,0 +1,83 @@
+#include "meshrake/observation_compare/observation_files.hpp"
+
+#include "meshrake/model/run_state.hpp"
+#include "meshrake/observation_compare/shape_cache.hpp"
+#include "tvncommon/ArrayHelpers.hpp"
+#include "tvncommon/error.hpp"
+#include "tvncommon/file_units.hpp"
+#include "tvncommon/free_form.hpp"
+#include "tvncommon/io_layer.hpp"
+
+#include <string>
+
+namespace observation_compare {
+
+using model::Domain;
+using model::run;
+
+namespace {
+
+// Every measurement takes a line, be it of a single character.
+constexpr std::int64_t leastLine = 2;
+
+void readItems(int unit, std::span<const free_form::Item> items) {
+    const auto nextLine = [unit](std::string& line) { return file_units::readLine(unit, line); };
+    error::checkFileRead(free_form::readItems(nextLine, items), io_layer::pathOf(unit));
+}
+
+void allocateSet(std::int32_t count, const std::string& name) {
+    model::ObservationSet& set = run.observations;
+    set = {};
+    set.obsCount = count;
+    for (auto* values : {&set.obsX, &set.obsY, &set.obsZ, &set.obsValue})
+        ArrayHelpers::allocateArray(*values, count, name);
+    ArrayHelpers::allocateArray(set.obsShape, std::int64_t{8} * count, name);
+    ArrayHelpers::allocateArray(set.obsElement, count, name);
+}
+
+void readSet(const std::string& table, const std::string& arrays, bool inSpace) {
+    const std::string name = model::fileName(run.problemPrefix + "." + table);
+    const int unit = file_units::openTextRead(name);
+    std::int32_t count = 0;
+    readItems(unit, std::array<free_form::Item, 1>{&count});
+    // The last line may lack its end.
+    if (count < 0 || count > (io_layer::bytesLeft(unit) + 1) / leastLine)
+        file_units::badContents(unit, "The number of observations, " + std::to_string(count) +
+                                          ", does not fit the size of the file");
+    allocateSet(count, "observation data for " + arrays);
+    model::ObservationSet& set = run.observations;
+    for (std::size_t i = 0; i < set.obsX.size(); ++i) {
+        const std::array<free_form::Item, 4> items{&set.obsX[i], &set.obsY[i],
+                                                   inSpace ? &set.obsZ[i] : &set.obsValue[i],
+                                                   &set.obsValue[i]};
+        readItems(unit, std::span(items).first(inSpace ? 4 : 3));
+    }
+    file_units::freeUnit(unit);
+}
+
+void locate(const Domain& domain) {
+    const bool isPm = domain.tag == model::tags::pm;
+    if (isPm && run.meshNodesPerElement == 8) obs_points_shape(domain);
+}
+
+} // namespace
+
+void read_obs_heads_xyz(const Domain& domain) {
+    if (domain.tag != model::tags::pm) error::input_error("Porous medium domain expected.");
+    readSet("observed_heads", "observed heads", true);
+    locate(domain);
+}
+
+void read_obs_heads_xy(const Domain& domain) {
+    const std::string table =
+        domain.tag == model::tags::pm ? "observed_heads" : "observed_heads_olf";
+    readSet(table, table, false);
+    locate(domain);
+}
+
+void read_d2gwt_heads(const Domain& domain) {
+    readSet("observed_d2gwt", "observed_d2gwt", false);
+    locate(domain);
+}
+
+} // namespace observation_compare

@@ -1,0 +1,110 @@
+#include "meshrake/observation_compare/shape_cache.hpp"
+
+#include "meshrake/model/run_state.hpp"
+#include "meshrake/observation_compare/element_search.hpp"
+#include "meshrake/plot_data/text_block.hpp"
+#include "tvncommon/StringHelpers.hpp"
+#include "tvncommon/error.hpp"
+#include "tvncommon/file_units.hpp"
+#include "tvncommon/free_form.hpp"
+#include "tvncommon/io_layer.hpp"
+#include "tvncommon/number_formats.hpp"
+
+#include <algorithm>
+#include <string>
+
+namespace observation_compare {
+
+using model::Domain;
+using model::run;
+
+namespace {
+
+constexpr int invalidCharacter = 64;
+
+constexpr std::size_t elementWidth = 10;
+constexpr std::size_t shapeWidth = 18;
+constexpr int shapeDigits = 11;
+constexpr std::size_t shapeBegin = elementWidth + 2;
+constexpr std::size_t shapeStep = 1 + shapeWidth;
+constexpr std::size_t lineWidth = shapeBegin + 8 * shapeStep - 1;
+
+// The only word of a field; empty when there are several, or what free form takes for more than a
+// number.
+std::string_view onlyWord(std::string_view field) {
+    const std::string_view word = StringHelpers::trimLeft(StringHelpers::trimRight(field));
+    return word.find_first_of(" \t,/*") == std::string_view::npos ? word : std::string_view();
+}
+
+int readCacheLine(int unit, std::int32_t& element, std::span<double> shape) {
+    std::string text;
+    const int status = io_layer::readLine(unit, text);
+    if (status != io_layer::ok) return status;
+    if (text.size() < lineWidth) return io_layer::readFailed;
+    const std::string_view line = text;
+    bool good = free_form::readInteger(onlyWord(line.substr(0, elementWidth)), element) == 0;
+    for (std::size_t k = 0; k < shape.size(); ++k) {
+        const std::string_view field = line.substr(shapeBegin + k * shapeStep, shapeWidth);
+        good = free_form::readReal(onlyWord(field), shape[k]) == 0 && good;
+    }
+    return good ? io_layer::ok : invalidCharacter;
+}
+
+void readCache(const std::string& name) {
+    model::ObservationSet& set = run.observations;
+    const int unit = file_units::openTextRead(name);
+    for (std::size_t i = 0; i < set.obsElement.size(); ++i)
+        error::checkFileRead(
+            readCacheLine(unit, set.obsElement[i], std::span(set.obsShape).subspan(8 * i, 8)),
+            name);
+    file_units::freeUnit(unit);
+}
+
+void writeCacheLine(int unit, std::int32_t element, const Shape& shape) {
+    std::string line = number_formats::integerField(element, elementWidth) + ' ';
+    for (const double value : shape)
+        line += ' ' + number_formats::generalField(value, shapeWidth, shapeDigits);
+    file_units::writeLine(unit, line);
+}
+
+void searchElements(ElementSearch& search, int unit) {
+    model::ObservationSet& set = run.observations;
+    // Progress in blocks that a person still sees move.
+    constexpr std::size_t linesAtOnce = 200;
+    plot_data::TextBlock progress = plot_data::beginBlock(io_layer::screen);
+    const std::string of = " of " + std::to_string(set.obsCount) + " observation points";
+    for (std::size_t i = 0; i < set.obsX.size(); ++i) {
+        appendLine(progress, " " + std::to_string(i + 1) + of);
+        if (i % linesAtOnce == 0) writeBlock(progress);
+        const std::int32_t element =
+            holdingElement(search, {set.obsX[i], set.obsY[i], set.obsZ[i]});
+        Shape shape;
+        shape.fill(-1);
+        if (element > 0) {
+            br8shp(0, search.rst, shape);
+            std::copy(shape.begin(), shape.end(),
+                      set.obsShape.begin() + static_cast<std::ptrdiff_t>(8 * i));
+            set.obsElement[i] = element;
+        }
+        writeCacheLine(unit, element > 0 ? element : -1, shape);
+    }
+    writeBlock(progress);
+}
+
+} // namespace
+
+void obs_points_shape(const Domain& domain) {
+    const std::string name = model::problemFile("ObsShape.txt");
+    if (io_layer::exists(name)) return readCache(name);
+    model::writeScreen("Evaluating shape functions at XYZ observation locations");
+    model::writeScreen("This might take several minutes...");
+    model::writeEcho(" Evaluating shape functions at XYZ observation locations");
+    ElementSearch search;
+    prepare(search, domain);
+    // Only now: a run without the memory for the search leaves no empty file to the next one.
+    const int unit = file_units::openTextReplace(name, io_layer::Flush::inBlocks);
+    searchElements(search, unit);
+    file_units::freeUnit(unit);
+}
+
+} // namespace observation_compare
