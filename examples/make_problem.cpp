@@ -21,6 +21,7 @@
 #include "examples/problem_domains.hpp"
 #include "examples/problem_files.hpp"
 #include "examples/problem_mesh.hpp"
+#include "examples/problem_observations.hpp"
 #include "examples/problem_options.hpp"
 #include "examples/problem_weather.hpp"
 
@@ -67,6 +68,7 @@ void make_problem(const problem_options::Options& options) {
         for (const problem_variables::Variable& variable : options.variables)
             problem_files::write_results(problem, variable, weather, index);
     }
+    problem_observations::write(problem, weather, options.observations, options.observed_table);
     std::printf("%s: %d nodes, %d elements in pm; %lld files, %.1f MB\n", options.directory.c_str(),
                 problem_mesh::node_count(problem.mesh), problem_mesh::element_count(problem.mesh),
                 static_cast<long long>(problem.files), static_cast<double>(problem.bytes) / 1.0e6);

@@ -63,12 +63,6 @@ void close(Problem& problem, RecordFile& file) {
     ++problem.files;
 }
 
-void write_text(Problem& problem, const std::string& path, const std::string& text) {
-    RecordFile file = record_file::create(path, problem.piece_limit);
-    record_file::plain_text(file, text);
-    close(problem, file);
-}
-
 void write_species(Problem& problem) {
     const std::vector<Species>& list = problem.species;
     const auto mobile = static_cast<std::int32_t>(
@@ -342,9 +336,19 @@ void write_values(const Problem& problem, const Variable& variable, const Domain
 
 } // namespace
 
+double per_metre(const Problem& problem) {
+    return units(problem).per_metre;
+}
+
+void write_text(Problem& problem, const std::string& name, const std::string& text) {
+    RecordFile file = record_file::create(problem.directory + "/" + name, problem.piece_limit);
+    record_file::plain_text(file, text);
+    close(problem, file);
+}
+
 void write_description(Problem& problem) {
-    write_text(problem, problem.directory + "/batch.pfx", problem.prefix + "\n");
-    write_text(problem, file_path(problem, ".skiv"),
+    write_text(problem, "batch.pfx", problem.prefix + "\n");
+    write_text(problem, problem.prefix + ".skiv",
                "Hill slope catchment with a stream: rain, infiltration and recession\n");
     RecordFile file = create(problem, "gen");
     record_file::text_record(file, "2918", 80);

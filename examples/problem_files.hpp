@@ -87,7 +87,13 @@ struct Problem {
     std::uint64_t bytes = 0;
 };
 
-// Each of these ends the program with status 1 when a file cannot be written.
+// Length unit of the problem's files.
+double per_metre(const Problem& problem);
+
+// A text file of this name in the directory of the problem.
+void write_text(Problem& problem, const std::string& name, const std::string& text);
+
+// These, like `write_text`, end the program with status 1 when a file cannot be written.
 void write_description(Problem& problem);
 void write_mesh(Problem& problem);
 

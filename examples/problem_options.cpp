@@ -136,6 +136,14 @@ const Row rows[] = {
          const auto most = static_cast<std::int32_t>(record_file::longest_piece);
          options.piece_limit = static_cast<std::uint32_t>(number(name, value, 1, most));
      }},
+    {"--observations", "N", "field measurements of each kind at the last time (24)",
+     [](Options& options, const std::string& name, const std::string& value) {
+         options.observations = number(name, value, 0, 100000000);
+     }},
+    {"--observed", "KIND", "heads in the ground, or elevations of the water table (heads)",
+     [](Options& options, const std::string& name, const std::string& value) {
+         options.observed_table = second(name, value, "heads", "table");
+     }},
     {"--digits", "N", "digits of the time index in file names, 4 to 10 (4)",
      [](Options& options, const std::string& name, const std::string& value) {
          options.suffix_digits = number(name, value, 4, 10);

@@ -31,6 +31,8 @@ struct Options {
     std::int32_t unit_system = 0;
     bool walls = false;
     bool full_tensor = false;
+    std::int32_t observations = 24; // field measurements in each of their files
+    bool observed_table = false;    // of the water table, not of heads in the ground
 };
 
 // Reads the command line. Prints the help and ends with status 0 when it is asked for; ends with

@@ -1,0 +1,98 @@
+#include "examples/problem_observations.hpp"
+
+#include <algorithm>
+#include <cstdio>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "examples/problem_water.hpp"
+
+namespace problem_observations {
+
+using problem_domains::Place;
+using problem_domains::Tag;
+using problem_files::Problem;
+using problem_mesh::Column;
+using problem_weather::Weather;
+
+namespace {
+
+struct Site {
+    Column column; // x and y are those of the measurement
+    double z = 0;
+    double error = 0; // of the measurement, metres
+};
+
+// Always the same sequence, on every machine.
+double part(std::mt19937& random) {
+    return static_cast<double>(random() % 100000) / 100000;
+}
+
+// A place near the middle of a cell, at any depth; now and then one that no element holds.
+Site choose_site(const problem_mesh::Mesh& mesh, std::mt19937& random, std::int32_t number) {
+    Site site;
+    site.column = mesh.cells[random() % mesh.cells.size()].centre;
+    site.column.x += 0.2 * mesh.cell_length * (part(random) - 0.5);
+    site.column.y += 0.2 * mesh.cell_length * (part(random) - 0.5);
+    site.z = problem_mesh::elevation(site.column, part(random));
+    site.error = 0.14 * (part(random) - 0.5);
+    if (number % 7 == 3) site.z = site.column.ground + 2.6;
+    if (number % 11 == 5) site.column.y -= 1700;
+    if (number % 13 == 8) site.column.x += 6400;
+    return site;
+}
+
+// Gives the values of a line; all of them are lengths.
+using Measure = std::vector<double> (*)(const Site&, const Place&, const Weather&);
+
+void write_file(Problem& problem, const Weather& weather, std::int32_t count,
+                const std::string& name, Measure measure) {
+    std::mt19937 random;
+    std::string text = std::to_string(count) + "\n";
+    for (std::int32_t number = 0; number < count; ++number) {
+        const Site site = choose_site(problem.mesh, random, number);
+        Place place;
+        place.column = &site.column;
+        place.z = site.z;
+        for (const double value : measure(site, place, weather)) {
+            char field[64];
+            std::snprintf(field, sizeof field, "%15.4f", problem_files::per_metre(problem) * value);
+            text += field;
+        }
+        text += '\n';
+    }
+    problem_files::write_text(problem, problem.prefix + "." + name, text);
+}
+
+std::vector<double> head(const Site& site, const Place& place, const Weather& weather) {
+    return {site.column.x, site.column.y, site.z,
+            problem_water::pm_head(place, weather, 0) + site.error};
+}
+
+std::vector<double> table_elevation(const Site& site, const Place& place, const Weather& weather) {
+    return {site.column.x, site.column.y, problem_water::water_table(place, weather) + site.error};
+}
+
+std::vector<double> table_depth(const Site& site, const Place& place, const Weather& weather) {
+    return {site.column.x, site.column.y,
+            site.column.ground - problem_water::water_table(place, weather) + site.error};
+}
+
+std::vector<double> water_depth(const Site& site, const Place& place, const Weather& weather) {
+    const double depth = problem_water::pond_depth(place, weather) + 0.1 * site.error;
+    return {site.column.x, site.column.y, std::max(0.0, depth)};
+}
+
+} // namespace
+
+void write(Problem& problem, const Weather& weather, std::int32_t count, bool water_table) {
+    if (count == 0) return;
+    write_file(problem, weather, count, "observed_heads", water_table ? table_elevation : head);
+    write_file(problem, weather, count, "observed_d2gwt", table_depth);
+    const bool surface = std::any_of(problem.domains.begin(), problem.domains.end(),
+                                     [](const auto& domain) { return domain.tag == Tag::olf; });
+    if (surface) write_file(problem, weather, count, "observed_heads_olf", water_depth);
+}
+
+} // namespace problem_observations
