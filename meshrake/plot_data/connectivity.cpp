@@ -72,18 +72,20 @@ std::int32_t behindWall(const Domain& domain, const OwnNodes& own, std::int32_t 
     if (run.wallNodeFlag.empty() || run.wallNodeFlag[index] == 0) return node;
     if (layer < 1 || layer > run.wallLayers) return node;
     const auto nodes = static_cast<std::size_t>(domain.nodeCount);
-    const std::int32_t other =
-        run.wallNodeTable[static_cast<std::size_t>(layer - 1) * nodes + index] - domain.nodeOffset;
-    const bool written = other >= 1 && other <= domain.nodeCount && placeOf(own, other) > 0;
-    return written ? other : node;
+    const std::int64_t other =
+        std::int64_t{run.wallNodeTable[static_cast<std::size_t>(layer - 1) * nodes + index]} -
+        domain.nodeOffset;
+    if (other < 1 || other > domain.nodeCount) return node;
+    const auto behind = static_cast<std::int32_t>(other);
+    return placeOf(own, behind) > 0 ? behind : node;
 }
 
 std::int32_t ownNode(const Domain& domain, const OwnNodes& own, std::int32_t pmNode,
                      std::size_t element) {
     if (pmNode < 1) return 0;
-    const std::int32_t node =
-        domain.linkFromPm[static_cast<std::size_t>(pmNode - 1)] - domain.nodeOffset;
-    if (node < 1) return 0;
+    const std::int32_t global = domain.linkFromPm[static_cast<std::size_t>(pmNode - 1)];
+    if (global < 1) return 0;
+    const std::int32_t node = global - domain.nodeOffset;
     return placeOf(own, behindWall(domain, own, node, element));
 }
 
