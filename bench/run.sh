@@ -16,7 +16,7 @@ results=$(mktemp)
 trap 'rm -f "$results"' EXIT
 
 # What is compared takes turns, so that a busy moment of the machine meets both sides.
-for program in number_formats_bench result_files_bench plot_files_bench; do
+for program in number_formats_bench result_files_bench plot_files_bench locate_points_bench; do
     "$build/bench/$program" --benchmark_repetitions=5 --benchmark_enable_random_interleaving=true \
         --benchmark_format=csv 2>/dev/null >>"$results"
 done
@@ -56,6 +56,9 @@ compare "real array, heads (64 bits), in W" formatted/heads plain/heads 5 3
 compare "real array, velocities (32 bits), in W" formatted/velocities plain/velocities 5 3
 compare "connectivity, in W" formatted/connectivity plain/connectivity 3 2
 compare "read of a one-component file" readResultFile plainRead 1.3 1.1
+compare "points in elements: times faster" elements plainElements ">1000" 2000
+compare "nearest nodes: times faster" nodes plainNodes ">1000" 1200
+compare "nearest columns: times faster" columns plainColumns ">100" 150
 echo
 "$root/bench/whole_run.sh" "$build" || missed=1
 exit "$missed"
