@@ -121,8 +121,9 @@ TEST(DamagedFiles, NumbersThatCannotBe) {
         Problem problem = goodProblem();
         const std::string name = "to." + damage.file;
         patch(problem.at(name), damage.record, damage.word, damage.value);
-        problem["t.plot.control"] =
-            "end\nwrite pm domain file\nend\nwrite olf domain file\nend\nwrite frac domain file\n";
+        // Truncated, elements are kept although some of their nodes are not in the domain.
+        problem["t.plot.control"] = "end\nwrite pm domain file\nend\nwrite frac domain file\nend\n"
+                                    "write olf domain file\ntruncate olf domain\n0 1\n0 1\n0 3\n";
         write(problem);
         const Ran ran = runHere();
         EXPECT_EQ(ran.status, damage.what == "-" ? 0 : 1) << ran.errors;

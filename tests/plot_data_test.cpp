@@ -10,6 +10,8 @@
 
 #include <gmock/gmock.h>
 
+#include <limits>
+
 namespace {
 
 using model::Domain;
@@ -265,13 +267,14 @@ TEST_F(PlotData, ConnectivityOverSeveralBlocks) {
 // Surface of six nodes on pm nodes 1 to 6, global numbers 101 to 106, and of two more behind walls,
 // 107 and 108, for nodes 2 and 5: in elements of layer 1 and 2 the table exchanges them.
 TEST_F(PlotData, QuadrilateralsByTheirOwnLinksAndWalls) {
+    constexpr std::int32_t none = std::numeric_limits<std::int32_t>::min();
     domain.tag = model::tags::olf;
     domain.couplingScheme = 1;
     domain.nodesPerElement = 4;
     domain.nodeCount = 8;
     domain.nodeOffset = 100;
     domain.linkToPm = {1, 2, 3, 4, 5, 6, 2, 5};
-    domain.linkFromPm = {101, 102, 103, 104, 105, 106, 0, -3};
+    domain.linkFromPm = {101, 102, 103, 104, 105, 106, 0, none};
     domain.nodeRenumber = {1, 2, 3, 4, 5, 6, 0, 0};
     domain.elementNodes = {1, 2, 5, 4, 2, 3, 6, 5, 2, 3, 6, 5, 1, 2, 5, 0, 2, 7, 8, -4, 2, 3, 6, 5};
     domain.elementCount = 6;
@@ -285,8 +288,8 @@ TEST_F(PlotData, QuadrilateralsByTheirOwnLinksAndWalls) {
     run.wallsPresent = true;
     run.wallLayers = 2;
     run.wallNodeFlag = {0, -1, 0, 0, 1, 0, 0, 0};
-    run.wallNodeTable = {101, 107, 103, 104, 108, 106, 107, 108, 101, 102, 103, 104,
-                         999, 106, 107, 108, 108, 108, 108, 108, 108, 108, 108, 108};
+    run.wallNodeTable = {101,  107, 103, 104, 108, 106, 107, 108, 101, 102, 103, 104,
+                         none, 106, 107, 108, 108, 108, 108, 108, 108, 108, 108, 108};
     run.wallElementLayer = {0, 1, 2, 1, 1, 3};
     const std::vector<Integers> exchanged = {{1, 2, 5, 4}, {7, 3, 6, 8}, {2, 3, 6, 5},
                                              {1, 2, 5, 5}, {7, 0, 0, 0}, {2, 3, 6, 5}};
