@@ -25,49 +25,20 @@ void expectBanner(Run run, const std::string& text) {
     EXPECT_NE(banner.find(text), std::string::npos) << banner;
 }
 
-TEST(StringHelpers, TrailingBlanksDoNotCount) {
-    EXPECT_EQ(trimRight(" a\t  "), " a\t");
-    EXPECT_EQ(trimLeft("  \ta "), "\ta ");
-    EXPECT_EQ(trimRight("   "), "");
-    EXPECT_EQ(trimLeft("   "), "");
-    EXPECT_EQ(cut("no heads   behind", 11), "no heads");
-    EXPECT_EQ(cut("no", 60), "no");
-    EXPECT_TRUE(equalPadded("end  ", "end"));
-    EXPECT_FALSE(equalPadded(" end", "end"));
+TEST(StringHelpers, PositionsAndPadding) {
+    EXPECT_EQ(findFirstOf("1.5 msg", " "), 4U);
+    EXPECT_EQ(findFirstOf("a,b,c", ",", 4), 4U);
+    EXPECT_EQ(findFirstOf("abc   ", " "), 4U); // the trimmed length plus 1
+    EXPECT_EQ(findFirstNotOf("  1.5 ", " "), 3U);
     EXPECT_FALSE(equalPadded("end\t", "end"));
     std::string text = "No [PM] \xC3\x84@Z{z";
     lcase(text);
     EXPECT_EQ(text, "no [pm] \xC3\x84@z{z");
 }
 
-TEST(StringHelpers, PositionsCountFromOne) {
-    EXPECT_EQ(findFirstOf("1.5 msg", " "), 4U);
-    EXPECT_EQ(findFirstOf("a,b,c", ",", 4), 4U);
-    EXPECT_EQ(findFirstOf(",b", ",", 0), 1U);
-    EXPECT_EQ(findFirstOf("abc   ", " "), 4U); // the trimmed length plus 1
-    EXPECT_EQ(findFirstOf("abc", "c", 99), 4U);
-    EXPECT_EQ(findFirstNotOf("  1.5 ", " "), 3U);
-    EXPECT_EQ(findFirstNotOf("    ", " "), 1U);
-    EXPECT_EQ(removeCopy(" M *\tL ", " \t"), "M*L");
-}
-
-TEST(StringHelpers, ChompCutsTokens) {
-    const std::map<std::pair<std::string, bool>, Texts> cases = {
-        {{"M*L^-3  ", false}, {"M", "L^-3"}}, {{"a*+b*", false}, {"a", "", "b"}},
-        {{"a*+b**", true}, {"a", "b"}},       {{"**a", true}, {"", "a"}},
-        {{"a* *b", true}, {"a", "", "b"}},    {{"  ", true}, {}}};
-    for (const auto& [given, expected] : cases) {
-        std::string text = given.first, token;
-        Texts tokens;
-        while (chomp(text, "*+", given.second, token)) tokens.push_back(token);
-        EXPECT_EQ(tokens, expected) << given.first;
-    }
-}
-
 TEST(StringHelpers, NumbersAndTexts) {
     const std::map<std::pair<std::int32_t, std::string>, std::string> cases = {
         {{-2147483647 - 1, ""}, "-2147483648"},
-        {{42, "(I6)"}, "42"},
         {{-42, " ( i 6.4 ) "}, "-0042"},
         {{-42, "(I0.3)"}, "-042"},
         {{12345, "(I3)"}, "***"},
@@ -83,28 +54,6 @@ TEST(StringHelpers, NumbersAndTexts) {
         EXPECT_EQ(iostat, 38) << format;
         expectBanner([&] { toString_i4(1, format); }, format);
     }
-    float value = 7;
-    str2r4("-1/3", value);
-    EXPECT_EQ(value, -1.0F);
-    str2r4("x", value, &iostat);
-    EXPECT_EQ(iostat, 59);
-    expectBanner([&] { str2r4("x", value); }, "Error number: 59");
-}
-
-TEST(ArrayHelpers, AllocateAndResizeDifferAtTheSameSize) {
-    Integers a;
-    ArrayHelpers::allocate(3, a, 5);
-    ArrayHelpers::allocate(3, a);
-    ArrayHelpers::resize(3, a, 6);
-    EXPECT_EQ(a, Integers(3, 5));
-    ArrayHelpers::resize(5, a, 6);
-    EXPECT_EQ(a, (Integers{5, 5, 5, 6, 6}));
-    ArrayHelpers::resize(4, a, 7);
-    EXPECT_EQ(a, (Integers{5, 5, 5, 6}));
-    ArrayHelpers::allocate(4, a, 8);
-    EXPECT_EQ(a, Integers(4, 8));
-    ArrayHelpers::resize(-1, a);
-    EXPECT_TRUE(a.empty());
 }
 
 TEST(ArrayHelpers, PushbackGrowsByHalf) {
@@ -130,38 +79,11 @@ TEST(ArrayHelpers, FailedAllocationsNameTheArray) {
     const std::map<std::string, std::function<void()>> cases = {
         {"allocateArray: integer(4) array", [&] { ArrayHelpers::allocate(tooMany, i4); }},
         {"resizeArray: integer(4) array", [&] { ArrayHelpers::resize(tooMany, i4); }},
-        {"allocateArray: character string array", [&] { ArrayHelpers::allocate(tooMany, texts); }},
-        {"resizeArray: character string array", [&] { ArrayHelpers::resize(tooMany, texts); }},
         {"of mine", [&] { ArrayHelpers::resize(tooMany, texts, "x", "of mine"); }},
         {"of yours", [&] { ArrayHelpers::allocateArray(i4, tooMany, "of yours"); }}};
     for (const auto& [name, run] : cases)
         expectBanner(run, "Allocation failed: " + name +
                               "\nError detail: Insufficient virtual memory\nError number: 41\n");
-}
-
-TEST(ArrayHelpers, AllocateArrayClearsAndKeepsItsMemory) {
-    std::vector<double> a(100, 3.0);
-    const double* const memory = a.data();
-    ArrayHelpers::allocateArray(a, 40, "a");
-    EXPECT_EQ(a, std::vector<double>(40));
-    ArrayHelpers::allocateArray(a, 100, "a");
-    EXPECT_EQ(a, std::vector<double>(100));
-    EXPECT_EQ(a.data(), memory);
-    ArrayHelpers::allocateArray(a, -1, "a");
-    EXPECT_TRUE(a.empty());
-}
-
-TEST(Utils, Digits) {
-    for (const auto& [value, count] : std::map<std::int32_t, int>{
-             {0, 1}, {-500, 1}, {9, 1}, {10, 2}, {99999, 5}, {2147483647, 10}})
-        EXPECT_EQ(utils::numDigits(value), count) << value;
-    using utils::zeroPaddedIntString;
-    EXPECT_EQ(zeroPaddedIntString(7, 4), "0007");
-    EXPECT_EQ(zeroPaddedIntString(12345, 3), "***");
-    EXPECT_EQ(zeroPaddedIntString(-7, 4), "****");
-    for (const int width : {-1, 2147483647})
-        expectBanner([=] { zeroPaddedIntString(1, width); },
-                     "Zero padded integer string conversion failed.");
 }
 
 TEST(Utils, TimestampIsLocalWithItsOffset) {

@@ -10,7 +10,6 @@ namespace {
 
 const std::string connectivityLabel = "element node lists";
 
-// Text between two marks, empty when the first is missing.
 std::string between(const std::string& text, const std::string& first, const std::string& last) {
     const std::size_t at = text.find(first);
     if (at == std::string::npos) return "";
@@ -46,6 +45,7 @@ std::string faultOf(const DataSet& set, Zone& zone) {
     const auto holds = [](const std::vector<std::string>& list, std::size_t number) {
         return std::find(list.begin(), list.end(), std::to_string(number)) != list.end();
     };
+    if (std::set(names.begin(), names.end()).size() != names.size()) return "a name stands twice";
     std::size_t array = 0;
     for (std::size_t v = 1; v <= names.size(); ++v) {
         if (holds(shared, v)) continue;

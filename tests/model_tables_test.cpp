@@ -1,104 +1,18 @@
 #include "meshrake/model/run_state.hpp"
-#include "meshrake/variables/common_node_table.hpp"
 #include "meshrake/variables/variable_table.hpp"
 #include "tests/runs.hpp"
 #include "tvncommon/TVNBinaryFile.hpp"
 #include "tvncommon/io_layer.hpp"
-#include "tvncommon/units.hpp"
 
-#include <gmock/gmock.h>
-
-#include <algorithm>
-#include <cctype>
-#include <iterator>
 #include <set>
 
 namespace {
 
 using model::Domain;
-using plot_data::Family;
 using plot_data::Location;
-using plot_data::Timing;
 using plot_data::VariableRow;
 
 const std::vector<std::string> tagNames = {"pm", "dual", "olf", "frac", "chan", "well", "tile"};
-
-TEST(OptionTable, LabelsOfADomainAreDistinctLines) {
-    for (const std::string& tag : tagNames) {
-        std::set<std::string> labels = {"write " + tag + " domain file",
-                                        "truncate " + tag + " domain",
-                                        "truncate " + tag + " domain by layer"};
-        for (const model::OptionRow& row : model::optionTable) {
-            const std::string label = model::optionLabel(row, tag);
-            EXPECT_TRUE(labels.insert(label).second) << label << " stands twice";
-            EXPECT_TRUE(label.starts_with("no " + tag) && label.size() < 60) << label;
-            EXPECT_TRUE(std::none_of(label.begin(), label.end(), [](unsigned char c) {
-                return std::isupper(c);
-            })) << label;
-        }
-    }
-}
-
-// A row that travels the plain road must say all that the road asks; one that leaves something out
-// must have steps of its own. Returns what is wrong with it.
-std::string faultOf(const VariableRow& row) {
-    const std::size_t columns = plot_data::columnCount(row);
-    const bool plain = !row.init && row.family == Family::oneFile;
-    const bool named =
-        std::all_of(row.columns.begin(), row.columns.begin() + static_cast<int>(columns),
-                    [](const auto& c) { return !c.label.empty(); });
-    const bool closedUp =
-        std::all_of(row.columns.begin() + static_cast<int>(columns), row.columns.end(),
-                    [](const auto& c) { return c.name.empty() && c.label.empty(); });
-    const bool marked = columns > 0 && row.columns[0].label.ends_with("(cell centred)");
-    if (row.key.empty() || row.domains == 0) return "no key or no domain";
-    if ((row.domains & ~model::tags::anyDomain) != 0) return "an unknown domain";
-    if (!closedUp) return "a gap in its columns";
-    if (!row.stem.empty() && row.stem.back() != '_')
-        return "a stem that no domain can stand behind";
-    if (row.stem.empty() && !(row.init && row.read)) return "neither a file nor steps of its own";
-    if (plain && (columns == 0 || !named)) return "no column or no comment";
-    if (plain && row.arrayText.empty()) return "no name of its arrays";
-    if (plain && row.type == model::DataType::longInt && columns > 1)
-        return "several columns of integers";
-    if (row.family != Family::oneFile && (columns > 1 || row.location == Location::element))
-        return "a family of more than one column at the nodes";
-    if (row.timing != Timing::everyTime && (row.read || row.laterFallback))
-        return "read later though it is constant";
-    if (row.laterFallback && row.read) return "a fallback that its own step passes by";
-    if (plain && row.timing != Timing::firstPass && marked != (row.location == Location::element))
-        return "a comment that contradicts its location";
-    return "";
-}
-
-void checkTable(std::span<const VariableRow> table) {
-    std::set<std::string_view> keys;
-    for (const VariableRow& row : table) {
-        EXPECT_EQ(faultOf(row), "") << row.key;
-        EXPECT_TRUE(keys.insert(row.key).second) << row.key << " stands twice";
-        const std::string unit = units::parseUnits(row.unit);
-        EXPECT_EQ(unit.empty(), row.unit.empty()) << row.key;
-        EXPECT_THAT(unit, testing::Not(testing::HasSubstr("*"))) << row.key;
-    }
-    for (model::DomainSet tag = 1; tag <= model::tags::tile; tag <<= 1) {
-        std::set<std::string_view> names, stems;
-        for (const VariableRow& row : table) {
-            if (!(row.domains & tag)) continue;
-            for (const auto& column : row.columns) {
-                EXPECT_TRUE(column.name.empty() || names.insert(column.name).second)
-                    << row.key << ": " << column.name << " stands twice";
-            }
-            EXPECT_TRUE(row.init || stems.insert(row.stem).second)
-                << row.key << ": " << row.stem << " is read twice";
-        }
-        EXPECT_GT(names.size(), 8U);
-    }
-}
-
-TEST(VariableTables, RowsDoNotContradictThemselves) {
-    checkTable(variables::variableTable());
-    checkTable(variables::commonNodeTable());
-}
 
 class VariableFiles : public runs::PartOfRun {};
 

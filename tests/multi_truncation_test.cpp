@@ -3,8 +3,6 @@
 #include "meshrake/model/run_state.hpp"
 #include "tests/runs.hpp"
 
-#include <gmock/gmock.h>
-
 #include <set>
 
 namespace {
@@ -33,46 +31,37 @@ protected:
     Domain pm, olf;
 };
 
-struct Wish {
-    std::array<double, 6> bounds;
-    std::array<std::int32_t, 2> layers;
-    bool byBounds, byLayer;
-};
-
 TEST_F(MultiTruncation, KeepsElementsByTheirCentroids) {
     constexpr double all = 1e20;
     const std::array<double, 6> open{-all, all, -all, all, -all, all};
     struct Case {
-        Wish wish;
+        std::array<double, 6> bounds;
+        std::array<std::int32_t, 2> layers;
+        bool byBounds, byLayer;
         Integers pmElements, olfElements;
     };
     const Case cases[] = {
-        {{open, {0, 1000}, false, false}, {1, 2, 3, 4}, {1, 2}},
-        {{open, {2, 2}, false, false}, {1, 2, 3, 4}, {1, 2}},
-        {{{0.5, 0.5, 0.5, 0.5, 0.5, 0.5}, {0, 0}, true, false}, {1}, {}},
-        {{{0.5, 1.5, -all, all, 2, 3}, {0, 0}, true, false}, {3, 4}, {1, 2}},
-        {{{0.6, all, -all, all, -all, all}, {0, 0}, true, false}, {2, 4}, {2}},
-        {{{0.6, 1.4, -all, all, -all, all}, {0, 0}, true, false}, {}, {}},
-        {{{-all, all, 0.6, all, -all, all}, {0, 0}, true, false}, {}, {}},
-        {{open, {2, 1000}, false, true}, {3, 4}, {2}}, // one element makes a layer of the surface
-        {{open, {0, 1}, false, true}, {1, 2}, {1}},
-        {{open, {3, 2}, false, true}, {}, {}},
-        {{{-all, 1, -all, all, 100, 100}, {1, 2}, false, true}, {1, 3}, {1}},   // z plays no part
-        {{{-all, all, -all, all, 2, all}, {1, 1}, true, true}, {3, 4}, {1, 2}}, // layers do not
-        {{{1, 0, 1, 0, 1, 0}, {0, 1000}, true, false}, {}, {}},
-    };
+        {open, {0, 1000}, false, false, {1, 2, 3, 4}, {1, 2}},
+        {{0.5, 0.5, 0.5, 0.5, 0.5, 0.5}, {0, 0}, true, false, {1}, {}},
+        {{0.5, 1.5, -all, all, 2, 3}, {0, 0}, true, false, {3, 4}, {1, 2}},
+        {{0.6, all, -all, all, -all, all}, {0, 0}, true, false, {2, 4}, {2}},
+        {open, {2, 1000}, false, true, {3, 4}, {2}}, // one element makes a layer of the surface
+        {open, {0, 1}, false, true, {1, 2}, {1}},
+        {{-all, 1, -all, all, 100, 100}, {1, 2}, false, true, {1, 3}, {1}},   // z plays no part
+        {{-all, all, -all, all, 2, all}, {1, 1}, true, true, {3, 4}, {1, 2}}, // layers do not
+        {{1, 0, 1, 0, 1, 0}, {0, 1000}, true, false, {}, {}}};
     for (const Case& c : cases) {
         for (Domain* domain : {&pm, &olf}) {
-            domain->truncateBounds = c.wish.bounds;
-            domain->truncateLayers = c.wish.layers;
-            domain->truncateEnabled = c.wish.byBounds;
-            domain->truncateByLayerEnabled = c.wish.byLayer;
+            domain->truncateBounds = c.bounds;
+            domain->truncateLayers = c.layers;
+            domain->truncateEnabled = c.byBounds;
+            domain->truncateByLayerEnabled = c.byLayer;
             mesh_shaping::multiTruncate(*domain, pm);
             SCOPED_TRACE(domain->name + " case " + std::to_string(&c - cases));
             const Integers& elements = domain == &pm ? c.pmElements : c.olfElements;
             EXPECT_EQ(kept(domain->elementIncluded), elements);
             EXPECT_EQ(domain->neTruncated, static_cast<std::int32_t>(elements.size()));
-            EXPECT_EQ(domain->truncateEnabled, c.wish.byBounds || c.wish.byLayer);
+            EXPECT_EQ(domain->truncateEnabled, c.byBounds || c.byLayer);
 
             // The nodes of the kept elements, numbered in their order under the pm node.
             std::set<std::int32_t> pmNodes;
@@ -88,19 +77,6 @@ TEST_F(MultiTruncation, KeepsElementsByTheirCentroids) {
             EXPECT_EQ(domain->nodeRenumber, renumber);
         }
     }
-}
-
-TEST_F(MultiTruncation, Reports) {
-    takeEcho();
-    takeScreen();
-    mesh_shaping::multiTruncate(pm, pm);
-    EXPECT_EQ(takeScreen(), "\nMedium: pm\nFull mesh (no truncation)\nNodes:    18\nElements: 4\n");
-    olf.truncateByLayerEnabled = true;
-    olf.truncateLayers = {1, 1};
-    mesh_shaping::multiTruncate(olf, pm);
-    EXPECT_EQ(takeScreen(), "\nMedium: olf\nTruncated mesh\nNodes:    4/6\nElements: 1/2\n");
-    EXPECT_EQ(takeEcho(), "\nMedium: pm\nFull mesh (no truncation)\nNodes:    18\nElements: 4\n"
-                          "\nMedium: olf\nTruncated mesh\nNodes:    4/6\nElements: 1/2\n");
 }
 
 TEST_F(MultiTruncation, FullMeshOfUnusedSlotsAndMissingNodes) {
@@ -126,6 +102,17 @@ TEST_F(MultiTruncation, FullMeshOfUnusedSlotsAndMissingNodes) {
     EXPECT_EQ(pm.nodeRenumber[17], 17);
 }
 
+TEST_F(MultiTruncation, LayersOfAFlatMesh) {
+    pm.truncateByLayerEnabled = true;
+    pm.truncateLayers = {1, 1};
+    for (const std::int32_t sheets : {0, 1}) {
+        model::run.sheetCount = sheets;
+        pm.truncateEnabled = false;
+        mesh_shaping::multiTruncate(pm, pm);
+        EXPECT_EQ(pm.neTruncated, 4) << sheets;
+    }
+}
+
 TEST_F(MultiTruncation, CentroidsOfPartlyUsedElements) {
     // The mean of the three corners of the triangle; no mean at all of an element without nodes.
     olf.elementNodes = {13, 14, 17, 0, 0, 0, 0, 0};
@@ -136,22 +123,6 @@ TEST_F(MultiTruncation, CentroidsOfPartlyUsedElements) {
     olf.truncateBounds = {-1e20, 1e20, -1e20, 1e20, -1e20, 1e20};
     mesh_shaping::multiTruncate(olf, pm);
     EXPECT_THAT(kept(olf.elementIncluded), ElementsAre(1));
-}
-
-TEST_F(MultiTruncation, LayersOfAFlatOrTooDeepMesh) {
-    for (const std::int32_t sheets : {0, 1}) {
-        model::run.sheetCount = sheets;
-        pm.truncateEnabled = false;
-        pm.truncateByLayerEnabled = true;
-        pm.truncateLayers = {1, 1};
-        mesh_shaping::multiTruncate(pm, pm);
-        EXPECT_EQ(pm.neTruncated, 4) << sheets;
-    }
-    model::run.sheetCount = 6;
-    pm.truncateEnabled = false;
-    runs::expectEnd("INPUT", "Truncation of the pm domain by layer: ", [&] {
-        mesh_shaping::multiTruncate(pm, pm);
-    });
 }
 
 } // namespace

@@ -5,8 +5,6 @@
 #include "tests/runs.hpp"
 #include "tvncommon/number_formats.hpp"
 
-#include <gmock/gmock.h>
-
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -39,8 +37,7 @@ void addNode(Domain& mesh, const Point& p) {
     mesh.nodeCount = static_cast<std::int32_t>(mesh.x.size());
 }
 
-// Where nodes and points of a test lie: few values make shared faces, equal distances and elements
-// without extent.
+// Few values make shared faces, equal distances and elements without extent.
 double someValue(Random& random, int kind) {
     static constexpr double odd[] = {infinity, -infinity, notANumber, 1e308,       -1e308,
                                      1e200,    1e-310,    5e-324,     6.3e6 + 1e-9};
@@ -49,8 +46,7 @@ double someValue(Random& random, int kind) {
         return random.below(4);
     case 1:
         return random.below(4) + random.part();
-    case 2: // far from the origin and no farther apart than doubles are there, on both sides of
-            // 2^22
+    case 2: // neighbouring doubles on both sides of 2^22
         return 4194304 + (random.below(9) - 5) * 0x1p-31;
     default:
         return random.below(10) == 0 ? odd[random.below(9)] : random.below(3);
@@ -92,33 +88,12 @@ Domain soup(Random& random, int kind, int elements) {
     for (int i = 0; i < elements * mesh.nodesPerElement; ++i)
         mesh.elementNodes.push_back(random.below(9) == 0 ? 0 : 1 + random.below(mesh.nodeCount));
     mesh.elementCount = elements;
-    // Small and flat ones: all nodes of an element from a narrow range of numbers.
-    for (int e = 0; e < elements; e += 2) {
+    for (int e = 0; e < elements; e += 2) { // small and flat ones
         const int first = random.below(mesh.nodeCount), range = 1 + random.below(4);
         for (int k = 0; k < mesh.nodesPerElement; ++k)
             mesh.elementNodes[std::size_t(e * mesh.nodesPerElement + k)] =
                 1 + (first + random.below(range)) % mesh.nodeCount;
     }
-    return mesh;
-}
-
-// Bricks in layers, some of them pinched out.
-Domain layers(Random& random, int) {
-    Domain mesh;
-    mesh.nodesPerElement = 8;
-    const int nx = 1 + random.below(5), ny = 1 + random.below(4), nz = 1 + random.below(5);
-    double z = 0;
-    for (int k = 0; k <= nz; ++k, z += random.below(3))
-        for (int j = 0; j <= ny; ++j)
-            for (int i = 0; i <= nx; ++i) addNode(mesh, {i * 1.0, j * 1.0, z});
-    const int row = nx + 1, sheet = row * (ny + 1);
-    for (int k = 0; k < nz; ++k)
-        for (int j = 0; j < ny; ++j)
-            for (int i = 0; i < nx; ++i)
-                for (const int at :
-                     {0, 1, row + 1, row, sheet, sheet + 1, sheet + row + 1, sheet + row})
-                    mesh.elementNodes.push_back(1 + k * sheet + j * row + i + at);
-    mesh.elementCount = nx * ny * nz;
     return mesh;
 }
 
@@ -144,32 +119,23 @@ TEST(ElementSearch, StopsWhereTheLoopOverAllElementsDoes) {
     Random random;
     int found = 0, partial = 0, always = 0;
     for (int round = 0; round < 400; ++round) {
-        const int kind = round % 5;
-        const Domain mesh =
-            kind == 4 ? layers(random, kind) : soup(random, kind, 1 + random.below(150));
+        const int kind = round % 4;
+        const Domain mesh = soup(random, kind, 1 + random.below(150));
         observation_compare::ElementSearch search;
         prepare(search, mesh);
         partial += search.partial.empty() ? 0 : 1;
         always += search.always.empty() ? 0 : 1;
         PlainSearch plain{mesh};
-        for (const Point& p : pointsFor(mesh, random, kind % 4)) {
+        for (const Point& p : pointsFor(mesh, random, kind)) {
             const std::int32_t expected = plain.find(p);
             ASSERT_EQ(holdingElement(search, p), expected) << "round " << round;
             ASSERT_EQ(search.rst, plain.rst) << "round " << round;
             found += expected > 0;
         }
     }
-    // The meshes are what they are meant to be.
     EXPECT_GT(found, 10000);
     EXPECT_GT(partial, 100);
     EXPECT_GT(always, 50);
-}
-
-TEST(ElementSearch, AnEmptyMeshHoldsNothing) {
-    const Domain mesh;
-    observation_compare::ElementSearch search;
-    prepare(search, mesh);
-    EXPECT_EQ(holdingElement(search, {0, 0, 0}), 0);
 }
 
 // Points at nearly the same distance from the origin, whose squares differ and whose roots do not.
@@ -233,12 +199,10 @@ TEST(NarrowFields, FixedAreRoundedOnce) {
         return field;
     };
     EXPECT_EQ(fixed(0.015625, 10, 5), "   0.01562"); // a tie goes to the even digit
-    EXPECT_EQ(fixed(-0.046875, 10, 5), "  -0.04688");
     EXPECT_EQ(fixed(-1e-9, 8, 4), " -0.0000");
     EXPECT_EQ(fixed(0.5, 5, 4), ".5000"); // one column short of the zero
     EXPECT_EQ(fixed(-99999.99996, 10, 4), "**********");
     EXPECT_EQ(fixed(-infinity, 10, 4), " -Infinity");
-    EXPECT_EQ(fixed(notANumber, 10, 4), "       NaN");
     Random random;
     for (int i = 0; i < 200000; ++i) {
         const double value = std::ldexp(random.part() - 0.5, random.below(80) - 40);
@@ -251,10 +215,9 @@ TEST(NarrowFields, FixedAreRoundedOnce) {
 
 TEST(NarrowFields, GeneralChooseTheirFormAfterRounding) {
     const std::pair<double, const char*> cases[] = {
-        {0, "  0.0000000000    "},      {1, "  1.0000000000    "},
-        {-0.125, "-0.12500000000    "}, {0.0999999999999, " 0.10000000000    "},
-        {0.08, " 0.80000000000E-01"},   {99999999999.4, "  99999999999.    "},
-        {1e11, " 0.10000000000E+12"},   {-1e-120, "-0.10000000000-119"}};
+        {0, "  0.0000000000    "},    {0.0999999999999, " 0.10000000000    "},
+        {0.08, " 0.80000000000E-01"}, {99999999999.4, "  99999999999.    "},
+        {1e11, " 0.10000000000E+12"}, {-1e-120, "-0.10000000000-119"}};
     for (const auto& [value, text] : cases)
         EXPECT_EQ(number_formats::generalField(value, 18, 11), text);
 }
@@ -281,8 +244,7 @@ Problem bricks(const Grid& grid) {
 }
 
 std::string control(const std::string& pm, const std::string& others) {
-    std::string text = "end\nwrite pm domain file\n" + pm + "end\n";
-    return text + others;
+    return "end\nwrite pm domain file\n" + pm + "end\n" + others;
 }
 
 const std::string withDual = "write dual domain file\nend\n";
@@ -315,22 +277,21 @@ protected:
     Problem problem = bricks({3, 1, 1, 1});
 };
 
-// The first point is in element 1, the second too, though it is compared on element 2; the third
-// is nowhere.
+// Two points in element 1, the second compared on element 2; the third is nowhere.
 const std::string threePoints = "3\n.5 .5 .5 55\n0.25, 0, 0, 1.0 of no interest\n9 9\n9 7\n";
 
 TEST_F(Comparison, LocatesPointsOnceAndTrustsTheCache) {
-    const auto line = [](const std::string& element, const std::string& field) {
-        std::string text = element + " ";
-        for (int k = 0; k < 8; ++k) text += field;
-        return text + "\n";
-    };
     Ran ran = runHeads(threePoints);
     EXPECT_EQ(ran.status, 0) << ran.errors;
     EXPECT_THAT(ran.screen, HasSubstr("locations\nThis might take several minutes...\n"
                                       " 1 of 3 observation points\n 2 of 3 observation points\n"
                                       " 3 of 3 observation points\n\n"));
     const std::string cache = get("to.ObsShape.txt");
+    const auto line = [](const std::string& element, const std::string& field) {
+        std::string text = element + " ";
+        for (int k = 0; k < 8; ++k) text += field;
+        return text + "\n";
+    };
     EXPECT_THAT(cache, testing::StartsWith(line("         1", "  0.12500000000    ")));
     EXPECT_THAT(cache, testing::EndsWith(line("        -1", "  -1.0000000000    ")));
     EXPECT_EQ(behind("to.compare_heads.dat", "ZONE T=\"data\""),
@@ -352,7 +313,6 @@ TEST_F(Comparison, LocatesPointsOnceAndTrustsTheCache) {
     EXPECT_EQ(get("to.ObsShape.txt"), cache);
     EXPECT_THAT(behind("to.compare_heads.dat", "ZONE T=\"data\""),
                 HasSubstr("1.2500000000000000\nZONE T=\"straight line\"\n 1.0000000000000000"));
-    EXPECT_THAT(behind("to.compare_heads.dat", "Zone"), HasSubstr(" 0.99978566"));
 
     // Shape values that no search gives, one of them without a point, and more than is needed.
     std::string told = cache + "beyond\n";
@@ -367,56 +327,26 @@ TEST_F(Comparison, RefusesDamagedFiles) {
     ASSERT_EQ(runHeads(threePoints).status, 0);
     const std::string cache = get("to.ObsShape.txt");
     const std::string observed = "Error reading file: t.observed_heads\n";
-    const std::string located = "Error reading file: to.ObsShape.txt\n";
-    std::string word = cache, blank = cache, two = cache;
+    const std::string cached = "Error reading file: to.ObsShape.txt\n";
+    std::string word = cache, two = cache;
     word.replace(40, 3, "abc");
-    blank.replace(0, 10, 10, ' ');
     two.replace(12, 18, "               1 2");
-    struct Case {
-        std::string observed, cache, message;
-    };
-    const Case cases[] = {
+    const std::array<std::string, 3> cases[] = {
         {"", cache, observed + "Error detail: End-of-file"},
-        {"three\n", cache, observed + "Error detail: Invalid data format"},
         {"-1\n", cache, observed + "The number of observations, -1,"},
         {"2147483647\n1 1 1 1\n", cache, observed + "The number of observations, 2147483647,"},
         {"3\n1 1 1 1\n1 1 1 1\n1 1 1\n", cache, observed + "Error detail: End-of-file"},
         {"2\n1 1 1 1\n1 1 one 1\n", cache, observed + "Error detail: Invalid data format"},
-        {threePoints, "", located + "Error detail: End-of-file"},
-        {threePoints, cache.substr(0, 400), located},
-        {threePoints, cache.substr(0, 162) + cache.substr(163), located},
-        {threePoints, word, located + "Error detail: Invalid character"},
-        {threePoints, blank, located + "Error detail: Invalid character"},
-        {threePoints, two, located + "Error detail: Invalid character"},
-    };
-    for (const Case& c : cases) {
-        problem["to.ObsShape.txt"] = c.cache;
-        expectEnd(runHeads(c.observed), {c.message});
+        {threePoints, "", cached + "Error detail: End-of-file"},
+        {threePoints, cache.substr(0, 162) + cache.substr(163), cached},
+        {threePoints, word, cached + "Error detail: Invalid character"},
+        {threePoints, two, cached + "Error detail: Invalid character"}};
+    for (const auto& [file, located, message] : cases) {
+        problem["to.ObsShape.txt"] = located;
+        expectEnd(runHeads(file), {message});
     }
-    problem.erase("t.observed_heads");
-    std::filesystem::remove("t.observed_heads");
-    problem["t.plot.control"] = control("compare depth to gw table\n", withDual);
-    write(problem);
-    expectEnd(runs::runHere(), {"Failed to open file: t.observed_d2gwt"});
-}
-
-class ObservationFile : public runs::PartOfRun {};
-
-TEST_F(ObservationFile, IsReadAsFreeFormAllows) {
-    Domain pm;
-    pm.tag = model::tags::pm;
-    const std::pair<const char*, Reals> cases[] = {{"1 points\n1 2 3 4", {1, 2, 3, 4}},
-                                                   {"1\n\n1.5\n,2*,4d0 9", {1.5, 0, 0, 4}},
-                                                   {"1\n/", {0, 0, 0, 0}},
-                                                   {"1\r\n1\t2\r\n3 4\r\n", {1, 2, 3, 4}}};
-    for (const auto& [text, values] : cases) {
-        put("t.observed_heads", text);
-        observation_compare::read_obs_heads_xyz(pm);
-        const model::ObservationSet& set = model::run.observations;
-        EXPECT_EQ((Reals{set.obsX[0], set.obsY[0], set.obsZ[0], set.obsValue[0]}), values) << text;
-    }
-    runs::expectEnd("INPUT", "Porous medium domain expected.",
-                    [] { observation_compare::read_obs_heads_xyz({}); });
+    expectEnd(run("", "compare depth to gw table\n", withDual),
+              {"Failed to open file: t.observed_d2gwt"});
 }
 
 TEST_F(Comparison, OfNothingIsWrittenAsItComes) {
@@ -428,35 +358,16 @@ TEST_F(Comparison, OfNothingIsWrittenAsItComes) {
     EXPECT_EQ(get("to.ObsShape.txt"), "");
     EXPECT_EQ(behind("to.compare_heads.dat", "ZONE T=\"data\""), rest);
     EXPECT_EQ(behind("to.compare_heads_scatter.dat", "ZONE T=\"data\""), "");
-
-    std::filesystem::remove("to.ObsShape.txt");
-    const std::string nowhere = "compare heads 3d domain\n5 6\n-1e20 1e20\n-1e20 1e20\n";
-    EXPECT_EQ(run(threePoints, nowhere, withDual).status, 0);
-    EXPECT_EQ(behind("to.compare_heads.dat", "ZONE T=\"data\""), rest);
-}
-
-TEST_F(Comparison, ShowsEveryPointOnTheScreen) {
-    std::string observed = "450\n", progress = "minutes...\n";
-    for (int i = 1; i <= 450; ++i) {
-        observed += "9 9 9 1\n";
-        progress += " " + std::to_string(i) + " of 450 observation points\n";
-    }
-    const Ran ran = run(observed, "compare heads 3d domain\n0 1\n0 1\n0 1\n", withDual);
-    EXPECT_THAT(ran.screen, HasSubstr(progress + "\n\n\n"));
 }
 
 TEST_F(Comparison, CountsTheWindowInTheErrorAlone) {
-    // The bounds are inside; the third point is out, and in the spread about the mean of the
-    // others.
+    // The bounds are inside; the third point is out, and in the spread about the others' mean.
     const std::string window = "compare heads 3d domain\n0.25 0.5\n0 0.5\n0 9\n";
     ASSERT_EQ(run(threePoints, window, withDual).status, 0);
     // Errors 0.25 + 0.0625; spread about 28: 27^2 + 27^2 + 21^2.
     EXPECT_THAT(behind("to.compare_heads.dat", "Zone"), HasSubstr(" 0.99983543"));
 
     // Observations that are all alike have no spread.
-    ASSERT_EQ(runHeads("2\n.5 .5 .5 55.5\n.5 .5 .5 56.5\n").status, 0);
-    EXPECT_THAT(behind("to.compare_heads.dat", "ZONE T=\"data\""), HasSubstr(" 56.500000"));
-    std::filesystem::remove("to.ObsShape.txt");
     ASSERT_EQ(runHeads("2\n.5 .5 .5 3\n.5 .5 .5 3\n").status, 0);
     EXPECT_THAT(behind("to.compare_heads.dat", "ZONE T=\"straight line\""),
                 HasSubstr("R<sup>2</sup> = -Infinity\"\n -Infinity -Infinity\n"));
@@ -510,9 +421,6 @@ TEST_F(Comparison, TakesTheTopOfTheNearestColumn) {
               " 1.7500000000000000 1.7500000000000000\n"
               "ZONE T=\"R<sup>2</sup> = -121.0000\"\n"
               " -121.00000000000000 -121.00000000000000\n");
-    EXPECT_THAT(
-        behind("to.compare_D2GWT_scatter.dat", "ZONE T=\"data\""),
-        testing::StartsWith("      0.12500000E+01      0.75000000E+00      0.10000000E+01"));
     EXPECT_THAT(get("to.meshrake.eco"),
                 HasSubstr("Target x, y            -4.00000       1000.00000\n"
                           "Found x, y, z           0.00000          1.00000          1.00000\n"
@@ -525,39 +433,23 @@ TEST_F(Comparison, OfWaterDepthsGoesByTheSurface) {
     EXPECT_EQ(run("", "", surface + "end\n").status, 0);
     EXPECT_THAT(behind("to.compare_swdepth_scatter_olf.dat", "ZONE T=\"data\""),
                 HasSubstr("      0.10000000E+01      0.20000000E+01      0.50000000E+00"));
-    // Where elements are looked for, they are those of pm: nothing is known of the surface.
+    // Elements are looked for in pm alone.
     EXPECT_EQ(run("", "", surface + "end\n" + withDual).status, 0);
     EXPECT_THAT(behind("to.compare_swdepth_scatter_olf.dat", "ZONE T=\"data\""),
                 HasSubstr("      0.00000000E+00      0.20000000E+01      0.00000000E+00"));
 }
 
 TEST_F(Comparison, SaysWhatItMisses) {
-    struct Case {
-        std::string before, pm, others;
-        std::vector<std::string> words;
-    };
-    problem["t.observed_d2gwt"] = problem["t.observed_heads_olf"] = "0\n";
+    problem["t.observed_heads_olf"] = "0\n";
     const std::string heads = "compare heads 3d domain\n" + everywhere;
     const std::string depths = "write olf domain file\ncompare surface water depth\n" + everywhere;
-    const Case cases[] = {
-        {"", "no pm heads\n" + heads, withOlf, {"Head of the pm domain", "\"no pm heads\""}},
-        {"truncate time domain\n5 6\n", heads, withOlf, {"to.head_pm.<index>", "time window"}},
-        {"",
-         "",
-         depths + "no olf heads\nend\n",
-         {"Depth of the olf domain", "to.head_olf.<index>"}},
-        {"",
-         "no pm depth to water table\ncompare depth to gw table\n",
-         withOlf,
-         {"Depth2GWT of the pm domain", "\"no pm depth to water table\""}},
-    };
-    for (const Case& c : cases) {
-        problem["t.observed_heads"] = "0\n";
-        problem["t.plot.control"] = c.before + control(c.pm, c.others);
-        write(problem);
-        expectEnd(runs::runHere(), c.words);
-        EXPECT_FALSE(std::filesystem::exists("to.compare_heads.dat"));
-    }
+    expectEnd(run("0\n", "no pm heads\n" + heads, withOlf),
+              {"Head of the pm domain", "\"no pm heads\""});
+    expectEnd(run("0\n", "", depths + "no olf heads\nend\n"),
+              {"Depth of the olf domain", "to.head_olf.<index>"});
+    put("t.plot.control", "truncate time domain\n5 6\n" + control(heads, withOlf));
+    expectEnd(runs::runHere(), {"to.head_pm.<index>", "time window"});
+    EXPECT_FALSE(std::filesystem::exists("to.compare_heads.dat"));
 }
 
 } // namespace

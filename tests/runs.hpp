@@ -4,7 +4,7 @@
 #include "tests/sample_files.hpp"
 #include "tvncommon/system_calls.hpp"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <functional>
 #include <string>

@@ -145,15 +145,11 @@ Problem brickProblem(const Grid& g) {
 
 void patch(Bytes& file, int number, int index, std::int32_t value) {
     std::size_t at = 0;
-    const auto lengthAt = [&] {
-        std::int32_t length = 0;
-        std::memcpy(&length, file.data() + at, 4);
-        return static_cast<std::size_t>(length);
-    };
-    for (int i = 0; i < number; ++i) at += lengthAt() + 8;
-    const std::size_t inRecord = static_cast<std::size_t>(index) * 4;
-    if (inRecord >= lengthAt()) throw std::out_of_range("no such word in the record");
-    std::memcpy(file.data() + at + 4 + inRecord, &value, 4);
+    std::int32_t length = 0;
+    for (int i = 0; std::memcpy(&length, file.data() + at, 4), i < number; ++i)
+        at += static_cast<std::size_t>(length) + 8;
+    if (index * 4 >= length) throw std::out_of_range("no such word in the record");
+    std::memcpy(file.data() + at + 4 + static_cast<std::size_t>(index) * 4, &value, 4);
 }
 
 void put(const std::string& path, std::string_view contents) {
@@ -172,11 +168,9 @@ Bytes get(const std::string& path) {
 
 Bytes getDated(const std::string& path) {
     Bytes contents = get(path);
-    const std::string key = "Date_Created=\"";
-    const std::size_t at = contents.find(key);
+    const std::size_t at = contents.find("Date_Created=\"");
     if (at == Bytes::npos) return contents;
-    const std::size_t value = at + key.size();
-    return contents.erase(value, contents.find('"', value) - value);
+    return contents.erase(at + 14, contents.find('"', at + 14) - at - 14);
 }
 
 Bytes expected(const std::string& name) {
