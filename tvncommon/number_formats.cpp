@@ -135,22 +135,38 @@ std::uint64_t scaledInteger(double size, int decimals) {
     return whole + (rest > half || (rest == half && (whole & 1) != 0));
 }
 
-inline void putInteger(std::int32_t value, char* field) {
-    const bool negative = value < 0;
-    const auto pattern = static_cast<std::uint32_t>(value);
-    const std::uint32_t size = negative ? 0 - pattern : pattern;
-    if (size >= 100000000) {
-        std::memcpy(field, integerField(value, integerWidth).data(), integerWidth);
-        return;
+// All numbers of four digits as text, with leading zeros or with blanks in their place.
+using FourDigits = std::array<std::array<char, 4>, 10000>;
+constexpr FourDigits makeFourDigits(bool zeros) {
+    FourDigits texts;
+    for (int number = 0; number < 10000; ++number) {
+        std::array<char, 4>& text = texts[static_cast<std::size_t>(number)];
+        int rest = number;
+        for (std::size_t i = 4; i-- > 0; rest /= 10)
+            text[i] = rest > 0 || zeros || i == 3 ? static_cast<char>('0' + rest % 10) : ' ';
     }
-    const std::uint64_t digits = digit_words::eightDigits(size);
-    // The last digit is written even when it is zero.
-    const int blanks = std::countr_zero(digits | std::uint64_t{1} << 56) / 8;
-    const std::uint64_t leading = (std::uint64_t{1} << (8 * blanks)) - 1;
-    const std::uint64_t text = (digits | 0x3030303030303030) - (0x1010101010101010 & leading);
-    std::memcpy(field, "  ", 2);
-    std::memcpy(field + 2, &text, 8);
-    field[1 + blanks] = negative ? '-' : ' ';
+    return texts;
+}
+constexpr FourDigits zeroPadded = makeFourDigits(true);
+constexpr FourDigits blankPadded = makeFourDigits(false);
+
+// Negative numbers and those of more than eight digits.
+[[gnu::noinline]] void putUncommonInteger(std::int32_t value, char* field) {
+    std::array<char, 16> text;
+    const char* end = std::to_chars(text.data(), text.data() + text.size(), value).ptr;
+    const auto size = static_cast<std::size_t>(end - text.data());
+    std::memset(field, size > integerWidth ? '*' : ' ', integerWidth);
+    if (size <= integerWidth) std::memcpy(field + integerWidth - size, text.data(), size);
+}
+
+inline void putInteger(std::int32_t value, char* field) {
+    const auto number = static_cast<std::uint32_t>(value);
+    if (number >= 100000000) return putUncommonInteger(value, field);
+    const std::uint32_t upper = number / 10000;
+    const std::uint32_t lower = number - upper * 10000;
+    std::memcpy(field, "      ", 6);
+    if (upper > 0) std::memcpy(field + 2, blankPadded[upper].data(), 4);
+    std::memcpy(field + 6, (upper > 0 ? zeroPadded : blankPadded)[lower].data(), 4);
 }
 
 } // namespace
