@@ -74,11 +74,11 @@ Subject makeSubject() {
 Subject subject = makeSubject();
 
 void writeHeads(Domain& domain) {
-    plot_data::tecplotWriteArrayReal8(valueCount, subject.heads.data(), {}, "head", domain);
+    plot_data::tecplotWriteArrayReal8(1, valueCount, subject.heads.data(), {}, "head", domain);
 }
 
 void writeVelocities(Domain& domain) {
-    plot_data::tecplotWriteArrayReal4(valueCount, subject.velocities.data(), {}, "velocity",
+    plot_data::tecplotWriteArrayReal4(1, valueCount, subject.velocities.data(), {}, "velocity",
                                       domain);
 }
 

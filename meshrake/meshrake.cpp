@@ -38,11 +38,6 @@ void openEchoFile() {
     error::setErrorLoggingFileUnit(run.echoUnit);
 }
 
-// Wishes that this version cannot fulfil end the run with a word rather than with half a result.
-void notThereYet(bool wanted, const char* what) {
-    if (wanted) error::fatalError(std::string(what) + " is not there yet.");
-}
-
 // Each of them by a wish of the control file, on the state of the last output time.
 void writeProducts(Domains& domains) {
     using namespace observation_compare;
@@ -84,7 +79,6 @@ void runMeshrake(int argc, const char* const* argv) {
     Domains domains;
     createDomains(domains);
     processControlFile(domains);
-    notThereYet(run.tecplotBinary, "The binary form of the plot files");
 
     // From here on nodes, elements and wishes are fixed.
     run.pmPassRequired = pmIsLent(domains);

@@ -144,7 +144,8 @@ TEST_F(PlotControl, ValuesOfAllInstructions) {
     EXPECT_TRUE(!pm.truncateEnabled && pm.truncateByLayerEnabled);
     EXPECT_THAT(switchedOff(olf), ElementsAre("no olf et"));
     EXPECT_THAT(switchedOff(pm), ElementsAre("no pm heads"));
-    EXPECT_EQ(takeScreen(), "Plot control - Unrecognized line\ncompare surface water depth\n\n");
+    EXPECT_EQ(takeScreen(), "\nAppending to Tecplot output\nStarting at time index 0000000001\n\n"
+                            "Plot control - Unrecognized line\ncompare surface water depth\n\n");
 }
 
 TEST_F(PlotControl, SectionsAndFilters) {

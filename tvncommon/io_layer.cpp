@@ -77,29 +77,6 @@ Connection* find(int unit) {
     return it == state.connections.end() ? nullptr : &it->second;
 }
 
-int statusOfOpen(int error) {
-    switch (error) {
-    case ENOENT:
-        return fileNotFound;
-    case EACCES:
-    case EPERM:
-        return permissionDenied;
-    case ENOTDIR:
-        return invalidPath;
-    case EMFILE:
-    case ENFILE:
-        return tooManyOpenFiles;
-    default:
-        return openFailed;
-    }
-}
-
-// The system would take the text up to a NUL for the name: another file's. Names have a limit here,
-// since one that is cut would be another file's too.
-bool canBeName(const std::string& path) {
-    return path.size() <= longestName && path.find('\0') == std::string::npos;
-}
-
 int open(int unit, const std::string& path, system_calls::OpenMode mode, Connection& c) {
     if (!canBeName(path)) return invalidPath;
     c.descriptor = table.open(path.c_str(), mode);
@@ -230,6 +207,29 @@ int closePiece(Connection& c) {
 }
 
 } // namespace
+
+// The system would take the text up to a NUL for the name: another file's. Names have a limit here,
+// since one that is cut would be another file's too.
+bool canBeName(const std::string& path) {
+    return path.size() <= longestName && path.find('\0') == std::string::npos;
+}
+
+int statusOfOpen(int error) {
+    switch (error) {
+    case ENOENT:
+        return fileNotFound;
+    case EACCES:
+    case EPERM:
+        return permissionDenied;
+    case ENOTDIR:
+        return invalidPath;
+    case EMFILE:
+    case ENFILE:
+        return tooManyOpenFiles;
+    default:
+        return openFailed;
+    }
+}
 
 void reset() {
     state = freshState();

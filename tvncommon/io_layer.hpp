@@ -37,6 +37,12 @@ inline constexpr int tooManyOpenFiles = 603;
 // in blocks.
 enum class Flush { everyLine, inBlocks };
 
+// True for a name that this layer opens: one of at most 300 characters, none of which is NUL.
+bool canBeName(const std::string& path);
+
+// Status of an open that failed with this `errno`.
+int statusOfOpen(int error);
+
 // Forgets all units without closing them and puts back the fixed streams.
 void reset();
 

@@ -11,11 +11,22 @@ namespace system_calls {
 
 namespace {
 
+int accessOf(OpenMode mode) {
+    switch (mode) {
+    case OpenMode::replace:
+        return O_WRONLY | O_CREAT | O_TRUNC;
+    case OpenMode::update:
+        return O_RDWR | O_CREAT;
+    default:
+        return O_RDONLY;
+    }
+}
+
 int openFile(const char* path, OpenMode mode) {
     // Without O_NONBLOCK the open of a pipe that nobody holds at the other end would never return.
-    const int access = mode == OpenMode::replace ? O_WRONLY | O_CREAT | O_TRUNC : O_RDONLY;
+    const int access = accessOf(mode);
     const int descriptor = ::open(path, access | O_CLOEXEC | O_NONBLOCK, 0666);
-    if (descriptor >= 0) ::fcntl(descriptor, F_SETFL, access & O_WRONLY);
+    if (descriptor >= 0) ::fcntl(descriptor, F_SETFL, 0);
     return descriptor;
 }
 
@@ -38,10 +49,30 @@ int existsFile(const char* path) {
     return ::stat(path, &buffer);
 }
 
+std::ptrdiff_t readAt(int descriptor, void* into, std::size_t size, std::int64_t position) {
+    return ::pread(descriptor, into, size, static_cast<off_t>(position));
+}
+
+std::ptrdiff_t writeAt(int descriptor, const void* from, std::size_t size, std::int64_t position) {
+    return ::pwrite(descriptor, from, size, static_cast<off_t>(position));
+}
+
+int truncateFile(int descriptor, std::int64_t size) {
+    return ::ftruncate(descriptor, static_cast<off_t>(size));
+}
+
+int reserveRoom(int descriptor, std::int64_t position, std::int64_t size) {
+    const int result = ::fallocate(descriptor, FALLOC_FL_KEEP_SIZE, static_cast<off_t>(position),
+                                   static_cast<off_t>(size));
+    const bool missing = result != 0 && (errno == EOPNOTSUPP || errno == ENOSYS);
+    return missing ? 0 : result;
+}
+
 } // namespace
 
 Table systemTable() {
-    return {openFile, ::read, ::write, seekFile, ::close, factsOf, existsFile};
+    return {openFile, ::read,  ::write,      seekFile,    ::close,  factsOf, existsFile,
+            readAt,   writeAt, truncateFile, reserveRoom, ::rename, ::unlink};
 }
 
 Table table = systemTable();

@@ -8,7 +8,8 @@
 // table, so that a test can make any of them fail.
 namespace system_calls {
 
-enum class OpenMode { read, replace };
+// `update` reads and writes a file as it stands, and makes one that is missing.
+enum class OpenMode { read, replace, update };
 enum class FileKind { regular, folder, other };
 
 struct FileFacts {
@@ -25,6 +26,14 @@ struct Table {
     int (*close)(int descriptor);
     int (*facts)(int descriptor, FileFacts& facts);
     int (*exists)(const char* path);
+    std::ptrdiff_t (*readAt)(int descriptor, void* into, std::size_t size, std::int64_t position);
+    std::ptrdiff_t (*writeAt)(int descriptor, const void* from, std::size_t size,
+                              std::int64_t position);
+    int (*truncate)(int descriptor, std::int64_t size);
+    // Takes room on the disk; fine where the file system has no such thing.
+    int (*reserve)(int descriptor, std::int64_t position, std::int64_t size);
+    int (*rename)(const char* from, const char* to);
+    int (*remove)(const char* path);
 };
 
 // The table in use; assigning `systemTable()` puts back the real calls.

@@ -52,8 +52,9 @@ void plot_pmdepth_grndsurf(const Domain& olf, Domain& pm) {
     plot_data::tecplotFileOpen(name, run.titleLines.front(), pm);
     plot_data::tecplotVarUnitsWrite(pm);
     plot_data::tecplotWriteZoneFE("DepthToSurf", "", 0, pm);
+    std::int32_t variable = 0;
     const auto write = [&](const std::vector<double>& values, std::string_view label) {
-        plot_data::tecplotWriteArrayReal8(pm.nodeCount, values.data(),
+        plot_data::tecplotWriteArrayReal8(++variable, pm.nodeCount, values.data(),
                                           Packing{pm.truncateEnabled, pm.nodeIncluded.data()},
                                           label, pm);
     };

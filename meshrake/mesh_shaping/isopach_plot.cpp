@@ -104,33 +104,36 @@ void addLayer(const Domain& olf, const Domain& pm, std::size_t e, std::size_t p,
     isopach.zoneThickness[e] += upperSum / faceNodes - lowerSum / faceNodes;
 }
 
-void writeNodes(Domain& olf, const std::vector<double>& values, std::string_view label) {
+// Variables in the order of their declaration.
+enum Variable : std::int32_t { x = 1, y, z, thickness };
+
+void writeNodes(Domain& olf, Variable variable, const std::vector<double>& values,
+                std::string_view label) {
     const auto& included = model::hasOwnNodes(olf) ? olf.nodeIncluded : olf.domainNodeIncluded;
-    plot_data::tecplotWriteArrayReal8(olf.nodeCount, values.data(),
+    plot_data::tecplotWriteArrayReal8(variable, olf.nodeCount, values.data(),
                                       Packing{olf.truncateEnabled, included.data()}, label, olf);
 }
 
 void writeThickness(Domain& olf, const Isopach& isopach, std::string_view label) {
     const Packing packing{olf.truncateEnabled, olf.elementIncluded.data()};
-    plot_data::tecplotWriteArrayReal8(olf.elementCount, isopach.zoneThickness.data(), packing,
-                                      label, olf);
+    plot_data::tecplotWriteArrayReal8(thickness, olf.elementCount, isopach.zoneThickness.data(),
+                                      packing, label, olf);
 }
 
 void writeFirstZone(Domain& olf, const Domain& pm, const Isopach& isopach, std::string_view time) {
     plot_data::tecplotWriteZoneFE("Isopach", time, 0, olf);
-    writeNodes(olf, surfaceCoordinate(olf, olf.x, pm.x), "x");
-    writeNodes(olf, surfaceCoordinate(olf, olf.y, pm.y), "y");
-    writeNodes(olf, isopach.topElevation, "z (isopach top)");
+    writeNodes(olf, x, surfaceCoordinate(olf, olf.x, pm.x), "x");
+    writeNodes(olf, y, surfaceCoordinate(olf, olf.y, pm.y), "y");
+    writeNodes(olf, z, isopach.topElevation, "z (isopach top)");
     writeThickness(olf, isopach, "isopach thickness (cell centred)");
     plot_data::tecplotWriteConnectivity(olf);
 }
 
-void writeLaterZone(Domain& olf, const Isopach& isopach, std::string_view time,
-                    std::int32_t thickness) {
+void writeLaterZone(Domain& olf, const Isopach& isopach, std::string_view time) {
     plot_data::tecplotVarLocCCAdd(thickness);
-    for (const std::int32_t shared : {1, 2}) plot_data::tecplotVarShareAdd(shared);
+    for (const std::int32_t shared : {x, y}) plot_data::tecplotVarShareAdd(shared);
     plot_data::tecplotWriteZoneFE("Isopach", time, 1, olf);
-    writeNodes(olf, isopach.topElevation, "z (isopach top)");
+    writeNodes(olf, z, isopach.topElevation, "z (isopach top)");
     writeThickness(olf, isopach, "isopach thickness");
 }
 
@@ -164,7 +167,7 @@ void plot_pmzone_isopach_structure(Domain& olf, const Domain& pm) {
     declareLength("X", olf);
     declareLength("Y", olf);
     declareLength("Z(isopach top)", olf);
-    const std::int32_t thickness = declareLength("isopach thickness", olf);
+    declareLength("isopach thickness", olf);
     plot_data::tecplotVarLocCCAdd(thickness);
     plot_data::tecplotFileOpen(name, run.titleLines.front(), olf);
     plot_data::tecplotVarUnitsWrite(olf);
@@ -175,7 +178,7 @@ void plot_pmzone_isopach_structure(Domain& olf, const Domain& pm) {
         if (number == 1)
             writeFirstZone(olf, pm, isopach, time);
         else
-            writeLaterZone(olf, isopach, time, thickness);
+            writeLaterZone(olf, isopach, time);
     }
     plot_data::tecplotFileClose(olf);
 }

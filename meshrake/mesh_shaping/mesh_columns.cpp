@@ -69,34 +69,35 @@ void coordinatesInit(Domain& domain, const VariableRow& row, OutputVar& var) {
     meshColumnInit(domain, row, var);
 }
 
-void coordinatesWrite(Domain& domain, const VariableRow& row, OutputVar&) {
+void coordinatesWrite(Domain& domain, const VariableRow& row, OutputVar& var) {
     const Packing packing{domain.truncateEnabled, domain.nodeIncluded.data()};
     const Domain& mesh = nodesOf(domain);
     const std::vector<double>* coordinates[] = {&mesh.x, &mesh.y, &mesh.z};
     for (std::size_t c = 0; c < 3; ++c)
-        plot_data::tecplotWriteArrayReal8(mesh.nodeCount, coordinates[c]->data(), packing,
-                                          row.columns[c].label, domain);
+        plot_data::tecplotWriteArrayReal8(var.columns[c].varNumber, mesh.nodeCount,
+                                          coordinates[c]->data(), packing, row.columns[c].label,
+                                          domain);
 }
 
 void nodeNumberInit(Domain& domain, const VariableRow& row, OutputVar& var) {
     if (!run.wallsPresent) meshColumnInit(domain, row, var);
 }
 
-void write3DNodeNumber(Domain& domain, const VariableRow& row, OutputVar&) {
+void write3DNodeNumber(Domain& domain, const VariableRow& row, OutputVar& var) {
     std::vector<std::int32_t> values = temporaryArray(nodesOf(domain).nodeCount, row.arrayText);
     const bool linked = model::hasOwnNodes(domain);
     std::size_t n = 0;
     for (std::size_t i = 0; i < values.size(); ++i)
         if (domain.nodeIncluded[i])
             values[n++] = linked ? domain.linkToPm[i] : static_cast<std::int32_t>(i + 1);
-    plot_data::tecplotWriteArrayInt4(static_cast<std::int64_t>(n), values.data(), packed,
-                                     row.columns[0].label, domain);
+    plot_data::tecplotWriteArrayInt4(var.columns[0].varNumber, static_cast<std::int64_t>(n),
+                                     values.data(), packed, row.columns[0].label, domain);
 }
 
 namespace {
 
 // One number for each included element; `numberOf` gets the element, from 0, and those in a layer.
-void writeElementNumbers(Domain& domain, const VariableRow& row,
+void writeElementNumbers(Domain& domain, const VariableRow& row, const OutputVar& var,
                          std::int32_t (*numberOf)(std::int32_t, std::int32_t)) {
     const std::int32_t perLayer = layerElements(domain, row.columns[0].name);
     std::vector<std::int32_t> values = temporaryArray(domain.elementCount, row.arrayText);
@@ -104,23 +105,23 @@ void writeElementNumbers(Domain& domain, const VariableRow& row,
     for (std::int32_t e = 0; e < domain.elementCount; ++e)
         if (domain.elementIncluded[static_cast<std::size_t>(e)])
             values[n++] = numberOf(e, perLayer);
-    plot_data::tecplotWriteArrayInt4(static_cast<std::int64_t>(n), values.data(), packed,
-                                     row.columns[0].label, domain);
+    plot_data::tecplotWriteArrayInt4(var.columns[0].varNumber, static_cast<std::int64_t>(n),
+                                     values.data(), packed, row.columns[0].label, domain);
 }
 
 } // namespace
 
-void writeLayerNumber(Domain& domain, const VariableRow& row, OutputVar&) {
-    writeElementNumbers(domain, row,
+void writeLayerNumber(Domain& domain, const VariableRow& row, OutputVar& var) {
+    writeElementNumbers(domain, row, var,
                         [](std::int32_t e, std::int32_t perLayer) { return e / perLayer + 1; });
 }
 
-void writeColumnNumber(Domain& domain, const VariableRow& row, OutputVar&) {
-    writeElementNumbers(domain, row,
+void writeColumnNumber(Domain& domain, const VariableRow& row, OutputVar& var) {
+    writeElementNumbers(domain, row, var,
                         [](std::int32_t e, std::int32_t perLayer) { return e % perLayer + 1; });
 }
 
-void writeElementThickness(Domain& domain, const VariableRow& row, OutputVar&) {
+void writeElementThickness(Domain& domain, const VariableRow& row, OutputVar& var) {
     if (domain.nodesPerElement < 2 && domain.elementCount > 0)
         error::fatalError("Thickness of the " + domain.name +
                           " domain: elements of one node\nFile: " +
@@ -130,8 +131,8 @@ void writeElementThickness(Domain& domain, const VariableRow& row, OutputVar&) {
     std::size_t n = 0;
     for (std::size_t e = 0; e < values.size(); ++e)
         if (domain.elementIncluded[e]) values[n++] = thickness(domain, e);
-    plot_data::tecplotWriteArrayReal8(static_cast<std::int64_t>(n), values.data(), packed,
-                                      row.columns[0].label, domain);
+    plot_data::tecplotWriteArrayReal8(var.columns[0].varNumber, static_cast<std::int64_t>(n),
+                                      values.data(), packed, row.columns[0].label, domain);
 }
 
 void depth2SurfInit(Domain& domain, const VariableRow& row, OutputVar& var) {
@@ -153,10 +154,11 @@ void depth2SurfInit(Domain& domain, const VariableRow& row, OutputVar& var) {
     meshColumnInit(domain, row, var);
 }
 
-void apertureWrite(Domain& domain, const VariableRow& row, OutputVar&) {
+void apertureWrite(Domain& domain, const VariableRow& row, OutputVar& var) {
     const Packing packing{domain.truncateEnabled, domain.elementIncluded.data()};
-    plot_data::tecplotWriteArrayReal8(domain.elementCount, domain.fractureAperture.data(), packing,
-                                      row.columns[0].label, domain);
+    plot_data::tecplotWriteArrayReal8(var.columns[0].varNumber, domain.elementCount,
+                                      domain.fractureAperture.data(), packing, row.columns[0].label,
+                                      domain);
 }
 
 } // namespace mesh_shaping

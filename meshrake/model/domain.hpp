@@ -36,10 +36,18 @@ struct DataSet {
     std::string fileName;        // as given to tecplotFileOpen, without extension
     std::int32_t zoneNumber = 0; // zone created last, 0 before the first
     std::int32_t numVars = 0;    // variables declared so far
-    std::string varNameList;     // quoted names, separated by commas
-    std::string varTypeList;     // type words, separated by commas
-    std::string unitComments;    // comment lines with the units of the variables
-    std::string unitAuxData;     // the same as auxiliary data of the variables
+    std::string varNameList;     // names separated by commas, in the text form in quotes
+
+    // Text form
+    std::string varTypeList;  // type words, separated by commas
+    std::string unitComments; // comment lines with the units of the variables
+    std::string unitAuxData;  // the same as auxiliary data of the variables
+
+    // Binary form. The lists have an entry for each variable.
+    void* handle = nullptr;                // open file of the writer library
+    std::vector<std::int32_t> varTypes;    // type codes
+    std::vector<std::string> varUnits;     // at most 50 characters each, empty: none
+    std::vector<std::int32_t> varLocation; // in the zone created last: 1 nodes, 0 elements
 };
 
 // One simulation domain: its mesh, options, output variables and plot file. Node and element

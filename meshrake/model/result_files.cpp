@@ -121,13 +121,7 @@ bool findTime(std::string_view suffix) {
     return false;
 }
 
-std::string convertedTime(const std::string& timestamp) {
-    const double scaled = timeOf(timestamp) * run.timeUnitFactor;
-    return " " + number_formats::wideRealText(scaled + run.timeUnitOffset);
-}
-
-} // namespace
-
+// A time stamp of the file found last as a number.
 double timeOf(const std::string& timestamp) {
     double time = 0;
     const int status = free_form::readReal(timestamp, time);
@@ -136,6 +130,13 @@ double timeOf(const std::string& timestamp) {
                                             "\nThe time stamp is no number: " + timestamp);
     return time;
 }
+
+std::string convertedTime(const std::string& timestamp) {
+    const double scaled = timeOf(timestamp) * run.timeUnitFactor;
+    return " " + number_formats::wideRealText(scaled + run.timeUnitOffset);
+}
+
+} // namespace
 
 std::string outputTimeIndex(std::int32_t index) {
     const std::string digits = utils::zeroPaddedIntString(index, 10);
@@ -150,6 +151,11 @@ void getTimestamp(std::string_view suffix, bool& found) {
         TVNBinaryFile::readTVNBinFileHeader(run.timeFile), run.timeFile);
     run.currentTimeText = run.timeConversion ? convertedTime(header.timestamp) : header.timestamp;
     run.currentTimeText = StringHelpers::cut(run.currentTimeText, 60);
+}
+
+bool inTimeWindow() {
+    const double time = timeOf(run.currentTimeText);
+    return !(time < run.timeWindowMin || time > run.timeWindowMax);
 }
 
 } // namespace model

@@ -15,7 +15,8 @@ std::string outputTimeIndex(std::int32_t index);
 // so. Sets "0.0" and `found` false when there is none. A malformed header ends the run.
 void getTimestamp(std::string_view suffix, bool& found);
 
-// A time stamp of the file found last as a number; ends the run, naming the file, when it is none.
-double timeOf(const std::string& timestamp);
+// True when the time found last lies in the time window, ends included. Ends the run when its text
+// is no number.
+bool inTimeWindow();
 
 } // namespace model

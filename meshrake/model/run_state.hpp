@@ -90,8 +90,8 @@ struct RunState {
 
     // Plot files: what the next zone line says, and where text is put together. One domain's zone
     // is complete before the next domain's begins, so one of each is enough.
-    std::string cellCenteredList, shareList; // variable numbers, at most 512 characters
-    std::vector<char> writeBuffer;           // the block that goes out next
+    std::vector<std::int32_t> cellCenteredVars, sharedVars; // variable numbers
+    std::vector<char> writeBuffer;                          // the block that goes out next
 };
 
 extern RunState run;

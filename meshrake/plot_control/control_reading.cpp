@@ -1,5 +1,6 @@
 #include "meshrake/plot_control/control_reading.hpp"
 
+#include "meshrake/model/append_state.hpp"
 #include "meshrake/model/run_state.hpp"
 #include "tvncommon/StringHelpers.hpp"
 #include "tvncommon/error.hpp"
@@ -216,6 +217,7 @@ void readPlotControlInit() {
         } else if (endsSection(line)) {
             // Only a binary file can be continued.
             run.tecplotAppend = run.tecplotAppend && run.tecplotBinary;
+            if (run.tecplotAppend) model::initTecplotAppend();
             return;
         } else {
             reportUnrecognized(line);

@@ -1,5 +1,7 @@
 #include "meshrake/plot_data/array_writing.hpp"
 
+#include "meshrake/model/run_state.hpp"
+#include "meshrake/plot_data/binary_data_set.hpp"
 #include "meshrake/plot_data/text_block.hpp"
 #include "tvncommon/StringHelpers.hpp"
 #include "tvncommon/number_formats.hpp"
@@ -11,6 +13,7 @@
 namespace plot_data {
 
 using model::Domain;
+using model::run;
 
 namespace {
 
@@ -79,8 +82,9 @@ void appendPacked(TextBlock& block, std::int64_t count, const T* values, const s
 }
 
 template<class T>
-void writeArray(std::int64_t count, const T* values, const Packing& packing, std::string_view label,
-                Domain& domain) {
+void writeArray(std::int32_t varNumber, std::int64_t count, const T* values, const Packing& packing,
+                std::string_view label, Domain& domain) {
+    if (run.tecplotBinary) return binary::writeArray(varNumber, count, values, packing, domain);
     TextBlock block = beginBlock(domain.tecplotUnit);
     appendLine(block, "# " + std::string(StringHelpers::trimRight(label)));
     if (packing.truncated) {
@@ -95,19 +99,19 @@ void writeArray(std::int64_t count, const T* values, const Packing& packing, std
 
 } // namespace
 
-void tecplotWriteArrayReal4(std::int64_t count, const float* values, const Packing& packing,
-                            std::string_view label, Domain& domain) {
-    writeArray(count, values, packing, label, domain);
+void tecplotWriteArrayReal4(std::int32_t varNumber, std::int64_t count, const float* values,
+                            const Packing& packing, std::string_view label, Domain& domain) {
+    writeArray(varNumber, count, values, packing, label, domain);
 }
 
-void tecplotWriteArrayReal8(std::int64_t count, const double* values, const Packing& packing,
-                            std::string_view label, Domain& domain) {
-    writeArray(count, values, packing, label, domain);
+void tecplotWriteArrayReal8(std::int32_t varNumber, std::int64_t count, const double* values,
+                            const Packing& packing, std::string_view label, Domain& domain) {
+    writeArray(varNumber, count, values, packing, label, domain);
 }
 
-void tecplotWriteArrayInt4(std::int64_t count, const std::int32_t* values, const Packing& packing,
-                           std::string_view label, Domain& domain) {
-    writeArray(count, values, packing, label, domain);
+void tecplotWriteArrayInt4(std::int32_t varNumber, std::int64_t count, const std::int32_t* values,
+                           const Packing& packing, std::string_view label, Domain& domain) {
+    writeArray(varNumber, count, values, packing, label, domain);
 }
 
 } // namespace plot_data

@@ -1,6 +1,7 @@
 #include "meshrake/plot_data/zone.hpp"
 
 #include "meshrake/model/run_state.hpp"
+#include "meshrake/plot_data/binary_data_set.hpp"
 #include "meshrake/plot_data/text_block.hpp"
 #include "tvncommon/ArrayHelpers.hpp"
 #include "tvncommon/number_formats.hpp"
@@ -108,36 +109,49 @@ void tecplotElemConnectivity(const Domain& domain, const OwnNodes& own, const Pa
     if (triangle) nodes[3] = nodes[2];
 }
 
+// Node lists of the included elements into `write`, as many at a time as stay in the cache.
+template<class Write>
+void writeRows(const Domain& domain, const Pattern& pattern, Write write) {
+    if (pattern.length == 0) return;
+    const OwnNodes own = ownNodesOf(domain);
+    constexpr std::int64_t rowsAtOnce = 4096;
+    std::array<std::int32_t, rowsAtOnce * maximumSlots> nodes;
+    std::int64_t rows = 0;
+    const auto count = static_cast<std::size_t>(domain.elementCount);
+    for (std::size_t e = 0; e < count; ++e) {
+        if (!domain.elementIncluded[e]) continue;
+        tecplotElemConnectivity(domain, own, pattern, e, nodes.data() + rows * pattern.length);
+        if (++rows < rowsAtOnce) continue;
+        write(nodes.data(), rows);
+        rows = 0;
+    }
+    if (rows > 0) write(nodes.data(), rows);
+}
+
+void writeText(Domain& domain, const Pattern& pattern) {
+    TextBlock block = beginBlock(domain.tecplotUnit);
+    appendLine(block, "# element node lists");
+    const std::int64_t rowBytes = 11 * pattern.length + 1;
+    writeRows(domain, pattern, [&](const std::int32_t* nodes, std::int64_t rows) {
+        while (rows > 0) {
+            const std::int64_t n = std::min(rows, roomForRows(block, rowBytes));
+            block.end = number_formats::writeConnectivityRows(nodes, n, pattern.length, block.end);
+            nodes += n * pattern.length;
+            rows -= n;
+        }
+    });
+    writeBlock(block);
+}
+
 } // namespace
 
 void tecplotWriteConnectivity(Domain& domain) {
-    TextBlock block = beginBlock(domain.tecplotUnit);
-    appendLine(block, "# element node lists");
     const Pattern pattern = patternOf(domain.nodesPerElement);
-    if (pattern.length > 0) {
-        const OwnNodes own = ownNodesOf(domain);
-        const std::int64_t rowBytes = 11 * pattern.length + 1;
-        constexpr std::int64_t rowsAtOnce = 512;
-        std::array<std::int32_t, rowsAtOnce * maximumSlots> nodes;
-        std::int64_t rows = 0;
-        const auto flushRows = [&] {
-            for (std::int64_t done = 0; done < rows;) {
-                const std::int64_t n = std::min(rows - done, roomForRows(block, rowBytes));
-                block.end = number_formats::writeConnectivityRows(
-                    nodes.data() + done * pattern.length, n, pattern.length, block.end);
-                done += n;
-            }
-            rows = 0;
-        };
-        const auto count = static_cast<std::size_t>(domain.elementCount);
-        for (std::size_t e = 0; e < count; ++e) {
-            if (!domain.elementIncluded[e]) continue;
-            tecplotElemConnectivity(domain, own, pattern, e, nodes.data() + rows * pattern.length);
-            if (++rows == rowsAtOnce) flushRows();
-        }
-        flushRows();
-    }
-    writeBlock(block);
+    if (!run.tecplotBinary) return writeText(domain, pattern);
+    writeRows(domain, pattern, [&](const std::int32_t* nodes, std::int64_t rows) {
+        binary::writeNodes(rows * pattern.length, nodes, domain);
+    });
+    if (domain.neTruncated == 0 || pattern.length == 0) binary::writeNodes(0, nullptr, domain);
 }
 
 } // namespace plot_data

@@ -2,6 +2,7 @@
 
 #include "meshrake/model/run_state.hpp"
 #include "meshrake/model/version.hpp"
+#include "meshrake/plot_data/binary_data_set.hpp"
 #include "tvncommon/StringHelpers.hpp"
 #include "tvncommon/error.hpp"
 #include "tvncommon/file_units.hpp"
@@ -18,15 +19,8 @@ using model::run;
 
 namespace {
 
-// A longer list of variable numbers is cut without a word.
-constexpr int listLimit = 512;
-
-void appendNumber(std::string& list, std::int32_t number) {
-    if (!list.empty()) list += ',';
-    list = StringHelpers::cut(list + std::to_string(number), listLimit);
-}
-
 void tecplotAddMetadata(std::string_view key, std::string_view value, Domain& domain) {
+    if (run.tecplotBinary) return binary::addMetadata(key, value, domain);
     file_units::writeLine(domain.tecplotUnit, "DATASETAUXDATA " + std::string(key) + "=\"" +
                                                   std::string(StringHelpers::trimRight(value)) +
                                                   "\"");
@@ -47,35 +41,42 @@ std::string_view tecDt2String(DataType type) {
 
 void tecplotInit(Domain& domain) {
     domain.dataSet = {};
-    run.cellCenteredList.clear();
-    run.shareList.clear();
+    run.cellCenteredVars.clear();
+    run.sharedVars.clear();
 }
 
 std::int32_t tecplotVarAdd(std::string_view name, Domain& domain) {
+    const std::string trimmed(StringHelpers::trimRight(name));
     std::string& list = domain.dataSet.varNameList;
-    list += (list.empty() ? "\"" : ",\"") + std::string(StringHelpers::trimRight(name)) + "\"";
     const std::int32_t number = ++domain.dataSet.numVars;
-    model::write_string(number_formats::integerField(number, 4) + "     " +
-                        std::string(StringHelpers::trimRight(name)));
+    if (number > 1) list += ',';
+    list += run.tecplotBinary ? trimmed : "\"" + trimmed + "\"";
+    model::write_string(number_formats::integerField(number, 4) + "     " + trimmed);
     return number;
 }
 
 void tecplotDataType(DataType type, Domain& domain) {
+    if (run.tecplotBinary)
+        return domain.dataSet.varTypes.push_back(static_cast<std::int32_t>(type));
     std::string& list = domain.dataSet.varTypeList;
     if (!list.empty()) list += ',';
     list += tecDt2String(type);
 }
 
 void tecplotVarShareAdd(std::int32_t varNumber) {
-    appendNumber(run.shareList, varNumber);
+    run.sharedVars.push_back(varNumber);
 }
 
 void tecplotVarLocCCAdd(std::int32_t varNumber) {
-    appendNumber(run.cellCenteredList, varNumber);
+    run.cellCenteredVars.push_back(varNumber);
 }
 
 void tecplotFileOpen(std::string_view name, std::string_view title, Domain& domain) {
     domain.dataSet.fileName = name;
+    if (run.tecplotBinary) {
+        binary::fileOpen(name, title, domain);
+        return tecplotMetadata(domain);
+    }
     const std::string path = model::fileName(domain.dataSet.fileName + ".dat");
     if (domain.tecplotUnit < 1) domain.tecplotUnit = file_units::getUnit();
     error::checkFileOpen(
@@ -86,9 +87,12 @@ void tecplotFileOpen(std::string_view name, std::string_view title, Domain& doma
     tecplotMetadata(domain);
 }
 
-void tecplotFileFlush(Domain&) {}
+void tecplotFileFlush(Domain& domain) {
+    if (run.tecplotBinary) binary::fileFlush(domain);
+}
 
 void tecplotFileClose(Domain& domain) {
+    if (run.tecplotBinary) return binary::fileClose(domain);
     if (domain.tecplotUnit < 1 || domain.dataSet.fileName.empty()) return;
     model::write_string("Closing tecplot file: " + domain.dataSet.fileName);
     file_units::freeUnit(domain.tecplotUnit);

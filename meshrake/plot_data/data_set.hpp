@@ -31,13 +31,15 @@ void tecplotVarShareAdd(std::int32_t varNumber);
 // The variable is cell-centred in the next zone. To be said again for every zone.
 void tecplotVarLocCCAdd(std::int32_t varNumber);
 
-// Creates <name>.dat with title, variables and metadata. A failed open ends the run.
+// Creates <name>.dat with title, variables and metadata, or opens <name>.szplt in the binary form.
+// A failed open ends the run.
 void tecplotFileOpen(std::string_view name, std::string_view title, Domain& domain);
 
 // Hands finished zones to the disk where the form of the file holds them back; text does not.
 void tecplotFileFlush(Domain& domain);
 
-// Ends the file; nothing happens if it was never opened.
+// Ends the file; nothing happens if it was never opened. A binary file that a later run may
+// continue is flushed and stays unfinished.
 void tecplotFileClose(Domain& domain);
 
 // The eight auxiliary values of a data set: program, time, problem and base units.

@@ -1,9 +1,12 @@
 #include "meshrake/plot_data/unit_labels.hpp"
 
 #include "meshrake/model/run_state.hpp"
+#include "meshrake/plot_data/binary_data_set.hpp"
 #include "tvncommon/StringHelpers.hpp"
 #include "tvncommon/file_units.hpp"
 #include "tvncommon/units.hpp"
+
+#include <algorithm>
 
 namespace plot_data {
 
@@ -12,6 +15,9 @@ using model::run;
 
 namespace {
 
+// A longer unit of a binary data set is cut without a word.
+constexpr std::size_t unitLimit = 50;
+
 void appendLine(std::string& text, const std::string& line) {
     if (!text.empty()) text += '\n';
     text += line;
@@ -19,6 +25,12 @@ void appendLine(std::string& text, const std::string& line) {
 
 void tecplotVarUnitsAddPrivate(std::string_view varName, std::int32_t varNumber,
                                const std::string& units, Domain& domain) {
+    if (run.tecplotBinary) {
+        std::vector<std::string>& list = domain.dataSet.varUnits;
+        list.resize(std::max(list.size(), static_cast<std::size_t>(varNumber)));
+        list[static_cast<std::size_t>(varNumber - 1)] = StringHelpers::cut(units, unitLimit);
+        return;
+    }
     if (units.empty()) return;
     const std::string name(StringHelpers::trimLeft(StringHelpers::trimRight(varName)));
     appendLine(domain.dataSet.unitComments, "# " + name + " units: " + units);
@@ -58,6 +70,7 @@ void tecplotTransVarUnitsAdd(std::size_t speciesIndex, std::string_view varName,
 }
 
 void tecplotVarUnitsWrite(Domain& domain) {
+    if (run.tecplotBinary) return binary::varUnitsWrite(domain);
     const model::DataSet& dataSet = domain.dataSet;
     if (!dataSet.unitComments.empty())
         file_units::writeLine(domain.tecplotUnit, dataSet.unitComments);

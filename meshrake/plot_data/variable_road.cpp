@@ -118,11 +118,14 @@ void writeColumn(Domain& domain, const VariableRow& row, const Column& column,
     const Packing packing{domain.truncateEnabled, (nodal ? nodes : domain.elementIncluded).data()};
     switch (row.type) {
     case DataType::single:
-        return tecplotWriteArrayReal4(n, column.real4.data(), packing, label, domain);
+        return tecplotWriteArrayReal4(column.varNumber, n, column.real4.data(), packing, label,
+                                      domain);
     case DataType::real8:
-        return tecplotWriteArrayReal8(n, column.real8.data(), packing, label, domain);
+        return tecplotWriteArrayReal8(column.varNumber, n, column.real8.data(), packing, label,
+                                      domain);
     case DataType::longInt:
-        return tecplotWriteArrayInt4(n, column.int4.data(), packing, label, domain);
+        return tecplotWriteArrayInt4(column.varNumber, n, column.int4.data(), packing, label,
+                                     domain);
     }
 }
 

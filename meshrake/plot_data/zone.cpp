@@ -1,6 +1,7 @@
 #include "meshrake/plot_data/zone.hpp"
 
 #include "meshrake/model/run_state.hpp"
+#include "meshrake/plot_data/binary_data_set.hpp"
 #include "tvncommon/StringHelpers.hpp"
 #include "tvncommon/file_units.hpp"
 
@@ -11,18 +12,24 @@ using model::run;
 
 namespace {
 
-// A longer line is cut without a word.
+// A longer line, and a longer list of variable numbers in it, is cut without a word.
 constexpr int headerLimit = 512;
+constexpr int listLimit = 512;
+
+std::string listOf(const std::vector<std::int32_t>& numbers) {
+    std::string list;
+    for (const std::int32_t number : numbers)
+        list += (list.empty() ? "" : ",") + std::to_string(number);
+    return std::string(StringHelpers::cut(list, listLimit));
+}
 
 void append(std::string& zoneHeader, std::string_view part) {
     zoneHeader = StringHelpers::cut(
         std::string(StringHelpers::trimRight(zoneHeader)) + std::string(part), headerLimit);
 }
 
-} // namespace
-
-void tecplotWriteZoneFE(std::string_view title, std::string_view solutionTime,
-                        int connectivityShareZone, Domain& domain) {
+void writeZoneLine(std::string_view title, std::string_view solutionTime, int connectivityShareZone,
+                   Domain& domain) {
     model::DataSet& dataSet = domain.dataSet;
     ++dataSet.zoneNumber;
     std::string zoneHeader;
@@ -33,17 +40,27 @@ void tecplotWriteZoneFE(std::string_view title, std::string_view solutionTime,
     append(zoneHeader, ", NODES=" + std::to_string(domain.nnTruncated));
     append(zoneHeader, ", ELEMENTS=" + std::to_string(domain.neTruncated));
     append(zoneHeader, ", ZONETYPE=" + domain.zoneType);
-    if (!run.cellCenteredList.empty())
-        append(zoneHeader, ", VARLOCATION=([" + run.cellCenteredList + "]=CELLCENTERED)");
-    if (dataSet.zoneNumber > 1 && !run.shareList.empty())
-        append(zoneHeader, ", VARSHARELIST=([" + run.shareList + "])");
+    if (!run.cellCenteredVars.empty())
+        append(zoneHeader, ", VARLOCATION=([" + listOf(run.cellCenteredVars) + "]=CELLCENTERED)");
+    if (dataSet.zoneNumber > 1 && !run.sharedVars.empty())
+        append(zoneHeader, ", VARSHARELIST=([" + listOf(run.sharedVars) + "])");
     if (connectivityShareZone > 0)
         append(zoneHeader, ", CONNECTIVITYSHAREZONE=" + std::to_string(connectivityShareZone));
     file_units::writeLine(domain.tecplotUnit, StringHelpers::trimRight(zoneHeader));
     if (!dataSet.varTypeList.empty())
         file_units::writeLine(domain.tecplotUnit, "DT=(" + dataSet.varTypeList + ")");
-    run.cellCenteredList.clear();
-    run.shareList.clear();
+}
+
+} // namespace
+
+void tecplotWriteZoneFE(std::string_view title, std::string_view solutionTime,
+                        int connectivityShareZone, Domain& domain) {
+    if (run.tecplotBinary)
+        binary::writeZoneFE(title, solutionTime, connectivityShareZone, domain);
+    else
+        writeZoneLine(title, solutionTime, connectivityShareZone, domain);
+    run.cellCenteredVars.clear();
+    run.sharedVars.clear();
 }
 
 } // namespace plot_data

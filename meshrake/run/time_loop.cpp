@@ -1,8 +1,8 @@
 #include "meshrake/run/time_loop.hpp"
 
+#include "meshrake/model/append_state.hpp"
 #include "meshrake/model/result_files.hpp"
 #include "meshrake/model/run_state.hpp"
-#include "meshrake/run/append_state.hpp"
 
 namespace run_driver {
 
@@ -15,11 +15,6 @@ std::string timeLine() {
     return run.timeSuffix + ": " + run.currentTimeText;
 }
 
-bool inTimeWindow() {
-    const double time = model::timeOf(run.currentTimeText);
-    return !(time < run.timeWindowMin || time > run.timeWindowMax);
-}
-
 // Finds the files of the current index and takes their time.
 bool findOutputTime() {
     run.timeSuffix = model::outputTimeIndex(run.timeIndex);
@@ -30,7 +25,7 @@ bool findOutputTime() {
 }
 
 void recordProgress() {
-    if (run.tecplotAppend) writeTecplotAppend(run.timeIndex);
+    if (run.tecplotAppend) model::writeTecplotAppend(run.timeIndex);
 }
 
 } // namespace
@@ -43,7 +38,7 @@ void timeLoop(Domains& domains) {
         if (!found && run.tecplotAppend && run.startTimeIndex > 1)
             return write_string("No more data to append");
         if (found && run.truncateTime) {
-            if (!inTimeWindow()) {
+            if (!model::inTimeWindow()) {
                 write_string("Skip Time " + timeLine());
                 continue;
             }

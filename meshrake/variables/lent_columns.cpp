@@ -78,10 +78,12 @@ void lentWrite(Domain& domain, const VariableRow& row, OutputVar& var) {
         const std::string_view label =
             row.columns[0].label.empty() ? speciesName(c) : row.columns[c].label;
         if (row.type == DataType::single)
-            plot_data::tecplotWriteArrayReal4(static_cast<std::int64_t>(column.real4.size()),
+            plot_data::tecplotWriteArrayReal4(var.columns[c].varNumber,
+                                              static_cast<std::int64_t>(column.real4.size()),
                                               column.real4.data(), packing, label, domain);
         else
-            plot_data::tecplotWriteArrayReal8(static_cast<std::int64_t>(column.real8.size()),
+            plot_data::tecplotWriteArrayReal8(var.columns[c].varNumber,
+                                              static_cast<std::int64_t>(column.real8.size()),
                                               column.real8.data(), packing, label, domain);
     }
 }

@@ -33,10 +33,10 @@ void zoneRead(Domain& domain, const VariableRow& row, OutputVar& var) {
     plot_data::markColumns(row, var.columns);
 }
 
-void zoneWrite(Domain& domain, const VariableRow& row, OutputVar&) {
-    plot_data::tecplotWriteArrayInt4(domain.elementCount, domain.elementZone.data(),
-                                     {domain.truncateEnabled, domain.elementIncluded.data()},
-                                     row.columns[0].label, domain);
+void zoneWrite(Domain& domain, const VariableRow& row, OutputVar& var) {
+    plot_data::tecplotWriteArrayInt4(
+        var.columns[0].varNumber, domain.elementCount, domain.elementZone.data(),
+        {domain.truncateEnabled, domain.elementIncluded.data()}, row.columns[0].label, domain);
 }
 
 namespace {

@@ -98,8 +98,8 @@ void initTecplot(Domain& domain, Table table) {
 }
 
 void appendTecplot(Domain& domain, Table table) {
-    run.cellCenteredList.clear();
-    run.shareList.clear();
+    run.cellCenteredVars.clear();
+    run.sharedVars.clear();
     readOrShare(domain, table);
     if (model::isOnlyLent(domain)) return;
 

@@ -1,0 +1,74 @@
+#include "meshrake/model/append_state.hpp"
+
+#include "meshrake/model/result_files.hpp"
+#include "meshrake/model/run_state.hpp"
+#include "tvncommon/byte_file.hpp"
+#include "tvncommon/error.hpp"
+#include "tvncommon/file_units.hpp"
+#include "tvncommon/io_layer.hpp"
+
+namespace model {
+
+namespace {
+
+const std::string stem = "tec_append";
+constexpr std::int64_t fileBytes = 12; // the integer and its two lengths
+constexpr std::int32_t greatestIndex = 2147483646;
+
+std::int32_t firstIndexInWindow() {
+    for (std::int32_t index = 1;; ++index) {
+        run.timeSuffix = outputTimeIndex(index);
+        bool found = false;
+        getTimestamp("." + run.timeSuffix, found);
+        if (!found || inTimeWindow()) return index;
+    }
+}
+
+bool canBeWritten(const std::string& name) {
+    byte_file::File file;
+    std::int64_t size = 0;
+    const int status = byte_file::open(name, system_calls::OpenMode::update, file, size);
+    byte_file::close(file);
+    return status == io_layer::ok;
+}
+
+} // namespace
+
+void initTecplotAppend() {
+    run.appendFirstIndex = run.truncateTime ? firstIndexInWindow() : 1;
+    run.startTimeIndex = readTecplotAppend() + 1;
+    for (const auto& write : {writeEcho, writeScreen}) {
+        write("");
+        write("Appending to Tecplot output");
+        write("Starting at time index " + outputTimeIndex(run.startTimeIndex));
+        write("");
+    }
+}
+
+std::int32_t readTecplotAppend() {
+    std::int32_t index = 0;
+    const int unit = file_units::getUnit();
+    if (io_layer::openRecordsRead(unit, problemFile(stem)) == io_layer::ok) {
+        if (io_layer::bytesLeft(unit) != fileBytes)
+            file_units::badContents(unit, "It must have " + std::to_string(fileBytes) + " bytes.");
+        index = file_units::readInteger(unit);
+        if (index < 0 || index > greatestIndex)
+            file_units::badContents(unit,
+                                    std::to_string(index) + " is no index of an output time.");
+    }
+    file_units::freeUnit(unit);
+    return index;
+}
+
+void writeTecplotAppend(std::int32_t index) {
+    const std::string name = problemFile(stem);
+    const std::string made = problemFile(stem + ".new");
+    if (io_layer::exists(name) && !canBeWritten(name)) return;
+    const int unit = file_units::getUnit();
+    const bool opened = io_layer::openRecordsReplace(unit, made) == io_layer::ok;
+    if (opened) error::checkFileWrite(io_layer::writeRecord(unit, &index, sizeof index), made);
+    file_units::freeUnit(unit);
+    if (opened) error::checkFileWrite(byte_file::rename(made, name), name);
+}
+
+} // namespace model

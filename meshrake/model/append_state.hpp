@@ -1,0 +1,21 @@
+#pragma once
+
+#include <cstdint>
+
+// What carries a continued output from one run to the next: <prefix>o.tec_append, one record of one
+// integer, the index of the last finished output time.
+namespace model {
+
+// Sets `run.startTimeIndex` to the output time behind the last finished one, 1 when there is no
+// file, and `run.appendFirstIndex` to the first one in the time window. Ends the run when the file
+// is damaged.
+void initTecplotAppend();
+
+// Index of the last finished output time, 0 when the file cannot be opened.
+std::int32_t readTecplotAppend();
+
+// Records the last finished output time: the file holds the old index or the new one at any moment.
+// A failed open is passed over; a failed write ends the run.
+void writeTecplotAppend(std::int32_t index);
+
+} // namespace model

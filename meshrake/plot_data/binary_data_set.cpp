@@ -1,0 +1,266 @@
+#include "meshrake/plot_data/binary_data_set.hpp"
+
+#include "meshrake/model/run_state.hpp"
+#include "tecio/tecio.h"
+#include "tvncommon/StringHelpers.hpp"
+#include "tvncommon/byte_file.hpp"
+#include "tvncommon/error.hpp"
+#include "tvncommon/free_form.hpp"
+#include "tvncommon/io_layer.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace plot_data::binary {
+
+using model::DataSet;
+using model::run;
+
+namespace {
+
+// Every zone with a time belongs to it.
+constexpr std::int32_t strand = 1;
+
+std::string trimmed(std::string_view text) {
+    return std::string(StringHelpers::trimRight(text));
+}
+
+void check(std::int32_t status, const std::string& what, Domain& domain) {
+    if (status == 0) return;
+    tecFileWriterClose(&domain.dataSet.handle);
+    error::fatalError(what + " " + domain.name + " domain.");
+}
+
+bool continuesOutput() {
+    return run.tecplotAppend && run.startTimeIndex > 1;
+}
+
+// The library goes on with any data set that has a sidecar, so the decision is made here.
+void prepareOpen(const std::string& path) {
+    const std::string sidecar = path + ".szhdr";
+    const bool goesOn = continuesOutput() && io_layer::exists(path);
+    if (!goesOn)
+        error::checkFileOpen(byte_file::remove(sidecar), sidecar);
+    else if (!io_layer::exists(sidecar))
+        error::checkFileOpen(io_layer::fileNotFound,
+                             sidecar +
+                                 "\nThe data set was finished: no zone can be appended to it.");
+}
+
+// The file that a failed open is about, and why.
+std::string openFailure(std::int32_t status, const std::string& path) {
+    switch (status) {
+    case 2:
+        return path + "\nThe file is damaged: no zone can be appended to it.";
+    case 3:
+        return path + ".szhdr\nThe file is damaged: no zone can be appended to its data set.";
+    case 4:
+        return path + "\nThe data set has other variables than this run.";
+    default:
+        return path;
+    }
+}
+
+// The library takes names with commas between them.
+void checkNames(const Domain& domain) {
+    const std::string& list = domain.dataSet.varNameList;
+    if (std::count(list.begin(), list.end(), ',') < domain.dataSet.numVars) return;
+    error::input_error(
+        "A variable of the " + domain.name +
+        " domain has a comma in its name, which a binary plot file cannot hold: " + list);
+}
+
+std::int32_t zoneTypeCode(const Domain& domain) {
+    switch (domain.nodesPerElement) {
+    case 2:
+        return 1;
+    case 3:
+    case 4:
+        return (domain.tag & (model::tags::pm | model::tags::dual)) != 0 ? 4 : 3;
+    case 6:
+    case 8:
+        return 5;
+    default:
+        return 0;
+    }
+}
+
+// A run that was cut short, after its last output time was recorded, may have left zones that a
+// reader of the file does not see yet. Where no further time has come, this run writes no zone; it
+// shows those. A file that cannot be opened for it stays as it is.
+void showZonesOfEarlierRun(const Domain& domain) {
+    if (!MESHRAKE_OWN_TECIO || !continuesOutput()) return;
+    if (!domain.exists || !domain.writeDomain.enabled) return;
+    const std::string name = model::problemFile(domain.name);
+    if (!io_layer::exists(name + ".szplt") || !io_layer::exists(name + ".szplt.szhdr")) return;
+    void* handle = nullptr;
+    if (tecFileWriterOpen(name.c_str(), "", "", 1, 0, 0, nullptr, &handle) == 0)
+        tecFileWriterFlush(handle, 0, nullptr);
+}
+
+double timeOf(std::string_view text, const Domain& domain) {
+    double time = 0;
+    int status = free_form::readReal(text, time);
+    if (status == io_layer::ok && !std::isfinite(time)) status = io_layer::invalidData;
+    if (status != io_layer::ok)
+        error::input_error_stat(status, "The solution time of the " + domain.name +
+                                            " domain is no number: " + trimmed(text));
+    return time;
+}
+
+// One entry for each variable: `given` for those in the list, `otherwise` for the rest.
+std::vector<std::int32_t> marked(const std::vector<std::int32_t>& variables, std::int32_t given,
+                                 std::int32_t otherwise, const DataSet& dataSet) {
+    std::vector<std::int32_t> list(static_cast<std::size_t>(dataSet.numVars), otherwise);
+    for (const std::int32_t number : variables)
+        if (number > 0) list[static_cast<std::size_t>(number - 1)] = given;
+    return list;
+}
+
+std::string_view typeText(const float*) {
+    return "real(4)";
+}
+std::string_view typeText(const double*) {
+    return "real(8)";
+}
+std::string_view typeText(const std::int32_t*) {
+    return "integer(4)";
+}
+
+std::int32_t handOver(const DataSet& set, std::int32_t varNumber, std::int64_t count,
+                      const float* values) {
+    return tecZoneVarWriteFloatValues(set.handle, set.zoneNumber, varNumber, 0, count, values);
+}
+std::int32_t handOver(const DataSet& set, std::int32_t varNumber, std::int64_t count,
+                      const double* values) {
+    return tecZoneVarWriteDoubleValues(set.handle, set.zoneNumber, varNumber, 0, count, values);
+}
+std::int32_t handOver(const DataSet& set, std::int32_t varNumber, std::int64_t count,
+                      const std::int32_t* values) {
+    return tecZoneVarWriteInt32Values(set.handle, set.zoneNumber, varNumber, 0, count, values);
+}
+
+// Kept values are gathered a block at a time, which stays in the cache until it is written.
+template<class T>
+std::int32_t writePacked(const DataSet& set, std::int32_t varNumber, std::int64_t count,
+                         const T* values, const std::uint8_t* mask, std::int64_t& written) {
+    std::array<T, 32768> kept;
+    std::size_t n = 0;
+    written = 0;
+    for (std::int64_t i = 0; i < count; ++i) {
+        kept[n] = values[i];
+        n += mask[i];
+        if (n < kept.size()) continue;
+        const std::int32_t status = handOver(set, varNumber, kept.size(), kept.data());
+        if (status != 0) return status;
+        written += static_cast<std::int64_t>(n);
+        n = 0;
+    }
+    written += static_cast<std::int64_t>(n);
+    if (n == 0 && written > 0) return 0;
+    return handOver(set, varNumber, static_cast<std::int64_t>(n), kept.data());
+}
+
+template<class T>
+void writeWhole(std::int32_t varNumber, std::int64_t count, const T* values, const Packing& packing,
+                Domain& domain) {
+    if (varNumber < 1) return;
+    const DataSet& set = domain.dataSet;
+    std::int64_t written = count;
+    std::int32_t status = packing.truncated
+                              ? writePacked(set, varNumber, count, values, packing.mask, written)
+                              : handOver(set, varNumber, count, values);
+    const bool nodal = set.varLocation[static_cast<std::size_t>(varNumber - 1)] == 1;
+    if (status == 0 && written != (nodal ? domain.nnTruncated : domain.neTruncated)) status = 1;
+    check(status,
+          "Writing " + std::string(typeText(values)) + " data for variable # " +
+              std::to_string(varNumber) + " in",
+          domain);
+}
+
+} // namespace
+
+void fileOpen(std::string_view name, std::string_view title, Domain& domain) {
+    DataSet& set = domain.dataSet;
+    const std::string path = std::string(name) + ".szplt";
+    checkNames(domain);
+    prepareOpen(path);
+    const std::int32_t status =
+        tecFileWriterOpen(std::string(name).c_str(), trimmed(title).c_str(),
+                          set.varNameList.c_str(), 1, 0, 0, nullptr, &set.handle);
+    error::checkFileOpen(status, openFailure(status, path));
+}
+
+void addMetadata(std::string_view key, std::string_view value, Domain& domain) {
+    check(tecDataSetAddAuxData(domain.dataSet.handle, std::string(key).c_str(),
+                               trimmed(value).c_str()),
+          "Tecplot data set aux data for", domain);
+}
+
+void varUnitsWrite(Domain& domain) {
+    const std::vector<std::string>& units = domain.dataSet.varUnits;
+    for (std::size_t v = 0; v < units.size(); ++v)
+        if (!units[v].empty())
+            check(tecVarAddAuxData(domain.dataSet.handle, static_cast<std::int32_t>(v + 1), "Units",
+                                   units[v].c_str()),
+                  "Tecplot variable unit auxiliary data in", domain);
+}
+
+void writeZoneFE(std::string_view title, std::string_view solutionTime, int connectivityShareZone,
+                 Domain& domain) {
+    DataSet& set = domain.dataSet;
+    const bool hasTime = !trimmed(solutionTime).empty();
+    const double time = hasTime ? timeOf(solutionTime, domain) : 0;
+    const std::vector<std::int32_t> varShare = marked(run.sharedVars, 1, 0, set);
+    const std::vector<std::int32_t> varPassive = marked({}, 0, 0, set);
+    set.varLocation = marked(run.cellCenteredVars, 0, 1, set);
+    check(tecZoneCreateFE(set.handle, trimmed(title).c_str(), zoneTypeCode(domain),
+                          domain.nnTruncated, domain.neTruncated, set.varTypes.data(),
+                          varShare.data(), set.varLocation.data(), varPassive.data(),
+                          connectivityShareZone, 0, 0, &set.zoneNumber),
+          "Create new zone in", domain);
+    if (hasTime)
+        check(tecZoneSetUnsteadyOptions(set.handle, set.zoneNumber, time, strand),
+              "Write solution time in", domain);
+}
+
+void writeArray(std::int32_t varNumber, std::int64_t count, const float* values,
+                const Packing& packing, Domain& domain) {
+    writeWhole(varNumber, count, values, packing, domain);
+}
+
+void writeArray(std::int32_t varNumber, std::int64_t count, const double* values,
+                const Packing& packing, Domain& domain) {
+    writeWhole(varNumber, count, values, packing, domain);
+}
+
+void writeArray(std::int32_t varNumber, std::int64_t count, const std::int32_t* values,
+                const Packing& packing, Domain& domain) {
+    writeWhole(varNumber, count, values, packing, domain);
+}
+
+void writeNodes(std::int64_t count, const std::int32_t* nodes, Domain& domain) {
+    check(
+        tecZoneNodeMapWrite32(domain.dataSet.handle, domain.dataSet.zoneNumber, 0, 1, count, nodes),
+        "Tecplot element connectivity for", domain);
+}
+
+void fileFlush(Domain& domain) {
+    constexpr std::int32_t retained[] = {1}; // later zones share with it
+    check(tecFileWriterFlush(domain.dataSet.handle, 1, retained), "Tecplot flush file for", domain);
+}
+
+void fileClose(Domain& domain) {
+    DataSet& set = domain.dataSet;
+    if (!set.handle) return showZonesOfEarlierRun(domain);
+    if (run.tecplotAppend) {
+        fileFlush(domain);
+        set.handle = nullptr;
+        return;
+    }
+    model::write_string("Closing tecplot file: " + set.fileName);
+    error::checkFileWrite(tecFileWriterClose(&set.handle), set.fileName + ".szplt");
+}
+
+} // namespace plot_data::binary

@@ -1,0 +1,144 @@
+#include "tecio/data_file.hpp"
+
+#include "tecio/status.hpp"
+#include "tvncommon/io_layer.hpp"
+
+#include <algorithm>
+#include <cstring>
+
+namespace tecio {
+
+using io_layer::ok;
+using system_calls::OpenMode;
+
+namespace {
+
+constexpr std::uint32_t blank = ' ';
+constexpr std::int64_t word = 4;
+
+std::uint32_t wordAt(std::string_view bytes, std::int64_t position) {
+    std::uint32_t value = 0;
+    std::memcpy(&value, bytes.data() + position, sizeof value);
+    return value;
+}
+
+// Position behind the auxiliary records, which end where a zone header or the room begins.
+bool findAuxEnd(const DataFile& f, std::string_view bytes, std::int64_t& end) {
+    const Bytes room = roomBegin();
+    Reader reader{bytes, static_cast<std::size_t>(f.auxAt)};
+    for (;;) {
+        end = static_cast<std::int64_t>(reader.position);
+        if (bytes.substr(reader.position).starts_with(room)) return true;
+        const float marker = readFloat(reader);
+        if (marker == 299.0F) return true;
+        if (marker == 899.0F) readInt(reader);
+        readText(reader);
+        const bool isText = readInt(reader) == 0;
+        readText(reader);
+        if (!reader.good || !isText || (marker != 799.0F && marker != 899.0F)) return false;
+    }
+}
+
+// Compares what stands from the first zone header on with the headers of all zones. A flush, or the
+// taking back of a zone, may not have been done or may have been cut short by a kill: from some
+// place on the file may be as it was before, which is room or the header of a named zone. Sets the
+// zones shown and the beginning of the data.
+bool compareHeaders(DataFile& f, std::string_view bytes) {
+    Bytes all;
+    std::vector<std::int64_t> ends;
+    for (const Zone& zone : f.zones) {
+        all += zoneHeaderBytes(zone);
+        ends.push_back(f.zonesAt + static_cast<std::int64_t>(all.size()));
+    }
+    const Bytes room = roomBegin();
+    all += room;
+    const std::uint32_t headersEnd = wordAt(roomEnd(), word);
+    const auto size = static_cast<std::int64_t>(bytes.size());
+    const std::int64_t allEnd = f.zonesAt + static_cast<std::int64_t>(all.size());
+
+    const auto asNamed = [&](std::int64_t at) {
+        return at < allEnd && wordAt(bytes, at) == wordAt(all, at - f.zonesAt);
+    };
+    std::int64_t at = f.zonesAt;
+    while (at + word <= size && asNamed(at)) at += word;
+    while (f.shown < ends.size() && ends[f.shown] <= at) ++f.shown;
+    f.shownEnd = f.shown == 0 ? f.zonesAt : ends[f.shown - 1];
+
+    for (; at + 2 * word <= size; at += word) {
+        const std::uint32_t found = wordAt(bytes, at);
+        const bool last = found == 0 && wordAt(bytes, at + word) == headersEnd;
+        f.dataAt = at + 2 * word;
+        if (last && !(asNamed(at) && asNamed(at + word))) return true;
+        const std::int64_t inRoom = at - f.shownEnd;
+        const bool beginsRoom = inRoom >= 0 && inRoom < static_cast<std::int64_t>(room.size()) &&
+                                found == wordAt(room, inRoom);
+        if (found != blank && !beginsRoom && !asNamed(at)) return false;
+    }
+    return false;
+}
+
+// Reads as much of the file's begin as its headers take, which only they tell.
+int checkHeader(DataFile& f, std::int64_t dataBytes) {
+    const Bytes head = headBytes(f.head);
+    f.auxAt = static_cast<std::int64_t>(head.size());
+    const std::int64_t most = f.size - dataBytes;
+    Bytes bytes;
+    for (std::int64_t size = 1048576;; size *= 4) {
+        bytes.resize(static_cast<std::size_t>(std::max<std::int64_t>(std::min(size, most), 0)));
+        const int status =
+            byte_file::readAt(f.file, 0, bytes.data(), static_cast<std::int64_t>(bytes.size()));
+        if (status != ok) return status;
+        f.shown = 0;
+        if (bytes.starts_with(head) && findAuxEnd(f, bytes, f.zonesAt) && compareHeaders(f, bytes))
+            break;
+        if (size >= most) return damagedData;
+    }
+    f.auxInFile = bytes.substr(head.size(), static_cast<std::size_t>(f.zonesAt - f.auxAt));
+    return ok;
+}
+
+// The data of each zone must begin as the sidecar says.
+int checkData(DataFile& f) {
+    f.dataEnd = f.dataAt;
+    for (const Zone& zone : f.zones) {
+        const Bytes wanted = dataHeadBytes(zone);
+        Bytes found(wanted.size(), 0);
+        const int status = byte_file::readAt(f.file, f.dataEnd, found.data(),
+                                             static_cast<std::int64_t>(found.size()));
+        if (status != ok) return status;
+        if (found != wanted) return damagedData;
+        f.dataEnd += dataPartOf(zone).size;
+    }
+    return f.dataEnd <= f.size ? ok : damagedData;
+}
+
+// Nothing is lost of a data set without zones, if that is what the file is.
+int beginAnew(DataFile& f) {
+    char found[8];
+    if (f.size < std::int64_t{sizeof found}) return damagedData;
+    const int status = byte_file::readAt(f.file, 0, found, sizeof found);
+    if (status != ok) return status;
+    const bool ours = headBytes(f.head).starts_with(std::string_view(found, sizeof found));
+    return ours ? createDataFile(f) : damagedData;
+}
+
+} // namespace
+
+int continueDataFile(DataFile& f) {
+    Head there;
+    int status = openSidecar(sidecarPath(f.path), f.sidecar, there, f.zones);
+    if (status == ok) status = byte_file::open(f.path, OpenMode::update, f.file, f.size);
+    if (status != ok) return status;
+    const bool anyVariables = f.head.variables == std::vector<std::string>{""};
+    if (f.zones.empty()) return anyVariables ? refused : beginAnew(f);
+    if (!anyVariables && f.head.variables != there.variables) return otherVariables;
+    f.head = there;
+    std::int64_t dataBytes = 0;
+    for (const Zone& zone : f.zones) dataBytes += dataPartOf(zone).size;
+    status = checkHeader(f, dataBytes);
+    if (status == ok) status = checkData(f);
+    f.continued = true;
+    return status;
+}
+
+} // namespace tecio

@@ -1,0 +1,175 @@
+#include "tecio/data_file.hpp"
+
+#include "tecio/status.hpp"
+#include "tvncommon/io_layer.hpp"
+
+#include <algorithm>
+#include <array>
+
+namespace tecio {
+
+using io_layer::ok;
+
+namespace {
+
+constexpr std::int64_t notBegun = -1;
+constexpr std::int64_t unshared = 0;
+
+// A variable goes by its own array, or by one that has the same type, place and number of values.
+bool shareFits(const Zone& zone, const Zone& source, std::size_t v) {
+    return source.types[v] == zone.types[v] && source.locations[v] == zone.locations[v] &&
+           valueCount(source, v) == valueCount(zone, v);
+}
+
+// Replaces a source that shares itself by the zone that has the values: some readers go no further.
+bool resolveShares(const std::vector<Zone>& zones, Zone& zone) {
+    const auto earlier = static_cast<std::int32_t>(zones.size());
+    const auto sourceOf = [&](std::int32_t number) -> const Zone& {
+        return zones[static_cast<std::size_t>(number - 1)];
+    };
+    for (std::size_t v = 0; v < zone.shares.size(); ++v) {
+        std::int32_t& share = zone.shares[v];
+        if (share == unshared) continue;
+        if (share < 0 || share > earlier || !shareFits(zone, sourceOf(share), v)) return false;
+        if (sourceOf(share).shares[v] > 0) share = sourceOf(share).shares[v];
+    }
+    std::int32_t& share = zone.connectivityShare;
+    if (share == unshared) return true;
+    if (share < 0 || share > earlier) return false;
+    const Zone& source = sourceOf(share);
+    if (source.type != zone.type || source.elements != zone.elements) return false;
+    if (source.nodes != zone.nodes) return false;
+    if (source.connectivityShare > 0) share = source.connectivityShare;
+    return true;
+}
+
+// Every array must have been handed over, one without values too.
+bool isComplete(const CurrentZone& current) {
+    const Zone& zone = current.zone;
+    for (std::size_t v = 0; v < zone.types.size(); ++v)
+        if (zone.shares[v] == unshared && current.written[v] != valueCount(zone, v)) return false;
+    return zone.connectivityShare > 0 || current.nodesWritten == nodeMapCount(zone);
+}
+
+int nameCurrentZone(DataFile& f) {
+    CurrentZone& current = f.current;
+    Bytes begin = dataHeadBytes(current.zone);
+    for (std::size_t v = 0; v < current.ranges.size(); ++v) {
+        if (current.zone.shares[v] != unshared) continue;
+        Range range = current.ranges[v];
+        if (range.least > range.greatest) range = {0, 0};
+        begin.append(reinterpret_cast<const char*>(&range), sizeof range);
+    }
+    const auto bytes = static_cast<std::int64_t>(begin.size());
+    f.size = std::max(f.size, f.dataEnd + bytes);
+    int status = byte_file::writeAt(f.file, f.dataEnd, begin.data(), bytes);
+    if (status == ok) status = nameZone(f.sidecar, current.zone);
+    if (status != ok) return status;
+    f.dataEnd += current.part.size;
+    f.zones.push_back(std::move(current.zone));
+    f.continued = false;
+    current = {};
+    return ok;
+}
+
+int writeData(DataFile& f, std::int64_t position, const void* from, std::int64_t bytes) {
+    int status = ok;
+    if (!f.current.begun) status = byte_file::reserve(f.file, f.dataEnd, f.current.part.size);
+    f.current.begun = true;
+    if (status == ok) status = byte_file::writeAt(f.file, position, from, bytes);
+    if (status == ok) f.size = std::max(f.size, position + bytes);
+    // What was reserved, or written in part, goes back to a full disk.
+    if (status != ok) byte_file::truncate(f.file, f.size);
+    return status;
+}
+
+int nameIfComplete(DataFile& f, int status) {
+    return status == ok && isComplete(f.current) ? nameCurrentZone(f) : status;
+}
+
+} // namespace
+
+static_assert(sizeof(Range) == rangeBytes);
+
+int beginZone(DataFile& f, Zone zone, std::int32_t& number) {
+    int status = endZone(f);
+    if (status == ok && !resolveShares(f.zones, zone)) status = refused;
+    if (status != ok) return status;
+    CurrentZone& current = f.current;
+    current.part = dataPartOf(zone);
+    status = settle(f, current.part.size);
+    if (status != ok) return status;
+    current.written.assign(zone.types.size(), notBegun);
+    current.ranges.assign(zone.types.size(), {});
+    current.nodesWritten = notBegun;
+    current.zone = std::move(zone);
+    number = current.number = static_cast<std::int32_t>(f.zones.size()) + 1;
+    return ok;
+}
+
+int setTime(DataFile& f, double time, std::int32_t strand) {
+    CurrentZone& current = f.current;
+    if (current.begun) return refused;
+    current.zone.time = time;
+    current.zone.strand = strand;
+    if (f.continued && f.zones.back().strand == strand && f.zones.back().time == time) {
+        const auto last = static_cast<std::int32_t>(f.zones.size());
+        const std::vector<std::int32_t>& shares = current.zone.shares;
+        const bool inUse = std::find(shares.begin(), shares.end(), last) != shares.end() ||
+                           current.zone.connectivityShare == last;
+        if (inUse) return refused;
+        const int status = dropLastZone(f);
+        if (status != ok) return status;
+    }
+    f.continued = false;
+    return nameIfComplete(f, ok);
+}
+
+int writeValues(DataFile& f, std::size_t v, std::int64_t count, const void* values,
+                const Range& range) {
+    CurrentZone& current = f.current;
+    const std::int64_t all = valueCount(current.zone, v);
+    std::int64_t& written = current.written[v];
+    if (current.zone.shares[v] != unshared || written == all) return refused;
+    const bool first = written == notBegun;
+    if (first) written = 0;
+    if (count < 0 || count > all - written) return refused;
+    Range& whole = current.ranges[v];
+    whole =
+        first ? range
+              : Range{std::min(whole.least, range.least), std::max(whole.greatest, range.greatest)};
+    const std::int64_t each = valueBytes(current.zone.types[v]);
+    const int status =
+        writeData(f, f.dataEnd + current.part.values[v] + written * each, values, count * each);
+    written += count;
+    return nameIfComplete(f, status);
+}
+
+int writeNodes(DataFile& f, std::int64_t count, const std::int32_t* nodes, std::int32_t firstNode) {
+    CurrentZone& current = f.current;
+    const std::int64_t all = nodeMapCount(current.zone);
+    if (current.zone.connectivityShare > 0 || current.nodesWritten == all) return refused;
+    current.nodesWritten = std::max<std::int64_t>(current.nodesWritten, 0);
+    if (count < 0 || count > all - current.nodesWritten) return refused;
+    // The file counts nodes from 0. A block at a time stays in the cache until it is written.
+    constexpr std::int64_t blockNodes = 65536;
+    std::vector<std::int32_t> block(static_cast<std::size_t>(std::min(count, blockNodes)));
+    int status = ok;
+    for (std::int64_t done = 0; done < count && status == ok;) {
+        const std::int64_t n = std::min(count - done, blockNodes);
+        std::transform(nodes + done, nodes + done + n, block.begin(),
+                       [firstNode](std::int32_t node) { return node - firstNode; });
+        status = writeData(f, f.dataEnd + current.part.nodeMap + current.nodesWritten * 4,
+                           block.data(), n * 4);
+        current.nodesWritten += n;
+        done += n;
+    }
+    return nameIfComplete(f, status);
+}
+
+int endZone(DataFile& f) {
+    if (f.current.number == 0) return ok;
+    return isComplete(f.current) ? nameCurrentZone(f) : refused;
+}
+
+} // namespace tecio

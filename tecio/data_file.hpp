@@ -1,0 +1,94 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "tecio/layout.hpp"
+#include "tecio/sidecar.hpp"
+#include "tvncommon/byte_file.hpp"
+
+// An unfinished data set. The order of writes never lets a reader, or a run that comes after one
+// that was killed, see a zone that is not there: values and node lists go behind the data that
+// count, then the zone's data head and ranges, then the sidecar names the zone, and at a flush one
+// write puts its header into the room.
+namespace tecio {
+
+// Least and greatest value, NaN left out; the least is above the greatest when there is none.
+struct Range {
+    double least, greatest;
+};
+
+// The zone that values go to.
+struct CurrentZone {
+    std::int32_t number = 0; // as its caller knows it, 0: no zone
+    Zone zone;
+    DataPart part;
+    std::vector<std::int64_t> written; // values of each variable that are in the file
+    std::vector<Range> ranges;
+    std::int64_t nodesWritten = 0;
+    bool begun = false; // something was written
+};
+
+struct DataFile {
+    std::string path;
+    byte_file::File file;
+    Sidecar sidecar;
+    bool failed = false;
+
+    Head head;
+    Bytes aux;                 // auxiliary records, as they are to be
+    bool settled = false;      // head and auxiliary records in the file are those of this opening
+    bool continued = false;    // zones of an earlier run are there, none of this one
+    Bytes auxInFile;           // the records that a continued file has
+    std::int64_t auxAt = 0;    // positions in the file: the records,
+    std::int64_t zonesAt = 0;  // the first zone header,
+    std::int64_t shownEnd = 0; // the room,
+    std::int64_t dataAt = 0;   // the data of zone 1,
+    std::int64_t dataEnd = 0;  // the end of the data that count,
+    std::int64_t size = 0;     // the end of the file
+
+    std::vector<Zone> zones; // all complete ones
+    std::size_t shown = 0;   // those whose headers are in the file
+    CurrentZone current;
+};
+
+// Names of the sidecar of a data set, and of a file in the making that is to replace it.
+std::string sidecarPath(const std::string& path);
+std::string copyPath(const std::string& path);
+
+// All of the following return a status.
+
+// Begins the data set `file.path` anew, with the title and variables of `file.head`.
+int createDataFile(DataFile& file);
+
+// Goes on with a data set that has a sidecar and the variables of `file.head`; keeps its title.
+int continueDataFile(DataFile& file);
+
+// Puts head and auxiliary records into the file; the room suits zones of this size.
+int settle(DataFile& file, std::int64_t zoneBytes);
+
+// Puts the headers of all complete zones into the file.
+int flush(DataFile& file);
+
+// Takes the last zone, and its header, back.
+int dropLastZone(DataFile& file);
+
+// Flushes and ends the data set.
+int finish(DataFile& file);
+
+// Makes `zone` the current one; a shared variable comes from the zone that has the values.
+int beginZone(DataFile& file, Zone zone, std::int32_t& number);
+int setTime(DataFile& file, double time, std::int32_t strand);
+
+// The next values of a variable (from 0) or the next node numbers, which count from `firstNode`.
+int writeValues(DataFile& file, std::size_t variable, std::int64_t count, const void* values,
+                const Range& range);
+int writeNodes(DataFile& file, std::int64_t count, const std::int32_t* nodes,
+               std::int32_t firstNode);
+
+// Names the current zone if all of it is in the file, and ends it; `refused` for one that is not
+// complete.
+int endZone(DataFile& file);
+
+} // namespace tecio

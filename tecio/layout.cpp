@@ -1,0 +1,249 @@
+#include "tecio/layout.hpp"
+
+#include <bit>
+#include <cstring>
+
+static_assert(std::endian::native == std::endian::little, "numbers are written as they stand");
+
+namespace tecio {
+
+namespace {
+
+constexpr std::string_view magic = "#!TDV112";
+constexpr float zoneMarker = 299.0F;
+constexpr float auxMarker = 799.0F;
+constexpr float variableAuxMarker = 899.0F;
+constexpr float endMarker = 357.0F;
+constexpr std::string_view roomName = "_";
+
+// By zone type.
+constexpr std::int64_t nodesPerElement[] = {0, 2, 3, 4, 4, 8};
+
+template<class T>
+void put(Bytes& out, T value) {
+    char bytes[sizeof value];
+    std::memcpy(bytes, &value, sizeof value);
+    out.append(bytes, sizeof value);
+}
+
+void putInt(Bytes& out, std::int64_t value) {
+    put(out, static_cast<std::int32_t>(value));
+}
+
+void putText(Bytes& out, std::string_view text) {
+    for (const char c : text) putInt(out, static_cast<unsigned char>(c));
+    putInt(out, 0);
+}
+
+void putAux(Bytes& out, std::string_view name, std::string_view value) {
+    putText(out, name);
+    putInt(out, 0); // the value is a text
+    putText(out, value);
+}
+
+// A number that counts from 1 and is 0 for none counts from 0 in the file and is -1 for none.
+void putNumbers(Bytes& out, const std::vector<std::int32_t>& fromOne) {
+    for (const std::int32_t number : fromOne) putInt(out, number - 1);
+}
+
+bool any(const std::vector<std::int32_t>& list, std::int32_t least) {
+    for (const std::int32_t entry : list)
+        if (entry >= least) return true;
+    return false;
+}
+
+template<class T>
+T take(Reader& reader) {
+    T value{};
+    reader.good = reader.good && reader.bytes.size() - reader.position >= sizeof value;
+    if (!reader.good) return value;
+    std::memcpy(&value, reader.bytes.data() + reader.position, sizeof value);
+    reader.position += sizeof value;
+    return value;
+}
+
+void expect(Reader& reader, bool holds) {
+    reader.good = reader.good && holds;
+}
+
+std::vector<std::int32_t> readInts(Reader& reader, std::size_t count, std::int32_t least,
+                                   std::int32_t greatest) {
+    std::vector<std::int32_t> list(count);
+    for (std::int32_t& entry : list) {
+        entry = readInt(reader);
+        expect(reader, least <= entry && entry <= greatest);
+    }
+    return list;
+}
+
+} // namespace
+
+std::int64_t valueBytes(std::int32_t type) {
+    return type == 2 ? 8 : 4;
+}
+
+std::int64_t valueCount(const Zone& zone, std::size_t variable) {
+    return zone.locations[variable] == 1 ? zone.nodes : zone.elements;
+}
+
+std::int64_t nodeMapCount(const Zone& zone) {
+    return zone.connectivityShare > 0 ? 0 : zone.elements * nodesPerElement[zone.type];
+}
+
+DataPart dataPartOf(const Zone& zone) {
+    DataPart part;
+    part.ranges = static_cast<std::int64_t>(dataHeadBytes(zone).size());
+    part.size = part.ranges;
+    for (const std::int32_t share : zone.shares) part.size += share > 0 ? 0 : rangeBytes;
+    part.values.assign(zone.types.size(), 0);
+    for (std::size_t v = 0; v < zone.types.size(); ++v) {
+        if (zone.shares[v] > 0) continue;
+        part.values[v] = part.size;
+        part.size += valueCount(zone, v) * valueBytes(zone.types[v]);
+    }
+    part.nodeMap = part.size;
+    part.size += nodeMapCount(zone) * 4;
+    return part;
+}
+
+Bytes headBytes(const Head& head) {
+    Bytes out(magic);
+    putInt(out, 1);
+    putInt(out, 0);
+    putText(out, head.title);
+    putInt(out, static_cast<std::int64_t>(head.variables.size()));
+    for (const std::string& name : head.variables) putText(out, name);
+    return out;
+}
+
+Bytes auxBytes(std::string_view name, std::string_view value) {
+    Bytes out;
+    put(out, auxMarker);
+    putAux(out, name, value);
+    return out;
+}
+
+Bytes variableAuxBytes(std::int32_t variable, std::string_view name, std::string_view value) {
+    Bytes out;
+    put(out, variableAuxMarker);
+    putInt(out, variable - 1);
+    putAux(out, name, value);
+    return out;
+}
+
+Bytes zoneHeaderBytes(const Zone& zone) {
+    Bytes out;
+    put(out, zoneMarker);
+    putText(out, zone.title);
+    putInt(out, -1); // no parent
+    putInt(out, zone.strand);
+    put(out, zone.time);
+    putInt(out, -1); // colour
+    putInt(out, zone.type);
+    const std::vector<std::int32_t> nodal(zone.locations.size(), 1);
+    putInt(out, zone.locations != nodal);
+    if (zone.locations != nodal)
+        for (const std::int32_t location : zone.locations) putInt(out, 1 - location);
+    putInt(out, 0); // no face neighbours, neither raw nor of the user
+    putInt(out, 0);
+    putInt(out, zone.nodes);
+    putInt(out, zone.elements);
+    for (int reserved = 0; reserved < 3; ++reserved) putInt(out, 0);
+    putInt(out, 0); // no auxiliary values
+    return out;
+}
+
+Bytes dataHeadBytes(const Zone& zone) {
+    Bytes out;
+    put(out, zoneMarker);
+    for (const std::int32_t type : zone.types) putInt(out, type);
+    putInt(out, 0); // no passive variables
+    putInt(out, any(zone.shares, 1));
+    if (any(zone.shares, 1)) putNumbers(out, zone.shares);
+    putInt(out, zone.connectivityShare - 1);
+    return out;
+}
+
+Bytes roomBegin() {
+    Bytes out = auxBytes(roomName, "");
+    out.resize(out.size() - 4); // the value goes on
+    return out;
+}
+
+Bytes roomBlanks(std::int64_t size) {
+    Bytes out;
+    out.reserve(static_cast<std::size_t>(size));
+    for (std::int64_t i = 0; i < size; i += 4) putInt(out, ' ');
+    return out;
+}
+
+Bytes roomEnd() {
+    Bytes out;
+    putInt(out, 0);
+    put(out, endMarker);
+    return out;
+}
+
+std::int32_t readInt(Reader& reader) {
+    return take<std::int32_t>(reader);
+}
+
+float readFloat(Reader& reader) {
+    return take<float>(reader);
+}
+
+std::string readText(Reader& reader) {
+    std::string text;
+    for (;;) {
+        const std::int32_t c = readInt(reader);
+        expect(reader, 0 <= c && c < 256);
+        if (!reader.good || c == 0) return text;
+        text += static_cast<char>(c);
+    }
+}
+
+Head readHead(Reader& reader) {
+    Head head;
+    expect(reader, reader.bytes.substr(reader.position).starts_with(magic));
+    reader.position += reader.good ? magic.size() : 0;
+    expect(reader, readInt(reader) == 1 && readInt(reader) == 0);
+    head.title = readText(reader);
+    const std::int32_t count = readInt(reader);
+    for (std::int32_t v = 0; reader.good && v < count; ++v)
+        head.variables.push_back(readText(reader));
+    return head;
+}
+
+Zone readZone(Reader& reader, std::size_t variables) {
+    constexpr std::int32_t greatest = 2147483647;
+    Zone zone;
+    expect(reader, readFloat(reader) == zoneMarker);
+    zone.title = readText(reader);
+    expect(reader, readInt(reader) == -1);
+    zone.strand = readInt(reader);
+    zone.time = take<double>(reader);
+    expect(reader, readInt(reader) == -1);
+    zone.type = readInts(reader, 1, 0, 5)[0];
+    zone.locations.assign(variables, 1);
+    if (readInts(reader, 1, 0, 1)[0] == 1) {
+        zone.locations = readInts(reader, variables, 0, 1);
+        for (std::int32_t& location : zone.locations) location = 1 - location;
+    }
+    readInts(reader, 2, 0, 0);
+    zone.nodes = readInts(reader, 1, 0, greatest)[0];
+    zone.elements = readInts(reader, 1, 0, greatest)[0];
+    readInts(reader, 4, 0, 0);
+
+    expect(reader, readFloat(reader) == zoneMarker);
+    zone.types = readInts(reader, variables, 1, 3);
+    readInts(reader, 1, 0, 0);
+    zone.shares.assign(variables, 0);
+    if (readInts(reader, 1, 0, 1)[0] == 1) {
+        zone.shares = readInts(reader, variables, -1, greatest - 1);
+        for (std::int32_t& share : zone.shares) ++share;
+    }
+    zone.connectivityShare = readInts(reader, 1, -1, greatest - 1)[0] + 1;
+    return zone;
+}
+
+} // namespace tecio

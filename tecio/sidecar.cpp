@@ -1,0 +1,114 @@
+#include "tecio/sidecar.hpp"
+
+#include "tecio/status.hpp"
+#include "tvncommon/io_layer.hpp"
+
+#include <algorithm>
+#include <cstring>
+
+namespace tecio {
+
+using io_layer::ok;
+using system_calls::OpenMode;
+
+namespace {
+
+constexpr std::string_view magic = "#!TVNSHD";
+constexpr std::int64_t markAt = 8;
+constexpr std::int64_t contentsAt = 24;
+constexpr Mark nothing{contentsAt, 14695981039346656037U};
+
+static_assert(sizeof(Mark) == contentsAt - markAt);
+
+// The FNV-1a hash: one byte more needs no look at those before it.
+Mark extended(Mark mark, std::string_view bytes) {
+    mark.size += static_cast<std::int64_t>(bytes.size());
+    for (const char c : bytes) {
+        mark.checksum ^= static_cast<unsigned char>(c);
+        mark.checksum *= 1099511628211U;
+    }
+    return mark;
+}
+
+int writeMark(Sidecar& sidecar, const Mark& mark) {
+    sidecar.mark = mark;
+    return byte_file::writeAt(sidecar.file, markAt, &mark, sizeof mark);
+}
+
+// The bytes that count; `damagedSidecar` when the file does not hold them.
+int readContents(const byte_file::File& file, std::int64_t size, Mark& mark, Bytes& contents) {
+    char begin[contentsAt];
+    if (size < contentsAt) return damagedSidecar;
+    int status = byte_file::readAt(file, 0, begin, sizeof begin);
+    if (status != ok) return status;
+    std::memcpy(&mark, begin + markAt, sizeof mark);
+    if (std::string_view(begin, magic.size()) != magic) return damagedSidecar;
+    if (mark.size < contentsAt || mark.size > size) return damagedSidecar;
+    contents.resize(static_cast<std::size_t>(mark.size - contentsAt));
+    status = byte_file::readAt(file, contentsAt, contents.data(), mark.size - contentsAt);
+    if (status != ok) return status;
+    return extended(nothing, contents).checksum == mark.checksum ? ok : damagedSidecar;
+}
+
+// A zone takes only what an earlier one has.
+bool sharesFit(const Zone& zone, std::size_t earlier) {
+    std::int32_t greatest = zone.connectivityShare;
+    for (const std::int32_t share : zone.shares) greatest = std::max(greatest, share);
+    return static_cast<std::size_t>(greatest) <= earlier;
+}
+
+} // namespace
+
+int createSidecar(const std::string& path, const Head& head, Sidecar& sidecar) {
+    const std::string made = path + ".new";
+    const Bytes contents = headBytes(head);
+    sidecar.mark = sidecar.beforeLast = extended(nothing, contents);
+    Bytes all(magic);
+    all.append(reinterpret_cast<const char*>(&sidecar.mark), sizeof(Mark));
+    all += contents;
+    std::int64_t size = 0;
+    int status = byte_file::open(made, OpenMode::update, sidecar.file, size);
+    if (status == ok && size > 0) status = byte_file::truncate(sidecar.file, 0);
+    if (status == ok)
+        status =
+            byte_file::writeAt(sidecar.file, 0, all.data(), static_cast<std::int64_t>(all.size()));
+    if (status == ok) status = byte_file::rename(made, path);
+    if (status != ok) byte_file::remove(made);
+    return status;
+}
+
+int openSidecar(const std::string& path, Sidecar& sidecar, Head& head, std::vector<Zone>& zones) {
+    std::int64_t size = 0;
+    int status = byte_file::open(path, OpenMode::update, sidecar.file, size);
+    if (status != ok) return status;
+    Bytes contents;
+    status = readContents(sidecar.file, size, sidecar.mark, contents);
+    if (status != ok) return status;
+    Reader reader{contents};
+    head = readHead(reader);
+    sidecar.beforeLast = sidecar.mark;
+    Mark soFar = extended(nothing, reader.bytes.substr(0, reader.position));
+    while (reader.good && reader.position < contents.size()) {
+        const std::size_t begin = reader.position;
+        zones.push_back(readZone(reader, head.variables.size()));
+        reader.good = reader.good && sharesFit(zones.back(), zones.size() - 1);
+        sidecar.beforeLast = soFar;
+        soFar = extended(soFar, reader.bytes.substr(begin, reader.position - begin));
+    }
+    return reader.good ? ok : damagedSidecar;
+}
+
+int nameZone(Sidecar& sidecar, const Zone& zone) {
+    const Bytes bytes = zoneHeaderBytes(zone) + dataHeadBytes(zone);
+    const int status = byte_file::writeAt(sidecar.file, sidecar.mark.size, bytes.data(),
+                                          static_cast<std::int64_t>(bytes.size()));
+    if (status != ok) return status;
+    sidecar.beforeLast = sidecar.mark;
+    return writeMark(sidecar, extended(sidecar.mark, bytes));
+}
+
+int unnameLastZone(Sidecar& sidecar) {
+    return writeMark(sidecar, sidecar.beforeLast);
+}
+
+} // namespace tecio

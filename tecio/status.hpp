@@ -1,0 +1,11 @@
+#pragma once
+
+// The statuses that tecio.h tells, beside those of the I/O layer.
+namespace tecio {
+
+inline constexpr int refused = 1;
+inline constexpr int damagedData = 2;
+inline constexpr int damagedSidecar = 3;
+inline constexpr int otherVariables = 4;
+
+} // namespace tecio

@@ -1,0 +1,209 @@
+#include "tecio/tecio.h"
+
+#include "tecio/data_file.hpp"
+#include "tecio/status.hpp"
+#include "tecio/value_range.hpp"
+#include "tvncommon/io_layer.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+#include <new>
+
+using tecio::DataFile;
+using tecio::refused;
+
+namespace {
+
+// The data sets that are open. One that a run left open goes when its name is opened again.
+struct State {
+    std::vector<std::unique_ptr<DataFile>> open;
+};
+State state;
+
+void forget(const std::string& path) {
+    const auto gone = [&](const std::unique_ptr<DataFile>& file) {
+        if (file->path != path) return false;
+        byte_file::close(file->file);
+        byte_file::close(file->sidecar.file);
+        return true;
+    };
+    std::erase_if(state.open, gone);
+}
+
+DataFile* find(const void* handle) {
+    const auto it = std::find_if(state.open.begin(), state.open.end(),
+                                 [&](const auto& file) { return file.get() == handle; });
+    return it == state.open.end() ? nullptr : it->get();
+}
+
+// Every call on a handle: remembers a failure, after which nothing more is written.
+template<class Step>
+int32_t with(void* handle, Step step) {
+    DataFile* file = find(handle);
+    if (!file || file->failed) return refused;
+    int status = io_layer::outOfMemory;
+    try {
+        status = step(*file);
+    } catch (const std::bad_alloc&) {
+    }
+    file->failed = status != io_layer::ok;
+    return status;
+}
+
+template<class Step>
+int32_t withZone(void* handle, int32_t zone, int32_t partition, Step step) {
+    return with(handle, [&](DataFile& file) {
+        const bool current = zone > 0 && zone == file.current.number && partition == 0;
+        return current ? step(file) : refused;
+    });
+}
+
+std::vector<std::string> splitAtCommas(std::string_view list) {
+    std::vector<std::string> names;
+    for (std::size_t begin = 0;;) {
+        const std::size_t comma = list.find(',', begin);
+        names.emplace_back(list.substr(begin, comma - begin));
+        if (comma == std::string_view::npos) return names;
+        begin = comma + 1;
+    }
+}
+
+int openDataSet(DataFile& file, const char* title, const char* variableList) {
+    file.head = {title, splitAtCommas(variableList)};
+    const bool unfinished =
+        io_layer::exists(tecio::sidecarPath(file.path)) && io_layer::exists(file.path);
+    return unfinished ? tecio::continueDataFile(file) : tecio::createDataFile(file);
+}
+
+template<class Record>
+int addAux(DataFile& file, const char* value, Record record) {
+    if (file.settled) return refused;
+    const std::string_view text = value;
+    if (text.find_first_not_of(' ') != std::string_view::npos) file.aux += record(text);
+    return io_layer::ok;
+}
+
+bool allIn(const std::vector<std::int32_t>& list, std::int32_t least, std::int32_t greatest) {
+    return std::all_of(list.begin(), list.end(),
+                       [=](std::int32_t entry) { return least <= entry && entry <= greatest; });
+}
+
+template<class T>
+int32_t writeValues(void* handle, int32_t zone, int32_t var, int32_t partition, int64_t count,
+                    const T* values, std::int32_t type) {
+    return withZone(handle, zone, partition, [&](DataFile& file) -> int {
+        const std::vector<std::int32_t>& types = file.current.zone.types;
+        if (var < 1 || var > static_cast<std::int32_t>(types.size()) || count < 0) return refused;
+        const auto v = static_cast<std::size_t>(var - 1);
+        if (types[v] != type) return refused;
+        return tecio::writeValues(file, v, count, values, tecio::rangeOf(values, count));
+    });
+}
+
+} // namespace
+
+int32_t tecFileWriterOpen(const char* fileName, const char* dataSetTitle, const char* variableList,
+                          int32_t fileFormat, int32_t fileType, int32_t, void* gridFileHandle,
+                          void** fileHandle) {
+    *fileHandle = nullptr;
+    if (fileFormat != 1 || fileType != 0 || gridFileHandle) return refused;
+    int status = io_layer::outOfMemory;
+    try {
+        auto file = std::make_unique<DataFile>();
+        file->path = std::string(fileName) + ".szplt";
+        forget(file->path);
+        status = openDataSet(*file, dataSetTitle, variableList);
+        state.open.push_back(std::move(file));
+        if (status == io_layer::ok) *fileHandle = state.open.back().get();
+    } catch (const std::bad_alloc&) {
+    }
+    if (status != io_layer::ok) forget(std::string(fileName) + ".szplt");
+    return status;
+}
+
+int32_t tecFileWriterFlush(void* fileHandle, int32_t, const int32_t*) {
+    return with(fileHandle, tecio::flush);
+}
+
+int32_t tecFileWriterClose(void** fileHandle) {
+    const int32_t status = with(*fileHandle, tecio::finish);
+    if (const DataFile* file = find(*fileHandle)) forget(std::string(file->path));
+    *fileHandle = nullptr;
+    return status;
+}
+
+int32_t tecDataSetAddAuxData(void* fileHandle, const char* name, const char* value) {
+    return with(fileHandle, [&](DataFile& file) {
+        return addAux(file, value,
+                      [&](std::string_view text) { return tecio::auxBytes(name, text); });
+    });
+}
+
+int32_t tecVarAddAuxData(void* fileHandle, int32_t var, const char* name, const char* value) {
+    return with(fileHandle, [&](DataFile& file) {
+        if (var < 1 || var > static_cast<std::int32_t>(file.head.variables.size())) return refused;
+        return addAux(file, value, [&](std::string_view text) {
+            return tecio::variableAuxBytes(var, name, text);
+        });
+    });
+}
+
+int32_t tecZoneCreateFE(void* fileHandle, const char* zoneTitle, int32_t zoneType, int64_t numNodes,
+                        int64_t numElements, const int32_t* varTypes,
+                        const int32_t* shareVarFromZone, const int32_t* valueLocations,
+                        const int32_t* passiveVarList, int32_t connectivityShareZone,
+                        int64_t numFaceConnections, int32_t, int32_t* zone) {
+    return with(fileHandle, [&](DataFile& file) -> int {
+        const auto listOf = [&](const int32_t* first) {
+            return std::vector<std::int32_t>(first, first + file.head.variables.size());
+        };
+        constexpr std::int64_t greatest = 2147483647;
+        if (zoneType < 0 || zoneType > 5 || numFaceConnections != 0) return refused;
+        if (numNodes < 0 || numNodes > greatest || numElements < 0 || numElements > greatest)
+            return refused;
+        tecio::Zone made;
+        made.title = zoneTitle;
+        made.type = zoneType;
+        made.nodes = numNodes;
+        made.elements = numElements;
+        made.types = listOf(varTypes);
+        made.shares = listOf(shareVarFromZone);
+        made.locations = listOf(valueLocations);
+        made.connectivityShare = connectivityShareZone;
+        const bool fits = allIn(made.types, 1, 3) && allIn(made.locations, 0, 1) &&
+                          allIn(listOf(passiveVarList), 0, 0);
+        return fits ? tecio::beginZone(file, std::move(made), *zone) : refused;
+    });
+}
+
+int32_t tecZoneSetUnsteadyOptions(void* fileHandle, int32_t zone, double solutionTime,
+                                  int32_t strand) {
+    return withZone(fileHandle, zone, 0, [&](DataFile& file) {
+        return std::isfinite(solutionTime) && strand >= 0
+                   ? tecio::setTime(file, solutionTime, strand)
+                   : refused;
+    });
+}
+
+int32_t tecZoneNodeMapWrite32(void* fileHandle, int32_t zone, int32_t partition,
+                              int32_t nodesAreOneBased, int64_t count, const int32_t* nodes) {
+    return withZone(fileHandle, zone, partition, [&](DataFile& file) {
+        return tecio::writeNodes(file, count, nodes, nodesAreOneBased ? 1 : 0);
+    });
+}
+
+int32_t tecZoneVarWriteFloatValues(void* fileHandle, int32_t zone, int32_t var, int32_t partition,
+                                   int64_t count, const float* values) {
+    return writeValues(fileHandle, zone, var, partition, count, values, 1);
+}
+
+int32_t tecZoneVarWriteDoubleValues(void* fileHandle, int32_t zone, int32_t var, int32_t partition,
+                                    int64_t count, const double* values) {
+    return writeValues(fileHandle, zone, var, partition, count, values, 2);
+}
+
+int32_t tecZoneVarWriteInt32Values(void* fileHandle, int32_t zone, int32_t var, int32_t partition,
+                                   int64_t count, const int32_t* values) {
+    return writeValues(fileHandle, zone, var, partition, count, values, 3);
+}

@@ -1,0 +1,49 @@
+#include "tecio/value_range.hpp"
+
+#include <algorithm>
+#include <array>
+#include <limits>
+
+namespace tecio {
+
+namespace {
+
+// Independent lanes, too many to be unrolled, let the compiler take several values in one
+// instruction. A comparison with NaN is false, so it changes nothing.
+template<class T>
+Range range(const T* values, std::int64_t count) {
+    using Limits = std::numeric_limits<T>;
+    constexpr std::int64_t lanes = 32;
+    constexpr T above = Limits::has_infinity ? Limits::infinity() : Limits::max();
+    constexpr T below = Limits::has_infinity ? -Limits::infinity() : Limits::lowest();
+    std::array<T, lanes> least, greatest;
+    least.fill(above);
+    greatest.fill(below);
+    const auto take = [&](std::size_t lane, T value) {
+        least[lane] = value < least[lane] ? value : least[lane];
+        greatest[lane] = value > greatest[lane] ? value : greatest[lane];
+    };
+    std::int64_t i = 0;
+    for (; i + lanes <= count; i += lanes)
+        for (std::size_t lane = 0; lane < lanes; ++lane)
+            take(lane, values[i + static_cast<std::int64_t>(lane)]);
+    for (; i < count; ++i) take(0, values[i]);
+    return {static_cast<double>(*std::min_element(least.begin(), least.end())),
+            static_cast<double>(*std::max_element(greatest.begin(), greatest.end()))};
+}
+
+} // namespace
+
+Range rangeOf(const float* values, std::int64_t count) {
+    return range(values, count);
+}
+
+Range rangeOf(const double* values, std::int64_t count) {
+    return range(values, count);
+}
+
+Range rangeOf(const std::int32_t* values, std::int64_t count) {
+    return range(values, count);
+}
+
+} // namespace tecio
