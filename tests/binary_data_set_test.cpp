@@ -17,6 +17,7 @@ using data_set_file::Zone;
 using testing::HasSubstr;
 
 const std::vector<std::string> tags{"pm", "dual", "frac", "olf", "well", "chan", "tile"};
+const std::vector<std::string> plots{"pm_Isopach", "pm_DepthToSurf"};
 
 std::string between(const std::string& text, const std::string& first, const std::string& last) {
     const std::size_t at = text.find(first);
@@ -46,8 +47,9 @@ Zone zoneOf(const std::string& line, std::size_t variables) {
     const std::string type = between(line, "ZONETYPE=", ",");
     zone.type =
         static_cast<std::int32_t>(std::find(types.begin(), types.end(), type) - types.begin());
-    zone.strand = 1;
-    zone.time = std::stod(between(line, "SOLUTIONTIME=", ","));
+    const std::string time = between(line, "SOLUTIONTIME=", ",");
+    zone.strand = time.empty() ? -1 : 1;
+    zone.time = time.empty() ? 0 : std::stod(time);
     zone.nodes = std::stol(between(line, "NODES=", ","));
     zone.elements = std::stol(between(line, "ELEMENTS=", ","));
     zone.centred.assign(variables, false);
@@ -128,7 +130,7 @@ void expectSame(DataSet binary, DataSet text) {
     }
 }
 
-// Runs the problem in both forms and compares all domains; returns how many there are.
+// Runs the problem in both forms and compares all data sets; returns how many there are.
 int compareForms(const std::string& topLevel, const std::string& inBlocks) {
     std::string blocks;
     for (const std::string& tag : tags) {
@@ -138,48 +140,54 @@ int compareForms(const std::string& topLevel, const std::string& inBlocks) {
         blocks += "write " + tag + " domain file\n" + block + "end\n";
     }
     for (const char* mode : {"tecplot mode\n", "tecplot binary mode\n"}) {
-        put("t.plot.control", mode + topLevel + "end\n" + blocks);
+        put("t.plot.control", mode + topLevel + "end\n" + blocks +
+                                  "plot pm zone isopach structure\n"
+                                  "plot pm depth below ground surface\n");
         const runs::Ran ran = runs::runHere();
         EXPECT_EQ(ran.status, 0) << ran.errors;
     }
     int compared = 0;
-    for (const std::string& tag : tags) {
-        SCOPED_TRACE(tag);
-        const bool there = std::filesystem::exists("to." + tag + ".dat");
-        EXPECT_EQ(there, std::filesystem::exists("to." + tag + ".szplt"));
-        if (there)
-            expectSame(data_set_file::read("to." + tag + ".szplt"), readText("to." + tag + ".dat"));
-        compared += there;
-    }
+    for (const std::vector<std::string>& names : {tags, plots})
+        for (const std::string& name : names) {
+            SCOPED_TRACE(name);
+            const std::string text = "to." + name + ".dat", binary = "to." + name + ".szplt";
+            const bool there = std::filesystem::exists(text);
+            EXPECT_EQ(there, std::filesystem::exists(binary));
+            if (there) expectSame(data_set_file::read(binary), readText(text));
+            compared += there;
+        }
     return compared;
 }
 
 TEST(BinaryDataSet, IsTheTextDataSet) {
     struct Case {
         std::string problem, topLevel, inBlocks;
-        int domains;
+        int dataSets;
     };
-    const std::string all = " --domains olf,frac,chan,well,tile,dual --variables all ";
     const std::string size = "--nx 5 --ny 4 --layers 3 --times 3";
+    const std::string all = size + " --variables all --domains olf,frac,chan,well,tile,dual"
+                                   " --species Salt,Heat:heat,Bug:particles,Lime:immobile --hmc 2 ";
+    const std::string window = "truncate time domain\n0.01 1e9\n";
     for (const Case& c : {
-             Case{size, "", "", 2},
-             {size + all, "", "", 7},
-             {size + all + "--elements prism --tensor --walls",
-              "tecplot binary flush interval\n2\n", "", 7},
-             {size + all + "--generation older --units 7", "truncate time domain\n0.01 1e9\n", "",
-              7},
-             {size + all, "", "truncate @ domain\n0 120\n-1e20 1e20\n-1e20 1e20\n", 7},
-             {size + all, "", "truncate @ domain\n-2 -1\n-2 -1\n-2 -1\n", 7}, // nothing is left
-             {size + " --variables all", "",
-              "truncate @ domain by layer\n-1e20 1e20\n-1e20 1e20\n2 2\n", 2},
+             Case{size, "", "", 4},
+             {all, "", "", 9},
+             {all + "--elements prism --tensor --walls", "tecplot binary flush interval\n2\n", "",
+              9},
+             {all + "--coupling common", "", "", 9},
+             {all + "--generation older --units 7 --coupling mixed", window, "", 9},
+             {all, "", "truncate @ domain\n0 120\n-1e20 1e20\n-1e20 1e20\n", 9},
+             {all + "--coupling common", "", "truncate @ domain\n0 120\n0 80\n-1e20 1e20\n", 9},
+             {all, "", "truncate @ domain\n-2 -1\n-2 -1\n-2 -1\n", 9}, // nothing is left
+             {size + " --variables all", "", "truncate @ domain by layer\n-1 1e20\n-1 1e20\n2 2\n",
+              4},
              {"--nx 60 --ny 40 --layers 20 --times 1", "", // more than a block of kept values
-              "truncate @ domain\n0 1e20\n20 1e20\n-1e20 1e20\n", 2},
+              "truncate @ domain\n0 1e20\n20 1e20\n-1e20 1e20\n", 4},
          }) {
         SCOPED_TRACE(c.problem + c.inBlocks);
         const Folder folder;
         makeProblem(c.problem);
         put("batch.pfx", "t\n");
-        EXPECT_EQ(compareForms(c.topLevel, c.inBlocks), c.domains);
+        EXPECT_EQ(compareForms(c.topLevel, c.inBlocks), c.dataSets);
     }
 }
 
