@@ -61,4 +61,6 @@ compare "nearest nodes: times faster" nodes plainNodes ">1000" 1200
 compare "nearest columns: times faster" columns plainColumns ">100" 150
 echo
 "$root/bench/whole_run.sh" "$build" || missed=1
+echo
+"$root/bench/binary_whole_run.sh" "$build" || missed=1
 exit "$missed"
