@@ -4,6 +4,8 @@
 #include "meshrake/model/run_state.hpp"
 #include "tvncommon/ArrayHelpers.hpp"
 
+#include <algorithm>
+
 namespace mesh_shaping {
 
 using model::Domain;
@@ -34,10 +36,14 @@ bool includeNodes(Domain& domain, std::size_t element) {
 }
 
 void keepWholeMesh(Domain& domain) {
-    const bool isPm = domain.tag == model::tags::pm;
+    if (domain.tag == model::tags::pm) {
+        std::fill(domain.elementIncluded.begin(), domain.elementIncluded.end(), std::uint8_t{1});
+        for (const std::int32_t node : domain.elementNodes)
+            if (node > 0) domain.nodeIncluded[static_cast<std::size_t>(node - 1)] = 1;
+        return;
+    }
     const auto elements = static_cast<std::size_t>(domain.elementCount);
-    for (std::size_t e = 0; e < elements; ++e)
-        domain.elementIncluded[e] = includeNodes(domain, e) || isPm;
+    for (std::size_t e = 0; e < elements; ++e) domain.elementIncluded[e] = includeNodes(domain, e);
 }
 
 void keepPart(Domain& domain, const Domain& pm) {
