@@ -275,14 +275,17 @@ TEST(Append, KilledAtAnyInstant) {
     makeProblem("--nx 40 --ny 30 --layers 10 --times 12");
     put("batch.pfx", "t\n");
     put("t.plot.control", control("tecplot binary flush interval\n3\n"));
+    using Clock = std::chrono::steady_clock;
+    const Clock::time_point begin = Clock::now();
     ASSERT_EQ(runs::runProgram().status, 0);
+    const std::chrono::duration<double> duration = Clock::now() - begin;
     const Sets whole = readSets();
     for (const char* made : {"to.pm.szplt", "to.olf.szplt", "to.pm.szplt.szhdr",
                              "to.olf.szplt.szhdr", "to.tec_append"})
         std::filesystem::remove(made);
 
     std::mt19937 random(1);
-    std::uniform_int_distribution<int> microseconds(0, 40000);
+    std::uniform_real_distribution<double> instant(0, 1);
     const int wanted = longTests() ? 100 : 8;
     for (int kills = 0; kills < wanted;) {
         const Folder folder;
@@ -294,8 +297,8 @@ TEST(Append, KilledAtAnyInstant) {
                 execl(MESHRAKE_PROGRAM, MESHRAKE_PROGRAM, nullptr);
                 _exit(127);
             }
-            std::this_thread::sleep_for(std::chrono::microseconds(microseconds(random)));
-            kill(child, SIGKILL);
+            std::this_thread::sleep_for(instant(random) * duration);
+            if (kills < wanted) kill(child, SIGKILL);
             int status = 0;
             waitpid(child, &status, 0);
             finished = WIFEXITED(status);
