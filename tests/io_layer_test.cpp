@@ -195,6 +195,36 @@ TEST_F(IoLayer, InterruptedAndShortCalls) {
     EXPECT_EQ(writeLine(unit, "x"), writeFailed);
 }
 
+// Room on the disk is taken ahead for a large file only, and what is left of it given back; a disk
+// that refuses it takes the bytes all the same.
+TEST_F(IoLayer, RoomTakenAhead) {
+    static std::int64_t roomEnd, cutAt;
+    static int answer;
+    system_calls::table.reserve = [](int, std::int64_t position, std::int64_t size) {
+        roomEnd = position + size;
+        return answer;
+    };
+    system_calls::table.truncate = [](int, std::int64_t size) {
+        cutAt = size;
+        return 0;
+    };
+    const std::string block(1048576, 'x');
+    for (const int refused : {0, -1})
+        for (const int blocks : {2, 80}) {
+            roomEnd = cutAt = 0;
+            answer = refused;
+            const int unit = takeUnit();
+            openTextReplace(unit, "file", Flush::inBlocks);
+            for (int i = 0; i < blocks; ++i)
+                ASSERT_EQ(writeBlock(unit, block.data(), block.size()), ok);
+            EXPECT_EQ(releaseUnit(unit), ok);
+            const std::int64_t size = blocks * std::int64_t{1048576};
+            EXPECT_EQ(std::filesystem::file_size("file"), static_cast<std::uintmax_t>(size));
+            EXPECT_EQ(cutAt, blocks == 2 ? 0 : size);
+            EXPECT_EQ(roomEnd > size, blocks == 80 && refused == 0);
+        }
+}
+
 TEST_F(IoLayer, StatusOfAnOpen) {
     put("file", "");
     std::filesystem::create_directory("folder");

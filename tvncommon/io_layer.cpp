@@ -22,6 +22,8 @@ using system_calls::table;
 
 constexpr std::size_t readBufferSize = 32768;
 constexpr std::size_t writeBufferSize = 32768;
+constexpr std::int64_t roomFrom = 8388608; // size from which a file grows by steps
+constexpr std::int64_t roomStep = 67108864;
 constexpr std::size_t longestLine = 1048576;
 constexpr std::size_t longestName = 300;
 constexpr std::int64_t unbounded = std::numeric_limits<std::int64_t>::max();
@@ -44,6 +46,8 @@ struct Connection {
     std::size_t readEnd = 0;
     std::int64_t size = 0;     // file size at the open
     std::int64_t position = 0; // bytes taken by the reader
+    std::int64_t written = 0;  // bytes handed to the file
+    std::int64_t roomEnd = 0;  // end of the room taken on the disk ahead of the writes
     OpenRecord record;
 };
 
@@ -103,8 +107,19 @@ int writeAll(Connection& c, const char* from, std::size_t size) {
         if (n <= 0) return writeFailed;
         from += n;
         size -= static_cast<std::size_t>(n);
+        c.written += n;
     }
     return ok;
+}
+
+// Taking room in large steps costs the file system less than to find it block by block. A step that
+// is refused is the last one; the writes themselves tell whether the disk is full.
+void takeRoom(Connection& c, std::size_t size) {
+    const std::int64_t end = c.written + static_cast<std::int64_t>(size);
+    if (c.written < roomFrom || end <= c.roomEnd) return;
+    const std::int64_t begin = std::max(c.written, c.roomEnd);
+    const bool taken = table.reserve(c.descriptor, begin, roomStep) == 0;
+    c.roomEnd = taken ? begin + roomStep : unbounded;
 }
 
 int flushHeld(Connection& c) {
@@ -258,6 +273,8 @@ int releaseUnit(int unit) {
     Connection* c = find(unit);
     if (!c) return ok;
     int status = c->writing ? flushHeld(*c) : ok;
+    // Gives the room back that was not needed; the size of the file stays.
+    if (c->roomEnd > c->written) table.truncate(c->descriptor, c->written);
     if (table.close(c->descriptor) != 0 && c->writing && status == ok) status = writeFailed;
     state.connections.erase(unit);
     return status;
@@ -348,7 +365,9 @@ int writeBlock(int unit, const char* block, std::size_t size) {
     Connection* c = find(unit);
     if (!c || !c->writing) return writeFailed;
     const int status = flushHeld(*c);
-    return status == ok ? writeAll(*c, block, size) : status;
+    if (status != ok) return status;
+    takeRoom(*c, size);
+    return writeAll(*c, block, size);
 }
 
 int flush(int unit) {
