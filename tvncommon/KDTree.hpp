@@ -1,0 +1,132 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <vector>
+
+// Trees over a fixed set of points in two or three dimensions, for exact, nearest, radius and range
+// queries. Points are numbered from 1. The tree looks at the caller's coordinates, which must
+// outlive it; a copy of a tree is a tree of its own over the same coordinates. A point with a
+// coordinate that is no number is in the tree and in no answer.
+namespace KDTree {
+
+template<std::size_t D>
+using Point = std::array<double, D>;
+
+template<std::size_t D>
+struct Box {
+    std::array<double, D> lower, upper;
+};
+
+// A range of `order` that is split or searched as one.
+template<std::size_t D>
+struct Node {
+    std::int32_t first = 1, last = 0; // positions in `order`, from 1
+    std::int32_t splitDim = 0;        // dimension from 1 on; 0 in a leaf
+    double splitValue = 0;
+    Box<D> box{};
+    std::int32_t left = 0, right = 0; // places in `nodes`; 0, the root's, in a leaf
+};
+
+// Answers are lists of point numbers of which the first `count` entries are in use. Distances are
+// in length units; the members behind `rangeSearch`, of which the queries are made, compare their
+// squares. The members call one another through the record, so that one can be replaced; not so the
+// last four, which are called for every point.
+template<std::size_t D>
+struct Tree {
+    std::int32_t leafSize = 0;  // a range at most this long is not split
+    std::int32_t maxDepth = 0;  // a node at this depth is not split
+    std::int32_t treeDepth = 0; // of the deepest leaf
+    std::int32_t leafCount = 0;
+    std::vector<std::int32_t> order;            // point numbers; each node owns a range of them
+    std::array<const double*, D> coordinates{}; // of the first point
+    std::ptrdiff_t stride = 1;                  // from one point's coordinate to the next one's
+    std::vector<Node<D>> nodes;                 // the root in front; none before `init1`
+
+    Tree() = default;
+    Tree(const Tree&) = default;
+    Tree(Tree&&) = default;
+    Tree& operator=(const Tree&) = default;
+    Tree& operator=(Tree&&) = default;
+    virtual ~Tree() = default;
+
+    // Builds the tree over one array for each dimension, as long as the shortest of them, or over
+    // one array of whole points. Leaves hold 20 points unless `leafSize` is given, and the depth
+    // has no limit. Memory that is not there ends the run.
+    virtual void init1(const std::array<std::span<const double>, D>& points,
+                       std::optional<std::int32_t> leafSize = {},
+                       std::optional<std::int32_t> maxDepth = {});
+    virtual void init2(std::span<const double> points, std::optional<std::int32_t> leafSize = {},
+                       std::optional<std::int32_t> maxDepth = {});
+    virtual void destroy();
+
+    virtual bool empty() const;
+    virtual std::int32_t depth() const;
+    virtual std::int32_t leaves() const;
+
+    // All points at exactly this position.
+    virtual void exactSearch(const Point<D>& at, std::vector<std::int32_t>& indices,
+                             std::int32_t& count) const;
+
+    // The nearest point, 0 where there is none, and all points that are as near as it.
+    virtual void nearestNeighborSearch(const Point<D>& at, std::int32_t& index,
+                                       double& distance) const;
+    virtual void nearestNeighborSearchWithTies(const Point<D>& at,
+                                               std::vector<std::int32_t>& indices,
+                                               std::int32_t& count, double& distance) const;
+
+    // The `n` nearest points in order of distance, into arrays of `n`; `found` of them are there.
+    // Distances behind those are the largest finite number.
+    virtual void nearestNNeighborSearch(const Point<D>& at, std::int32_t n,
+                                        std::span<double> distances,
+                                        std::span<std::int32_t> indices, std::int32_t& found) const;
+
+    // All points at most `radius` away, and all points in the box; bounds belong to them.
+    virtual void radiusSearch(const Point<D>& at, double radius, std::vector<std::int32_t>& indices,
+                              std::int32_t& count) const;
+    virtual void rangeSearch(const Box<D>& box, std::vector<std::int32_t>& indices,
+                             std::int32_t& count) const;
+
+    virtual void nearestNeighborSearchRec(std::int32_t node, const Point<D>& at, double& best,
+                                          std::int32_t& bestIndex) const;
+    virtual void nearestNeighborSearchTiesRec(std::int32_t node, const Point<D>& at, double& best,
+                                              std::vector<std::int32_t>& indices,
+                                              std::int32_t& count) const;
+    virtual void nearestNNeighborSearchRec(std::int32_t node, const Point<D>& at,
+                                           std::span<double> distances,
+                                           std::span<std::int32_t> indices,
+                                           std::int32_t& found) const;
+    virtual void radiusSearchRec(std::int32_t node, const Point<D>& at, double radius2,
+                                 std::vector<std::int32_t>& indices, std::int32_t& count) const;
+    virtual void rangeSearchRec(std::int32_t node, const Box<D>& box,
+                                std::vector<std::int32_t>& indices, std::int32_t& count) const;
+
+    // Makes the node of a range and those under it; returns its place in `nodes`.
+    virtual std::int32_t buildTree(std::int32_t first, std::int32_t last, std::int32_t depth,
+                                   const Box<D>& box);
+
+    // Puts the range in order around the value of one of its points, whose position it returns:
+    // none in front of it is above that value and none behind it below.
+    virtual std::int32_t medianCut(std::int32_t first, std::int32_t last, std::int32_t dim);
+
+    // The point at a position of `order`, its coordinate in a dimension, and that of a place.
+    virtual Point<D> getPoint(std::int32_t position) const final;
+    virtual double getValueIndex(std::int32_t position, std::int32_t dim) const final;
+    virtual double getValueXYZ(const Point<D>& at, std::int32_t dim) const final;
+
+    // Square of the distance from a place to the point at a position of `order`.
+    virtual double dist2(const Point<D>& at, std::int32_t position) const final;
+
+    std::array<std::uint64_t, 2> random{}; // state of the source of random positions
+};
+
+using KDTree2D = Tree<2>;
+using KDTree3D = Tree<3>;
+
+extern template struct Tree<2>;
+extern template struct Tree<3>;
+
+} // namespace KDTree
