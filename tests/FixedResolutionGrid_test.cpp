@@ -1,0 +1,165 @@
+#include "tvncommon/FixedResolutionGrid.hpp"
+
+#include "tests/plan_mesh.hpp"
+#include "tvncommon/error.hpp"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <limits>
+
+namespace {
+
+using namespace FixedResolutionGrid;
+using plan_mesh::makeMesh;
+using plan_mesh::Mesh;
+
+constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+constexpr double infinity = std::numeric_limits<double>::infinity();
+
+void init(FixedResGrid& grid, const Mesh& mesh, std::int32_t nx, std::int32_t ny) {
+    grid.init(nx, ny, mesh.planElementCount, mesh.nodesPerElement, mesh.x, mesh.y,
+              mesh.elementNodes);
+}
+
+std::int32_t firstThatHolds(const FixedResGrid& grid, double x, double y) {
+    for (std::int32_t e = 1; e <= grid.elementCount; ++e)
+        if (grid.pointIn(e, x, y)) return e;
+    return 0;
+}
+
+// Corners of the mesh, middles between them, the ends of the lattice, and places anywhere.
+std::vector<std::array<double, 2>> places(const FixedResGrid& grid, std::mt19937& random) {
+    std::uniform_real_distribution<double> x(grid.xmin - 0.5, grid.xmax + 0.5);
+    std::uniform_real_distribution<double> y(grid.ymin - 0.5, grid.ymax + 0.5);
+    std::vector<std::array<double, 2>> found;
+    for (std::size_t i = 1; i < grid.x.size(); ++i) {
+        found.push_back({grid.x[i], grid.y[i]});
+        found.push_back({(grid.x[i] + grid.x[i - 1]) / 2, (grid.y[i] + grid.y[i - 1]) / 2});
+        found.push_back({x(random), y(random)});
+    }
+    for (const double cornerX : {grid.xmin, grid.xmax})
+        for (const double cornerY : {grid.ymin, grid.ymax}) found.push_back({cornerX, cornerY});
+    return found;
+}
+
+TEST(FixedResolutionGrid, FindsTheFirstOfAllElementsThatHoldAPlace) {
+    std::mt19937 random(1);
+    const std::array<std::int32_t, 2> sizes[] = {{1, 1}, {0, -3}, {7, 3}, {40, 50}, {2, 1000}};
+    for (const bool blocks : {false, true})
+        for (const double offset : {0.0, 0.3})
+            for (const int holes : {0, 4})
+                for (const auto [nx, ny] : sizes) {
+                    const Mesh mesh = makeMesh({blocks, 12, 9, 1, offset, holes}, random());
+                    FixedResGrid grid;
+                    init(grid, mesh, nx, ny);
+                    ASSERT_EQ(grid.nx, std::max(nx, 1));
+                    ASSERT_EQ(grid.ny, std::max(ny, 1));
+                    for (const auto [x, y] : places(grid, random))
+                        EXPECT_EQ(grid.findElement(x, y), firstThatHolds(grid, x, y))
+                            << x << ", " << y << " in " << nx << " by " << ny;
+                }
+}
+
+TEST(FixedResolutionGrid, TableListsCellsInOrder) {
+    // Two squares side by side, of which the first ends on the border of the two cells.
+    const std::vector<double> x{0, 1, 2, 0, 1, 2}, y{0, 0, 0, 1, 1, 1};
+    const std::vector<std::int32_t> nodes{1, 2, 5, 4, 1, 2, 5, 4, 2, 3, 6, 5, 2, 3, 6, 5};
+    FixedResGrid grid;
+    grid.init(2, 1, 2, 8, x, y, nodes);
+    EXPECT_EQ(grid.rowIndex, (std::vector<std::int32_t>{1, 2, 4}));
+    EXPECT_EQ(grid.elementIndex, (std::vector<std::int32_t>{1, 1, 2}));
+    EXPECT_EQ(grid.findElement(1, 0.5), 1);
+    EXPECT_EQ(grid.findElement(2, 1), 2);
+    EXPECT_EQ(grid.findElement(2.0000001, 1), 0);
+    grid.init(3, 3, 1, 8, x, y, nodes);
+    EXPECT_EQ(grid.xmax, 1);
+    EXPECT_EQ(grid.findElement(1.5, 0.5), 0);
+    FixedResGrid copy = grid;
+    grid.destroy();
+    EXPECT_TRUE(grid.empty());
+    EXPECT_EQ(grid.findElement(0.5, 0.5), 0);
+    EXPECT_EQ(copy.findElement(0.5, 0.5), 1);
+}
+
+TEST(FixedResolutionGrid, PlacesInTriangles) {
+    struct Case {
+        double x, y;
+        bool anticlockwise, clockwise;
+    };
+    // An edge has one side in the first winding and the other in the second.
+    const Case cases[] = {{1, 1, true, true},    {3, 3, false, false}, {2, 0, true, false},
+                          {0, 0, true, false},   {2, 2, true, false},  {-1, 0, false, false},
+                          {nan, 1, false, false}};
+    for (const Case& c : cases) {
+        EXPECT_EQ(pointInTri({0, 4, 0}, {0, 0, 4}, c.x, c.y), c.anticlockwise) << c.x << " " << c.y;
+        EXPECT_EQ(pointInTri({0, 0, 4}, {0, 4, 0}, c.x, c.y), c.clockwise) << c.x << " " << c.y;
+    }
+}
+
+struct Tolerant : FixedResGrid {
+    bool pointIn(std::int32_t element, double, double) const override { return element == 2; }
+};
+
+TEST(FixedResolutionGrid, AsksTheInsideTestOfTheRecord) {
+    const Mesh mesh = makeMesh({.columns = 1, .rows = 1, .offset = 0}, 1);
+    Tolerant grid;
+    init(grid, mesh, 1, 1);
+    EXPECT_EQ(grid.findElement(0.75, 0.25), 2);
+}
+
+TEST(FixedResolutionGrid, OddNumbersStayInsideTheArrays) {
+    std::mt19937 random(3);
+    const double oddCoordinates[] = {nan, infinity, -infinity, 1e308, -1e308};
+    const std::int32_t oddNodes[] = {0, -1, 1000000, 2147483647, -2147483647 - 1};
+    for (int round = 0; round < 200; ++round) {
+        Mesh mesh = makeMesh({round % 2 == 0, 4, 3, 1, 0.3, 0}, random());
+        const auto wild = random() % mesh.elementNodes.size();
+        mesh.elementNodes[wild] = oddNodes[random() % 5];
+        const auto odd = random() % (mesh.x.size() / 2);
+        (round % 4 < 2 ? mesh.x : mesh.y)[odd] = oddCoordinates[random() % 5];
+        FixedResGrid grid;
+        init(grid, mesh, 9, 5);
+        for (const auto [x, y] : places(grid, random)) {
+            const std::int32_t found = grid.findElement(x, y);
+            EXPECT_TRUE(found == 0 || grid.pointIn(found, x, y));
+        }
+        for (const std::int32_t element : oddNodes) EXPECT_FALSE(grid.pointIn(element, 1, 1));
+    }
+}
+
+TEST(FixedResolutionGrid, MeshesWithoutExtent) {
+    const std::vector<double> same{2, 2, 2}, rising{1, 2, 3};
+    const std::vector<std::int32_t> nodes{1, 2, 3, 1, 2, 3};
+    for (const auto& [x, y] : {std::pair{same, same}, {same, rising}, {rising, same}}) {
+        FixedResGrid grid;
+        grid.init(5, 5, 1, 6, x, y, nodes);
+        EXPECT_EQ(grid.findElement(2, 2), 1);
+        grid.init(5, 5, 0, 6, x, y, nodes);
+        EXPECT_EQ(grid.findElement(2, 2), 0);
+        EXPECT_FALSE(grid.empty());
+    }
+    FixedResGrid grid;
+    grid.init(5, 5, 0, 8, {}, {}, {});
+    EXPECT_EQ(grid.findElement(0, 0), 0);
+}
+
+TEST(FixedResolutionGrid, WhatItCannotDoEndsTheRun) {
+    const Mesh mesh = makeMesh({}, 1);
+    FixedResGrid grid;
+    struct Case {
+        std::int32_t nx, nodesPerElement;
+        const char* message;
+    };
+    for (const Case& c :
+         {Case{10, 4, "Fixed resolution grid expects prism or block elements."},
+          Case{2147483647, 6, "Allocation failed: Fixed resolution grid work array"}}) {
+        testing::internal::CaptureStderr();
+        EXPECT_THROW(grid.init(c.nx, 10, mesh.planElementCount, c.nodesPerElement, mesh.x, mesh.y,
+                               mesh.elementNodes),
+                     error::RunEnded);
+        EXPECT_NE(testing::internal::GetCapturedStderr().find(c.message), std::string::npos);
+    }
+}
+
+} // namespace

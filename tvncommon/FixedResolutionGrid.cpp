@@ -1,0 +1,213 @@
+#include "tvncommon/FixedResolutionGrid.hpp"
+
+#include "tvncommon/ArrayHelpers.hpp"
+#include "tvncommon/error.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <limits>
+
+namespace FixedResolutionGrid {
+
+namespace {
+
+constexpr std::int64_t mostEntries = std::numeric_limits<std::int32_t>::max() - 1;
+constexpr double noNumber = std::numeric_limits<double>::quiet_NaN();
+
+// Plan corners of an element, three or four.
+struct Corners {
+    std::array<double, 4> xs, ys;
+};
+
+double coordinateOf(std::span<const double> coordinates, std::int32_t node) {
+    const auto index = static_cast<std::size_t>(node) - 1;
+    return index < coordinates.size() ? coordinates[index] : noNumber;
+}
+
+Corners cornersOf(const FixedResGrid& grid, std::int32_t element) {
+    const auto corners = static_cast<std::size_t>(grid.nodesPerPlan);
+    const std::size_t begin = (static_cast<std::size_t>(element) - 1) * 2 * corners;
+    Corners result;
+    for (std::size_t k = 0; k < corners; ++k) {
+        const std::int32_t node = grid.elementNodes[begin + k];
+        result.xs[k] = coordinateOf(grid.x, node);
+        result.ys[k] = coordinateOf(grid.y, node);
+    }
+    return result;
+}
+
+std::array<double, 4> planBox(const FixedResGrid& grid, std::int32_t element) {
+    const Corners corners = cornersOf(grid, element);
+    const auto count = static_cast<std::size_t>(grid.nodesPerPlan);
+    std::array<double, 4> box;
+    getBoundingBox(std::span(corners.xs).first(count), std::span(corners.ys).first(count), box);
+    return box;
+}
+
+// Cell of a coordinate, the last one for what lies behind it; the first one for a coordinate that a
+// mesh without extent makes no number of.
+std::int32_t cellOf(double coordinate, double lowest, double size, std::int32_t cells) {
+    const double cell = (coordinate - lowest) / size;
+    if (!(cell >= 1)) return 0;
+    return cell < cells ? static_cast<std::int32_t>(cell) : cells - 1;
+}
+
+// Place of a coordinate in a cell, in 256ths of its size and `more` of these on; that of the
+// nearest end for what lies outside.
+std::uint8_t partOf(double coordinate, double lowest, double size, std::int32_t cell, int more) {
+    const double part = ((coordinate - lowest) / size - cell) * 256 + more;
+    if (!(part > 0)) return 0;
+    return part < 255 ? static_cast<std::uint8_t>(part) : 255;
+}
+
+// How far a box reaches in the cell (i, j). A little more, since an element can hold a place that
+// lies on its edge but for a rounding error.
+Reach reachOf(const FixedResGrid& grid, const std::array<double, 4>& box, std::int32_t i,
+              std::int32_t j) {
+    return {partOf(box[0], grid.xmin, grid.dx, i, -1), partOf(box[1], grid.xmin, grid.dx, i, 1),
+            partOf(box[2], grid.ymin, grid.dy, j, -1), partOf(box[3], grid.ymin, grid.dy, j, 1)};
+}
+
+// Calls `use` with the indices and the number, from 0, of each cell that the box touches.
+template<class Use>
+void forEachCell(const FixedResGrid& grid, const std::array<double, 4>& box, const Use& use) {
+    const std::int32_t lastI = cellOf(box[1], grid.xmin, grid.dx, grid.nx);
+    const std::int32_t lastJ = cellOf(box[3], grid.ymin, grid.dy, grid.ny);
+    for (std::int32_t j = cellOf(box[2], grid.ymin, grid.dy, grid.ny); j <= lastJ; ++j)
+        for (std::int32_t i = cellOf(box[0], grid.xmin, grid.dx, grid.nx); i <= lastI; ++i)
+            use(i, j,
+                static_cast<std::size_t>(j) * static_cast<std::size_t>(grid.nx) +
+                    static_cast<std::size_t>(i));
+}
+
+void boundMesh(FixedResGrid& grid) {
+    grid.xmin = grid.xmax = grid.x.empty() ? 0 : grid.x[0];
+    grid.ymin = grid.ymax = grid.y.empty() ? 0 : grid.y[0];
+    for (std::int32_t e = 1; e <= grid.elementCount; ++e) {
+        const Corners corners = cornersOf(grid, e);
+        for (std::size_t k = 0; k < static_cast<std::size_t>(grid.nodesPerPlan); ++k) {
+            grid.xmin = std::fmin(grid.xmin, corners.xs[k]); // passes over what is no number
+            grid.xmax = std::fmax(grid.xmax, corners.xs[k]);
+            grid.ymin = std::fmin(grid.ymin, corners.ys[k]);
+            grid.ymax = std::fmax(grid.ymax, corners.ys[k]);
+        }
+    }
+}
+
+} // namespace
+
+void FixedResGrid::init(std::int32_t cellsX, std::int32_t cellsY, std::int32_t count,
+                        std::int32_t nodesPerElement, std::span<const double> nodeX,
+                        std::span<const double> nodeY, std::span<const std::int32_t> nodes) {
+    if (nodesPerElement != 6 && nodesPerElement != 8)
+        error::input_error("Fixed resolution grid expects prism or block elements.");
+    destroy();
+    nx = std::max(cellsX, 1);
+    ny = std::max(cellsY, 1);
+    nodesPerPlan = nodesPerElement / 2;
+    elementCount = std::max(count, 0);
+    x = nodeX;
+    y = nodeY;
+    elementNodes = nodes;
+    boundMesh(*this);
+    dx = (xmax - xmin) / nx;
+    dy = (ymax - ymin) / ny;
+    buildTable();
+}
+
+void FixedResGrid::buildTable() {
+    constexpr const char* workName = "Fixed resolution grid work array";
+    const std::int64_t cells = std::int64_t{nx} * ny;
+    if (cells > mostEntries) ArrayHelpers::allocationFailed(workName);
+    std::vector<std::int32_t> cursors;
+    ArrayHelpers::allocateArray(cursors, cells, workName);
+    std::int64_t entries = 0;
+    for (std::int32_t e = 1; e <= elementCount; ++e)
+        forEachCell(*this, planBox(*this, e), [&](std::int32_t, std::int32_t, std::size_t cell) {
+            ++cursors[cell];
+            ++entries;
+        });
+
+    constexpr const char* indexName = "Fixed resolution grid element index array";
+    ArrayHelpers::allocateArray(rowIndex, cells + 1, "Fixed resolution grid row index array");
+    if (entries > mostEntries) ArrayHelpers::allocationFailed(indexName);
+    ArrayHelpers::allocateArray(elementIndex, entries, indexName);
+    ArrayHelpers::allocateArray(reach, entries, indexName);
+    rowIndex[0] = 1;
+    for (std::size_t cell = 0; cell < cursors.size(); ++cell) {
+        rowIndex[cell + 1] = rowIndex[cell] + cursors[cell];
+        cursors[cell] = rowIndex[cell] - 1;
+    }
+    for (std::int32_t e = 1; e <= elementCount; ++e) {
+        const std::array<double, 4> box = planBox(*this, e);
+        forEachCell(*this, box, [&](std::int32_t i, std::int32_t j, std::size_t cell) {
+            const auto place = static_cast<std::size_t>(cursors[cell]++);
+            elementIndex[place] = e;
+            reach[place] = reachOf(*this, box, i, j);
+        });
+    }
+}
+
+bool FixedResGrid::pointIn(std::int32_t element, double atX, double atY) const {
+    if (element < 1 || element > elementCount) return false;
+    const auto [xs, ys] = cornersOf(*this, element);
+    if (pointInTri({xs[0], xs[1], xs[2]}, {ys[0], ys[1], ys[2]}, atX, atY)) return true;
+    return nodesPerPlan == 4 && pointInTri({xs[0], xs[2], xs[3]}, {ys[0], ys[2], ys[3]}, atX, atY);
+}
+
+void FixedResGrid::destroy() {
+    nx = ny = nodesPerPlan = elementCount = 0;
+    xmin = ymin = xmax = ymax = dx = dy = 0;
+    x = y = {};
+    elementNodes = {};
+    std::vector<std::int32_t>().swap(rowIndex);
+    std::vector<std::int32_t>().swap(elementIndex);
+    std::vector<Reach>().swap(reach);
+}
+
+bool FixedResGrid::empty() const {
+    return nx == 0 || ny == 0;
+}
+
+std::int32_t FixedResGrid::findElement(double atX, double atY) const {
+    const bool inside = atX >= xmin && atX <= xmax && atY >= ymin && atY <= ymax;
+    if (empty() || !inside) return 0;
+    const std::int32_t i = cellOf(atX, xmin, dx, nx), j = cellOf(atY, ymin, dy, ny);
+    const std::uint8_t partX = partOf(atX, xmin, dx, i, 0), partY = partOf(atY, ymin, dy, j, 0);
+    const std::size_t cell =
+        static_cast<std::size_t>(j) * static_cast<std::size_t>(nx) + static_cast<std::size_t>(i);
+    const auto end = static_cast<std::size_t>(rowIndex[cell + 1]) - 1;
+    for (auto k = static_cast<std::size_t>(rowIndex[cell]) - 1; k < end; ++k) {
+        const Reach& r = reach[k];
+        if (partX < r.firstX || partX > r.lastX || partY < r.firstY || partY > r.lastY) continue;
+        if (pointIn(elementIndex[k], atX, atY)) return elementIndex[k];
+    }
+    return 0;
+}
+
+bool pointInTri(const std::array<double, 3>& xs, const std::array<double, 3>& ys, double atX,
+                double atY) {
+    const auto side = [&](std::size_t a, std::size_t b) {
+        return (xs[b] - xs[a]) * (atY - ys[a]) - (ys[b] - ys[a]) * (atX - xs[a]);
+    };
+    const double sides[] = {side(0, 1), side(1, 2), side(2, 0)};
+    if (std::isnan(sides[0]) || std::isnan(sides[1]) || std::isnan(sides[2])) return false;
+    const bool right = 0 > sides[0];
+    return right == (0 > sides[1]) && right == (0 > sides[2]);
+}
+
+void getBoundingBox(std::span<const double> xs, std::span<const double> ys,
+                    std::array<double, 4>& box) {
+    box = {xs[0], xs[0], ys[0], ys[0]};
+    for (const double value : xs) {
+        if (value < box[0]) box[0] = value;
+        if (value > box[1]) box[1] = value;
+    }
+    for (const double value : ys) {
+        if (value < box[2]) box[2] = value;
+        if (value > box[3]) box[3] = value;
+    }
+}
+
+} // namespace FixedResolutionGrid
