@@ -1,4 +1,5 @@
 add_executable(toolkit_tests
+  ElementSearch_test.cpp
   FixedResolutionGrid_test.cpp
   KDTree_test.cpp)
 target_link_libraries(toolkit_tests PRIVATE tvncommon GTest::gtest_main)

@@ -2,6 +2,7 @@
 
 #include "tvncommon/error.hpp"
 #include "tvncommon/free_form.hpp"
+#include "tvncommon/number_formats.hpp"
 
 #include <algorithm>
 #include <charconv>
@@ -91,6 +92,10 @@ std::string toString_i4(std::int32_t value, std::string_view format, int* iostat
         error::fatalErrorStat(writeFailed,
                               "No format of an integer: \"" + std::string(format) + "\"");
     return {};
+}
+
+std::string toString_r8(double value) {
+    return number_formats::wideRealText(value);
 }
 
 void str2r4(std::string_view text, float& value, int* iostat) {

@@ -27,6 +27,9 @@ bool equalPadded(std::string_view a, std::string_view b);
 // without `iostat` it ends the run.
 std::string toString_i4(std::int32_t value, std::string_view format = {}, int* iostat = nullptr);
 
+// A value with its 17 digits and no blanks.
+std::string toString_r8(double value);
+
 // Reads a single-precision number in free form. `value` stays as it was when the text holds no
 // number, which ends the run unless `iostat` takes the status.
 void str2r4(std::string_view text, float& value, int* iostat = nullptr);
