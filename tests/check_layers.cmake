@@ -8,6 +8,7 @@ file(GLOB_RECURSE sources RELATIVE ${root}
 set(tvncommon_below "")
 set(tecio_below tvncommon)
 set(examples_below "") # what reads the problems and what writes them share nothing
+set(library_example_below tvncommon)
 set(model_below tvncommon)
 set(plot_data_below tvncommon model tecio)
 set(mesh_shaping_below tvncommon model plot_data)
@@ -20,6 +21,7 @@ set(meshrake_below ${run_below} run)
 
 # "meshrake/model/domain.hpp" lies in the layer "model", "meshrake/main.cpp" in "meshrake".
 function(layer_of path result)
+  string(REGEX REPLACE "^examples/locate_in_mesh.cpp$" "library_example/" path "${path}")
   string(REGEX REPLACE "^meshrake/([^/]+)/.*" "\\1/" path "${path}")
   string(REGEX REPLACE "/.*" "" layer "${path}")
   set(${result} ${layer} PARENT_SCOPE)

@@ -1,0 +1,109 @@
+// Tells for points in space in which element of the porous medium they lie, and what the head is
+// there.
+//
+//   locate_in_mesh PREFIX INDEX < POINTS
+//
+// reads <prefix>o.coordinates_pm, <prefix>o.elements_pm and <prefix>o.head_pm.<index>, then x, y
+// and z of one point from each line of the standard input. Built against the installed library:
+//
+//   c++ -std=c++20 locate_in_mesh.cpp -ltvncommon
+
+#include "tvncommon/ElementSearch.hpp"
+#include "tvncommon/TVNBinaryFile.hpp"
+#include "tvncommon/error.hpp"
+#include "tvncommon/file_units.hpp"
+#include "tvncommon/io_layer.hpp"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <iostream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace {
+
+struct Mesh {
+    std::int32_t nodeCount = 0, sheetCount = 0;
+    std::int32_t elementCount = 0, nodesPerElement = 0;
+    std::vector<double> x, y, z;
+    std::vector<std::int32_t> elementNodes;
+};
+
+int openRecords(const std::string& name) {
+    const int unit = file_units::getUnit();
+    error::checkFileOpen(io_layer::openRecordsRead(unit, name), name);
+    return unit;
+}
+
+// Node sheets by the nodes that stand over the first one.
+std::int32_t countSheets(const Mesh& mesh) {
+    std::int32_t sheets = 0;
+    for (std::size_t i = 0; i < mesh.x.size(); ++i)
+        if (mesh.x[i] == mesh.x[0] && mesh.y[i] == mesh.y[0]) ++sheets;
+    return sheets;
+}
+
+void readMesh(const std::string& prefix, Mesh& mesh) {
+    int unit = openRecords(prefix + "o.coordinates_pm");
+    mesh.nodeCount = file_units::readInteger(unit);
+    std::vector<double> places;
+    file_units::readArray(unit, std::int64_t{3} * mesh.nodeCount, places, "coordinates");
+    for (std::size_t i = 0; i < places.size(); i += 3) {
+        mesh.x.push_back(places[i]);
+        mesh.y.push_back(places[i + 1]);
+        mesh.z.push_back(places[i + 2]);
+    }
+    file_units::freeUnit(unit);
+    mesh.sheetCount = countSheets(mesh);
+
+    unit = openRecords(prefix + "o.elements_pm");
+    mesh.nodesPerElement = file_units::readInteger(unit);
+    mesh.elementCount = file_units::readInteger(unit);
+    file_units::readArray(unit, std::int64_t{mesh.nodesPerElement} * mesh.elementCount,
+                          mesh.elementNodes, "element nodes");
+    file_units::freeUnit(unit);
+}
+
+void locate(const Mesh& mesh, const std::vector<double>& heads) {
+    if (mesh.sheetCount < 2) error::input_error("The mesh has no layers.");
+    const std::int32_t planElements = mesh.elementCount / (mesh.sheetCount - 1);
+    ElementSearch::initElementSearch(mesh.elementCount, planElements, mesh.nodesPerElement,
+                                     mesh.sheetCount, mesh.elementNodes, mesh.x, mesh.y, mesh.z);
+    // A point outside is not the end: the message becomes its line.
+    std::string message;
+    ElementSearch::setErrorCallback([&](std::string_view text) { message = text; });
+    double x = 0, y = 0, z = 0;
+    while (std::cin >> x >> y >> z) {
+        const std::int32_t element = ElementSearch::findElement3D(x, y, z);
+        if (element == 0) {
+            std::printf("%s\n", message.substr(0, message.find('\n')).c_str());
+            continue;
+        }
+        const double head = ElementSearch::interpElement3DIndex(element, x, y, z, heads);
+        std::printf("element %d in layer %d, head %.6g\n", element,
+                    (element - 1) / planElements + 1, head);
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 3) {
+        std::fprintf(stderr, "usage: locate_in_mesh PREFIX INDEX < POINTS\n");
+        return EXIT_FAILURE;
+    }
+    const std::string prefix = argv[1], index = argv[2];
+    try {
+        Mesh mesh;
+        readMesh(prefix, mesh);
+        std::vector<double> heads(static_cast<std::size_t>(mesh.nodeCount));
+        TVNBinaryFile::read_r8_1d(prefix + "o.head_pm." + index, mesh.nodeCount, heads.data());
+        locate(mesh, heads);
+    } catch (const error::RunEnded& end) {
+        return end.status;
+    }
+    return EXIT_SUCCESS;
+}
