@@ -6,6 +6,7 @@
 #include "meshrake/model/run_state.hpp"
 #include "meshrake/observation_compare/comparisons.hpp"
 #include "meshrake/observation_compare/observation_files.hpp"
+#include "meshrake/paraview/bc_locations.hpp"
 #include "meshrake/run/banner.hpp"
 #include "meshrake/run/command_line.hpp"
 #include "meshrake/run/control_file.hpp"
@@ -57,12 +58,14 @@ void writeProducts(Domains& domains) {
         read_obs_heads_xy(domains.olf);
         compare_heads_output(domains.olf);
     }
+    if (run.bcLocationOutput) paraview::addition_paraview_bclocationout();
     if (run.plotIsopach) mesh_shaping::plot_pmzone_isopach_structure(domains.olf, domains.pm);
     if (run.plotDepthBelowSurface) mesh_shaping::plot_pmdepth_grndsurf(domains.olf, domains.pm);
 }
 
-void runMeshrake(int argc, const char* const* argv) {
+void runMeshrake(int argc, const char* const* argv, bool legacyVtk) {
     startFresh();
+    run.paraviewMode = run.bcLocationOutput = legacyVtk;
     header(io_layer::screen);
     readCommandLine(argc, argv);
     run.problemPrefix = getModelPrefix(".skiv");
@@ -93,10 +96,10 @@ void runMeshrake(int argc, const char* const* argv) {
 
 } // namespace
 
-int meshrake_main(int argc, const char* const* argv) {
+int meshrake_main(int argc, const char* const* argv, bool legacyVtk) {
     try {
         try {
-            runMeshrake(argc, argv);
+            runMeshrake(argc, argv, legacyVtk);
         } catch (const std::bad_alloc&) {
             error::check_alloc(io_layer::outOfMemory, "working memory");
         } catch (const std::exception& surprise) {

@@ -20,3 +20,15 @@ add_test(NAME installed_library COMMAND ${CMAKE_COMMAND}
   -DCOMPILER=${CMAKE_CXX_COMPILER} -DFLAGS=${installed_flags}
   -DEXAMPLE=${PROJECT_SOURCE_DIR}/examples/locate_in_mesh.cpp
   -P ${CMAKE_CURRENT_SOURCE_DIR}/installed_library/check.cmake)
+
+target_sources(meshrake_tests PRIVATE bc_locations_test.cpp paraview_test.cpp)
+target_compile_definitions(meshrake_tests PRIVATE
+  MESHRAKE_VTK_PROGRAM="$<TARGET_FILE:meshrake_vtk>")
+add_dependencies(meshrake_tests meshrake_vtk)
+
+find_program(PYTHON python3)
+if(PYTHON)
+  add_test(NAME vtk_reader COMMAND ${PYTHON} ${CMAKE_CURRENT_SOURCE_DIR}/read_vtk.py
+    $<TARGET_FILE:meshrake_vtk> $<TARGET_FILE:make_problem>)
+  set_tests_properties(vtk_reader PROPERTIES SKIP_RETURN_CODE 77)
+endif()

@@ -3,6 +3,7 @@
 #include "meshrake/mesh_shaping/common_truncation.hpp"
 #include "meshrake/mesh_shaping/multi_truncation.hpp"
 #include "meshrake/model/run_state.hpp"
+#include "meshrake/paraview/multi_paraview.hpp"
 #include "meshrake/plot_data/data_set.hpp"
 #include "meshrake/variables/passes.hpp"
 
@@ -15,6 +16,11 @@ using model::run;
 
 namespace {
 
+// Behind the plot file's zone, from the same arrays.
+void writeForParaview(Domain& domain) {
+    if (run.paraviewMode && domain.writeDomain.enabled) paraview::multiParaview(domain);
+}
+
 void init(Domain& domain, const Domain& pm) {
     if (!domain.exists) return;
     if (domain.writeDomain.enabled && !model::hasOwnNodes(domain)) {
@@ -23,15 +29,18 @@ void init(Domain& domain, const Domain& pm) {
     } else if (domain.writeDomain.enabled || model::isOnlyLent(domain)) {
         mesh_shaping::multiTruncate(domain, pm);
         variables::initMultiTecplot(domain);
+        writeForParaview(domain);
     }
 }
 
 void append(Domain& domain) {
     if (!domain.exists) return;
-    if (domain.writeDomain.enabled && !model::hasOwnNodes(domain))
+    if (domain.writeDomain.enabled && !model::hasOwnNodes(domain)) {
         variables::appendCommonTecplot(domain);
-    else if (domain.writeDomain.enabled || model::isOnlyLent(domain))
+    } else if (domain.writeDomain.enabled || model::isOnlyLent(domain)) {
         variables::appendMultiTecplot(domain);
+        writeForParaview(domain);
+    }
 }
 
 } // namespace

@@ -1,0 +1,145 @@
+#include "meshrake/paraview/bc_locations.hpp"
+
+#include "meshrake/model/run_state.hpp"
+#include "meshrake/paraview/array_rows.hpp"
+#include "tvncommon/StringHelpers.hpp"
+#include "tvncommon/error.hpp"
+#include "tvncommon/file_units.hpp"
+#include "tvncommon/free_form.hpp"
+#include "tvncommon/io_layer.hpp"
+#include "tvncommon/number_formats.hpp"
+
+#include <algorithm>
+#include <span>
+
+namespace paraview {
+
+using model::run;
+
+namespace {
+
+constexpr std::size_t lineLength = 1000;
+constexpr std::size_t mostNames = 1000;
+constexpr std::size_t nameLengthLimit = 300;
+
+bool nextLine(int unit, std::string& line) {
+    if (!file_units::readLine(unit, line)) return false;
+    line = StringHelpers::cut(line, lineLength);
+    return true;
+}
+
+// A line that must be there.
+std::string needLine(int unit) {
+    std::string line;
+    if (!nextLine(unit, line)) error::checkFileRead(io_layer::endOfFile, io_layer::pathOf(unit));
+    return line;
+}
+
+std::string firstWord(std::string text) {
+    remove_front_space_tab(text);
+    return text.substr(0, text.find(' '));
+}
+
+std::size_t countDimensions(const std::string& line) {
+    std::size_t dimensions = 0;
+    for (const char* letter : {"\"X\"", "\"Y\"", "\"Z\""})
+        if (line.find(letter) != std::string::npos) ++dimensions;
+    return dimensions;
+}
+
+std::int32_t readPointCount(int unit) {
+    const std::string line = needLine(unit);
+    const std::size_t mark = line.find("I=");
+    if (mark == std::string::npos) file_units::badContents(unit, "I= is missing: " + line);
+    std::int32_t points = 0;
+    const int status = free_form::readInteger(firstWord(line.substr(mark + 2)), points);
+    if (status != io_layer::ok)
+        file_units::badContents(unit, "The number of points is no integer: " + line);
+    return points;
+}
+
+void readNumbers(int unit, std::span<double> numbers) {
+    const auto line = [unit](std::string& text) { return nextLine(unit, text); };
+    for (double& number : numbers)
+        error::checkFileRead(free_form::readReals(line, {&number, 1}), io_layer::pathOf(unit));
+}
+
+void writePoints(int unit, std::int32_t points, const std::vector<std::vector<double>>& xyz) {
+    file_units::writeLine(unit, "# vtk DataFile Version 2.0");
+    file_units::writeLine(unit, "BOUNDARY NODE LOCATIONS");
+    file_units::writeLine(unit, "ASCII");
+    file_units::writeLine(unit, "");
+    file_units::writeLine(unit, "DATASET POLYDATA");
+    file_units::writeLine(unit, "POINTS " + count(points) + " double");
+    if (xyz.empty()) return;
+    std::string line;
+    for (std::size_t i = 0; i < static_cast<std::size_t>(points); ++i) {
+        line.clear();
+        for (const std::vector<double>& coordinates : xyz) {
+            if (!line.empty()) line += ' ';
+            line.resize(line.size() + number_formats::wideRealWidth);
+            number_formats::writeWideReal(coordinates[i], line.data() + line.size() -
+                                                              number_formats::wideRealWidth);
+        }
+        file_units::writeLine(unit, line);
+    }
+}
+
+} // namespace
+
+void addition_paraview_bclocationout() {
+    const std::string list = model::problemFile("boundary_conditions");
+    if (!io_layer::exists(list)) {
+        model::writeScreen(" *o.boundary_conditions FILE DOES NOT EXISTS");
+        return;
+    }
+    const int listUnit = file_units::openTextRead(list);
+    std::vector<std::string> names;
+    get_bc_names_from_bc_file(listUnit, names, nameLengthLimit);
+    file_units::freeUnit(listUnit);
+
+    for (const std::string& name : names) {
+        const std::string input = model::problemFile("Bc." + name + ".dat");
+        if (!io_layer::exists(input)) continue;
+        const int inputUnit = file_units::openTextRead(input);
+        const int outputUnit = file_units::openTextReplace(
+            input.substr(0, input.size() - 3) + "vtk", io_layer::Flush::inBlocks);
+        convert_bc_file_into_paraviewformat(inputUnit, outputUnit);
+        file_units::freeUnit(inputUnit);
+        file_units::freeUnit(outputUnit);
+    }
+}
+
+void convert_bc_file_into_paraviewformat(int inputUnit, int outputUnit) {
+    needLine(inputUnit);
+    const std::size_t dimensions = countDimensions(needLine(inputUnit));
+    const std::int32_t points = readPointCount(inputUnit);
+    // A number and the end of its line; the line with "#" makes up for the last one's.
+    constexpr std::int64_t leastBytes = 2;
+    if (dimensions > 0 || points < 0)
+        file_units::checkCount(inputUnit, points, leastBytes, "points");
+
+    std::vector<std::vector<double>> xyz(dimensions);
+    for (std::vector<double>& coordinates : xyz) {
+        ArrayHelpers::allocateArray(coordinates, points, "convert bc file to paraview xyz array");
+        if (needLine(inputUnit).find('#') != std::string::npos) readNumbers(inputUnit, coordinates);
+    }
+    writePoints(outputUnit, points, xyz);
+}
+
+void remove_front_space_tab(std::string& text) {
+    text.erase(0, std::min(text.find_first_not_of(" \t"), text.size()));
+}
+
+void get_bc_names_from_bc_file(int unit, std::vector<std::string>& names, std::size_t nameLength) {
+    std::string line;
+    while (nextLine(unit, line)) {
+        if (line.find("! name") == std::string::npos) continue;
+        if (names.size() == mostNames)
+            file_units::badContents(unit, "There are more than " + std::to_string(mostNames) +
+                                              " names of boundary conditions.");
+        names.push_back(firstWord(line).substr(0, nameLength));
+    }
+}
+
+} // namespace paraview
