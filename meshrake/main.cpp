@@ -1,10 +1,8 @@
-#include "meshrake/memory.hpp"
 #include "meshrake/meshrake.hpp"
 
 #include "tvncommon/system_calls.hpp"
 
 int main(int argc, char** argv) {
-    prepareMemory();
     system_calls::prepareProcess();
     return meshrake_main(argc, argv);
 }

@@ -4,6 +4,9 @@
 #include <csignal>
 #include <ctime>
 #include <fcntl.h>
+#include <limits>
+#include <malloc.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -83,6 +86,12 @@ void prepareProcess() {
     // Writes to a screen that was closed go on to fail; banners that nobody sees do not matter.
     for (int stream = 0; stream <= 2; ++stream)
         if (::fcntl(stream, F_GETFD) < 0) ::open("/dev/null", stream == 2 ? O_WRONLY : O_RDONLY);
+    ::mallopt(M_MMAP_MAX, 0);
+    ::mallopt(M_TRIM_THRESHOLD, std::numeric_limits<int>::max());
+}
+
+void useLargePages(void* memory, std::size_t size) {
+    ::madvise(memory, size, MADV_HUGEPAGE);
 }
 
 LocalTime localTime() {

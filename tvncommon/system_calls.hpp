@@ -41,8 +41,14 @@ extern Table table;
 Table systemTable();
 
 // Makes the process fit for the run: a reader that goes away and a file size limit are failures of
-// a write, not the end of it, and a standard stream that was closed leaves its number to no file.
+// a write, not the end of it, a standard stream that was closed leaves its number to no file, and
+// freed memory stays with the process.
 void prepareProcess();
+
+// Asks for large pages under a block of memory that begins at one. The system may refuse: the pages
+// are then small ones.
+inline constexpr std::size_t largePage = 2097152;
+void useLargePages(void* memory, std::size_t size);
 
 // Date and time of day with the zone's offset from universal time, as the system tells them.
 struct LocalTime {
