@@ -12,9 +12,6 @@ using plot_data::Packing;
 
 namespace {
 
-// The values are put together for the included nodes or elements alone.
-constexpr Packing packed{};
-
 // The record that holds the domain's nodes.
 const Domain& nodesOf(const Domain& domain) {
     return model::hasOwnNodes(domain) ? domain : *domain.pmReference;
@@ -31,10 +28,16 @@ std::int32_t layerElements(const Domain& domain, std::string_view column) {
     return n;
 }
 
-std::vector<std::int32_t> temporaryArray(std::int32_t size, std::string_view name) {
-    std::vector<std::int32_t> values;
-    ArrayHelpers::allocateArray(values, size, name);
-    return values;
+// One value for each entry of the mask that is set; `valueOf` gets the entry, from 0.
+template<class T, class ValueOf>
+plot_data::NextValues<T> includedValues(const std::vector<std::uint8_t>& included,
+                                        ValueOf valueOf) {
+    return [&included, valueOf, i = std::size_t{0}](T* values, std::int64_t room) mutable {
+        std::int64_t n = 0;
+        for (; i < included.size() && n < room; ++i)
+            if (included[i]) values[n++] = valueOf(i);
+        return n;
+    };
 }
 
 // Mean of the heights of the upper over the lower nodes, whose slots match in order.
@@ -83,42 +86,37 @@ void nodeNumberInit(Domain& domain, const VariableRow& row, OutputVar& var) {
     if (!run.wallsPresent) meshColumnInit(domain, row, var);
 }
 
-void write3DNodeNumber(Domain& domain, const VariableRow& row, OutputVar& var) {
-    std::vector<std::int32_t> values = temporaryArray(nodesOf(domain).nodeCount, row.arrayText);
-    const bool linked = model::hasOwnNodes(domain);
-    std::size_t n = 0;
-    for (std::size_t i = 0; i < values.size(); ++i)
-        if (domain.nodeIncluded[i])
-            values[n++] = linked ? domain.linkToPm[i] : static_cast<std::int32_t>(i + 1);
-    plot_data::tecplotWriteArrayInt4(var.columns[0].varNumber, static_cast<std::int64_t>(n),
-                                     values.data(), packed, row.columns[0].label, domain);
-}
-
 namespace {
 
-// One number for each included element; `numberOf` gets the element, from 0, and those in a layer.
-void writeElementNumbers(Domain& domain, const VariableRow& row, const OutputVar& var,
-                         std::int32_t (*numberOf)(std::int32_t, std::int32_t)) {
-    const std::int32_t perLayer = layerElements(domain, row.columns[0].name);
-    std::vector<std::int32_t> values = temporaryArray(domain.elementCount, row.arrayText);
-    std::size_t n = 0;
-    for (std::int32_t e = 0; e < domain.elementCount; ++e)
-        if (domain.elementIncluded[static_cast<std::size_t>(e)])
-            values[n++] = numberOf(e, perLayer);
-    plot_data::tecplotWriteArrayInt4(var.columns[0].varNumber, static_cast<std::int64_t>(n),
-                                     values.data(), packed, row.columns[0].label, domain);
+void writeNumbers(Domain& domain, const VariableRow& row, const OutputVar& var,
+                  const plot_data::NextValues<std::int32_t>& next) {
+    plot_data::tecplotWriteMadeInt4(var.columns[0].varNumber, next, row.columns[0].label, domain);
 }
 
 } // namespace
 
+void write3DNodeNumber(Domain& domain, const VariableRow& row, OutputVar& var) {
+    const std::int32_t* links = model::hasOwnNodes(domain) ? domain.linkToPm.data() : nullptr;
+    const auto number = [links](std::size_t i) {
+        return links ? links[i] : static_cast<std::int32_t>(i + 1);
+    };
+    writeNumbers(domain, row, var, includedValues<std::int32_t>(domain.nodeIncluded, number));
+}
+
 void writeLayerNumber(Domain& domain, const VariableRow& row, OutputVar& var) {
-    writeElementNumbers(domain, row, var,
-                        [](std::int32_t e, std::int32_t perLayer) { return e / perLayer + 1; });
+    const std::int32_t perLayer = layerElements(domain, row.columns[0].name);
+    const auto number = [perLayer](std::size_t e) {
+        return static_cast<std::int32_t>(e) / perLayer + 1;
+    };
+    writeNumbers(domain, row, var, includedValues<std::int32_t>(domain.elementIncluded, number));
 }
 
 void writeColumnNumber(Domain& domain, const VariableRow& row, OutputVar& var) {
-    writeElementNumbers(domain, row, var,
-                        [](std::int32_t e, std::int32_t perLayer) { return e % perLayer + 1; });
+    const std::int32_t perLayer = layerElements(domain, row.columns[0].name);
+    const auto number = [perLayer](std::size_t e) {
+        return static_cast<std::int32_t>(e) % perLayer + 1;
+    };
+    writeNumbers(domain, row, var, includedValues<std::int32_t>(domain.elementIncluded, number));
 }
 
 void writeElementThickness(Domain& domain, const VariableRow& row, OutputVar& var) {
@@ -126,13 +124,10 @@ void writeElementThickness(Domain& domain, const VariableRow& row, OutputVar& va
         error::fatalError("Thickness of the " + domain.name +
                           " domain: elements of one node\nFile: " +
                           model::problemFile("elements_" + domain.name));
-    std::vector<double> values;
-    ArrayHelpers::allocateArray(values, domain.elementCount, row.arrayText);
-    std::size_t n = 0;
-    for (std::size_t e = 0; e < values.size(); ++e)
-        if (domain.elementIncluded[e]) values[n++] = thickness(domain, e);
-    plot_data::tecplotWriteArrayReal8(var.columns[0].varNumber, static_cast<std::int64_t>(n),
-                                      values.data(), packed, row.columns[0].label, domain);
+    const auto ofElement = [&domain](std::size_t e) { return thickness(domain, e); };
+    plot_data::tecplotWriteMadeReal8(var.columns[0].varNumber,
+                                     includedValues<double>(domain.elementIncluded, ofElement),
+                                     row.columns[0].label, domain);
 }
 
 void depth2SurfInit(Domain& domain, const VariableRow& row, OutputVar& var) {

@@ -38,8 +38,9 @@ bool includeNodes(Domain& domain, std::size_t element) {
 void keepWholeMesh(Domain& domain) {
     if (domain.tag == model::tags::pm) {
         std::fill(domain.elementIncluded.begin(), domain.elementIncluded.end(), std::uint8_t{1});
+        std::uint8_t* included = domain.nodeIncluded.data();
         for (const std::int32_t node : domain.elementNodes)
-            if (node > 0) domain.nodeIncluded[static_cast<std::size_t>(node - 1)] = 1;
+            if (node > 0) included[node - 1] = 1;
         return;
     }
     const auto elements = static_cast<std::size_t>(domain.elementCount);

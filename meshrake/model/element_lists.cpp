@@ -10,13 +10,20 @@ namespace model {
 
 namespace {
 
+// All are looked at before the first bad one is searched for, so that several go in one
+// instruction.
 void checkNodeNumbers(int unit, const Domain& domain, const Domain& pm) {
     const std::int32_t lowest =
         domain.tag == tags::pm ? 0 : std::numeric_limits<std::int32_t>::min();
-    for (const std::int32_t node : domain.elementNodes)
-        if (node > pm.nodeCount || node < lowest)
-            file_units::badContents(unit, "An element has pm node " + std::to_string(node) +
-                                              ", which is not in the mesh");
+    const std::int32_t highest = pm.nodeCount;
+    const auto isBad = [=](std::int32_t node) { return node > highest || node < lowest; };
+    const std::vector<std::int32_t>& nodes = domain.elementNodes;
+    std::int32_t bad = 0;
+    for (const std::int32_t node : nodes) bad |= isBad(node);
+    if (bad)
+        file_units::badContents(unit, "An element has pm node " +
+                                          std::to_string(*std::ranges::find_if(nodes, isBad)) +
+                                          ", which is not in the mesh");
 }
 
 // An element of zone 0 stands where the dual continuum is not.

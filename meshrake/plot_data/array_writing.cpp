@@ -63,37 +63,77 @@ void appendTail(TextBlock& block, const T* values, std::int64_t count) {
     block.end = writeTail(values, static_cast<int>(count), block.end);
 }
 
-// Kept values are gathered a few rows at a time: they stay in the cache until they are text.
+// Values that are gathered or made stay in the cache until they are in the file. Whole rows.
+constexpr std::size_t valuesAtOnce = 4000 * valuesPerRow;
+
+// The values that the packing keeps, in pieces.
 template<class T>
-void appendPacked(TextBlock& block, std::int64_t count, const T* values, const std::uint8_t* mask) {
-    std::array<T, 1000 * valuesPerRow> kept;
-    std::size_t n = 0;
-    for (std::int64_t i = 0; i < count; ++i) {
-        kept[n] = values[i];
-        n += mask[i];
-        if (n < kept.size()) continue;
-        appendRows(block, kept.data(), static_cast<std::int64_t>(n) / valuesPerRow);
-        n = 0;
+NextValues<T> keptValues(std::int64_t count, const T* values, const std::uint8_t* mask) {
+    return [=, i = std::int64_t{0}](T* kept, std::int64_t room) mutable {
+        std::int64_t n = 0;
+        for (; i < count && n < room; ++i) {
+            kept[n] = values[i];
+            n += mask[i];
+        }
+        return n;
+    };
+}
+
+template<class T>
+void appendArray(TextBlock& block, const T* values, std::int64_t count) {
+    const std::int64_t rows = count / valuesPerRow;
+    appendRows(block, values, rows);
+    appendTail(block, values + rows * valuesPerRow, count - rows * valuesPerRow);
+}
+
+TextBlock beginArray(std::string_view label, const Domain& domain) {
+    TextBlock block = beginBlock(domain.tecplotUnit);
+    appendLine(block, "# " + std::string(StringHelpers::trimRight(label)));
+    return block;
+}
+
+template<class T>
+void writeTextPieces(const NextValues<T>& next, std::string_view label, const Domain& domain) {
+    std::array<T, valuesAtOnce> values;
+    constexpr auto room = static_cast<std::int64_t>(valuesAtOnce);
+    TextBlock block = beginArray(label, domain);
+    for (std::int64_t n = room; n == room;) {
+        n = next(values.data(), room);
+        appendArray(block, values.data(), n);
     }
-    const auto rows = static_cast<std::int64_t>(n) / valuesPerRow;
-    appendRows(block, kept.data(), rows);
-    appendTail(block, kept.data() + rows * valuesPerRow,
-               static_cast<std::int64_t>(n) - rows * valuesPerRow);
+    writeBlock(block);
+}
+
+template<class T>
+void writeBinaryPieces(std::int32_t varNumber, const NextValues<T>& next, Domain& domain) {
+    std::array<T, valuesAtOnce> values;
+    constexpr auto room = static_cast<std::int64_t>(valuesAtOnce);
+    std::int64_t written = 0;
+    for (std::int64_t n = room; n == room; written += n) {
+        n = next(values.data(), room);
+        if (n > 0 || written == 0) binary::writeValues(varNumber, n, values.data(), domain);
+    }
+    binary::checkCount(varNumber, written, domain);
+}
+
+template<class T>
+void writePieces(std::int32_t varNumber, const NextValues<T>& next, std::string_view label,
+                 Domain& domain) {
+    if (run.tecplotBinary) return writeBinaryPieces(varNumber, next, domain);
+    writeTextPieces(next, label, domain);
 }
 
 template<class T>
 void writeArray(std::int32_t varNumber, std::int64_t count, const T* values, const Packing& packing,
                 std::string_view label, Domain& domain) {
-    if (run.tecplotBinary) return binary::writeArray(varNumber, count, values, packing, domain);
-    TextBlock block = beginBlock(domain.tecplotUnit);
-    appendLine(block, "# " + std::string(StringHelpers::trimRight(label)));
-    if (packing.truncated) {
-        appendPacked(block, count, values, packing.mask);
-    } else {
-        const std::int64_t rows = count / valuesPerRow;
-        appendRows(block, values, rows);
-        appendTail(block, values + rows * valuesPerRow, count - rows * valuesPerRow);
+    if (packing.truncated)
+        return writePieces(varNumber, keptValues(count, values, packing.mask), label, domain);
+    if (run.tecplotBinary) {
+        binary::writeValues(varNumber, count, values, domain);
+        return binary::checkCount(varNumber, count, domain);
     }
+    TextBlock block = beginArray(label, domain);
+    appendArray(block, values, count);
     writeBlock(block);
 }
 
@@ -112,6 +152,16 @@ void tecplotWriteArrayReal8(std::int32_t varNumber, std::int64_t count, const do
 void tecplotWriteArrayInt4(std::int32_t varNumber, std::int64_t count, const std::int32_t* values,
                            const Packing& packing, std::string_view label, Domain& domain) {
     writeArray(varNumber, count, values, packing, label, domain);
+}
+
+void tecplotWriteMadeReal8(std::int32_t varNumber, const NextValues<double>& next,
+                           std::string_view label, Domain& domain) {
+    writePieces(varNumber, next, label, domain);
+}
+
+void tecplotWriteMadeInt4(std::int32_t varNumber, const NextValues<std::int32_t>& next,
+                          std::string_view label, Domain& domain) {
+    writePieces(varNumber, next, label, domain);
 }
 
 } // namespace plot_data

@@ -118,63 +118,16 @@ std::vector<std::int32_t> marked(const std::vector<std::int32_t>& variables, std
     return list;
 }
 
-std::string_view typeText(const float*) {
-    return "real(4)";
-}
-std::string_view typeText(const double*) {
-    return "real(8)";
-}
-std::string_view typeText(const std::int32_t*) {
-    return "integer(4)";
+std::string_view typeText(std::int32_t type) {
+    constexpr std::string_view texts[] = {"real(4)", "real(8)", "integer(4)"};
+    return texts[type - 1];
 }
 
-std::int32_t handOver(const DataSet& set, std::int32_t varNumber, std::int64_t count,
-                      const float* values) {
-    return tecZoneVarWriteFloatValues(set.handle, set.zoneNumber, varNumber, 0, count, values);
-}
-std::int32_t handOver(const DataSet& set, std::int32_t varNumber, std::int64_t count,
-                      const double* values) {
-    return tecZoneVarWriteDoubleValues(set.handle, set.zoneNumber, varNumber, 0, count, values);
-}
-std::int32_t handOver(const DataSet& set, std::int32_t varNumber, std::int64_t count,
-                      const std::int32_t* values) {
-    return tecZoneVarWriteInt32Values(set.handle, set.zoneNumber, varNumber, 0, count, values);
-}
-
-// Kept values are gathered a block at a time, which stays in the cache until it is written.
-template<class T>
-std::int32_t writePacked(const DataSet& set, std::int32_t varNumber, std::int64_t count,
-                         const T* values, const std::uint8_t* mask, std::int64_t& written) {
-    std::array<T, 32768> kept;
-    std::size_t n = 0;
-    written = 0;
-    for (std::int64_t i = 0; i < count; ++i) {
-        kept[n] = values[i];
-        n += mask[i];
-        if (n < kept.size()) continue;
-        const std::int32_t status = handOver(set, varNumber, kept.size(), kept.data());
-        if (status != 0) return status;
-        written += static_cast<std::int64_t>(n);
-        n = 0;
-    }
-    written += static_cast<std::int64_t>(n);
-    if (n == 0 && written > 0) return 0;
-    return handOver(set, varNumber, static_cast<std::int64_t>(n), kept.data());
-}
-
-template<class T>
-void writeWhole(std::int32_t varNumber, std::int64_t count, const T* values, const Packing& packing,
-                Domain& domain) {
-    if (varNumber < 1) return;
-    const DataSet& set = domain.dataSet;
-    std::int64_t written = count;
-    std::int32_t status = packing.truncated
-                              ? writePacked(set, varNumber, count, values, packing.mask, written)
-                              : handOver(set, varNumber, count, values);
-    const bool nodal = set.varLocation[static_cast<std::size_t>(varNumber - 1)] == 1;
-    if (status == 0 && written != (nodal ? domain.nnTruncated : domain.neTruncated)) status = 1;
+void checkWritten(std::int32_t status, std::int32_t varNumber, Domain& domain) {
+    if (status == 0) return;
+    const auto v = static_cast<std::size_t>(varNumber - 1);
     check(status,
-          "Writing " + std::string(typeText(values)) + " data for variable # " +
+          "Writing " + std::string(typeText(domain.dataSet.varTypes[v])) + " data for variable # " +
               std::to_string(varNumber) + " in",
           domain);
 }
@@ -225,19 +178,36 @@ void writeZoneFE(std::string_view title, std::string_view solutionTime, int conn
               "Write solution time in", domain);
 }
 
-void writeArray(std::int32_t varNumber, std::int64_t count, const float* values,
-                const Packing& packing, Domain& domain) {
-    writeWhole(varNumber, count, values, packing, domain);
+void writeValues(std::int32_t varNumber, std::int64_t count, const float* values, Domain& domain) {
+    if (varNumber < 1) return;
+    const DataSet& set = domain.dataSet;
+    checkWritten(
+        tecZoneVarWriteFloatValues(set.handle, set.zoneNumber, varNumber, 0, count, values),
+        varNumber, domain);
 }
 
-void writeArray(std::int32_t varNumber, std::int64_t count, const double* values,
-                const Packing& packing, Domain& domain) {
-    writeWhole(varNumber, count, values, packing, domain);
+void writeValues(std::int32_t varNumber, std::int64_t count, const double* values, Domain& domain) {
+    if (varNumber < 1) return;
+    const DataSet& set = domain.dataSet;
+    checkWritten(
+        tecZoneVarWriteDoubleValues(set.handle, set.zoneNumber, varNumber, 0, count, values),
+        varNumber, domain);
 }
 
-void writeArray(std::int32_t varNumber, std::int64_t count, const std::int32_t* values,
-                const Packing& packing, Domain& domain) {
-    writeWhole(varNumber, count, values, packing, domain);
+void writeValues(std::int32_t varNumber, std::int64_t count, const std::int32_t* values,
+                 Domain& domain) {
+    if (varNumber < 1) return;
+    const DataSet& set = domain.dataSet;
+    checkWritten(
+        tecZoneVarWriteInt32Values(set.handle, set.zoneNumber, varNumber, 0, count, values),
+        varNumber, domain);
+}
+
+void checkCount(std::int32_t varNumber, std::int64_t written, Domain& domain) {
+    if (varNumber < 1) return;
+    const bool nodal = domain.dataSet.varLocation[static_cast<std::size_t>(varNumber - 1)] == 1;
+    const std::int64_t wanted = nodal ? domain.nnTruncated : domain.neTruncated;
+    checkWritten(written == wanted ? 0 : 1, varNumber, domain);
 }
 
 void writeNodes(std::int64_t count, const std::int32_t* nodes, Domain& domain) {

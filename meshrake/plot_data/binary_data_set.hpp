@@ -1,7 +1,6 @@
 #pragma once
 
 #include "meshrake/model/domain.hpp"
-#include "meshrake/plot_data/array_writing.hpp"
 
 #include <cstdint>
 #include <string_view>
@@ -23,14 +22,15 @@ void varUnitsWrite(Domain& domain);
 void writeZoneFE(std::string_view title, std::string_view solutionTime, int connectivityShareZone,
                  Domain& domain);
 
-// A whole variable. Number 0 has no column: its values are dropped. A number of values that is not
-// the zone's ends the run.
-void writeArray(std::int32_t varNumber, std::int64_t count, const float* values,
-                const Packing& packing, Domain& domain);
-void writeArray(std::int32_t varNumber, std::int64_t count, const double* values,
-                const Packing& packing, Domain& domain);
-void writeArray(std::int32_t varNumber, std::int64_t count, const std::int32_t* values,
-                const Packing& packing, Domain& domain);
+// The next values of a variable; one call, if an empty one, for a zone without any. Number 0 has no
+// column: its values are dropped.
+void writeValues(std::int32_t varNumber, std::int64_t count, const float* values, Domain& domain);
+void writeValues(std::int32_t varNumber, std::int64_t count, const double* values, Domain& domain);
+void writeValues(std::int32_t varNumber, std::int64_t count, const std::int32_t* values,
+                 Domain& domain);
+
+// Ends the run when the variable got another number of values than the zone has.
+void checkCount(std::int32_t varNumber, std::int64_t written, Domain& domain);
 
 // The next node numbers of the zone; one call, if an empty one, for a zone without elements.
 void writeNodes(std::int64_t count, const std::int32_t* nodes, Domain& domain);

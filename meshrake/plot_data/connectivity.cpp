@@ -109,10 +109,19 @@ void tecplotElemConnectivity(const Domain& domain, const OwnNodes& own, const Pa
     if (triangle) nodes[3] = nodes[2];
 }
 
+// True when the file takes the elements as they stand: all of them, with all nodes of pm.
+bool isWholeMesh(const Domain& domain, const Pattern& pattern) {
+    return domain.tag == model::tags::pm && pattern.length == domain.nodesPerElement &&
+           pattern.length != 4 && domain.neTruncated == domain.elementCount &&
+           !domain.nodeRenumber.empty() && domain.nodeRenumber.back() == domain.nodeCount;
+}
+
 // Node lists of the included elements into `write`, as many at a time as stay in the cache.
 template<class Write>
 void writeRows(const Domain& domain, const Pattern& pattern, Write write) {
     if (pattern.length == 0) return;
+    if (isWholeMesh(domain, pattern))
+        return write(domain.elementNodes.data(), std::int64_t{domain.elementCount});
     const OwnNodes own = ownNodesOf(domain);
     constexpr std::int64_t rowsAtOnce = 4096;
     std::array<std::int32_t, rowsAtOnce * maximumSlots> nodes;
