@@ -206,6 +206,7 @@ TEST(BinaryDataSet, EndsWhereTextWouldGoWrong) {
          {Case{"to.elements_pm", elements, "Writing real(8) data for variable # 1 in pm domain."},
           {"to.head_olf.0001", resultFile("now", {Reals(6, 1.0)}),
            "The solution time of the pm domain is no number: now"},
+          {"to.head_olf.0001", resultFile("/", {Reals(6, 1.0)}), "is no number: /"},
           {"to.head_olf.0001", resultFile("inf", {Reals(6, 1.0)}), "is no number: inf"},
           {"to.head_olf.0001", resultFile("1e999", {Reals(6, 1.0)}), "is no number: 1e999"}}) {
         const Folder folder;

@@ -10,6 +10,8 @@
 #include "tvncommon/utils.hpp"
 
 #include <array>
+#include <cmath>
+#include <limits>
 
 namespace model {
 
@@ -121,10 +123,11 @@ bool findTime(std::string_view suffix) {
     return false;
 }
 
-// A time stamp of the file found last as a number.
+// A time stamp of the file found last as a number, which a text such as "/" is not either.
 double timeOf(const std::string& timestamp) {
-    double time = 0;
-    const int status = free_form::readReal(timestamp, time);
+    double time = std::numeric_limits<double>::quiet_NaN();
+    int status = free_form::readReal(timestamp, time);
+    if (status == io_layer::ok && std::isnan(time)) status = io_layer::invalidData;
     if (status != io_layer::ok)
         error::input_error_stat(status, "Error reading file: " + run.timeFile +
                                             "\nThe time stamp is no number: " + timestamp);
@@ -153,8 +156,12 @@ void getTimestamp(std::string_view suffix, bool& found) {
     run.currentTimeText = StringHelpers::cut(run.currentTimeText, 60);
 }
 
+double currentTime() {
+    return timeOf(run.currentTimeText);
+}
+
 bool inTimeWindow() {
-    const double time = timeOf(run.currentTimeText);
+    const double time = currentTime();
     return !(time < run.timeWindowMin || time > run.timeWindowMax);
 }
 

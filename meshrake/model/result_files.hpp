@@ -15,8 +15,10 @@ std::string outputTimeIndex(std::int32_t index);
 // so. Sets "0.0" and `found` false when there is none. A malformed header ends the run.
 void getTimestamp(std::string_view suffix, bool& found);
 
-// True when the time found last lies in the time window, ends included. Ends the run when its text
-// is no number.
+// The time found last. Ends the run when its text is no number.
+double currentTime();
+
+// True when that lies in the time window, ends included.
 bool inTimeWindow();
 
 } // namespace model

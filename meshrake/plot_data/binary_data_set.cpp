@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <limits>
 
 namespace plot_data::binary {
 
@@ -100,7 +101,7 @@ void showZonesOfEarlierRun(const Domain& domain) {
 }
 
 double timeOf(std::string_view text, const Domain& domain) {
-    double time = 0;
+    double time = std::numeric_limits<double>::quiet_NaN();
     int status = free_form::readReal(text, time);
     if (status == io_layer::ok && !std::isfinite(time)) status = io_layer::invalidData;
     if (status != io_layer::ok)
