@@ -53,6 +53,19 @@ void writeVectors(const std::array<std::span<const T>, N>& components, const Ext
 
 } // namespace
 
+void writePoints(const std::vector<std::span<const double>>& coordinates, std::int32_t points,
+                 int unit) {
+    constexpr std::size_t width = number_formats::wideRealWidth;
+    file_units::writeLine(unit, "POINTS " + count(points) + " double");
+    if (coordinates.empty()) return;
+    std::string line(coordinates.size() * (width + 1) - 1, ' ');
+    for (std::size_t i = 0; i < static_cast<std::size_t>(points); ++i) {
+        for (std::size_t axis = 0; axis < coordinates.size(); ++axis)
+            number_formats::writeWideReal(coordinates[axis][i], line.data() + axis * (width + 1));
+        file_units::writeLine(unit, line);
+    }
+}
+
 std::string narrowReal(double value) {
     const std::string text = number_formats::generalField(value, narrowWidth, narrowDigits);
     const bool exponent = text.back() >= '0' && text.back() <= '9';

@@ -4,10 +4,11 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
-// Arrays of a legacy VTK file. A label has the form "POINT_DATA,SCALARS head float": keyword of the
-// section, comma, line of the array. The array for which `dataIndex` is 1 opens the section; one
-// with another keyword behind it opens none of its own. A failed write ends the run.
+// Points and arrays of a legacy VTK file. A label has the form "POINT_DATA,SCALARS head float":
+// keyword of the section, comma, line of the array. The array for which `dataIndex` is 1 opens the
+// section; one with another keyword behind it opens none of its own. A failed write ends the run.
 namespace paraview {
 
 // Of the mesh that an array belongs to.
@@ -37,6 +38,10 @@ void write_paraview_vector_2d_array(std::span<const float> vx, std::span<const f
 void write_paraview_vector_2d_darray(std::span<const double> vx, std::span<const double> vy,
                                      const Extent& extent, std::string_view label,
                                      std::int32_t dataIndex, int unit);
+
+// The head line of the points and a line for each: its value of every coordinate.
+void writePoints(const std::vector<std::span<const double>>& coordinates, std::int32_t points,
+                 int unit);
 
 // Fields of these files: a real of 15 columns with five digits, which are stars for an exponent of
 // three digits; an integer of 10 columns.

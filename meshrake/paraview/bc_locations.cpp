@@ -7,9 +7,9 @@
 #include "tvncommon/file_units.hpp"
 #include "tvncommon/free_form.hpp"
 #include "tvncommon/io_layer.hpp"
-#include "tvncommon/number_formats.hpp"
 
 #include <algorithm>
+#include <limits>
 #include <span>
 
 namespace paraview {
@@ -51,9 +51,10 @@ std::int32_t readPointCount(int unit) {
     const std::string line = needLine(unit);
     const std::size_t mark = line.find("I=");
     if (mark == std::string::npos) file_units::badContents(unit, "I= is missing: " + line);
-    std::int32_t points = 0;
+    constexpr std::int32_t unread = std::numeric_limits<std::int32_t>::min();
+    std::int32_t points = unread;
     const int status = free_form::readInteger(firstWord(line.substr(mark + 2)), points);
-    if (status != io_layer::ok)
+    if (status != io_layer::ok || points == unread)
         file_units::badContents(unit, "The number of points is no integer: " + line);
     return points;
 }
@@ -64,25 +65,12 @@ void readNumbers(int unit, std::span<double> numbers) {
         error::checkFileRead(free_form::readReals(line, {&number, 1}), io_layer::pathOf(unit));
 }
 
-void writePoints(int unit, std::int32_t points, const std::vector<std::vector<double>>& xyz) {
+void writeHead(int unit) {
     file_units::writeLine(unit, "# vtk DataFile Version 2.0");
     file_units::writeLine(unit, "BOUNDARY NODE LOCATIONS");
     file_units::writeLine(unit, "ASCII");
     file_units::writeLine(unit, "");
     file_units::writeLine(unit, "DATASET POLYDATA");
-    file_units::writeLine(unit, "POINTS " + count(points) + " double");
-    if (xyz.empty()) return;
-    std::string line;
-    for (std::size_t i = 0; i < static_cast<std::size_t>(points); ++i) {
-        line.clear();
-        for (const std::vector<double>& coordinates : xyz) {
-            if (!line.empty()) line += ' ';
-            line.resize(line.size() + number_formats::wideRealWidth);
-            number_formats::writeWideReal(coordinates[i], line.data() + line.size() -
-                                                              number_formats::wideRealWidth);
-        }
-        file_units::writeLine(unit, line);
-    }
 }
 
 } // namespace
@@ -124,7 +112,8 @@ void convert_bc_file_into_paraviewformat(int inputUnit, int outputUnit) {
         ArrayHelpers::allocateArray(coordinates, points, "convert bc file to paraview xyz array");
         if (needLine(inputUnit).find('#') != std::string::npos) readNumbers(inputUnit, coordinates);
     }
-    writePoints(outputUnit, points, xyz);
+    writeHead(outputUnit);
+    writePoints({xyz.begin(), xyz.end()}, points, outputUnit);
 }
 
 void remove_front_space_tab(std::string& text) {

@@ -1,16 +1,14 @@
 #include "meshrake/paraview/multi_paraview.hpp"
 
+#include "meshrake/model/result_files.hpp"
 #include "meshrake/model/run_state.hpp"
 #include "meshrake/paraview/array_rows.hpp"
-#include "tvncommon/error.hpp"
 #include "tvncommon/file_units.hpp"
-#include "tvncommon/free_form.hpp"
 #include "tvncommon/io_layer.hpp"
 #include "tvncommon/number_formats.hpp"
 
 #include <algorithm>
 #include <array>
-#include <optional>
 #include <string>
 
 namespace paraview {
@@ -35,12 +33,6 @@ void line(const Output& out, std::string_view text) {
     file_units::writeLine(out.unit, text);
 }
 
-std::string wideReal(double value) {
-    std::string field(number_formats::wideRealWidth, ' ');
-    number_formats::writeWideReal(value, field.data());
-    return field;
-}
-
 std::string wideInteger(std::int32_t value) {
     return number_formats::integerField(value, number_formats::wideRealWidth);
 }
@@ -49,16 +41,6 @@ std::string wideInteger(std::int32_t value) {
 bool isShown(const Domain& domain, std::string_view key, Option option) {
     const OutputVar* var = model::findOutputVar(domain, key);
     return var && var->firstExists && model::enabled(domain, option);
-}
-
-double currentTime() {
-    double time = 0;
-    const int status = free_form::readReal(run.currentTimeText, time);
-    if (status != io_layer::ok)
-        error::input_error_stat(status,
-                                "Error reading file: " + run.timeFile +
-                                    "\nThe time stamp is no number: " + run.currentTimeText);
-    return time;
 }
 
 int openFile(const Domain& domain) {
@@ -75,8 +57,9 @@ int openFile(const Domain& domain) {
     return file_units::openTextReplace(name, io_layer::Flush::inBlocks);
 }
 
-void writePoints(const Output& out) {
-    const Domain& domain = out.domain;
+void writeHead(const Output& out) {
+    std::string time(number_formats::wideRealWidth, ' ');
+    number_formats::writeWideReal(model::currentTime(), time.data());
     const std::size_t title =
         run.numTitleLines < 2 ? 1 : static_cast<std::size_t>(run.numTitleLines);
     line(out, "# vtk DataFile Version 1.0");
@@ -86,89 +69,77 @@ void writePoints(const Output& out) {
     line(out, "DATASET UNSTRUCTURED_GRID");
     line(out, "FIELD FieldData 1");
     line(out, "TIME 1 1 double");
-    line(out, wideReal(currentTime()));
-    line(out, "POINTS " + count(domain.nnTruncated) + " double");
-    for (std::size_t i = 0; i < static_cast<std::size_t>(domain.nnTruncated); ++i)
-        line(out,
-             wideReal(domain.x[i]) + " " + wideReal(domain.y[i]) + " " + wideReal(domain.z[i]));
+    line(out, time);
 }
 
-// Which slots of an element stand in its record, from 0, and the cell's type. Triangles and prisms
-// go out as quadrilaterals and bricks with corners that fall together.
+// How the elements with so many slots go out: the slots that stand in a cell's record, from 0, and
+// the cell's type. Triangles and prisms are quadrilaterals and bricks with corners that fall
+// together.
 struct Shape {
+    std::int32_t nodesPerElement;
     int length;
     std::array<std::size_t, 8> slots;
     int type;
 };
 
-std::optional<Shape> shapeOf(std::int32_t nodesPerElement) {
-    switch (nodesPerElement) {
-    case 2:
-        return Shape{2, {0, 1}, 3};
-    case 3:
-        return Shape{4, {0, 1, 2, 2}, 8};
-    case 4:
-        return Shape{4, {0, 1, 2, 3}, 9};
-    case 6:
-        return Shape{8, {0, 1, 2, 2, 3, 4, 5, 5}, 12};
-    case 8:
-        return Shape{8, {0, 1, 2, 3, 4, 5, 6, 7}, 12};
-    default:
-        return {};
+constexpr Shape shapes[] = {
+    {2, 2, {0, 1}, 3},
+    {3, 4, {0, 1, 2, 2}, 8},
+    {4, 4, {0, 1, 2, 3}, 9},
+    {6, 8, {0, 1, 2, 2, 3, 4, 5, 5}, 12},
+    {8, 8, {0, 1, 2, 3, 4, 5, 6, 7}, 12},
+};
+constexpr const Shape& triangle = shapes[1];
+
+const Shape* shapeOf(const Domain& domain) {
+    for (const Shape& shape : shapes)
+        if (shape.nodesPerElement == domain.nodesPerElement) return &shape;
+    return nullptr;
+}
+
+using CellStep = void (*)(const Output&, const Shape&, const std::int32_t* slots);
+
+// Only the first elements, as many as are included, are looked at, of which some may not be.
+void forEachCell(const Output& out, const Shape& shape, CellStep step) {
+    const Domain& domain = out.domain;
+    const std::int32_t* slots = domain.elementNodes.data();
+    for (std::size_t e = 0; e < static_cast<std::size_t>(domain.neTruncated); ++e) {
+        const bool isTriangle = domain.nodesPerElement == 4 && slots[3] == 0;
+        if (domain.elementIncluded[e]) step(out, isTriangle ? triangle : shape, slots);
+        slots += domain.nodesPerElement;
     }
 }
 
-const std::int32_t* slotsOf(const Domain& domain, std::size_t element) {
-    return domain.elementNodes.data() + element * static_cast<std::size_t>(domain.nodesPerElement);
-}
-
-Shape shapeOfElement(const Domain& domain, const Shape& shape, std::size_t element) {
-    const bool triangle = domain.nodesPerElement == 4 && slotsOf(domain, element)[3] == 0;
-    return triangle ? *shapeOf(3) : shape;
-}
-
-// Only the first ones as many as are included are looked at, of which some may not be.
-template<class Use>
-void forEachCell(const Domain& domain, const Use& use) {
-    for (std::size_t e = 0; e < static_cast<std::size_t>(domain.neTruncated); ++e)
-        if (domain.elementIncluded[e]) use(e);
-}
-
-std::string cellRecord(const Domain& domain, const Shape& shape, std::size_t element) {
-    std::string record = std::to_string(shape.length);
-    for (int k = 0; k < shape.length; ++k) {
-        const std::int32_t node =
-            slotsOf(domain, element)[shape.slots[static_cast<std::size_t>(k)]];
-        const std::int32_t renumbered =
-            node < 1 ? 0 : domain.nodeRenumber[static_cast<std::size_t>(node) - 1];
-        record += count(renumbered - 1) + " ";
+void writeCell(const Output& out, const Shape& shape, const std::int32_t* slots) {
+    std::array<std::int32_t, 8> numbers{};
+    for (std::size_t k = 0; k < static_cast<std::size_t>(shape.length); ++k) {
+        const std::int32_t node = slots[shape.slots[k]];
+        numbers[k] =
+            node < 1 ? -1 : out.domain.nodeRenumber[static_cast<std::size_t>(node) - 1] - 1;
     }
-    return record;
+    std::array<char, 1 + 8 * (number_formats::integerWidth + 1) + 1> text;
+    text[0] = static_cast<char>('0' + shape.length);
+    const char* lineFeed =
+        number_formats::writeConnectivityRows(numbers.data(), 1, shape.length, text.data() + 1) - 1;
+    line(out, std::string_view(text.data(), lineFeed));
+}
+
+void writeCellType(const Output& out, const Shape& shape, const std::int32_t*) {
+    line(out, std::to_string(shape.type));
 }
 
 void writeCells(const Output& out) {
-    const Domain& domain = out.domain;
-    const std::optional<Shape> shape = shapeOf(domain.nodesPerElement);
+    const std::int32_t cells = out.domain.neTruncated;
+    const Shape* shape = shapeOf(out.domain);
     if (shape) {
-        const std::string numbers = count(std::int64_t{domain.neTruncated} * (shape->length + 1));
-        const std::string cells = "CELLS " + count(domain.neTruncated);
+        const std::string numbers = count(std::int64_t{cells} * (shape->length + 1));
         line(out, "");
-        if (shape->length < 8) {
-            line(out, cells + " " + numbers);
-        } else {
-            line(out, cells);
-            line(out, numbers);
-        }
-        forEachCell(domain, [&](std::size_t e) {
-            line(out, cellRecord(domain, shapeOfElement(domain, *shape, e), e));
-        });
+        line(out, "CELLS " + count(cells) + (shape->length < 8 ? " " : "\n") + numbers);
+        forEachCell(out, *shape, writeCell);
     }
     line(out, "");
-    line(out, "CELL_TYPES " + count(domain.neTruncated));
-    if (!shape) return;
-    forEachCell(domain, [&](std::size_t e) {
-        line(out, std::to_string(shapeOfElement(domain, *shape, e).type));
-    });
+    line(out, "CELL_TYPES " + count(cells));
+    if (shape) forEachCell(out, *shape, writeCellType);
 }
 
 Extent nodes(const Domain& domain) {
@@ -264,13 +235,12 @@ void writeFamily(Output& out, std::string_view key, Option option,
 void writeExchange(Output& out, std::string_view key, std::string_view label) {
     if (!isShown(out.domain, key, soluteExchange)) return;
     OutputVar& var = model::outputVar(out.domain, key);
+    for (std::size_t mobile = 0; mobile < var.columns.size(); ++mobile)
+        writeColumn(out, var, mobile, nodes(out.domain), label);
+    if (var.columns.size() >= run.speciesNames.size()) return;
     const std::vector<float> zeros(static_cast<std::size_t>(out.domain.nodeCount));
-    for (std::size_t species = 0; species < run.speciesNames.size(); ++species) {
-        if (species < var.columns.size())
-            writeColumn(out, var, species, nodes(out.domain), label);
-        else
-            write_paraview_array(zeros, nodes(out.domain), label, ++out.dataIndex, out.unit);
-    }
+    for (std::size_t s = var.columns.size(); s < run.speciesNames.size(); ++s)
+        write_paraview_array(zeros, nodes(out.domain), label, ++out.dataIndex, out.unit);
 }
 
 void writeNodeLink(Output& out) {
@@ -318,7 +288,8 @@ void writeElementData(Output& out) {
 
 void multiParaview(Domain& domain) {
     Output out{domain, openFile(domain)};
-    writePoints(out);
+    writeHead(out);
+    writePoints({domain.x, domain.y, domain.z}, domain.nnTruncated, out.unit);
     writeCells(out);
     writeNodeData(out);
     writeElementData(out);
