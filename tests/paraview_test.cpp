@@ -45,7 +45,7 @@ TEST(Paraview, RowsOfEveryWriter) {
     const int unit = file_units::openTextReplace("rows", io_layer::Flush::inBlocks);
     const std::uint8_t mask[] = {1, 0, 1};
     const paraview::Extent extent{3, mask, true};
-    Reals values{1e-31, 2, 3, 4, 5, -1.5e-30, 7};
+    Reals values{1.000000002e-30, 2, 3, 4, 5, -1.5e-30, 7};
     const std::vector<float> a{1, 2, 1e-31F};
     const Reals b{4, 5, 6};
     paraview::write_paraview_darray(values, {7, nullptr, false}, "POINT_DATA,SCALARS h", 1, unit);
@@ -74,7 +74,7 @@ class Writer : public runs::PartOfRun {
 protected:
     Writer() {
         run.timeSuffix = "0003";
-        run.timeIndex = 3;
+        run.timeIndex = run.firstTimeIndex = 3;
         run.currentTimeText = "  7.5 minutes";
         run.titleLines = {"first ", "last"};
         run.numTitleLines = 1;
@@ -141,9 +141,9 @@ TEST_F(Writer, CellsOfEveryKind) {
          "\nCELLS          1          5\n4         0          1          2          2 \n"
          "\nCELL_TYPES          1\n8\n"},
         {4,
-         {1, 2, 3, 0, 5, 6, 7, 8},
+         {1, 2, 3, 0, 5, 6, 7, -1},
          "\nCELLS          2         10\n4         0          1          2          2 \n"
-         "4         4          5          6          7 \n\nCELL_TYPES          2\n8\n9\n"},
+         "4         4          5          6         -1 \n\nCELL_TYPES          2\n8\n9\n"},
         {6,
          {1, 2, 3, 4, 5, 6},
          "\nCELLS          1\n         9\n8         0          1          2          2          3"
