@@ -18,55 +18,27 @@ using model::Domain;
 using model::run;
 using testing::HasSubstr;
 
-TEST(Paraview, NarrowReals) {
-    constexpr double infinity = std::numeric_limits<double>::infinity();
-    const std::pair<double, const char*> cases[] = {
-        {0, "     0.0000    "},
-        {-0.0, "    -0.0000    "},
-        {-12.34567, "    -12.346    "},
-        {0.1, "    0.10000    "},
-        {0.0999994, "    0.99999E-01"},
-        {0.0999996, "    0.10000    "},
-        {99999.4, "     99999.    "},
-        {99999.6, "    0.10000E+06"},
-        {1.03125, "     1.0312    "}, // ties
-        {1.09375, "     1.0938    "},
-        {-1.0e-31, "   -0.10000E-30"},
-        {1e99, "***************"},
-        {-1e-200, "***************"},
-        {infinity, "       Infinity"},
-        {std::numeric_limits<double>::quiet_NaN(), "            NaN"},
-    };
-    for (const auto& [value, text] : cases) EXPECT_EQ(paraview::narrowReal(value), text) << value;
-}
-
 TEST(Paraview, RowsOfEveryWriter) {
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    constexpr double noNumber = std::numeric_limits<double>::quiet_NaN();
     const Folder folder;
     const int unit = file_units::openTextReplace("rows", io_layer::Flush::inBlocks);
-    const std::uint8_t mask[] = {1, 0, 1};
-    const paraview::Extent extent{3, mask, true};
+    const std::uint8_t mask[] = {1, 0, 1, 1, 1, 1};
+    const paraview::Extent few{3, mask, false}, truncated{3, mask, true}, many{6, mask, true};
     Reals values{1.000000002e-30, 2, 3, 4, 5, -1.5e-30, 7};
     const std::vector<float> a{1, 2, 1e-31F};
-    const Reals b{4, 5, 6};
+    const Reals x{0, 9, -0.0, 0.1, -12.34567, 99999.4}, y{1e99, 9, -1e-200, infinity, noNumber, 1},
+        limits{0.0999994, 9, 0.0999996, 99999.6, 1.03125, 1.09375};
     paraview::write_paraview_darray(values, {7, nullptr, false}, "POINT_DATA,SCALARS h", 1, unit);
-    paraview::write_paraview_array(a, {3, nullptr, false}, "CELL_DATA,SCALARS s", 2, unit);
-    paraview::write_paraview_array(a, extent, "CELL_DATA,SCALARS t", 3, unit);
-    paraview::write_paraview_vector_array(a, a, a, extent, "CELL_DATA,VECTORS c", 4, unit);
-    paraview::write_paraview_vector_darray(b, b, b, extent, "CELL_DATA,VECTORS d", 5, unit);
-    paraview::write_paraview_vector_2d_array(a, a, extent, "CELL_DATA,VECTORS e", 1, unit);
-    paraview::write_paraview_vector_2d_darray(b, b, extent, "CELL_DATA,VECTORS f", 6, unit);
+    paraview::write_paraview_array(a, few, "CELL_DATA,SCALARS s", 2, unit);
+    paraview::write_paraview_array(a, truncated, "CELL_DATA,SCALARS t", 3, unit);
+    paraview::write_paraview_vector_array(a, a, a, truncated, "CELL_DATA,VECTORS c", 4, unit);
+    paraview::write_paraview_vector_darray(x, y, limits, many, "CELL_DATA,VECTORS d", 5, unit);
+    paraview::write_paraview_vector_2d_array(a, a, few, "CELL_DATA,VECTORS e", 1, unit);
+    paraview::write_paraview_vector_2d_darray(y, x, many, "CELL_DATA,VECTORS f", 6, unit);
     file_units::freeUnit(unit);
     EXPECT_EQ(values[0], 0);
-    const std::string one = "     1.0000    ", tiny = "    0.10000E-30", four = "     4.0000    ",
-                      six = "     6.0000    ", rows = "\nLOOKUP_TABLE default\n";
-    EXPECT_EQ(get("rows"), "\nPOINT_DATA          7\nSCALARS h" + rows +
-                               "     0.0000         2.0000         3.0000    " + four +
-                               "     5.0000       -0.15000E-29\n     7.0000    \n\nSCALARS s" +
-                               rows + one + "     2.0000    " + tiny + "\n\nSCALARS t" + rows +
-                               "\nVECTORS c\n" + one + one + one + "\n" + tiny + tiny + tiny +
-                               "\n\nVECTORS d\n" + four + four + four + "\n" + six + six + six +
-                               "\n\nCELL_DATA          3\nVECTORS e\n" + one + one + "\n" + tiny +
-                               tiny + "\n\nVECTORS f\n" + four + four + "\n" + six + six + "\n");
+    EXPECT_EQ(get("rows"), expected("rows.vtk"));
 }
 
 // A line of nodes at x = y = z = 1, 2, ... under which pm has the same ones.
@@ -113,52 +85,24 @@ protected:
         paraview::multiParaview(domain);
         return get("to." + domain.name + ".0003.vtk");
     }
-
-    // The same without what stands in every file.
-    static std::string behindHead(Domain& domain) {
-        const std::string head = "# vtk DataFile Version 1.0\nfirst \nASCII\n\nDATASET "
-                                 "UNSTRUCTURED_GRID\nFIELD FieldData 1\nTIME 1 1 double\n"
-                                 "   7.5000000000000000     \nPOINTS ";
-        const std::string text = written(domain);
-        EXPECT_EQ(text.substr(0, head.size()), head);
-        return text.substr(std::min(head.size(), text.size()));
-    }
 };
 
 TEST_F(Writer, CellsOfEveryKind) {
-    struct Case {
-        std::int32_t nodesPerElement;
-        Integers slots;
-        const char* text;
+    const std::pair<std::int32_t, Integers> cases[] = {
+        {2, {1, 2, 2, 3}},
+        {3, {1, 2, 3}},
+        {4, {1, 2, 3, 0, 5, 6, 7, -1}}, // 0 is a slot that is empty
+        {6, {1, 2, 3, 4, 5, 6}},
+        {8, {1, 2, 3, 4, 5, 6, 7, 0}},
+        {5, {1, 2, 3, 4, 5}},
     };
-    const Case cases[] = {
-        {2,
-         {1, 2, 2, 3},
-         "\nCELLS          2          6\n2         0          1 \n"
-         "2         1          2 \n\nCELL_TYPES          2\n3\n3\n"},
-        {3,
-         {1, 2, 3},
-         "\nCELLS          1          5\n4         0          1          2          2 \n"
-         "\nCELL_TYPES          1\n8\n"},
-        {4,
-         {1, 2, 3, 0, 5, 6, 7, -1},
-         "\nCELLS          2         10\n4         0          1          2          2 \n"
-         "4         4          5          6         -1 \n\nCELL_TYPES          2\n8\n9\n"},
-        {6,
-         {1, 2, 3, 4, 5, 6},
-         "\nCELLS          1\n         9\n8         0          1          2          2          3"
-         "          4          5          5 \n\nCELL_TYPES          1\n12\n"},
-        {8,
-         {1, 2, 3, 4, 5, 6, 7, -1},
-         "\nCELLS          1\n         9\n8         0          1          2          3          4"
-         "          5          6         -1 \n\nCELL_TYPES          1\n12\n"},
-        {7, {1, 2, 3, 4, 5, 6, 7}, "\nCELL_TYPES          1\n"},
-    };
-    for (const Case& c : cases) {
-        Domain domain = makeDomain("pm", model::tags::pm, 8, c.nodesPerElement, c.slots);
+    std::string text;
+    for (const auto& [nodesPerElement, slots] : cases) {
+        Domain domain = makeDomain("pm", model::tags::pm, 8, nodesPerElement, slots);
         domain.nnTruncated = 0;
-        EXPECT_EQ(behindHead(domain), std::string("         0 double\n") + c.text);
+        text += written(domain);
     }
+    EXPECT_EQ(text, expected("cells.vtk"));
 }
 
 TEST_F(Writer, TitleAnnouncementAndWhatEndsTheRun) {
@@ -194,15 +138,7 @@ TEST_F(Writer, TruncatedDomainsHaveNoScalars) {
     domain.neTruncated = 1; // the included one is not the first
     add(domain, "head", 1).columns[0].real8 = {1e-31, 2, 3, 4};
     for (model::Column& column : add(domain, "vel", 3).columns) column.real4 = {1, 2, 3};
-    const std::string one = "   1.0000000000000000     ", two = "   2.0000000000000000     ";
-    EXPECT_EQ(
-        behindHead(domain),
-        "         2 double\n" + one + " " + one + " " + one + "\n" + two + " " + two + " " + two +
-            "\n\nCELLS          1          3\n\nCELL_TYPES          1\n\n" +
-            "POINT_DATA          4\nSCALARS head float\nLOOKUP_TABLE default\n" +
-            "SCALARS 3D_node int\nLOOKUP_TABLE default\n" + std::string(23, ' ') + "200\n" +
-            std::string(23, ' ') + "300\n\nCELL_DATA          3\n" +
-            "VECTORS linear_velocity_xyz float\n     2.0000         2.0000         2.0000    \n");
+    EXPECT_EQ(written(domain), expected("truncated.well.vtk"));
     EXPECT_EQ(domain.outputVars[0].columns[0].real8[0], 1e-31);
 }
 
