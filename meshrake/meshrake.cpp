@@ -17,6 +17,7 @@
 #include "tvncommon/file_units.hpp"
 #include "tvncommon/io_layer.hpp"
 #include "tvncommon/units.hpp"
+#include "tvncommon/warning_messages.hpp"
 
 #include <exception>
 #include <new>
@@ -31,12 +32,15 @@ void startFresh() {
     io_layer::reset();
     error::reset();
     units::reset();
+    warning_messages::reset();
 }
 
 void openEchoFile() {
     run.echoUnit =
         file_units::openTextReplace(model::problemFile("meshrake.eco"), io_layer::Flush::everyLine);
     error::setErrorLoggingFileUnit(run.echoUnit);
+    warning_messages::clearCurrentCmd();
+    warning_messages::warnNow();
 }
 
 // Each of them by a wish of the control file, on the state of the last output time.

@@ -1,6 +1,8 @@
-#include "tvncommon/TVNBinaryFile.hpp"
+#include "tvncommon/TVNBinaryFile_readers.hpp"
+#include "tvncommon/TVNBinaryFile_writers.hpp"
 
 #include "tests/runs.hpp"
+#include "tvncommon/TVNBinaryFile.hpp"
 #include "tvncommon/io_layer.hpp"
 
 #include <array>
@@ -131,6 +133,89 @@ TEST_F(BinaryFile, FilesThatAreTooShort) {
     }
     std::filesystem::remove("file");
     expectEnd("FATAL", "Failed to open file: file\n", [] { read(1, 0); });
+}
+
+// Each of the writers against the bytes that a file must have, and what the readers make of it.
+TEST_F(BinaryFile, WritersAndReadersOfBothGenerations) {
+    const Reals table{1, 2, 3, 4, 5, 6, 7, 8}; // two columns of four rows
+    const std::vector<float> singles{1, 2, 3, 4, 5, 6, 7, 8};
+    for (const bool old : {false, true}) {
+        setUseOldFormat(old);
+        const std::vector<Reals> part{{2, 3}, {6, 7}};
+        write_r8_2d("file", "  1.5 text", 2, 3, 2, table);
+        const Bytes text = sample_files::textRecord("1.5 text", 80);
+        EXPECT_EQ(sample_files::get("file"),
+                  old ? text + sample_files::realRecord({2, 6}) + sample_files::realRecord({3, 7})
+                      : sample_files::resultFile("1.5 text", part));
+        Reals read(4);
+        std::string header;
+        read_r8_2d("file", 2, 2, read.data(), &header);
+        EXPECT_EQ(read, Reals({2, 3, 6, 7}));
+        EXPECT_EQ(isNewerFileFormat(header), !old);
+
+        write_r4_2d("file", "1", 2, 3, 2, singles);
+        std::vector<float> readSingles(4);
+        read_r4_2d("file", 2, 2, readSingles.data());
+        EXPECT_EQ(readSingles, std::vector<float>({2, 3, 6, 7}));
+
+        // Six components are columns too.
+        write_r8_2d("file", "1", 1, 1, 6, std::span(table).first(6));
+        std::array<double, 6> t{};
+        read_r8_tensor("file", 1, &t[5], &t[4], &t[3], &t[2], &t[1], &t[0], &header);
+        EXPECT_EQ(t, (std::array<double, 6>{6, 5, 4, 3, 2, 1}));
+        write_r4_2d("file", "1", 1, 1, 6, std::span(singles).first(6));
+        std::array<float, 6> u{};
+        read_r4_tensor("file", 1, &u[5], &u[4], &u[3], &u[2], &u[1], &u[0]);
+        EXPECT_EQ(u, (std::array<float, 6>{6, 5, 4, 3, 2, 1}));
+    }
+    setUseOldFormat(false);
+}
+
+TEST_F(BinaryFile, OneComponentOfAKnownLength) {
+    const Integers numbers{-1, 0, 7};
+    const std::vector<float> singles{0.5F, 2};
+    const Reals reals{1, 2, 3, 4, 5, 6, 7, 8, 9, 10};
+    write_i4_1d("i", "0", 1, 3, numbers);
+    write_r4_1d("s", "0", 2, 2, singles);
+    write_r8_1d("r", "0", 1, 10, reals);
+    write_r8_1d("none", "0", 1, 0, reals);
+    EXPECT_EQ(sample_files::get("i"), sample_files::resultFile("0", numbers));
+    EXPECT_EQ(std::tuple(numVals_i4_1d("i"), numVals_r4_1d("s"), numVals_r8_1d("r")),
+              std::tuple(3, 1, 10));
+    EXPECT_EQ(numVals_r8_1d("none"), 0);
+
+    Integers readNumbers(3);
+    std::vector<float> readSingles(1);
+    Reals readReals(11);
+    std::string header;
+    read_safe_i4_1d("i", 3, readNumbers.data(), &header);
+    read_safe_r4_1d("s", 1, readSingles.data());
+    read_safe_r8_1d("r", 10, readReals.data());
+    EXPECT_EQ(header, padded("0", 55) + "#!TVN001LEI04010000000003");
+    EXPECT_EQ(readNumbers, numbers);
+    EXPECT_EQ(readSingles, std::vector<float>{2});
+    EXPECT_EQ(readReals[9], 10);
+
+    expectEnd("INPUT",
+              "Size mismatch reading file r\nNum values in file: 10\nNum values to read: 11\n",
+              [&] { read_safe_r8_1d("r", 11, readReals.data()); });
+    sample_files::put("cut", sample_files::get("r").substr(0, 100));
+    expectEnd("INPUT", "Error reading values from file cut\n",
+              [&] { read_safe_r8_1d("cut", 10, readReals.data()); });
+    sample_files::put("cut", sample_files::get("r").substr(0, 90));
+    expectEnd("INPUT", "Error reading block size from file cut\n", [] { numVals_r8_1d("cut"); });
+    sample_files::put("cut", sample_files::get("r").substr(0, 80));
+    expectEnd("INPUT", "Error reading header data from file cut\n", [] { numVals_r8_1d("cut"); });
+    expectEnd("FATAL", "Error writing values to file r\nValues 10 to 11 of an array of 10\n",
+              [&] { write_r8_1d("r", "0", 10, 11, reals); });
+
+    // A long record goes on where its length is negative.
+    Bytes file = sample_files::header("0", "I04", 1, 3),
+          first = sample_files::integerRecord({1, 2});
+    first[0] = first[12] = -8;
+    first.replace(1, 3, 3, '\xff').replace(13, 3, 3, '\xff');
+    sample_files::put("long", file + first + sample_files::integerRecord({3}));
+    EXPECT_EQ(numVals_i4_1d("long"), 3);
 }
 
 } // namespace

@@ -4,7 +4,7 @@
 #include "tvncommon/file_units.hpp"
 #include "tvncommon/io_layer.hpp"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <functional>
 
@@ -66,7 +66,23 @@ TEST_F(Banners, StandToTheLetter) {
         {[] { check_alloc(41, "some array "); },
          allocation + "Allocation failed: some array\n"
                       "Error detail: Insufficient virtual memory\nError number: 41\n\n"},
-        {[] { checkFileOpen(0, "name"); }, "", false}};
+        {[] { checkFileOpen(0, "name"); }, "", false},
+        {[] { user_size_check(12, 11, "nodes "); },
+         frame(std::string(45, '*'), "*** DIMENSIONING ERROR, HALTING EXECUTION ***") +
+             " Pre-processor request exceeds default array size\n\n nodes\n"
+             "   Default value:   11\n   Requested value: 12\n\n"
+             " Increase the default value in file array_sizes.default\n\n"},
+        {[] { user_size_check(11, 11, "nodes"); }, "", false},
+        {[] { unknownCommandError("Top ", "do that "); },
+         input + "Top: Unrecognized instruction.\nInstruction: do that\n\n"},
+        {[] { commandConflictError("this ", "that "); },
+         input + "Command conflict: \"this\" \"that\"\n\n"},
+        {[] { obsoleteCommandError(" "); },
+         input + "This command is obsolete and no longer supported.\n"
+                 "Please remove this command and rerun skiv.\n\n"},
+        {[] { obsoleteCommandError("that "); },
+         input + "This command is obsolete and no longer supported.\n"
+                 "Please use this command instead: that\n\n"}};
     for (const Case& c : cases) {
         // Before there is a log, and after: then it holds the same.
         EXPECT_EQ(bannerOf(c.call, c.ends), c.banner);
@@ -79,6 +95,18 @@ TEST_F(Banners, StandToTheLetter) {
         EXPECT_EQ(io_layer::unitTaken(unit), !c.ends);
         error::reset();
         if (!c.ends) file_units::freeUnit(unit);
+    }
+}
+
+TEST_F(Banners, FilesOpenedByFormMustExist) {
+    sample_files::put("there", "text\n");
+    int unit = 0;
+    for (const auto open : {file_units::open_ascii_file, file_units::open_unformatted_file}) {
+        EXPECT_THAT(bannerOf([&] { open(unit, "none"); }, true),
+                    testing::HasSubstr("\nFile not found: none\n\n"));
+        open(unit, "there");
+        EXPECT_EQ(io_layer::pathOf(unit), "there");
+        file_units::freeUnit(unit);
     }
 }
 

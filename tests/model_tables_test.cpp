@@ -1,4 +1,5 @@
 #include "meshrake/model/run_state.hpp"
+#include "meshrake/variables/own_ways.hpp"
 #include "meshrake/variables/variable_table.hpp"
 #include "tests/runs.hpp"
 #include "tvncommon/TVNBinaryFile.hpp"
@@ -51,6 +52,28 @@ TEST_F(VariableFiles, AreThoseThatTheSimulatorWrites) {
     EXPECT_THAT(left,
                 testing::ElementsAre("to.liquid_p.0001", "to.snowcover.0001", "to.snowdepth.0001",
                                      "to.snowmelt.0001", "to.solid_p.0001"));
+}
+
+// No pass calls it: the numbers of the first zone stand for all.
+TEST_F(VariableFiles, PecletNumbersCanBeReadAtLaterTimes) {
+    sample_files::Problem problem = sample_files::brickProblem({1, 1, 1, 1});
+    const std::vector<std::vector<float>> components{{1}, {2}, {3}};
+    problem["to.Peclet_pm.0002"] = sample_files::resultFile("2.0", components);
+    write(problem);
+    Domain pm;
+    create(pm, "pm", pm);
+    for (const VariableRow& row : variables::variableTable()) {
+        if (row.key != "peclet") continue;
+        model::OutputVar var;
+        var.columns.resize(3);
+        for (model::Column& column : var.columns) plot_data::allocateColumn(pm, row, column);
+        for (const auto& [suffix, exists] : {std::pair("0002", true), std::pair("0003", false)}) {
+            model::run.timeSuffix = suffix;
+            variables::pecletRead(pm, row, var);
+            EXPECT_EQ(var.exists, exists);
+            EXPECT_EQ(var.columns[2].real4, components[2]);
+        }
+    }
 }
 
 } // namespace

@@ -1,10 +1,11 @@
-#include "tvncommon/units.hpp"
+#include "tvncommon/units_conversion.hpp"
 
+#include "tests/runs.hpp"
 #include "tvncommon/error.hpp"
-
-#include <gtest/gtest.h>
+#include "tvncommon/file_units.hpp"
 
 #include <array>
+#include <cmath>
 
 namespace {
 
@@ -74,6 +75,60 @@ TEST_F(Units, Labels) {
     }
     setTempUnitsToC();
     EXPECT_EQ(parseUnits("K^-1 * L"), "(deg C^-1 cm)");
+}
+
+TEST_F(Units, LabelsGrowByOneFactor) {
+    std::string label = "(kg";
+    parseUnitsAppend(label, "L^-3");
+    parseUnitsAppend(label, "T^0");
+    EXPECT_EQ(label, "(kg m^-3");
+}
+
+TEST_F(Units, ValuesFromSIToASystem) {
+    const SIUnits length{.length = 1}, time{.time = 1};
+    const SIUnits density = divide(SIUnits{.mass = 1}, power_int(length, 3));
+    const SIUnits manning = multiply(time, power_real_dr(length, -1.0 / 3));
+    EXPECT_EQ(std::pair(density.mass, density.length), std::pair(1.0, -3.0));
+    EXPECT_EQ(power_real(time, 0.1F).time, static_cast<double>(0.1F));
+    const std::array<double, 10> seconds{1, 60, 3600,  86400, 31536000,
+                                         1, 60, 86400, 3600,  31536000};
+    for (std::int32_t h = 0; h < 10; ++h) {
+        const double t = seconds[static_cast<std::size_t>(h)], l = h < 5 ? 1 : 100;
+        EXPECT_DOUBLE_EQ(conversionFactor({h}, density), 1 / (l * l * l));
+        EXPECT_DOUBLE_EQ(conversionFactor({h}, manning), 1 / std::cbrt(l) / t);
+        double value = 7;
+        convert({h}, value, divide(length, time));
+        EXPECT_DOUBLE_EQ(value, 7 * l * t);
+    }
+    EXPECT_EQ(conversionFactor({10}, time), 1);
+    EXPECT_EQ(conversionFactor({-1}, time), 1);
+}
+
+TEST_F(Units, SystemsInFiles) {
+    const sample_files::Folder folder;
+    for (const bool text : {false, true}) {
+        int unit = file_units::getUnit();
+        const int status = text ? io_layer::openTextReplace(unit, "file", io_layer::Flush::inBlocks)
+                                : io_layer::openRecordsReplace(unit, "file");
+        ASSERT_EQ(status, io_layer::ok);
+        serialize({7}, unit);
+        file_units::freeUnit(unit);
+        unit = text ? file_units::openTextRead("file") : file_units::openRecordsRead("file");
+        UnitSystem system;
+        deserialize(system, unit);
+        EXPECT_EQ(system.handle, 7);
+        file_units::freeUnit(unit);
+    }
+    EXPECT_EQ(sample_files::get("file"), " 7\n");
+    sample_files::put("file", "11\n");
+    UnitSystem system;
+    const int unit = file_units::openTextRead("file");
+    runs::expectEnd("INPUT", "UnitSystem: initialization failed: unknown unit system\n",
+                    [&] { deserialize(system, unit); });
+    const std::string message = "serialize failed: unassociated file unit\n";
+    runs::expectEnd("FATAL", "UnitSystem: " + message, [&] { serialize(system, 1200); });
+    runs::expectEnd("FATAL", "UnitSystem: de" + message, [&] { deserialize(system, 1200); });
+    io_layer::reset();
 }
 
 TEST_F(Units, ExponentsThatAreNoNumbersEndTheRun) {

@@ -7,6 +7,7 @@
 #include "tvncommon/io_layer.hpp"
 
 #include <algorithm>
+#include <vector>
 
 namespace TVNBinaryFile {
 
@@ -47,11 +48,11 @@ void read_1d(const std::string& filename, std::int32_t n, T* array) {
 template<class T>
 void readNodeByNode(const OpenFile& file, std::int32_t n, int components, T* const* arrays,
                     const std::string& filename) {
-    T values[maximumComponents];
+    std::vector<T> values(static_cast<std::size_t>(components));
     const auto bytes = static_cast<std::int64_t>(sizeof(T)) * components;
     for (std::int32_t i = 0; i < n; ++i) {
-        readValues(file, values, bytes, "", filename);
-        for (int c = 0; c < components; ++c) arrays[c][i] = values[c];
+        readValues(file, values.data(), bytes, "", filename);
+        for (int c = 0; c < components; ++c) arrays[c][i] = values[static_cast<std::size_t>(c)];
     }
 }
 

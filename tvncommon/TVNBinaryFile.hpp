@@ -22,7 +22,6 @@
 namespace TVNBinaryFile {
 
 inline constexpr int headerLength = 80;
-inline constexpr int maximumComponents = 6;
 
 struct BinaryHeader {
     bool isOldFormat = true;
@@ -52,7 +51,7 @@ void read_i4_1d(const std::string& filename, std::int32_t n, std::int32_t* array
 void read_r4_1d(const std::string& filename, std::int32_t n, float* array);
 void read_r8_1d(const std::string& filename, std::int32_t n, double* array);
 
-// Files of 2, 3 or 6 components; `arrays` holds one pointer for each component.
+// Files of several components; `arrays` holds one pointer for each component.
 void read_r4_components(const std::string& filename, std::int32_t n, int components,
                         float* const* arrays);
 void read_r8_components(const std::string& filename, std::int32_t n, int components,

@@ -36,7 +36,7 @@ std::string_view trimmed(std::string_view text) {
     return text.substr(0, text.find_last_not_of(' ') + 1);
 }
 
-int writeTo(int unit, std::initializer_list<std::string_view> lines) {
+int writeTo(int unit, std::span<const std::string_view> lines) {
     int status = io_layer::ok;
     for (const std::string_view line : lines)
         if (status == io_layer::ok) status = io_layer::writeLine(unit, line);
@@ -44,10 +44,14 @@ int writeTo(int unit, std::initializer_list<std::string_view> lines) {
 }
 
 // Status of the logging unit. A standard error stream that cannot take the text is passed over.
-int writeToAll(std::initializer_list<std::string_view> lines) {
+int writeToAll(std::span<const std::string_view> lines) {
     const int status = state.loggingUnit > 0 ? writeTo(state.loggingUnit, lines) : io_layer::ok;
     writeTo(io_layer::standardError, lines);
     return status;
+}
+
+int writeToAll(std::initializer_list<std::string_view> lines) {
+    return writeToAll(std::span(lines.begin(), lines.size()));
 }
 
 int banner(std::string_view title, std::string_view message) {
@@ -73,6 +77,11 @@ void checkFile(int iostat, std::string_view what, std::string_view filename) {
     fatalErrorStat(iostat, std::string(what) + std::string(trimmed(filename)));
 }
 
+// For a run that goes on: a logging unit that has failed must not pass in silence.
+void checkLog(int status) {
+    checkFileWrite(status, io_layer::pathOf(state.loggingUnit));
+}
+
 } // namespace
 
 void reset() {
@@ -90,9 +99,11 @@ void input_error(std::string_view message) {
 }
 
 void warningMsg(std::string_view message) {
-    const int status = banner("***      WARNING MESSAGE      ***", message);
-    // The run goes on, so a logging unit that has failed must not pass in silence.
-    checkFileWrite(status, io_layer::pathOf(state.loggingUnit));
+    checkLog(banner("***      WARNING MESSAGE      ***", message));
+}
+
+void writeLines(std::span<const std::string_view> lines) {
+    checkLog(writeToAll(lines));
 }
 
 void fatalErrorStat(int iostat, std::string_view message) {
@@ -131,6 +142,38 @@ void check_alloc(int stat, std::string_view name) {
     else
         writeToAll({"", stars, title, stars, "", failed, "Error detail: " + detail, number, ""});
     endRun();
+}
+
+void user_size_check(std::int32_t requested, std::int32_t defaultValue, std::string_view name) {
+    if (requested <= defaultValue) return;
+    constexpr std::string_view title = "*** DIMENSIONING ERROR, HALTING EXECUTION ***";
+    const std::string stars(title.size(), '*');
+    const std::string array = " " + std::string(trimmed(name));
+    const std::string ours = "   Default value:   " + std::to_string(defaultValue);
+    const std::string theirs = "   Requested value: " + std::to_string(requested);
+    writeToAll({"", stars, title, stars, "", " Pre-processor request exceeds default array size",
+                "", array, ours, theirs, "",
+                " Increase the default value in file array_sizes.default", ""});
+    endRun();
+}
+
+void unknownCommandError(std::string_view context, std::string_view instruction) {
+    input_error(std::string(trimmed(context)) +
+                ": Unrecognized instruction.\nInstruction: " + std::string(instruction));
+}
+
+void commandConflictError(std::string_view a, std::string_view b) {
+    input_error("Command conflict: \"" + std::string(trimmed(a)) + "\" \"" +
+                std::string(trimmed(b)) + "\"");
+}
+
+void obsoleteCommandError(std::string_view replacement) {
+    std::string message = "This command is obsolete and no longer supported.\n";
+    if (trimmed(replacement).empty())
+        message += "Please remove this command and rerun skiv.";
+    else
+        message += "Please use this command instead: " + std::string(replacement);
+    input_error(message);
 }
 
 std::string ioStatErrorMsg(int iostat) {

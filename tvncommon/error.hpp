@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -38,6 +40,19 @@ void checkFileWrite(int iostat, std::string_view filename);
 
 // Ends the run with the allocation banner when `stat` is not 0; `name` tells the array.
 void check_alloc(int stat, std::string_view name);
+
+// Ends the run with the dimensioning banner when more is requested than the default of the array
+// size called `name`.
+void user_size_check(std::int32_t requested, std::int32_t defaultValue, std::string_view name);
+
+// Input errors about instructions: one that is none, two that exclude each other, and one that is
+// no longer supported, with what to use instead unless that is blank.
+[[noreturn]] void unknownCommandError(std::string_view context, std::string_view instruction);
+[[noreturn]] void commandConflictError(std::string_view a, std::string_view b);
+[[noreturn]] void obsoleteCommandError(std::string_view replacement);
+
+// Writes lines where the banners go; the run goes on. A failure of the logging unit ends it.
+void writeLines(std::span<const std::string_view> lines);
 
 // Text of a status number of the I/O layer, empty when the number has none.
 std::string ioStatErrorMsg(int iostat);

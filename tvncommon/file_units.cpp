@@ -15,6 +15,10 @@ void checkWrite(int unit, int status) {
     if (status != io_layer::ok) error::checkFileWrite(status, io_layer::pathOf(unit));
 }
 
+void mustExist(const std::string& filename) {
+    if (!io_layer::exists(filename)) error::fatalError("File not found: " + filename);
+}
+
 } // namespace
 
 int getUnit() {
@@ -54,6 +58,16 @@ int openRecordsRead(const std::string& path) {
     const int unit = getUnit();
     error::checkFileOpen(io_layer::openRecordsRead(unit, path), path);
     return unit;
+}
+
+void open_ascii_file(int& unit, const std::string& filename) {
+    mustExist(filename);
+    unit = openTextRead(filename);
+}
+
+void open_unformatted_file(int& unit, const std::string& filename) {
+    mustExist(filename);
+    unit = openRecordsRead(filename);
 }
 
 void writeLine(int unit, std::string_view line) {

@@ -28,6 +28,10 @@ int openTextRead(const std::string& path);
 int openTextReplace(const std::string& path, io_layer::Flush flush);
 int openRecordsRead(const std::string& path);
 
+// The same with a word of its own for a file that is not there: text, and records.
+void open_ascii_file(int& unit, const std::string& filename);
+void open_unformatted_file(int& unit, const std::string& filename);
+
 void writeLine(int unit, std::string_view line);
 void writeBlock(int unit, const char* block, std::size_t size);
 void rewind(int unit);

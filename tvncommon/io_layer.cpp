@@ -39,6 +39,7 @@ struct Connection {
     int descriptor = -1;
     std::string path;
     bool writing = false;
+    Form form = Form::formatted;
     Flush flushing = Flush::inBlocks;
     std::string held;             // text that is not written yet
     std::vector<char> readBuffer; // allocated at the first read
@@ -312,12 +313,19 @@ int openTextReplace(int unit, const std::string& path, Flush flushing) {
 
 int openRecordsRead(int unit, const std::string& path) {
     Connection c;
+    c.form = Form::unformatted;
     return open(unit, path, system_calls::OpenMode::read, c);
 }
 
 int openRecordsReplace(int unit, const std::string& path) {
     Connection c;
+    c.form = Form::unformatted;
     return open(unit, path, system_calls::OpenMode::replace, c);
+}
+
+Form formOf(int unit) {
+    const Connection* c = find(unit);
+    return c ? c->form : Form::unconnected;
 }
 
 int readLine(int unit, std::string& line) {

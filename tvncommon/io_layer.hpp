@@ -65,6 +65,10 @@ int openTextReplace(int unit, const std::string& path, Flush flush);
 int openRecordsRead(int unit, const std::string& path);
 int openRecordsReplace(int unit, const std::string& path);
 
+// What a unit is open for: lines of text, records, or nothing.
+enum class Form { unconnected, formatted, unformatted };
+Form formOf(int unit);
+
 // Next line without its line end; `endOfFile` when there is none. A last line without a line feed
 // counts. A carriage return in front of the line feed is dropped, and so is what goes beyond a
 // mebibyte; on the standard input, which need not end, so long a line fails.

@@ -129,6 +129,10 @@ std::string getDerivedUnit(std::string_view name) {
     return std::string(name);
 }
 
+void parseUnitsAppend(std::string& result, std::string_view token) {
+    result += factorText(token);
+}
+
 std::string parseUnits(std::string_view expression) {
     std::string work = StringHelpers::removeCopy(expression, " \t");
     if (work.empty()) return {};
@@ -136,7 +140,7 @@ std::string parseUnits(std::string_view expression) {
 
     std::string label;
     std::string factor;
-    while (StringHelpers::chomp(work, "*", true, factor)) label += factorText(factor);
+    while (StringHelpers::chomp(work, "*", true, factor)) parseUnitsAppend(label, factor);
     const std::string_view shown = StringHelpers::trimLeft(StringHelpers::trimRight(label));
     return shown.empty() ? "(-)" : "(" + std::string(shown) + ")";
 }

@@ -42,4 +42,7 @@ std::string getDerivedUnit(std::string_view name);
 // does not begin with a number ends the run.
 std::string parseUnits(std::string_view expression);
 
+// Adds to a label in the making what one factor gives, a blank in front.
+void parseUnitsAppend(std::string& result, std::string_view token);
+
 } // namespace units

@@ -6,7 +6,7 @@
 #include "tvncommon/error.hpp"
 #include "tvncommon/file_units.hpp"
 #include "tvncommon/io_layer.hpp"
-#include "tvncommon/units.hpp"
+#include "tvncommon/units_conversion.hpp"
 
 #include <algorithm>
 
@@ -46,7 +46,7 @@ void titleRead() {
     writeScreen("");
 
     units::UnitSystem unitSystem;
-    units::init(unitSystem, file_units::readInteger(unit));
+    units::deserialize(unitSystem, unit);
     units::setBaseUnits(unitSystem.handle);
     file_units::freeUnit(unit);
 }

@@ -110,19 +110,6 @@ bool sameKindExists(std::string_view suffix) {
     return true;
 }
 
-bool findTime(std::string_view suffix) {
-    if (run.timeFileKnown && sameKindExists(suffix)) return true;
-    run.timeFileKnown = false;
-    for (const std::string_view stem : timeFileTable) {
-        const std::string name = candidate(stem, suffix);
-        if (name.empty() || !io_layer::exists(name)) continue;
-        run.timeFile = name;
-        run.timeFileKnown = true;
-        return true;
-    }
-    return false;
-}
-
 // A time stamp of the file found last as a number, which a text such as "/" is not either.
 double timeOf(const std::string& timestamp) {
     double time = std::numeric_limits<double>::quiet_NaN();
@@ -146,9 +133,22 @@ std::string outputTimeIndex(std::int32_t index) {
     return digits.substr(digits.size() - static_cast<std::size_t>(run.suffixDigits));
 }
 
+bool findTimeFile(std::string_view suffix) {
+    if (run.timeFileKnown && sameKindExists(suffix)) return true;
+    run.timeFileKnown = false;
+    for (const std::string_view stem : timeFileTable) {
+        const std::string name = candidate(stem, suffix);
+        if (name.empty() || !io_layer::exists(name)) continue;
+        run.timeFile = name;
+        run.timeFileKnown = true;
+        return true;
+    }
+    return false;
+}
+
 void getTimestamp(std::string_view suffix, bool& found) {
     run.currentTimeText = "0.0";
-    found = findTime(suffix);
+    found = findTimeFile(suffix);
     if (!found) return;
     const TVNBinaryFile::BinaryHeader header = TVNBinaryFile::parseTVNBinFileHeader(
         TVNBinaryFile::readTVNBinFileHeader(run.timeFile), run.timeFile);

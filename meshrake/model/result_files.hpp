@@ -15,6 +15,9 @@ std::string outputTimeIndex(std::int32_t index);
 // so. Sets "0.0" and `found` false when there is none. A malformed header ends the run.
 void getTimestamp(std::string_view suffix, bool& found);
 
+// The same search alone: leaves the file's name in `run.timeFile`. False when there is none.
+bool findTimeFile(std::string_view suffix);
+
 // The time found last. Ends the run when its text is no number.
 double currentTime();
 

@@ -1,18 +1,42 @@
 #include "meshrake/observation_compare/shape_functions.hpp"
 
+#include <algorithm>
 #include <cmath>
+#include <cstddef>
 
 namespace observation_compare {
+
+namespace {
+
+// Place between the ends of a box, which must lie apart, from -1 to 1.
+double between(double value, double low, double high) {
+    const double coordinate = (2 * value - high - low) / (high - low);
+    return std::isnan(coordinate) ? 0 : coordinate;
+}
+
+} // namespace
 
 int localCoordinates(const box_tree::Box& box, const box_tree::Point& point, LocalPoint& rst) {
     std::size_t n = 0;
     for (std::size_t a = 0; a < 3; ++a) {
-        const double span = box.high[a] - box.low[a];
-        if (span == 0) continue;
-        const double coordinate = (2 * point[a] - box.high[a] - box.low[a]) / span;
-        rst[n++] = std::isnan(coordinate) ? 0 : coordinate;
+        if (box.high[a] - box.low[a] != 0) rst[n++] = between(point[a], box.low[a], box.high[a]);
     }
     return static_cast<int>(n);
+}
+
+void get_rst_from_xyz(std::int32_t elementType, std::int32_t dimensions,
+                      std::span<const double> point, std::span<const double> minCorner,
+                      std::span<const double> maxCorner, std::span<double> rst, bool& outside) {
+    constexpr std::int32_t brick = 128;
+    outside = false;
+    if (elementType != brick) return;
+    const auto count = static_cast<std::size_t>(std::max(dimensions, 0));
+    std::size_t n = 0;
+    for (std::size_t a = 0; a < count; ++a)
+        if (maxCorner[a] - minCorner[a] != 0)
+            rst[n++] = between(point[a], minCorner[a], maxCorner[a]);
+    outside = std::ranges::any_of(rst.first(count),
+                                  [](double r) { return std::abs(r) > insideTolerance; });
 }
 
 bool isInside(const LocalPoint& rst) {

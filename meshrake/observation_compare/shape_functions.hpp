@@ -3,6 +3,7 @@
 #include "tvncommon/box_tree.hpp"
 
 #include <array>
+#include <cstdint>
 #include <span>
 
 // The eight-node brick and its local coordinates r, s, t, each from -1 to 1.
@@ -18,6 +19,12 @@ inline constexpr double insideTolerance = 1.00005;
 // gives none, and those behind it move up by one place; entries past the last keep their values.
 // What would be no number is 0. Returns how many entries were set.
 int localCoordinates(const box_tree::Box& box, const box_tree::Point& point, LocalPoint& rst);
+
+// The same for an element of type 128 between two corners of its box, in the first `dimensions`
+// directions; `outside` tells that an entry is too large. Does nothing for any other type.
+void get_rst_from_xyz(std::int32_t elementType, std::int32_t dimensions,
+                      std::span<const double> point, std::span<const double> minCorner,
+                      std::span<const double> maxCorner, std::span<double> rst, bool& outside);
 
 bool isInside(const LocalPoint& rst);
 

@@ -86,18 +86,6 @@ void readTimeWindow() {
     run.truncateTime = true;
 }
 
-void readSuffixDigits() {
-    std::int32_t digits = run.suffixDigits;
-    const std::array<free_form::Item, 1> items{&digits};
-    const int status = free_form::readItems(nextValueLine, items);
-    if (status != io_layer::ok)
-        error::input_error_stat(status, "Error reading output file suffix length");
-    if (digits < 4 || digits > 10)
-        error::input_error("Output file suffix length must be between 4 and 10");
-    run.suffixDigits = digits;
-    run.suffixLength = digits + 1;
-}
-
 void readTimeConversion() {
     readPair(run.timeUnitOffset, run.timeUnitFactor);
     run.timeConversion = true;
@@ -114,7 +102,7 @@ constexpr Instruction topLevelInstructions[] = {
     {"tecplot binary flush interval", readFlushInterval},
     {"tecplot binary append", [] { run.tecplotAppend = true; }},
     {"truncate time domain", readTimeWindow},
-    {"number of digits for output file suffix", readSuffixDigits},
+    {"number of digits for output file suffix", readOutputFileSuffix},
 };
 
 constexpr Instruction additionInstructions[] = {
@@ -207,6 +195,18 @@ void readBlock(Domain& domain) {
 }
 
 } // namespace
+
+void readOutputFileSuffix() {
+    std::int32_t digits = run.suffixDigits;
+    const std::array<free_form::Item, 1> items{&digits};
+    const int status = free_form::readItems(nextValueLine, items);
+    if (status != io_layer::ok)
+        error::input_error_stat(status, "Error reading output file suffix length");
+    if (digits < 4 || digits > 10)
+        error::input_error("Output file suffix length must be between 4 and 10");
+    run.suffixDigits = digits;
+    run.suffixLength = digits + 1;
+}
 
 void readPlotControlInit() {
     for (Line line; nextLine(line);) {

@@ -11,6 +11,9 @@ namespace plot_control {
 // The top-level section, up to its "end".
 void readPlotControlInit();
 
+// One line with the number of digits of the time index in file names, 4 to 10.
+void readOutputFileSuffix();
+
 // Finds the block of the domain wherever it stands; without one the domain is not written. For
 // `addition`: the commands that stand anywhere behind the top-level section.
 void readPlotControl(model::Domain& domain);

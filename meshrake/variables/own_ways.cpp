@@ -66,6 +66,16 @@ void elemKInit(Domain& domain, const VariableRow& row, OutputVar& var) {
     plot_data::plainInit(domain, row, var);
 }
 
+void pecletRead(Domain& domain, const VariableRow& row, OutputVar& var) {
+    VariableRow atEveryTime = row;
+    atEveryTime.timing = plot_data::Timing::everyTime;
+    plot_data::plainRead(domain, atEveryTime, var);
+}
+
+void diffPecletRead(Domain& domain, const VariableRow& row, OutputVar& var) {
+    pecletRead(domain, row, var);
+}
+
 namespace {
 
 // The simulator writes the first form; where the names of files know no case, both name one file. A

@@ -24,6 +24,10 @@ void headWrite(Domain& domain, const VariableRow& row, OutputVar& var);
 // message that is no number ends the run.
 void elemKInit(Domain& domain, const VariableRow& row, OutputVar& var);
 
+// Later output times of Peclet numbers. No pass calls them: the numbers of zone 1 stand for all.
+void pecletRead(Domain& domain, const VariableRow& row, OutputVar& var);
+void diffPecletRead(Domain& domain, const VariableRow& row, OutputVar& var);
+
 // Evaporation from the subsurface in 3D, whose file is spelt in two ways.
 void et3dInit(Domain& domain, const VariableRow& row, OutputVar& var);
 void et3dRead(Domain& domain, const VariableRow& row, OutputVar& var);

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+// Further readers of result files. `header`, where it is given, receives the 80 characters of the
+// header. What is wrong with a file ends the run with its name.
+namespace TVNBinaryFile {
+
+// Six components into arrays of `n` values each.
+void read_r4_tensor(const std::string& filename, std::int32_t n, float* a1, float* a2, float* a3,
+                    float* a4, float* a5, float* a6, std::string* header = nullptr);
+void read_r8_tensor(const std::string& filename, std::int32_t n, double* a1, double* a2, double* a3,
+                    double* a4, double* a5, double* a6, std::string* header = nullptr);
+
+// `columns` components into an array that holds `n` values of the first, then those of the next.
+void read_r4_2d(const std::string& filename, std::int32_t n, std::int32_t columns, float* array,
+                std::string* header = nullptr);
+void read_r8_2d(const std::string& filename, std::int32_t n, std::int32_t columns, double* array,
+                std::string* header = nullptr);
+
+// One component of exactly `n` values: a file with another number of them ends the run.
+void read_safe_i4_1d(const std::string& filename, std::int32_t n, std::int32_t* array,
+                     std::string* header = nullptr);
+void read_safe_r4_1d(const std::string& filename, std::int32_t n, float* array,
+                     std::string* header = nullptr);
+void read_safe_r8_1d(const std::string& filename, std::int32_t n, double* array,
+                     std::string* header = nullptr);
+
+// Number of values in the first component.
+std::int32_t numVals_i4_1d(const std::string& filename);
+std::int32_t numVals_r4_1d(const std::string& filename);
+std::int32_t numVals_r8_1d(const std::string& filename);
+
+} // namespace TVNBinaryFile

@@ -1,0 +1,102 @@
+#include "tvncommon/units_conversion.hpp"
+
+#include "tvncommon/error.hpp"
+#include "tvncommon/file_units.hpp"
+#include "tvncommon/free_form.hpp"
+#include "tvncommon/io_layer.hpp"
+
+#include <array>
+#include <cmath>
+#include <string>
+
+namespace units {
+
+namespace {
+
+struct Scale {
+    double lengthsInMetre;
+    double secondsInTime;
+};
+
+// By handle. In the centimeter systems the day comes before the hour.
+constexpr std::array<Scale, 10> scales{{
+    {1, 1},
+    {1, 60},
+    {1, 3600},
+    {1, 86400},
+    {1, 31536000},
+    {100, 1},
+    {100, 60},
+    {100, 86400},
+    {100, 3600},
+    {100, 31536000},
+}};
+
+} // namespace
+
+SIUnits multiply(const SIUnits& a, const SIUnits& b) {
+    return {a.mass + b.mass, a.length + b.length, a.time + b.time, a.temperature + b.temperature,
+            a.amount + b.amount};
+}
+
+SIUnits divide(const SIUnits& a, const SIUnits& b) {
+    return multiply(a, power_int(b, -1));
+}
+
+SIUnits power_int(const SIUnits& a, std::int32_t exponent) {
+    return power_real_dr(a, exponent);
+}
+
+SIUnits power_real(const SIUnits& a, float exponent) {
+    return power_real_dr(a, static_cast<double>(exponent));
+}
+
+SIUnits power_real_dr(const SIUnits& a, double exponent) {
+    return {a.mass * exponent, a.length * exponent, a.time * exponent, a.temperature * exponent,
+            a.amount * exponent};
+}
+
+double conversionFactor(const UnitSystem& unitSystem, const SIUnits& exponents) {
+    const auto system = static_cast<std::size_t>(unitSystem.handle);
+    if (system >= scales.size()) return 1;
+    return std::pow(scales[system].lengthsInMetre, exponents.length) *
+           std::pow(scales[system].secondsInTime, -exponents.time);
+}
+
+void convert(const UnitSystem& unitSystem, double& value, const SIUnits& exponents) {
+    if (unitSystem.handle != 0) value *= conversionFactor(unitSystem, exponents);
+}
+
+void serialize(const UnitSystem& unitSystem, int unit) {
+    switch (io_layer::formOf(unit)) {
+    case io_layer::Form::unformatted:
+        error::checkFileWrite(
+            io_layer::writeRecord(unit, &unitSystem.handle, sizeof unitSystem.handle),
+            io_layer::pathOf(unit));
+        return;
+    case io_layer::Form::formatted:
+        return file_units::writeLine(unit, " " + std::to_string(unitSystem.handle));
+    case io_layer::Form::unconnected:
+        error::fatalError("UnitSystem: serialize failed: unassociated file unit");
+    }
+}
+
+void deserialize(UnitSystem& unitSystem, int unit) {
+    std::int32_t read = 0;
+    switch (io_layer::formOf(unit)) {
+    case io_layer::Form::unformatted:
+        read = file_units::readInteger(unit);
+        break;
+    case io_layer::Form::formatted: {
+        const std::array<free_form::Item, 1> item{&read};
+        const auto line = [unit](std::string& text) { return file_units::readLine(unit, text); };
+        error::checkFileRead(free_form::readItems(line, item), io_layer::pathOf(unit));
+        break;
+    }
+    case io_layer::Form::unconnected:
+        error::fatalError("UnitSystem: deserialize failed: unassociated file unit");
+    }
+    init(unitSystem, read);
+}
+
+} // namespace units
