@@ -59,7 +59,7 @@ TEST_F(VariableFiles, PecletNumbersCanBeReadAtLaterTimes) {
     sample_files::Problem problem = sample_files::brickProblem({1, 1, 1, 1});
     const std::vector<std::vector<float>> components{{1}, {2}, {3}};
     problem["to.Peclet_pm.0002"] = sample_files::resultFile("2.0", components);
-    write(problem);
+    sample_files::write(problem);
     Domain pm;
     create(pm, "pm", pm);
     for (const VariableRow& row : variables::variableTable()) {
