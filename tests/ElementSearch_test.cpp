@@ -252,9 +252,18 @@ TEST_F(Search, OddNumbersStayInsideTheArrays) {
     }
 }
 
+TEST_F(Search, OneSheetHasNoLayers) {
+    Mesh sheet = makeMesh({.columns = 1, .rows = 1}, 1);
+    sheet.sheetCount = 1;
+    use(sheet);
+    listen();
+    EXPECT_EQ(findElementByLayer(0.5, 0.4, 1), 0);
+    expectMessages({"findElementByLayer: layer outside range\nlayer: 1, expected: 1,0"}, {});
+}
+
 TEST_F(Search, OtherElementsAreRefused) {
     testing::internal::CaptureStderr();
-    EXPECT_THROW(initElementSearch(1, 1, 4, 2, {}, {}, {}, {}), error::RunEnded);
+    EXPECT_THROW(initElementSearch(1, 1, 7, 2, {}, {}, {}, {}), error::RunEnded);
     testing::internal::GetCapturedStderr();
     listen();
     EXPECT_FALSE(pointInElement2D(1, 0, 0));

@@ -162,7 +162,8 @@ void checkTree(Kind kind, std::size_t count, std::optional<std::int32_t> leafSiz
     tree = same;
     same.destroy();
     ASSERT_TRUE(same.empty());
-    for (const Point<D>& at : makePoints<D>(kind, 4, random)) checkQueries<D>(tree, points, at, 1);
+    for (const Point<D>& at : makePoints<D>(kind, 4, random))
+        for (const double radius : {1.0, infinity}) checkQueries<D>(tree, points, at, radius);
     for (const Point<D>& at : makePoints<D>(Kind::anywhere, 4, random))
         for (const double radius : {0.0, 0.3, 2.0, infinity})
             checkQueries<D>(tree, points, at, radius);
@@ -217,6 +218,19 @@ TEST(KDTree, NegativeRadiusHoldsNothing) {
     for (const double radius : {-1.0, -0.1, nan}) {
         tree.radiusSearch({1, 1}, radius, indices, count);
         EXPECT_EQ(count, 0) << radius;
+    }
+}
+
+TEST(KDTree, PivotsComeFromTheirRange) {
+    std::vector<double> points(4000, 4.5);
+    for (std::size_t i = 0; i < 10; ++i) points[2 * (995 + i)] = 2 * static_cast<double>(i);
+    for (std::uint64_t k = 0; k < 50; ++k) {
+        KDTree2D tree;
+        tree.init2(points, {}, 0); // a single leaf, so that the order is that of the points
+        tree.random = {~k, k};     // the next number rounds up to the position behind the range
+        const std::int32_t cut = tree.medianCut(996, 1005, 1);
+        for (std::int32_t i = 996; i <= 1005; ++i)
+            ASSERT_EQ(tree.getValueIndex(i, 1) <= tree.getValueIndex(cut, 1), i <= cut) << k;
     }
 }
 

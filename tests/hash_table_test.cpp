@@ -143,6 +143,7 @@ TEST(IHashTable, NumbersOfNoBucketEndTheRun) {
     IHashTable::Table table;
     expectEnd("IHashTable: there is no bucket 1 among 0", [&] { insert(table, 1, 1); });
     init(table, 5);
+    expectEnd("IHashTable: there is no bucket 0 among 5", [&] { holds(table, -1); });
     insert(table, 4, 1);
     for (const std::int32_t key : {-1, -2147483647 - 1}) {
         expectEnd("IHashTable: there is no bucket", [&] { insert(table, key, 1); });

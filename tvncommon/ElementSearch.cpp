@@ -145,7 +145,7 @@ std::int32_t findElement3D(double x, double y, double z, std::optional<std::int3
 std::int32_t findElementByLayer(double x, double y, std::int32_t layer) {
     const std::string name = "findElementByLayer: ";
     const std::int32_t inRange = std::max(std::min(layer, layerCount()), 1);
-    if (layer != inRange) {
+    if (layer < 1 || layer > layerCount()) {
         const std::string range =
             "layer: " + std::to_string(layer) + ", expected: 1," + std::to_string(layerCount());
         if (!state.nearestFallback) {

@@ -63,7 +63,7 @@ double outside(const std::string& what, std::span<const double> xs, std::span<co
 
 double interpFace(std::int32_t element, const Face& face, double x, double y,
                   std::span<const double> values) {
-    if (face.count != 3 && face.count != 4) {
+    if (state.nodesPerElement != 6 && state.nodesPerElement != 8) {
         state.errorCallback("interpElementBottom: expected triangular prism or block elements");
         return 0;
     }

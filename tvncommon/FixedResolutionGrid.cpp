@@ -123,15 +123,16 @@ void FixedResGrid::buildTable() {
     std::vector<std::int32_t> cursors;
     ArrayHelpers::allocateArray(cursors, cells, workName);
     std::int64_t entries = 0;
-    for (std::int32_t e = 1; e <= elementCount; ++e)
+    constexpr const char* indexName = "Fixed resolution grid element index array";
+    for (std::int32_t e = 1; e <= elementCount; ++e) {
         forEachCell(*this, planBox(*this, e), [&](std::int32_t, std::int32_t, std::size_t cell) {
             ++cursors[cell];
             ++entries;
         });
+        if (entries > mostEntries) ArrayHelpers::allocationFailed(indexName);
+    }
 
-    constexpr const char* indexName = "Fixed resolution grid element index array";
     ArrayHelpers::allocateArray(rowIndex, cells + 1, "Fixed resolution grid row index array");
-    if (entries > mostEntries) ArrayHelpers::allocationFailed(indexName);
     ArrayHelpers::allocateArray(elementIndex, entries, indexName);
     ArrayHelpers::allocateArray(reach, entries, indexName);
     rowIndex[0] = 1;
@@ -199,6 +200,8 @@ bool pointInTri(const std::array<double, 3>& xs, const std::array<double, 3>& ys
 
 void getBoundingBox(std::span<const double> xs, std::span<const double> ys,
                     std::array<double, 4>& box) {
+    box = {};
+    if (xs.empty() || ys.empty()) return;
     box = {xs[0], xs[0], ys[0], ys[0]};
     for (const double value : xs) {
         if (value < box[0]) box[0] = value;

@@ -66,7 +66,8 @@ struct FixedResGrid {
 bool pointInTri(const std::array<double, 3>& xs, const std::array<double, 3>& ys, double atX,
                 double atY);
 
-// Puts the least and largest x and the least and largest y, in this order, into `box`.
+// Puts the least and largest x and the least and largest y, in this order, into `box`; zeros where
+// there is none.
 void getBoundingBox(std::span<const double> xs, std::span<const double> ys,
                     std::array<double, 4>& box);
 

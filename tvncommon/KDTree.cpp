@@ -46,7 +46,7 @@ template<std::size_t D>
 bool reaches(const Tree<D>& tree, const Node<D>& node, const Turn& turn, const Point<D>& at,
              double best) {
     const double gap = node.splitValue - tree.getValueXYZ(at, node.splitDim);
-    return gap * gap <= best &&
+    return !(gap * gap > best) && // two infinite places may coincide
            boxDist2(tree.nodes[static_cast<std::size_t>(turn.far)].box, at) <= best;
 }
 

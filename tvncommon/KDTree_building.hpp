@@ -124,7 +124,8 @@ double pivotValue(Tree<D>& tree, std::int32_t first, std::int32_t last, std::int
         std::array<double, 3> values{};
         for (double& value : values) {
             const double position = nextRandom(tree.random) * (last - first + 1.0) + first;
-            value = tree.getValueIndex(static_cast<std::int32_t>(position), dim);
+            // Rounding can take the position to the one behind the range.
+            value = tree.getValueIndex(std::min(static_cast<std::int32_t>(position), last), dim);
         }
         median = medianOf3(values[0], values[1], values[2]);
     }
@@ -148,7 +149,8 @@ template<std::size_t D>
 void Tree<D>::init2(std::span<const double> points, std::optional<std::int32_t> leafSizeWanted,
                     std::optional<std::int32_t> maxDepthWanted) {
     destroy();
-    for (std::size_t d = 0; d < D; ++d) coordinates[d] = points.data() + d;
+    for (std::size_t d = 0; d < D; ++d)
+        coordinates[d] = points.subspan(std::min(d, points.size())).data();
     stride = D;
     build(*this, points.size() / D, leafSizeWanted, maxDepthWanted);
 }

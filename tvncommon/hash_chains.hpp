@@ -221,7 +221,7 @@ void insert(Table<Kind>& table, typename Kind::View key, std::int32_t value) {
 
 template<class Kind>
 std::int32_t find(const Table<Kind>& table, typename Kind::View key) {
-    if (empty(table)) return 0;
+    if (table.bucketCount == 0) return 0;
     const typename Kind::Prepared prepared(key);
     return findInList(table, table.buckets[bucketOf(table, table.bucketCount, prepared.key)],
                       prepared.key);
@@ -243,7 +243,7 @@ bool holds(const Table<Kind>& table, typename Kind::View key) {
 // Does nothing for a key that is not there.
 template<class Kind>
 void erase(Table<Kind>& table, typename Kind::View key) {
-    if (empty(table)) return;
+    if (table.bucketCount == 0) return;
     const typename Kind::Prepared prepared(key);
     std::int32_t* link = &table.buckets[bucketOf(table, table.bucketCount, prepared.key)];
     const std::int32_t there = findInList(table, *link, prepared.key);
