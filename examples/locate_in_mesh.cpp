@@ -72,19 +72,22 @@ void locate(const Mesh& mesh, const std::vector<double>& heads) {
     const std::int32_t planElements = mesh.elementCount / (mesh.sheetCount - 1);
     ElementSearch::initElementSearch(mesh.elementCount, planElements, mesh.nodesPerElement,
                                      mesh.sheetCount, mesh.elementNodes, mesh.x, mesh.y, mesh.z);
-    // A point outside is not the end: the message becomes its line.
+    // A point outside is not the end: the first message about it becomes its line.
     std::string message;
-    ElementSearch::setErrorCallback([&](std::string_view text) { message = text; });
+    ElementSearch::setErrorCallback([&](std::string_view text) {
+        if (message.empty()) message = text.substr(0, text.find('\n'));
+    });
     double x = 0, y = 0, z = 0;
     while (std::cin >> x >> y >> z) {
+        message.clear();
         const std::int32_t element = ElementSearch::findElement3D(x, y, z);
-        if (element == 0) {
-            std::printf("%s\n", message.substr(0, message.find('\n')).c_str());
-            continue;
-        }
-        const double head = ElementSearch::interpElement3DIndex(element, x, y, z, heads);
-        std::printf("element %d in layer %d, head %.6g\n", element,
-                    (element - 1) / planElements + 1, head);
+        const double head =
+            element == 0 ? 0 : ElementSearch::interpElement3DIndex(element, x, y, z, heads);
+        if (!message.empty())
+            std::printf("%s\n", message.c_str());
+        else
+            std::printf("element %d in layer %d, head %.6g\n", element,
+                        (element - 1) / planElements + 1, head);
     }
 }
 
