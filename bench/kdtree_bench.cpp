@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <random>
 #include <string>
-#include <utility>
+#include <type_traits>
 #include <vector>
 
 #if __has_include(<nanoflann.hpp>)
@@ -110,11 +110,12 @@ void findInside(const Problem<D>& problem, const KDTree::Tree<D>& tree, Sums& su
 
 template<std::size_t D>
 void findInsideOther(const Problem<D>& problem, const OtherTree<D>& tree, Sums& sums) {
-    std::vector<std::pair<std::uint32_t, double>> found;
-    const nanoflann::SearchParams unsorted(32, 0, false);
-    for (const KDTree::Point<D>& at : problem.queries)
-        sums.inside +=
-            tree.radiusSearch(at.data(), problem.radius * problem.radius, found, unsorted);
+    using Found = nanoflann::RadiusResultSet<double, std::uint32_t>;  // unsorted
+    std::remove_reference_t<decltype(Found::m_indices_dists)> points; // its type has changed
+    for (const KDTree::Point<D>& at : problem.queries) {
+        Found found(problem.radius * problem.radius, points);
+        sums.inside += tree.radiusSearchCustomCallback(at.data(), found);
+    }
 }
 
 template<std::size_t D>

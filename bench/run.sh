@@ -59,6 +59,10 @@ compare "read of a one-component file" readResultFile plainRead 1.3 1.1
 compare "points in elements: times faster" elements plainElements ">1000" 2000
 compare "nearest nodes: times faster" nodes plainNodes ">1000" 1200
 compare "nearest columns: times faster" columns plainColumns ">100" 150
+for program in kdtree hash_table grid; do
+    echo
+    "$build/bench/${program}_bench" || missed=1
+done
 echo
 "$root/bench/whole_run.sh" "$build" || missed=1
 echo

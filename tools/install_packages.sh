@@ -21,7 +21,10 @@ missing_packages() {
             has_header gtest/gtest.h || echo libgtest-dev
             has_header gmock/gmock.h || echo libgmock-dev
             ;;
-        bench) has_header benchmark/benchmark.h || echo libbenchmark-dev ;;
+        bench)
+            has_header benchmark/benchmark.h || echo libbenchmark-dev
+            has_header nanoflann.hpp || echo libnanoflann-dev
+            ;;
         *)
             echo "install_packages.sh: no group of packages \"$group\"" >&2
             exit 2
