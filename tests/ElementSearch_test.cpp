@@ -131,6 +131,7 @@ TEST_F(Search, PointsOutsideAreErrorsOrAreMoved) {
         return "\npoint: " + pointToString3D(x, y, z);
     };
     EXPECT_EQ(findElement2DUnchecked(-1, 0.5), 0);
+    EXPECT_EQ(findNearestElement2D(1, 1), 1); // of four
     const std::string nearest = ": using nearest element", layers = ": using nearest layer";
     check([] { return findElement2D(9, 1.8); }, "findElement2D: point outside mesh", nearest,
           place2(9, 1.8), 4);
@@ -154,6 +155,8 @@ TEST_F(Search, PointsOutsideAreErrorsOrAreMoved) {
 
     const std::string vertex = ": using value of nearest vertex";
     const std::array<double, 4> xs{0, 1, 1, 0}, ys{0, 0, 1, 1}, four{1, 2, 3, 4};
+    EXPECT_EQ(interpQuad(xs, ys, four, 0.25, 0.5), 2.25); // cut from its first to its third corner
+    EXPECT_TRUE(pointInQuad2D(xs, ys, 0.25, 0.5));
     const std::array<double, 3> xs3{0, 1, 1}, ys3{0, 0, 1}, three{1, 2, 3};
     check([&] { return interpTriangle(xs3, ys3, three, 0, 2); },
           "interpTriangle: point outside triangle", vertex, place2(0, 2), 3);

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <numeric>
 #include <random>
 #include <set>
 
@@ -169,19 +170,22 @@ TEST(KDTree, EveryQueryAgreesWithAPlainLoop) {
 }
 
 TEST(KDTree, DefaultsAndLimits) {
-    const std::vector<double> values(3000);
+    std::vector<double> values(3000);
+    std::iota(values.begin(), values.end(), 0);
     struct Case {
         std::size_t count;
         std::optional<std::int32_t> leafSize, maxDepth;
         std::int32_t leafSizeInUse, maxDepthInUse;
+        bool oneLeaf;
     };
-    for (const Case& c :
-         {Case{1000, {}, {}, 20, 1000}, Case{1000, 0, -5, 1, 0}, Case{1000, 1001, 7, 1000, 7},
-          Case{5, {}, {}, 5, 5}, Case{0, 5, {}, 0, 0}}) {
+    for (const Case& c : {Case{1000, 0, -5, 1, 0, true}, Case{1000, 1001, 7, 1000, 7, true},
+                          Case{20, {}, {}, 20, 20, true}, Case{21, {}, {}, 20, 21, false},
+                          Case{5, {}, {}, 5, 5, true}, Case{0, 5, {}, 0, 0, true}}) {
         KDTree3D tree;
         tree.init2({values.data(), 3 * c.count}, c.leafSize, c.maxDepth);
         EXPECT_EQ(tree.leafSize, c.leafSizeInUse);
         EXPECT_EQ(tree.maxDepth, c.maxDepthInUse);
+        EXPECT_EQ(tree.leaves() == 1, c.oneLeaf) << c.count;
     }
 }
 
