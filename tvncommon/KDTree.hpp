@@ -117,6 +117,11 @@ struct Tree {
     virtual double getValueIndex(std::int32_t position, std::int32_t dim) const final;
     virtual double getValueXYZ(const Point<D>& at, std::int32_t dim) const final;
 
+    // The name of `getValueXYZ` in two dimensions.
+    double getValueXY(const Point<D>& at, std::int32_t dim) const requires(D == 2) {
+        return getValueXYZ(at, dim);
+    }
+
     // Square of the distance from a place to the point at a position of `order`.
     virtual double dist2(const Point<D>& at, std::int32_t position) const final;
 
