@@ -138,7 +138,7 @@ TEST_F(Search, PointsOutsideAreErrorsOrAreMoved) {
     check([] { return findElementByLayer(-3, 1.5, 2); }, "findElementByLayer: point outside mesh",
           nearest, place2(-3, 1.5), 7);
     for (const auto& [layer, moved] : {std::pair{3, 7}, {0, 3}})
-        check([&] { return findElementByLayer(0.3, 1.6, layer); },
+        check([asked = layer] { return findElementByLayer(0.3, 1.6, asked); },
               "findElementByLayer: layer outside range", layers,
               "\nlayer: " + std::to_string(layer) + ", expected: 1,2", moved);
     const auto find = [&](const char* where, double x, double y, double z, int moved) {
@@ -161,8 +161,8 @@ TEST_F(Search, PointsOutsideAreErrorsOrAreMoved) {
     check([&] { return interpTriangle(xs3, ys3, three, 0, 2); },
           "interpTriangle: point outside triangle", vertex, place2(0, 2), 3);
     for (const auto& [x, y, moved] : {std::array{5.0, 0.5, 2.0}, {-0.1, 5, 4}})
-        check([&] { return interpQuad(xs, ys, four, x, y); }, "interpQuad: point outside quad",
-              vertex, place2(x, y), moved);
+        check([&, x = x, y = y] { return interpQuad(xs, ys, four, x, y); },
+              "interpQuad: point outside quad", vertex, place2(x, y), moved);
 }
 
 TEST_F(Search, GeometryOfAnElement) {
