@@ -4,7 +4,6 @@
 #include "tvncommon/io_layer.hpp"
 
 #include <algorithm>
-#include <cstring>
 
 namespace tecio {
 
@@ -13,22 +12,12 @@ using system_calls::OpenMode;
 
 namespace {
 
-constexpr std::uint32_t blank = ' ';
-constexpr std::int64_t word = 4;
-
-std::uint32_t wordAt(std::string_view bytes, std::int64_t position) {
-    std::uint32_t value = 0;
-    std::memcpy(&value, bytes.data() + position, sizeof value);
-    return value;
-}
-
 // Position behind the auxiliary records, which end where a zone header or the room begins.
 bool findAuxEnd(const DataFile& f, std::string_view bytes, std::int64_t& end) {
-    const Bytes room = roomBegin();
     Reader reader{bytes, static_cast<std::size_t>(f.auxAt)};
     for (;;) {
         end = static_cast<std::int64_t>(reader.position);
-        if (bytes.substr(reader.position).starts_with(room)) return true;
+        if (bytes.substr(reader.position).starts_with(roomFrom(end))) return true;
         const float marker = readFloat(reader);
         if (marker == 299.0F) return true;
         if (marker == 899.0F) readInt(reader);
@@ -39,42 +28,27 @@ bool findAuxEnd(const DataFile& f, std::string_view bytes, std::int64_t& end) {
     }
 }
 
-// Compares what stands from the first zone header on with the headers of all zones. A flush, or the
-// taking back of a zone, may not have been done or may have been cut short by a kill: from some
-// place on the file may be as it was before, which is room or the header of a named zone. Sets the
-// zones shown and the beginning of the data.
+// There must be the headers of the first zones, and room as it is written; sets the zones shown and
+// the beginning of the data.
 bool compareHeaders(DataFile& f, std::string_view bytes) {
-    Bytes all;
-    std::vector<std::int64_t> ends;
-    for (const Zone& zone : f.zones) {
-        all += zoneHeaderBytes(zone);
-        ends.push_back(f.zonesAt + static_cast<std::int64_t>(all.size()));
-    }
-    const Bytes room = roomBegin();
-    all += room;
-    const std::uint32_t headersEnd = wordAt(roomEnd(), word);
-    const auto size = static_cast<std::int64_t>(bytes.size());
-    const std::int64_t allEnd = f.zonesAt + static_cast<std::int64_t>(all.size());
-
-    const auto asNamed = [&](std::int64_t at) {
-        return at < allEnd && wordAt(bytes, at) == wordAt(all, at - f.zonesAt);
-    };
+    f.shown = 0;
+    f.shownEnd = f.zonesAt;
     std::int64_t at = f.zonesAt;
-    while (at + word <= size && asNamed(at)) at += word;
-    while (f.shown < ends.size() && ends[f.shown] <= at) ++f.shown;
-    f.shownEnd = f.shown == 0 ? f.zonesAt : ends[f.shown - 1];
-
-    for (; at + 2 * word <= size; at += word) {
-        const std::uint32_t found = wordAt(bytes, at);
-        const bool last = found == 0 && wordAt(bytes, at + word) == headersEnd;
-        f.dataAt = at + 2 * word;
-        if (last && !(asNamed(at) && asNamed(at + word))) return true;
-        const std::int64_t inRoom = at - f.shownEnd;
-        const bool beginsRoom = inRoom >= 0 && inRoom < static_cast<std::int64_t>(room.size()) &&
-                                found == wordAt(room, inRoom);
-        if (found != blank && !beginsRoom && !asNamed(at)) return false;
+    const auto take = [&](const Bytes& wanted) {
+        const bool there = bytes.substr(static_cast<std::size_t>(at)).starts_with(wanted);
+        if (there) at += sizeOf(wanted);
+        return there;
+    };
+    for (;;) {
+        if (f.shown < f.zones.size() && take(zoneHeaderBytes(f.zones[f.shown]))) {
+            f.shownEnd = at;
+            ++f.shown;
+        } else if (!take(roomFrom(at))) {
+            const bool ends = take(headersEndBytes());
+            f.dataAt = at;
+            return ends;
+        }
     }
-    return false;
 }
 
 // Reads as much of the file's begin as its headers take, which only they tell.
@@ -88,7 +62,6 @@ int checkHeader(DataFile& f, std::int64_t dataBytes) {
         const int status =
             byte_file::readAt(f.file, 0, bytes.data(), static_cast<std::int64_t>(bytes.size()));
         if (status != ok) return status;
-        f.shown = 0;
         if (bytes.starts_with(head) && findAuxEnd(f, bytes, f.zonesAt) && compareHeaders(f, bytes))
             break;
         if (size >= most) return damagedData;

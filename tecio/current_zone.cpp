@@ -21,6 +21,18 @@ bool shareFits(const Zone& zone, const Zone& source, std::size_t v) {
            valueCount(source, v) == valueCount(zone, v);
 }
 
+bool meshFits(const Zone& zone, const Zone& source) {
+    return source.type == zone.type && source.elements == zone.elements &&
+           source.nodes == zone.nodes;
+}
+
+// Zones behind the first new one of a continued data set are to share with zone 1.
+bool fitsFirstZone(const Zone& zone, const Zone& first) {
+    bool fits = meshFits(zone, first);
+    for (std::size_t v = 0; fits && v < zone.types.size(); ++v) fits = shareFits(zone, first, v);
+    return fits;
+}
+
 // Replaces a source that shares itself by the zone that has the values: some readers go no further.
 bool resolveShares(const std::vector<Zone>& zones, Zone& zone) {
     const auto earlier = static_cast<std::int32_t>(zones.size());
@@ -37,10 +49,8 @@ bool resolveShares(const std::vector<Zone>& zones, Zone& zone) {
     if (share == unshared) return true;
     if (share < 0 || share > earlier) return false;
     const Zone& source = sourceOf(share);
-    if (source.type != zone.type || source.elements != zone.elements) return false;
-    if (source.nodes != zone.nodes) return false;
     if (source.connectivityShare > 0) share = source.connectivityShare;
-    return true;
+    return meshFits(zone, source);
 }
 
 // Every array must have been handed over, one without values too.
@@ -72,6 +82,19 @@ int nameCurrentZone(DataFile& f) {
     return ok;
 }
 
+// Takes back a zone with this time, and those behind it.
+int dropZonesFrom(DataFile& f, double time, std::int32_t strand) {
+    const auto same = std::find_if(f.zones.rbegin(), f.zones.rend(), [=](const Zone& zone) {
+        return zone.time == time && zone.strand == strand;
+    });
+    if (same == f.zones.rend()) return ok;
+    const std::size_t kept = static_cast<std::size_t>(f.zones.rend() - same) - 1;
+    if (greatestShare(f.current.zone) > static_cast<std::int64_t>(kept)) return refused;
+    int status = ok;
+    while (status == ok && f.zones.size() > kept) status = dropLastZone(f);
+    return status;
+}
+
 int writeData(DataFile& f, std::int64_t position, const void* from, std::int64_t bytes) {
     int status = ok;
     if (!f.current.begun) status = byte_file::reserve(f.file, f.dataEnd, f.current.part.size);
@@ -93,6 +116,7 @@ static_assert(sizeof(Range) == rangeBytes);
 
 int beginZone(DataFile& f, Zone zone, std::int32_t& number) {
     int status = endZone(f);
+    if (status == ok && f.continued && !fitsFirstZone(zone, f.zones[0])) status = otherZones;
     if (status == ok && !resolveShares(f.zones, zone)) status = refused;
     if (status != ok) return status;
     CurrentZone& current = f.current;
@@ -112,13 +136,8 @@ int setTime(DataFile& f, double time, std::int32_t strand) {
     if (current.begun) return refused;
     current.zone.time = time;
     current.zone.strand = strand;
-    if (f.continued && f.zones.back().strand == strand && f.zones.back().time == time) {
-        const auto last = static_cast<std::int32_t>(f.zones.size());
-        const std::vector<std::int32_t>& shares = current.zone.shares;
-        const bool inUse = std::find(shares.begin(), shares.end(), last) != shares.end() ||
-                           current.zone.connectivityShare == last;
-        if (inUse) return refused;
-        const int status = dropLastZone(f);
+    if (f.continued) {
+        const int status = dropZonesFrom(f, time, strand);
         if (status != ok) return status;
     }
     f.continued = false;

@@ -20,36 +20,44 @@ constexpr std::int64_t zoneBytesPerRoomByte = 16;
 constexpr std::int64_t roomGrowth = 4;
 
 constexpr std::int64_t copyBytes = 1048576;
-constexpr std::int64_t blankBytes = 4;
-
-std::int64_t sizeOf(const Bytes& bytes) {
-    return static_cast<std::int64_t>(bytes.size());
-}
 
 int write(DataFile& f, std::int64_t position, const Bytes& bytes) {
     f.size = std::max(f.size, position + sizeOf(bytes));
     return byte_file::writeAt(f.file, position, bytes.data(), sizeOf(bytes));
 }
 
-Bytes zoneHeaders(const DataFile& f, std::size_t first) {
+int writePages(DataFile& f, std::int64_t position, const Bytes& bytes) {
+    int status = ok;
+    for (std::size_t done = 0; done < bytes.size() && status == ok;) {
+        const std::int64_t at = position + static_cast<std::int64_t>(done);
+        const Bytes page = bytes.substr(done, static_cast<std::size_t>(leftOnPage(at)));
+        status = write(f, at, page);
+        done += page.size();
+    }
+    return status;
+}
+
+// Headers of the zones that are not shown yet, in pages for the place behind those that are.
+Bytes pagesToShow(DataFile& f) {
+    const std::int64_t at = f.shownEnd;
     Bytes out;
-    for (std::size_t z = first; z < f.zones.size(); ++z) out += zoneHeaderBytes(f.zones[z]);
+    for (; f.shown < f.zones.size(); ++f.shown)
+        addHeader(out, at, zoneHeaderBytes(f.zones[f.shown]));
+    f.shownEnd = at + sizeOf(out);
+    endPage(out, at);
     return out;
 }
 
-// Everything in front of the data, with `room` bytes behind the zone headers, and its positions.
+// Everything in front of the data, with at least `room` bytes for more, and its positions.
 Bytes headerBytes(DataFile& f, std::int64_t room) {
     Bytes out = headBytes(f.head);
     f.auxAt = sizeOf(out);
     out += f.aux;
-    f.zonesAt = sizeOf(out);
-    out += zoneHeaders(f, 0);
-    f.shownEnd = sizeOf(out);
-    f.shown = f.zones.size();
-    const Bytes begin = roomBegin();
-    const Bytes end = roomEnd();
-    out += begin + roomBlanks(room - sizeOf(begin) - sizeOf(end)) + end;
-    return out;
+    f.zonesAt = f.shownEnd = sizeOf(out);
+    f.shown = 0;
+    out += pagesToShow(f);
+    addRoom(out, 0, sizeOf(out) + room);
+    return out + headersEndBytes();
 }
 
 int copyData(const byte_file::File& from, std::int64_t fromAt, const byte_file::File& to,
@@ -93,18 +101,31 @@ int replaceWithCopy(DataFile& f, std::int64_t room) {
 // A new file takes its place when its header is whole.
 int writeNewHeader(DataFile& f, std::int64_t zoneBytes) {
     const std::int64_t room =
-        std::clamp(zoneBytes / zoneBytesPerRoomByte / 4 * 4, leastRoom, mostRoomAtFirst);
+        std::clamp(zoneBytes / zoneBytesPerRoomByte, leastRoom, mostRoomAtFirst);
     const Bytes header = headerBytes(f, room);
     f.dataAt = f.dataEnd = sizeOf(header);
-    const int status = write(f, 0, header);
-    return status == ok ? byte_file::rename(copyPath(f.path), f.path) : status;
+    int status = write(f, 0, header);
+    if (status == ok) status = byte_file::rename(copyPath(f.path), f.path);
+    if (status != ok) byte_file::remove(copyPath(f.path));
+    return status;
+}
+
+// Whether, of texts as long as the others, some can be written and some not.
+bool canMix(const Bytes& some, const Bytes& others) {
+    const auto endsText = [](const Bytes& bytes, std::size_t at) {
+        return bytes.compare(at, 4, "\0\0\0\0", 4) == 0;
+    };
+    bool can = some.size() == others.size();
+    for (std::size_t at = 0; can && at < some.size(); at += 4)
+        can = endsText(some, at) == endsText(others, at);
+    return can;
 }
 
 int renewAux(DataFile& f) {
     if (f.aux.empty()) f.aux = f.auxInFile;
     if (f.aux == f.auxInFile) return ok;
-    if (f.aux.size() == f.auxInFile.size()) return write(f, f.auxAt, f.aux);
-    return replaceWithCopy(f, f.dataAt - f.zonesAt);
+    if (canMix(f.aux, f.auxInFile)) return write(f, f.auxAt, f.aux);
+    return replaceWithCopy(f, f.dataAt - f.shownEnd);
 }
 
 } // namespace
@@ -140,17 +161,11 @@ int flush(DataFile& f) {
     if (status == ok) status = settle(f, 0);
     if (status != ok) return status;
     if (f.shown < f.zones.size()) {
-        const Bytes headers = zoneHeaders(f, f.shown);
-        const Bytes room = roomBegin();
-        const std::int64_t end = f.shownEnd + sizeOf(headers);
-        const bool fits = end + sizeOf(room) + blankBytes + sizeOf(roomEnd()) <= f.dataAt;
-        if (fits) {
-            status = write(f, f.shownEnd, headers + room);
-            f.shown = f.zones.size();
-            f.shownEnd = end;
-        } else {
-            status = replaceWithCopy(f, (f.dataAt - f.zonesAt) * roomGrowth);
-        }
+        const std::int64_t at = f.shownEnd;
+        const Bytes pages = pagesToShow(f);
+        const bool fits = at + sizeOf(pages) + sizeOf(headersEndBytes()) <= f.dataAt;
+        status = fits ? writePages(f, at, pages)
+                      : replaceWithCopy(f, (f.dataAt - f.zonesAt) * roomGrowth);
     }
     // What an interrupted run, or a longer zone that was replaced, left behind.
     if (status == ok && f.size > f.dataEnd) {
@@ -164,10 +179,12 @@ int flush(DataFile& f) {
 int dropLastZone(DataFile& f) {
     const Zone& last = f.zones.back();
     if (f.shown == f.zones.size()) {
-        const std::int64_t headerBytes = sizeOf(zoneHeaderBytes(last));
-        f.shownEnd -= headerBytes;
+        Bytes pages = zoneHeaderBytes(last), room;
+        f.shownEnd -= sizeOf(pages);
         --f.shown;
-        const int status = write(f, f.shownEnd, roomBegin() + roomBlanks(headerBytes));
+        endPage(pages, f.shownEnd);
+        addRoom(room, f.shownEnd, f.shownEnd + sizeOf(pages));
+        const int status = writePages(f, f.shownEnd, room);
         if (status != ok) return status;
     }
     const int status = unnameLastZone(f.sidecar);

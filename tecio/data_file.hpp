@@ -10,8 +10,8 @@
 
 // An unfinished data set. The order of writes never lets a reader, or a run that comes after one
 // that was killed, see a zone that is not there: values and node lists go behind the data that
-// count, then the zone's data head and ranges, then the sidecar names the zone, and at a flush one
-// write puts its header into the room.
+// count, then the zone's data head and ranges, then the sidecar names the zone, and at a flush its
+// header takes the place of room.
 namespace tecio {
 
 // Least and greatest value, NaN left out; the least is above the greatest when there is none.
@@ -43,7 +43,7 @@ struct DataFile {
     Bytes auxInFile;           // the records that a continued file has
     std::int64_t auxAt = 0;    // positions in the file: the records,
     std::int64_t zonesAt = 0;  // the first zone header,
-    std::int64_t shownEnd = 0; // the room,
+    std::int64_t shownEnd = 0; // the end of the last one,
     std::int64_t dataAt = 0;   // the data of zone 1,
     std::int64_t dataEnd = 0;  // the end of the data that count,
     std::int64_t size = 0;     // the end of the file

@@ -1,5 +1,6 @@
 #include "tecio/layout.hpp"
 
+#include <algorithm>
 #include <bit>
 #include <cstring>
 
@@ -15,6 +16,8 @@ constexpr float auxMarker = 799.0F;
 constexpr float variableAuxMarker = 899.0F;
 constexpr float endMarker = 357.0F;
 constexpr std::string_view roomName = "_";
+constexpr std::int64_t emptyRoomBytes = 20;
+constexpr std::int64_t leastRoomBytes = emptyRoomBytes + 4; // a value is never empty
 
 // By zone type.
 constexpr std::int64_t nodesPerElement[] = {0, 2, 3, 4, 4, 8};
@@ -78,6 +81,10 @@ std::vector<std::int32_t> readInts(Reader& reader, std::size_t count, std::int32
 
 } // namespace
 
+std::int64_t sizeOf(const Bytes& bytes) {
+    return static_cast<std::int64_t>(bytes.size());
+}
+
 std::int64_t valueBytes(std::int32_t type) {
     return type == 2 ? 8 : 4;
 }
@@ -90,9 +97,15 @@ std::int64_t nodeMapCount(const Zone& zone) {
     return zone.connectivityShare > 0 ? 0 : zone.elements * nodesPerElement[zone.type];
 }
 
+std::int32_t greatestShare(const Zone& zone) {
+    std::int32_t greatest = zone.connectivityShare;
+    for (const std::int32_t share : zone.shares) greatest = std::max(greatest, share);
+    return greatest;
+}
+
 DataPart dataPartOf(const Zone& zone) {
     DataPart part;
-    part.ranges = static_cast<std::int64_t>(dataHeadBytes(zone).size());
+    part.ranges = sizeOf(dataHeadBytes(zone));
     part.size = part.ranges;
     for (const std::int32_t share : zone.shares) part.size += share > 0 ? 0 : rangeBytes;
     part.values.assign(zone.types.size(), 0);
@@ -164,24 +177,35 @@ Bytes dataHeadBytes(const Zone& zone) {
     return out;
 }
 
-Bytes roomBegin() {
-    Bytes out = auxBytes(roomName, "");
-    out.resize(out.size() - 4); // the value goes on
-    return out;
+Bytes roomFrom(std::int64_t at) {
+    const std::int64_t left = leftOnPage(at);
+    const std::int64_t size = left < leastRoomBytes ? left + pageBytes : left;
+    return auxBytes(roomName,
+                    std::string(static_cast<std::size_t>((size - emptyRoomBytes) / 4), ' '));
 }
 
-Bytes roomBlanks(std::int64_t size) {
+Bytes headersEndBytes() {
     Bytes out;
-    out.reserve(static_cast<std::size_t>(size));
-    for (std::int64_t i = 0; i < size; i += 4) putInt(out, ' ');
-    return out;
-}
-
-Bytes roomEnd() {
-    Bytes out;
-    putInt(out, 0);
     put(out, endMarker);
     return out;
+}
+
+std::int64_t leftOnPage(std::int64_t at) {
+    return pageBytes - at % pageBytes;
+}
+
+void addHeader(Bytes& out, std::int64_t at, const Bytes& header) {
+    const std::int64_t left = leftOnPage(at + sizeOf(out)) - sizeOf(header);
+    if (left != 0 && left < leastRoomBytes) endPage(out, at);
+    out += header;
+}
+
+void addRoom(Bytes& out, std::int64_t at, std::int64_t end) {
+    while (at + sizeOf(out) < end) out += roomFrom(at + sizeOf(out));
+}
+
+void endPage(Bytes& out, std::int64_t at) {
+    if ((at + sizeOf(out)) % pageBytes != 0) out += roomFrom(at + sizeOf(out));
 }
 
 std::int32_t readInt(Reader& reader) {

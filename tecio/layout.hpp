@@ -10,15 +10,19 @@
 //
 //     head       "#!TDV112", byte order 1, file type 0, title, number of variables, their names
 //     records    799.0 for each value of the data set, 899.0 for each of a variable
-//     headers    299.0 for each zone
-//     room       a 799.0 record whose value is blanks: zone headers to come take its place
+//     headers    299.0 for each zone, and
+//     room       799.0 records whose values are blanks: zone headers to come take their place
 //     357.0      end of the headers
 //     data       299.0 for each zone, in the order of the headers
 //
-// Nothing tells a position: all of them follow from the headers.
+// Nothing tells a position: all of them follow from the headers. No zone header lies on two pages
+// of the file unless it is longer than one, and room fills each of these pages up. So any of them
+// can be written anew while the file stays whole, and the system writes one page at once: a kill
+// does not cut it in two.
 namespace tecio {
 
 using Bytes = std::string;
+std::int64_t sizeOf(const Bytes& bytes);
 
 struct Head {
     std::string title;
@@ -42,7 +46,8 @@ inline constexpr std::int64_t rangeBytes = 16; // least and greatest value of a 
 
 std::int64_t valueBytes(std::int32_t type);
 std::int64_t valueCount(const Zone& zone, std::size_t variable);
-std::int64_t nodeMapCount(const Zone& zone); // 0 when it is shared
+std::int64_t nodeMapCount(const Zone& zone);  // 0 when it is shared
+std::int32_t greatestShare(const Zone& zone); // of all zones that it takes something from
 
 // Positions in the data of a zone, from its marker on.
 struct DataPart {
@@ -59,10 +64,19 @@ Bytes variableAuxBytes(std::int32_t variable, std::string_view name, std::string
 Bytes zoneHeaderBytes(const Zone& zone);
 Bytes dataHeadBytes(const Zone& zone); // what stands in front of the ranges
 
-// The room: its first bytes, a filling of blanks, its last bytes with the end of the headers.
-Bytes roomBegin();
-Bytes roomBlanks(std::int64_t size);
-Bytes roomEnd();
+inline constexpr std::int64_t pageBytes = 4096;
+std::int64_t leftOnPage(std::int64_t at); // bytes from `at` to the end of its page
+
+// The record of room at this place of the file: up to the end of the page, or of the next one where
+// a page has too little left.
+Bytes roomFrom(std::int64_t at);
+Bytes headersEndBytes();
+
+// All of these add to bytes that begin at `at` of the file: a zone header, behind room if it would
+// not fit on its page; room up to `end`; room up to the end of a page, unless they end there.
+void addHeader(Bytes& out, std::int64_t at, const Bytes& header);
+void addRoom(Bytes& out, std::int64_t at, std::int64_t end);
+void endPage(Bytes& out, std::int64_t at);
 
 // Takes bytes apart. A read that fails leaves `good` false and gives zeros and empty texts.
 struct Reader {

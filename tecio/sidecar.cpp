@@ -30,14 +30,14 @@ Mark extended(Mark mark, std::string_view bytes) {
     return mark;
 }
 
-int writeMark(Sidecar& sidecar, const Mark& mark) {
-    sidecar.mark = mark;
-    return byte_file::writeAt(sidecar.file, markAt, &mark, sizeof mark);
+int writeMark(const Sidecar& sidecar) {
+    return byte_file::writeAt(sidecar.file, markAt, &sidecar.marks.back(), sizeof(Mark));
 }
 
 // The bytes that count; `damagedSidecar` when the file does not hold them.
-int readContents(const byte_file::File& file, std::int64_t size, Mark& mark, Bytes& contents) {
+int readContents(const byte_file::File& file, std::int64_t size, Bytes& contents) {
     char begin[contentsAt];
+    Mark mark;
     if (size < contentsAt) return damagedSidecar;
     int status = byte_file::readAt(file, 0, begin, sizeof begin);
     if (status != ok) return status;
@@ -50,21 +50,14 @@ int readContents(const byte_file::File& file, std::int64_t size, Mark& mark, Byt
     return extended(nothing, contents).checksum == mark.checksum ? ok : damagedSidecar;
 }
 
-// A zone takes only what an earlier one has.
-bool sharesFit(const Zone& zone, std::size_t earlier) {
-    std::int32_t greatest = zone.connectivityShare;
-    for (const std::int32_t share : zone.shares) greatest = std::max(greatest, share);
-    return static_cast<std::size_t>(greatest) <= earlier;
-}
-
 } // namespace
 
 int createSidecar(const std::string& path, const Head& head, Sidecar& sidecar) {
     const std::string made = path + ".new";
     const Bytes contents = headBytes(head);
-    sidecar.mark = sidecar.beforeLast = extended(nothing, contents);
+    sidecar.marks = {extended(nothing, contents)};
     Bytes all(magic);
-    all.append(reinterpret_cast<const char*>(&sidecar.mark), sizeof(Mark));
+    all.append(reinterpret_cast<const char*>(&sidecar.marks.back()), sizeof(Mark));
     all += contents;
     std::int64_t size = 0;
     int status = byte_file::open(made, OpenMode::update, sidecar.file, size);
@@ -82,33 +75,35 @@ int openSidecar(const std::string& path, Sidecar& sidecar, Head& head, std::vect
     int status = byte_file::open(path, OpenMode::update, sidecar.file, size);
     if (status != ok) return status;
     Bytes contents;
-    status = readContents(sidecar.file, size, sidecar.mark, contents);
+    status = readContents(sidecar.file, size, contents);
     if (status != ok) return status;
     Reader reader{contents};
     head = readHead(reader);
-    sidecar.beforeLast = sidecar.mark;
-    Mark soFar = extended(nothing, reader.bytes.substr(0, reader.position));
+    sidecar.marks = {extended(nothing, reader.bytes.substr(0, reader.position))};
     while (reader.good && reader.position < contents.size()) {
         const std::size_t begin = reader.position;
         zones.push_back(readZone(reader, head.variables.size()));
-        reader.good = reader.good && sharesFit(zones.back(), zones.size() - 1);
-        sidecar.beforeLast = soFar;
-        soFar = extended(soFar, reader.bytes.substr(begin, reader.position - begin));
+        // A zone takes only what an earlier one has.
+        const auto number = static_cast<std::int64_t>(zones.size());
+        reader.good = reader.good && greatestShare(zones.back()) < number;
+        const std::string_view bytes = reader.bytes.substr(begin, reader.position - begin);
+        sidecar.marks.push_back(extended(sidecar.marks.back(), bytes));
     }
     return reader.good ? ok : damagedSidecar;
 }
 
 int nameZone(Sidecar& sidecar, const Zone& zone) {
     const Bytes bytes = zoneHeaderBytes(zone) + dataHeadBytes(zone);
-    const int status = byte_file::writeAt(sidecar.file, sidecar.mark.size, bytes.data(),
-                                          static_cast<std::int64_t>(bytes.size()));
+    const Mark& mark = sidecar.marks.back();
+    const int status = byte_file::writeAt(sidecar.file, mark.size, bytes.data(), sizeOf(bytes));
     if (status != ok) return status;
-    sidecar.beforeLast = sidecar.mark;
-    return writeMark(sidecar, extended(sidecar.mark, bytes));
+    sidecar.marks.push_back(extended(mark, bytes));
+    return writeMark(sidecar);
 }
 
 int unnameLastZone(Sidecar& sidecar) {
-    return writeMark(sidecar, sidecar.beforeLast);
+    sidecar.marks.pop_back();
+    return writeMark(sidecar);
 }
 
 } // namespace tecio

@@ -25,8 +25,7 @@ struct Mark {
 
 struct Sidecar {
     byte_file::File file;
-    Mark mark;       // all named zones
-    Mark beforeLast; // all but the last one
+    std::vector<Mark> marks; // of the head alone, then with each zone that is named
 };
 
 // All return a status. `create` replaces a file of that name at once.
@@ -36,6 +35,6 @@ int createSidecar(const std::string& path, const Head& head, Sidecar& sidecar);
 int openSidecar(const std::string& path, Sidecar& sidecar, Head& head, std::vector<Zone>& zones);
 
 int nameZone(Sidecar& sidecar, const Zone& zone);
-int unnameLastZone(Sidecar& sidecar); // once behind an open or a `nameZone`
+int unnameLastZone(Sidecar& sidecar);
 
 } // namespace tecio

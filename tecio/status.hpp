@@ -7,5 +7,6 @@ inline constexpr int refused = 1;
 inline constexpr int damagedData = 2;
 inline constexpr int damagedSidecar = 3;
 inline constexpr int otherVariables = 4;
+inline constexpr int otherZones = 5;
 
 } // namespace tecio

@@ -9,15 +9,16 @@
    Texts end with a NUL byte. All functions return 0 when all is well, else a status of the I/O
    layer or one of these: 1 for arguments that do not fit what was said before, 2 for a NAME.szplt
    on disk that is damaged or none of ours, 3 for such a NAME.szplt.szhdr, 4 for a data set on disk
-   whose variables are others. After a failure only the close may follow. */
+   whose variables are others, 5 for one whose zone 1 has not the mesh, types and locations of the
+   first new zone. After a failure only the close may follow. */
 
 #ifdef __cplusplus
 extern "C" {
 #endif
 
 /* Opens the data set `fileName`, a name without extension. One with a NAME.szplt.szhdr is
-   continued: it keeps title and variables, and the data of its zones; a first new zone whose time
-   is that of the last zone takes its place. Any other is replaced. `variableList` has the names
+   continued: it keeps title and variables, and the data of its zones; a first new zone takes the
+   place of one with the same time and of all behind that. Any other is replaced. `variableList` has the names
    with commas between them; an empty one stands for those that a continued data set has.
    `fileFormat` is 1, `fileType` 0 (grid and solution in one), `gridFileHandle` null. */
 int32_t tecFileWriterOpen(const char* fileName, const char* dataSetTitle, const char* variableList,

@@ -28,9 +28,15 @@ std::string trimmed(std::string_view text) {
 }
 
 void check(std::int32_t status, const std::string& what, Domain& domain) {
+    constexpr std::int32_t otherZones = 5;
     if (status == 0) return;
     tecFileWriterClose(&domain.dataSet.handle);
-    error::fatalError(what + " " + domain.name + " domain.");
+    const std::string why =
+        status == otherZones
+            ? "\nIts plot file has zones with other nodes or elements: " + domain.dataSet.fileName +
+                  ".szplt"
+            : "";
+    error::fatalError(what + " " + domain.name + " domain." + why);
 }
 
 bool continuesOutput() {
