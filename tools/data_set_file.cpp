@@ -17,6 +17,12 @@ struct File {
     std::int64_t size = 0;
     std::int64_t position = 0;
 
+    void takeSize() {
+        in.seekg(0, std::ios::end);
+        size = in.tellg();
+        in.seekg(position);
+    }
+
     void want(bool holds, const char* what) const {
         if (!holds) throw std::runtime_error("byte " + std::to_string(position) + ": " + what);
     }
@@ -157,9 +163,7 @@ void readAux(File& file, DataSet& set, bool ofVariable) {
 DataSet read(const std::string& path) {
     File file{std::ifstream(path, std::ios::binary)};
     if (!file.in) throw std::runtime_error("it cannot be opened");
-    file.in.seekg(0, std::ios::end);
-    file.size = file.in.tellg();
-    file.in.seekg(0);
+    file.takeSize();
     DataSet set;
     readHead(file, set);
     for (;;) {
@@ -172,6 +176,7 @@ DataSet read(const std::string& path) {
         else
             file.want(false, "an unknown record");
     }
+    file.takeSize(); // the program may have added what the headers tell
     for (std::size_t z = 0; z < set.zones.size(); ++z)
         readData(file, set.zones[z], static_cast<std::int64_t>(z));
     set.trailing = file.size - file.position;
