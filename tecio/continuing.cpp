@@ -99,8 +99,8 @@ int beginAnew(DataFile& f) {
 
 int continueDataFile(DataFile& f) {
     Head there;
-    int status = openSidecar(sidecarPath(f.path), f.sidecar, there, f.zones);
-    if (status == ok) status = byte_file::open(f.path, OpenMode::update, f.file, f.size);
+    if (openSidecar(sidecarPath(f.path), f.sidecar, there, f.zones) != ok) return damagedSidecar;
+    int status = byte_file::open(f.path, OpenMode::update, f.file, f.size);
     if (status != ok) return status;
     const bool anyVariables = f.head.variables == std::vector<std::string>{""};
     if (f.zones.empty()) return anyVariables ? refused : beginAnew(f);

@@ -28,10 +28,9 @@ struct Sidecar {
     std::vector<Mark> marks; // of the head alone, then with each zone that is named
 };
 
-// All return a status. `create` replaces a file of that name at once.
+// All return a status. `createSidecar` replaces a file of that name at once.
 int createSidecar(const std::string& path, const Head& head, Sidecar& sidecar);
 
-// `damagedSidecar` for a file that is not as it was written.
 int openSidecar(const std::string& path, Sidecar& sidecar, Head& head, std::vector<Zone>& zones);
 
 int nameZone(Sidecar& sidecar, const Zone& zone);
