@@ -215,6 +215,7 @@ TEST(Append, AnyCallMayBeTheLast) {
                 putControl("", "", withOlf);
                 runOver(before);
                 put(indexFile, integerRecord({recorded}));
+                if (!withOlf) put(olfSet + ".szhdr", "left over");
             }
             putTimes(times);
             putControl("tecplot binary flush interval\n3\n");
@@ -274,32 +275,6 @@ TEST(Append, KilledAtAnyInstant) {
     }
 }
 
-// Zones of times that are there, though not recorded, give way to the new ones.
-TEST(Append, ATimeIsThereOnce) {
-    const Sets whole = wholeSets(4);
-    for (const int recorded : {2, 1}) {
-        const Folder folder;
-        putControl();
-        runOver(3);
-        put(indexFile, integerRecord({recorded}));
-        runOver(4);
-        for (const auto& [file, set] : whole) expectSameContents(file, whole);
-        EXPECT_THAT(data_set_file::read(pmSet).zones[static_cast<std::size_t>(recorded)].shares,
-                    Each(0));
-    }
-}
-
-TEST(Append, ADataSetThatIsMissingBeginsAnew) {
-    const Folder folder;
-    putControl("", "", false);
-    runOver(2);
-    std::filesystem::remove(pmSet);
-    put(olfSet + ".szhdr", "left over");
-    putControl();
-    runOver(4);
-    for (const std::string& file : {pmSet, olfSet}) EXPECT_THAT(timesOf(file), ElementsAre(20, 30));
-}
-
 // Without the wish to append, a data set that was left unfinished is replaced, with a warning.
 TEST(Append, AnotherRunReplaces) {
     const Folder folder;
@@ -342,13 +317,9 @@ protected:
         expectRefused(name);
     }
 
-    // The file cut to these sizes, and with a bit of one byte in `step` changed.
-    void expectRefusedOnceDamaged(const std::string& name, std::initializer_list<std::size_t> sizes,
-                                  std::size_t first, std::size_t last, std::size_t step) {
-        for (const std::size_t size : sizes) {
-            SCOPED_TRACE(testing::Message() << "first bytes: " << size);
-            expectRefusedWith(name, files[name].substr(0, size));
-        }
+    // With a bit of one byte in `step` changed.
+    void expectRefusedChanged(const std::string& name, std::size_t first, std::size_t last,
+                              std::size_t step) {
         for (std::size_t at = first; at < last; at += step) {
             SCOPED_TRACE(testing::Message() << "byte " << at);
             Bytes contents = files[name];
@@ -369,14 +340,19 @@ TEST_F(Refused, DamagedFiles) {
     for (const std::int32_t index : {-1, 2147483647})
         expectRefusedWith(indexFile, integerRecord({index}));
     expectRefusedWith(indexFile, files[indexFile] + "1234");
-    expectRefusedOnceDamaged(indexFile, {0, 2, 8}, 0, 9, 8);
     expectRefusedWith(sidecar, "a text of someone else");
-    expectRefusedOnceDamaged(sidecar, {0, 23, sidecarSize - 1}, 0, sidecarSize, 5);
     expectRefusedWith(pmSet, Bytes(size, 'x'));
-    expectRefusedOnceDamaged(pmSet, {0, 7, header, header + 400, 60000, data + 4, size - 1}, 0, 24,
-                             8);
-    expectRefusedOnceDamaged(pmSet, {header - 4}, header - 4, header + 1200, 20);
-    expectRefusedOnceDamaged(pmSet, {data}, data, data + 101, 4);
+    const std::map<std::string, std::vector<std::size_t>> cuts{
+        {indexFile, {0, 2, 8}},
+        {sidecar, {0, 23, sidecarSize - 1}},
+        {pmSet, {0, 7, header - 4, header, header + 400, 60000, data, data + 4, size - 1}}};
+    for (const auto& [name, sizes] : cuts)
+        for (const std::size_t cut : sizes) expectRefusedWith(name, files[name].substr(0, cut));
+    expectRefusedChanged(indexFile, 0, 9, 8);
+    expectRefusedChanged(sidecar, 0, sidecarSize, 5);
+    expectRefusedChanged(pmSet, 0, 24, 8);
+    expectRefusedChanged(pmSet, header - 4, header + 1200, 20);
+    expectRefusedChanged(pmSet, data, data + 101, 4);
 }
 
 TEST_F(Refused, ARunThatDoesNotFit) {

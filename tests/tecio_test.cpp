@@ -256,7 +256,7 @@ TEST(Tecio, AReaderFindsAWholeSetAtAnyMoment) {
         }
         return all;
     };
-    for (const std::size_t interval : {1, 45}) {
+    for (const std::size_t interval : {std::size_t{1}, std::size_t{45}}) {
         const Folder folder;
         system_calls::table.writeAt = writePages;
         open("V");

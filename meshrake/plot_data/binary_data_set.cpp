@@ -27,12 +27,16 @@ std::string trimmed(std::string_view text) {
     return std::string(StringHelpers::trimRight(text));
 }
 
+// As tecio.h tells it; 1 for any failure of another library.
+std::int32_t ownStatus(std::int32_t status) {
+    return MESHRAKE_OWN_TECIO || status == 0 ? status : 1;
+}
+
 void check(std::int32_t status, const std::string& what, Domain& domain) {
-    constexpr std::int32_t otherZones = 5;
     if (status == 0) return;
     tecFileWriterClose(&domain.dataSet.handle);
     const std::string why =
-        status == otherZones
+        ownStatus(status) == 5
             ? "\nIts plot file has zones with other nodes or elements: " + domain.dataSet.fileName +
                   ".szplt"
             : "";
@@ -57,7 +61,7 @@ void prepareOpen(const std::string& path) {
 
 // The file that a failed open is about, and why.
 std::string openFailure(std::int32_t status, const std::string& path) {
-    switch (status) {
+    switch (ownStatus(status)) {
     case 2:
         return path + "\nThe file is damaged: no zone can be appended to it.";
     case 3:
