@@ -265,8 +265,8 @@ TEST(Tecio, AReaderFindsAWholeSetAtAnyMoment) {
             EXPECT_EQ(time % interval == 0 ? flush() : 0, 0);
             if (time % 7 != 0) continue;
             open("V"); // takes the last zone back
-            EXPECT_EQ(tecDataSetAddAuxData(set, "k", Bytes(800 + time, 'k').c_str()), 0);
-            EXPECT_EQ(tecDataSetAddAuxData(set, "l", Bytes(1200 - time, 'l').c_str()), 0);
+            EXPECT_EQ(tecDataSetAddAuxData(set, "k", Bytes(1000 + time * 3 / 7, 'k').c_str()), 0);
+            EXPECT_EQ(tecDataSetAddAuxData(set, "l", Bytes(2000 - time * 3 / 7, 'l').c_str()), 0);
             addZone(static_cast<double>(time));
         }
         system_calls::table = system_calls::systemTable();
