@@ -75,6 +75,7 @@ std::vector<std::int32_t> readInts(Reader& reader, std::size_t count, std::int32
     for (std::int32_t& entry : list) {
         entry = readInt(reader);
         expect(reader, least <= entry && entry <= greatest);
+        entry = std::clamp(entry, least, greatest);
     }
     return list;
 }
