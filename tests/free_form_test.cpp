@@ -1,5 +1,7 @@
 #include "tvncommon/free_form.hpp"
 
+#include "tvncommon/io_layer.hpp"
+
 #include <gtest/gtest.h>
 
 #include <array>
@@ -13,6 +15,8 @@
 namespace {
 
 using namespace free_form;
+using io_layer::endOfFile;
+using io_layer::invalidData;
 using namespace std::string_view_literals;
 using Texts = std::vector<std::string>;
 
@@ -53,9 +57,9 @@ TEST(FreeForm, WhatIsNoNumberLeavesTheValue) {
     std::istringstream texts(
         "x 1x . 1.2.3 1e 1e5.0 --1 +-1 0x10 1e400 -1d9999999999 *3 0*3 1;2 inff "
         "-1*3 1*+* 2*3*4 '1' 99999999999*1 nan(1) \" \xff\xfe 1-");
-    for (std::string text; texts >> text;) EXPECT_EQ(real(text, badFormat), -77);
-    EXPECT_EQ(real("1\0"sv, badFormat), -77);
-    for (const std::string_view text : {"", "   ", "\t\r\n"}) EXPECT_EQ(real(text, endOfText), -77);
+    for (std::string text; texts >> text;) EXPECT_EQ(real(text, invalidData), -77);
+    EXPECT_EQ(real("1\0"sv, invalidData), -77);
+    for (const std::string_view text : {"", "   ", "\t\r\n"}) EXPECT_EQ(real(text, endOfFile), -77);
 }
 
 TEST(FreeForm, Integers) {
@@ -63,8 +67,8 @@ TEST(FreeForm, Integers) {
         {{0, 12}, {"012", "+12,13", "3*12", "12/x"}},
         {{0, std::numeric_limits<std::int32_t>::min()}, {"-2147483648"}},
         {{0, std::numeric_limits<std::int32_t>::max()}, {"2147483647"}},
-        {{badFormat, -77}, {"2147483648", "-2147483649", "1.0", "1e2", "+-1", "R8", "1x"}},
-        {{endOfText, -77}, {"", " "}}};
+        {{invalidData, -77}, {"2147483648", "-2147483649", "1.0", "1e2", "+-1", "R8", "1x"}},
+        {{endOfFile, -77}, {"", " "}}};
     for (const auto& [expected, texts] : cases) {
         for (const std::string& text : texts) {
             std::int32_t value = -77;
@@ -109,10 +113,10 @@ TEST(FreeForm, ItemsRunOverLines) {
                           {{"2*1.5", "3"}, 0, {1.5, 1.5, 3}},
                           {{"1000000*4"}, 0, {4, 4, 4}},
                           {{"2*,3"}, 0, {-1, -2, 3}},
-                          {{"3*1.5"}, badFormat, {1.5, 1.5, -3}},
-                          {{"1 x 3"}, badFormat, {1, -2, -3}},
-                          {{"1 2", ""}, endOfText, {1, 2, -3}},
-                          {{}, endOfText, {-1, -2, -3}}};
+                          {{"3*1.5"}, invalidData, {1.5, 1.5, -3}},
+                          {{"1 x 3"}, invalidData, {1, -2, -3}},
+                          {{"1 2", ""}, endOfFile, {1, 2, -3}},
+                          {{}, endOfFile, {-1, -2, -3}}};
     for (const Case& c : cases) {
         double a = -1, b = -2;
         std::int32_t n = -3;
@@ -126,7 +130,7 @@ TEST(FreeForm, ItemsRunOverLines) {
     EXPECT_EQ(readReals(lines, values), 0);
     EXPECT_EQ(readReals(lines, values), 0); // what was left of the first line is lost
     EXPECT_EQ(values, (std::array<double, 2>{4, 5}));
-    EXPECT_EQ(readReals(lines, values), endOfText);
+    EXPECT_EQ(readReals(lines, values), endOfFile);
 }
 
 TEST(FreeForm, Words) {
@@ -135,8 +139,8 @@ TEST(FreeForm, Words) {
         {{0, "it's my"}, {"'it''s my' prob", "\"it's my\""}},
         {{0, ""}, {"''"}},
         {{0, "old"}, {",x"}},
-        {{badFormat, "old"}, {"'it''s", "'", "\"'"}},
-        {{endOfText, "old"}, {"", " \t"}}};
+        {{invalidData, "old"}, {"'it''s", "'", "\"'"}},
+        {{endOfFile, "old"}, {"", " \t"}}};
     for (const auto& [expected, lines] : cases) {
         for (const std::string& line : lines) {
             std::string word = "old";
@@ -159,7 +163,7 @@ TEST(FreeForm, SurvivesAnyBytes) {
         const Item items[] = {&a, &n, &b};
         for (const int status : {readReal(text, a), readInteger(text, n), readWord(text, word),
                                  readItems(linesOf({text, text}), items)})
-            ASSERT_TRUE(status == 0 || status == endOfText || status == badFormat) << text;
+            ASSERT_TRUE(status == 0 || status == endOfFile || status == invalidData) << text;
     }
 }
 

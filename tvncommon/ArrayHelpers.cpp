@@ -1,6 +1,7 @@
 #include "tvncommon/ArrayHelpers.hpp"
 
 #include "tvncommon/error.hpp"
+#include "tvncommon/io_layer.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -10,8 +11,6 @@
 namespace ArrayHelpers {
 
 namespace {
-
-constexpr int insufficientMemory = 41;
 
 template<class T>
 constexpr std::string_view typeName;
@@ -50,7 +49,7 @@ std::size_t sizeOf(std::int64_t size) {
 } // namespace
 
 void allocationFailed(std::string_view name) {
-    error::check_alloc(insufficientMemory, name);
+    error::check_alloc(io_layer::outOfMemory, name);
 }
 
 template<class T>

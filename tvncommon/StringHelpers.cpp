@@ -2,6 +2,7 @@
 
 #include "tvncommon/error.hpp"
 #include "tvncommon/free_form.hpp"
+#include "tvncommon/io_layer.hpp"
 #include "tvncommon/number_formats.hpp"
 
 #include <algorithm>
@@ -11,7 +12,6 @@ namespace StringHelpers {
 
 namespace {
 
-constexpr int writeFailed = 38;
 constexpr int widestEdit = 256;
 
 struct IntegerEdit {
@@ -86,10 +86,10 @@ bool equalPadded(std::string_view a, std::string_view b) {
 std::string toString_i4(std::int32_t value, std::string_view format, int* iostat) {
     IntegerEdit edit;
     const bool known = format.empty() || parseEdit(format, edit);
-    if (iostat) *iostat = known ? 0 : writeFailed;
+    if (iostat) *iostat = known ? io_layer::ok : io_layer::writeFailed;
     if (known) return applyEdit(value, edit);
     if (!iostat)
-        error::fatalErrorStat(writeFailed,
+        error::fatalErrorStat(io_layer::writeFailed,
                               "No format of an integer: \"" + std::string(format) + "\"");
     return {};
 }
@@ -102,7 +102,7 @@ void str2r4(std::string_view text, float& value, int* iostat) {
     const int status = free_form::readReal(text, value);
     if (iostat)
         *iostat = status;
-    else if (status != 0)
+    else if (status != io_layer::ok)
         error::fatalErrorStat(status,
                               "Failed to read a number from text: \"" + std::string(text) + "\"");
 }

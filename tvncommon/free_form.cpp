@@ -1,11 +1,17 @@
 #include "tvncommon/free_form.hpp"
 
+#include "tvncommon/io_layer.hpp"
+
 #include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <limits>
 
 namespace free_form {
+
+using io_layer::endOfFile;
+using io_layer::invalidData;
+using io_layer::ok;
 
 namespace {
 
@@ -130,27 +136,27 @@ int parse(std::string_view text, Real& value) {
         const auto [end, error] =
             std::from_chars(text.data(), text.data() + text.size(), magnitude);
         if (error == std::errc::result_out_of_range) {
-            if (isTooLarge(number)) return badFormat;
+            if (isTooLarge(number)) return invalidData;
             magnitude = 0;
         } else if (error != std::errc() || std::isinf(magnitude)) {
-            return badFormat;
+            return invalidData;
         }
     } else {
-        return badFormat;
+        return invalidData;
     }
     value = negative ? -magnitude : magnitude;
-    return 0;
+    return ok;
 }
 
 int parse(std::string_view text, std::int32_t& value) {
-    if (text.starts_with("+-")) return badFormat;
+    if (text.starts_with("+-")) return invalidData;
     if (text.starts_with('+')) text.remove_prefix(1);
     std::int32_t number = 0;
     const char* const textEnd = text.data() + text.size();
     const auto [end, error] = std::from_chars(text.data(), textEnd, number);
-    if (error != std::errc() || end != textEnd) return badFormat;
+    if (error != std::errc() || end != textEnd) return invalidData;
     value = number;
-    return 0;
+    return ok;
 }
 
 template<class Number>
@@ -162,14 +168,14 @@ int readOne(std::string_view text, Number& value) {
     case Step::value:
         return parse(number, value);
     case Step::noMoreText:
-        return endOfText;
+        return endOfFile;
     case Step::malformed:
-        return badFormat;
+        return invalidData;
     case Step::null:
     case Step::slash:
         break;
     }
-    return 0;
+    return ok;
 }
 
 // Hands the text of each value that is there to `store`.
@@ -181,16 +187,16 @@ int readMany(const NextLine& nextLine, std::size_t count, Store store) {
         std::string_view number;
         Step step = nextStep(reader, number);
         while (step == Step::noMoreText) {
-            if (!nextLine(line)) return endOfText;
+            if (!nextLine(line)) return endOfFile;
             reader.rest = line;
             step = nextStep(reader, number);
         }
-        if (step == Step::slash) return 0;
-        if (step == Step::malformed) return badFormat;
+        if (step == Step::slash) return ok;
+        if (step == Step::malformed) return invalidData;
         if (step == Step::null) continue;
-        if (const int status = store(i, number); status != 0) return status;
+        if (const int status = store(i, number); status != ok) return status;
     }
-    return 0;
+    return ok;
 }
 
 } // namespace
@@ -207,22 +213,22 @@ int readInteger(std::string_view text, std::int32_t& value) {
 
 int readWord(std::string_view line, std::string& word) {
     skipBlanks(line);
-    if (line.empty()) return endOfText;
-    if (line.front() == ',') return 0;
+    if (line.empty()) return endOfFile;
+    if (line.front() == ',') return ok;
     if (line.front() != '\'' && line.front() != '"') {
         word = line.substr(0, line.find_first_of(wordEnds));
-        return 0;
+        return ok;
     }
     const char quote = line.front();
     std::string quoted;
     for (std::size_t i = 1; i < line.size(); ++i) {
         if (line[i] == quote && (i + 1 == line.size() || line[++i] != quote)) {
             word = quoted;
-            return 0;
+            return ok;
         }
         quoted += line[i];
     }
-    return badFormat;
+    return invalidData;
 }
 
 int readItems(const NextLine& nextLine, std::span<const Item> items) {

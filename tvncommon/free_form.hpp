@@ -15,15 +15,12 @@
 // ("1.5-3"). "inf", "infinity" and "nan" are reals in any case of letters. A number is rounded
 // once, correctly; one too small for its type becomes 0.
 //
-// The readers return a status of the I/O layer and never end the run: 0, `endOfText` when no text
-// is left, `badFormat` for what is no number or is out of its type's range. An item whose reading
-// failed, and those behind it, stay as they were.
+// The readers return a status of the I/O layer and never end the run: `ok`, `endOfFile` when no
+// text is left, `invalidData` for what is no number or is out of its type's range. An item whose
+// reading failed, and those behind it, stay as they were.
 namespace free_form {
 
-inline constexpr int endOfText = -1;
-inline constexpr int badFormat = 59;
-
-// The first value of a text; `endOfText` for a blank text.
+// The first value of a text; `endOfFile` for a blank text.
 int readReal(std::string_view text, double& value);
 int readReal(std::string_view text, float& value);
 int readInteger(std::string_view text, std::int32_t& value);

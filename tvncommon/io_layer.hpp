@@ -31,6 +31,7 @@ inline constexpr int readFailed = 39;
 inline constexpr int outOfMemory = 41;
 inline constexpr int invalidPath = 43;
 inline constexpr int invalidData = 59;
+inline constexpr int invalidCharacter = 64;
 inline constexpr int tooManyOpenFiles = 603;
 
 // When text leaves the process: at every line, for what a person follows while the run goes on, or

@@ -20,8 +20,6 @@ using model::run;
 
 namespace {
 
-constexpr int invalidCharacter = 64;
-
 constexpr std::size_t elementWidth = 10;
 constexpr std::size_t shapeWidth = 18;
 constexpr int shapeDigits = 11;
@@ -47,7 +45,7 @@ int readCacheLine(int unit, std::int32_t& element, std::span<double> shape) {
         const std::string_view field = line.substr(shapeBegin + k * shapeStep, shapeWidth);
         good = free_form::readReal(onlyWord(field), shape[k]) == 0 && good;
     }
-    return good ? io_layer::ok : invalidCharacter;
+    return good ? io_layer::ok : io_layer::invalidCharacter;
 }
 
 void readCache(const std::string& name) {

@@ -23,7 +23,7 @@ int readPrefix(int unit, std::string& prefix) {
         int status = io_layer::readLine(unit, line);
         if (status != io_layer::ok) return status;
         status = free_form::readWord(line, prefix);
-        if (status == free_form::endOfText) continue;
+        if (status == io_layer::endOfFile) continue;
         prefix = std::string(StringHelpers::cut(prefix, prefixLength));
         return status;
     }
