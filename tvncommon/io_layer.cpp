@@ -1,18 +1,13 @@
 #include "tvncommon/io_layer.hpp"
 
+#include "tvncommon/io_layer_state.hpp"
 #include "tvncommon/system_calls.hpp"
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <cerrno>
 #include <cstring>
-#include <limits>
 #include <map>
-#include <vector>
-
-static_assert(std::endian::native == std::endian::little,
-              "the files are little-endian and are read and written as they stand");
 
 namespace io_layer {
 
@@ -20,37 +15,11 @@ namespace {
 
 using system_calls::table;
 
-constexpr std::size_t readBufferSize = 32768;
 constexpr std::size_t writeBufferSize = 32768;
 constexpr std::int64_t roomFrom = 8388608; // size from which a file grows by steps
 constexpr std::int64_t roomStep = 67108864;
 constexpr std::size_t longestLine = 1048576;
 constexpr std::size_t longestName = 300;
-constexpr std::int64_t unbounded = std::numeric_limits<std::int64_t>::max();
-
-// The record under the reading position.
-struct OpenRecord {
-    std::int64_t pieceLength = 0; // payload bytes of the current sub-record
-    std::int64_t pieceLeft = 0;   // those not read yet
-    bool goesOn = false;          // a further sub-record follows
-};
-
-struct Connection {
-    int descriptor = -1;
-    std::string path;
-    bool writing = false;
-    Form form = Form::formatted;
-    Flush flushing = Flush::inBlocks;
-    std::string held;             // text that is not written yet
-    std::vector<char> readBuffer; // allocated at the first read
-    std::size_t readBegin = 0;    // unread part of `readBuffer`
-    std::size_t readEnd = 0;
-    std::int64_t size = 0;     // file size at the open
-    std::int64_t position = 0; // bytes taken by the reader
-    std::int64_t written = 0;  // bytes handed to the file
-    std::int64_t roomEnd = 0;  // end of the room taken on the disk ahead of the writes
-    OpenRecord record;
-};
 
 struct State {
     std::array<bool, lastUnit - firstUnit + 1> taken{};
@@ -76,11 +45,6 @@ State freshState() {
 }
 
 State state = freshState();
-
-Connection* find(int unit) {
-    const auto it = state.connections.find(unit);
-    return it == state.connections.end() ? nullptr : &it->second;
-}
 
 int open(int unit, const std::string& path, system_calls::OpenMode mode, Connection& c) {
     if (!canBeName(path)) return invalidPath;
@@ -129,8 +93,13 @@ int flushHeld(Connection& c) {
     return status;
 }
 
-// What one call gets of the file from `position` on, 0 at its end, below 0 for a failure. A file
-// that grows while it is read ends where it ended at the open.
+} // namespace
+
+Connection* find(int unit) {
+    const auto it = state.connections.find(unit);
+    return it == state.connections.end() ? nullptr : &it->second;
+}
+
 std::ptrdiff_t readSome(const Connection& c, char* into, std::int64_t size, std::int64_t position) {
     const std::int64_t room = std::min(size, c.size - position);
     if (room <= 0) return 0;
@@ -140,7 +109,6 @@ std::ptrdiff_t readSome(const Connection& c, char* into, std::int64_t size, std:
     }
 }
 
-// Fills the empty buffer; it stays empty at the end of the file.
 int fillBuffer(Connection& c, std::int64_t position) {
     if (c.readBuffer.empty()) c.readBuffer.resize(readBufferSize);
     c.readBegin = c.readEnd = 0;
@@ -149,80 +117,6 @@ int fillBuffer(Connection& c, std::int64_t position) {
     c.readEnd = static_cast<std::size_t>(n);
     return ok;
 }
-
-// Reads up to `size` bytes and stores their number in `got`; fewer only at the end of the file.
-int readUpTo(Connection& c, char* into, std::int64_t size, std::int64_t& got) {
-    got = 0;
-    while (got < size) {
-        if (c.readBegin < c.readEnd) {
-            const auto n = std::min<std::int64_t>(
-                size - got, static_cast<std::int64_t>(c.readEnd - c.readBegin));
-            std::memcpy(into + got, c.readBuffer.data() + c.readBegin, static_cast<std::size_t>(n));
-            c.readBegin += static_cast<std::size_t>(n);
-            got += n;
-            continue;
-        }
-        // A large piece goes straight to the caller's array.
-        if (size - got < static_cast<std::int64_t>(readBufferSize)) {
-            if (fillBuffer(c, c.position + got) != ok) return readFailed;
-            if (c.readEnd == 0) break;
-            continue;
-        }
-        const std::ptrdiff_t n = readSome(c, into + got, size - got, c.position + got);
-        if (n < 0) return readFailed;
-        if (n == 0) break;
-        got += n;
-    }
-    c.position += got;
-    return ok;
-}
-
-int readExactly(Connection& c, void* into, std::int64_t size) {
-    std::int64_t got = 0;
-    const int status = readUpTo(c, static_cast<char*>(into), size, got);
-    if (status != ok) return status;
-    return got == size ? ok : readFailed;
-}
-
-int skip(Connection& c, std::int64_t size) {
-    const std::int64_t target = c.position + size;
-    if (target > c.size) return readFailed;
-    if (size <= static_cast<std::int64_t>(c.readEnd - c.readBegin)) {
-        c.readBegin += static_cast<std::size_t>(size);
-    } else {
-        if (table.seek(c.descriptor, target) < 0) return readFailed;
-        c.readBegin = c.readEnd = 0;
-    }
-    c.position = target;
-    return ok;
-}
-
-int openPiece(Connection& c, bool first) {
-    std::int32_t marker = 0;
-    std::int64_t got = 0;
-    if (readUpTo(c, reinterpret_cast<char*>(&marker), 4, got) != ok) return readFailed;
-    if (got == 0 && first) return endOfFile;
-    if (got != 4) return readFailed;
-    const std::int64_t length = marker;
-    c.record.goesOn = length < 0;
-    c.record.pieceLength = c.record.pieceLeft = length < 0 ? -length : length;
-    return ok;
-}
-
-int closePiece(Connection& c) {
-    if (c.record.pieceLeft > 0) {
-        const int status = skip(c, c.record.pieceLeft);
-        if (status != ok) return status;
-    }
-    c.record.pieceLeft = 0;
-    std::int32_t marker = 0;
-    const int status = readExactly(c, &marker, 4);
-    if (status != ok) return status;
-    const std::int64_t length = marker;
-    return (length < 0 ? -length : length) == c.record.pieceLength ? ok : readFailed;
-}
-
-} // namespace
 
 // The system would take the text up to a NUL for the name: another file's. Names have a limit here,
 // since one that is cut would be another file's too.
@@ -398,67 +292,6 @@ int rewind(int unit) {
 std::int64_t bytesLeft(int unit) {
     const Connection* c = find(unit);
     return c ? std::max<std::int64_t>(c->size - c->position, 0) : 0;
-}
-
-int beginRecord(int unit) {
-    Connection* c = find(unit);
-    return c ? openPiece(*c, true) : readFailed;
-}
-
-int readInRecord(int unit, void* into, std::int64_t size) {
-    Connection& c = *find(unit);
-    char* target = static_cast<char*>(into);
-    while (size > 0) {
-        while (c.record.pieceLeft == 0) {
-            if (!c.record.goesOn) return readFailed;
-            int status = closePiece(c);
-            if (status == ok) status = openPiece(c, false);
-            if (status != ok) return status;
-        }
-        const std::int64_t n = std::min(size, c.record.pieceLeft);
-        const int status = readExactly(c, target, n);
-        if (status != ok) return status;
-        c.record.pieceLeft -= n;
-        target += n;
-        size -= n;
-    }
-    return ok;
-}
-
-int endRecord(int unit) {
-    Connection& c = *find(unit);
-    for (;;) {
-        const bool goesOn = c.record.goesOn;
-        int status = closePiece(c);
-        if (status == ok && goesOn) status = openPiece(c, false);
-        if (status != ok || !goesOn) return status;
-    }
-}
-
-int readRecord(int unit, void* into, std::int64_t size) {
-    int status = beginRecord(unit);
-    if (status == ok) status = readInRecord(unit, into, size);
-    if (status == ok) status = endRecord(unit);
-    return status;
-}
-
-int writeRecord(int unit, const void* payload, std::int64_t size, std::int64_t maximumPiece) {
-    const char* from = static_cast<const char*>(payload);
-    bool first = true;
-    do {
-        const std::int64_t n = std::min(size, maximumPiece);
-        const bool goesOn = size > n;
-        const auto leading = static_cast<std::int32_t>(goesOn ? -n : n);
-        const auto trailing = static_cast<std::int32_t>(first ? n : -n);
-        int status = writeText(unit, {reinterpret_cast<const char*>(&leading), 4});
-        if (status == ok) status = writeBlock(unit, from, static_cast<std::size_t>(n));
-        if (status == ok) status = writeText(unit, {reinterpret_cast<const char*>(&trailing), 4});
-        if (status != ok) return status;
-        from += n;
-        size -= n;
-        first = false;
-    } while (size > 0);
-    return ok;
 }
 
 } // namespace io_layer
