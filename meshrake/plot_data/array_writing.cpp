@@ -49,7 +49,7 @@ char* writeTail(const std::int32_t* v, int count, char* out) {
 template<class T>
 void appendRows(TextBlock& block, const T* values, std::int64_t rows) {
     while (rows > 0) {
-        const std::int64_t n = std::min(rows, roomForRows(block, rowBytes(values)));
+        const std::int64_t n = std::min(rows, makeRoom(block, rowBytes(values)));
         block.end = writeRows(values, n, block.end);
         values += n * valuesPerRow;
         rows -= n;
@@ -59,7 +59,7 @@ void appendRows(TextBlock& block, const T* values, std::int64_t rows) {
 template<class T>
 void appendTail(TextBlock& block, const T* values, std::int64_t count) {
     if (count == 0) return;
-    roomForRows(block, rowBytes(values));
+    makeRoom(block, rowBytes(values));
     block.end = writeTail(values, static_cast<int>(count), block.end);
 }
 

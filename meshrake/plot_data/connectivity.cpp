@@ -143,7 +143,7 @@ void writeText(Domain& domain, const Pattern& pattern) {
     const std::int64_t rowBytes = 11 * pattern.length + 1;
     writeRows(domain, pattern, [&](const std::int32_t* nodes, std::int64_t rows) {
         while (rows > 0) {
-            const std::int64_t n = std::min(rows, roomForRows(block, rowBytes));
+            const std::int64_t n = std::min(rows, makeRoom(block, rowBytes));
             block.end = number_formats::writeConnectivityRows(nodes, n, pattern.length, block.end);
             nodes += n * pattern.length;
             rows -= n;

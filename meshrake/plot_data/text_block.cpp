@@ -26,7 +26,7 @@ TextBlock beginBlock(int unit) {
     return {unit, blockBegin()};
 }
 
-std::int64_t roomForRows(TextBlock& block, std::int64_t rowBytes) {
+std::int64_t makeRoom(TextBlock& block, std::int64_t rowBytes) {
     const std::int64_t room = blockBegin() + blockSize - block.end;
     if (room >= rowBytes) return room / rowBytes;
     writeBlock(block);
@@ -34,7 +34,7 @@ std::int64_t roomForRows(TextBlock& block, std::int64_t rowBytes) {
 }
 
 void appendLine(TextBlock& block, std::string_view line) {
-    roomForRows(block, static_cast<std::int64_t>(line.size()) + 1);
+    makeRoom(block, static_cast<std::int64_t>(line.size()) + 1);
     block.end = std::copy(line.begin(), line.end(), block.end);
     *block.end++ = '\n';
 }

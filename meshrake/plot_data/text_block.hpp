@@ -15,8 +15,9 @@ struct TextBlock {
 // An empty block for the file of `unit`.
 TextBlock beginBlock(int unit);
 
-// Rows of `rowBytes` bytes that still fit; writes the block and begins anew when not one does.
-std::int64_t roomForRows(TextBlock& block, std::int64_t rowBytes);
+// Makes room for a row of `rowBytes` bytes, by writing the block and beginning anew where it is too
+// full. Returns how many such rows fit.
+std::int64_t makeRoom(TextBlock& block, std::int64_t rowBytes);
 
 void appendLine(TextBlock& block, std::string_view line);
 

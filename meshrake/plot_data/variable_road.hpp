@@ -58,7 +58,9 @@ struct VariableRow {
     Timing timing = Timing::everyTime;
     Family family = Family::oneFile; // of several files, each with a column
     bool laterFallback = false;      // a continued run may fall back to output time 1 later too
-    bool sharedLast = false; // its numbers stand behind all others in the list of shared ones
+    // At later output times it is shared after all other variables: its numbers stand last in the
+    // list of shared ones, while its columns keep the place that the row has in the table.
+    bool sharedLast = false;
 
     // Steps of a variable that differs from the rest.
     Step init = nullptr;  // first pass: declare and read
