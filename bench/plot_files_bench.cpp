@@ -4,7 +4,7 @@
 
 #include "bench/bench_files.hpp"
 #include "meshrake/plot_data/array_writing.hpp"
-#include "meshrake/plot_data/zone.hpp"
+#include "meshrake/plot_data/connectivity.hpp"
 #include "tvncommon/file_units.hpp"
 #include "tvncommon/io_layer.hpp"
 

@@ -1,4 +1,4 @@
-#include "meshrake/plot_data/zone.hpp"
+#include "meshrake/plot_data/connectivity.hpp"
 
 #include "meshrake/model/run_state.hpp"
 #include "meshrake/plot_data/binary_data_set.hpp"

@@ -12,8 +12,4 @@ namespace plot_data {
 void tecplotWriteZoneFE(std::string_view title, std::string_view solutionTime,
                         int connectivityShareZone, model::Domain& domain);
 
-// Node lists of the included elements, numbered as the nodes of the output mesh; an unused slot
-// repeats a node or, where that shape has none to repeat, is 0.
-void tecplotWriteConnectivity(model::Domain& domain);
-
 } // namespace plot_data
