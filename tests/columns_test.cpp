@@ -120,15 +120,18 @@ TEST(Columns, FollowTheFilesAndTheOptions) {
     }
 }
 
-class ColumnValues : public testing::Test {
+class ColumnValues : public runs::ProblemRun {
 protected:
-    // Values of one column of a zone, from 0.
-    static Texts valuesOf(const std::string& file, std::size_t zone, const std::string& label) {
-        return data_set::parse(get(file)).zones.at(zone).values.at(label);
-    }
+    ColumnValues() { problem = baseProblem(); }
 
-    Folder folder;
-    Problem problem = baseProblem();
+    // Values of one column of a zone, from 0.
+    static std::string valuesOf(const std::string& tag, std::size_t zone,
+                                const std::string& label) {
+        std::string row;
+        const data_set::DataSet set = data_set::parse(get("to." + tag + ".dat"));
+        for (const std::string& value : set.zones.at(zone).values.at(label)) row += value + " ";
+        return row;
+    }
 };
 
 TEST_F(ColumnValues, WaterDepths) {
@@ -136,61 +139,55 @@ TEST_F(ColumnValues, WaterDepths) {
     problem["to.head_olf.0001"] = resultFile("0.0", {Reals{1.5, 1.0, 0.5, nan}});
     problem["to.head_olf.0002"] =
         resultFile("0.0", {Reals{1.0 + 0x1p-30, 101.0, 1.0 + 1e-4, -1e300}});
-    write(problem);
-    ASSERT_EQ(runHere().status, 0);
-    EXPECT_EQ(valuesOf("to.olf.dat", 0, "Depth"),
-              (Texts{"0.50000000000000000", "0.0000000000000000", "0.0000000000000000",
-                     "0.0000000000000000"}));
-    EXPECT_EQ(valuesOf("to.olf.dat", 0, "log10(Depth)"),
-              (Texts{"-0.30103000998497009", "-8.0000000000000000", "-8.0000000000000000", "NaN"}));
-    EXPECT_EQ(valuesOf("to.olf.dat", 1, "Depth"),
-              (Texts{"0.93132257461547852E-009", "100.00000000000000", "0.99999997473787516E-004",
-                     "0.0000000000000000"}));
-    EXPECT_EQ(valuesOf("to.olf.dat", 1, "log10(Depth)"),
-              (Texts{"-8.0000000000000000", "2.0000000000000000", "-4.0000000000000000",
-                     "-8.0000000000000000"}));
+    ASSERT_EQ(run().status, 0);
+    const std::string zero = "0.0000000000000000 ", least = "-8.0000000000000000 ";
+    EXPECT_EQ(valuesOf("olf", 0, "Depth"), "0.50000000000000000 " + zero + zero + zero);
+    EXPECT_EQ(valuesOf("olf", 0, "log10(Depth)"), "-0.30103000998497009 " + least + least + "NaN ");
+    EXPECT_EQ(valuesOf("olf", 1, "Depth"),
+              "0.93132257461547852E-009 100.00000000000000 0.99999997473787516E-004 " + zero);
+    EXPECT_EQ(valuesOf("olf", 1, "log10(Depth)"),
+              least + "2.0000000000000000 -4.0000000000000000 " + least);
 }
 
 // Columns, layers and heights of 2 by 1 by 2 bricks, whole and cut.
 TEST_F(ColumnValues, MeshColumns) {
     problem = brickProblem({2, 1, 2, 2});
+    ASSERT_EQ(run().status, 0);
+    EXPECT_EQ(valuesOf("pm", 0, "Layer #"), "1 1 2 2 ");
+    EXPECT_EQ(valuesOf("pm", 0, "Column #"), "1 2 1 2 ");
+    run("end\nwrite pm domain file\ntruncate pm domain by layer\n1 2\n0 1\n2 2\nend\n"
+        "write olf domain file\ntruncate olf domain\n1 2\n0 1\n0 9\nend\n");
+    EXPECT_EQ(valuesOf("pm", 0, "Layer #"), "2 ");
+    EXPECT_EQ(valuesOf("pm", 0, "Column #"), "2 ");
+    EXPECT_EQ(valuesOf("pm", 0, "Thickness"), "2.0000000000000000 ");
+    EXPECT_EQ(valuesOf("olf", 0, "3D node #"), "14 15 17 18 ");
+    // A zone with a file for each time is not shared.
     problem["to.tv_zone_pm.0002"] = resultFile("0.0", Integers{9, 8, 7, 6});
-    problem["t.plot.control"] = "end\nwrite pm domain file\nno pm layer numbers\n"
-                                "no pm column numbers\nno pm element thickness\nno pm heads\n";
-    write(problem);
-    ASSERT_EQ(runHere().status, 0);
+    run("end\nwrite pm domain file\nno pm layer numbers\nno pm column numbers\n"
+        "no pm element thickness\nno pm heads\n");
     EXPECT_THAT(get("to.pm.dat"),
                 HasSubstr("VARLOCATION=([4]=CELLCENTERED), VARSHARELIST=([1,2,3])"));
-    EXPECT_EQ(valuesOf("to.pm.dat", 1, "zone (cell centred)"), (Texts{"9", "8", "7", "6"}));
-    std::filesystem::remove("t.plot.control");
-    ASSERT_EQ(runHere().status, 0);
-    EXPECT_EQ(valuesOf("to.pm.dat", 0, "Layer #"), (Texts{"1", "1", "2", "2"}));
-    EXPECT_EQ(valuesOf("to.pm.dat", 0, "Column #"), (Texts{"1", "2", "1", "2"}));
-    put("t.plot.control",
-        "end\nwrite pm domain file\ntruncate pm domain by layer\n1 2\n0 1\n2 2\nend\n"
-        "write olf domain file\ntruncate olf domain\n1 2\n0 1\n0 9\nend\n");
-    ASSERT_EQ(runHere().status, 0);
-    EXPECT_EQ(valuesOf("to.pm.dat", 0, "Layer #"), (Texts{"2"}));
-    EXPECT_EQ(valuesOf("to.pm.dat", 0, "Column #"), (Texts{"2"}));
-    EXPECT_EQ(valuesOf("to.pm.dat", 0, "Thickness"), (Texts{"2.0000000000000000"}));
-    EXPECT_EQ(valuesOf("to.olf.dat", 0, "3D node #"), (Texts{"14", "15", "17", "18"}));
+    EXPECT_EQ(valuesOf("pm", 1, "zone (cell centred)"), "9 8 7 6 ");
 }
 
 // The one layer of tetrahedra has no depth columns at first and gets their values later.
 TEST_F(ColumnValues, TetrahedraAndTheirDepths) {
     problem["to.elements_pm"] = integerRecord({4}) + integerRecord({2}) +
                                 integerRecord({1, 2, 3, 5, 2, 3, 4, 6}) + integerRecord({1, 1});
-    write(problem);
-    ASSERT_EQ(runHere().status, 0);
-    EXPECT_THAT(get("to.pm.dat"), Not(HasSubstr("Depth2GWT")));
-    EXPECT_THAT(get("to.pm.dat"), HasSubstr("\n# depth to groundwater 3d\n"));
-    EXPECT_THAT(get("to.pm.dat"), HasSubstr("ZONETYPE=FETETRAHEDRON"));
+    run();
+    EXPECT_THAT(get("to.pm.dat"), testing::AllOf(Not(HasSubstr("Depth2GWT")),
+                                                 HasSubstr("\n# depth to groundwater 3d\n"),
+                                                 HasSubstr("ZONETYPE=FETETRAHEDRON")));
     std::filesystem::remove("to.head_pm.0002");
-    ASSERT_EQ(runHere().status, 0);
+    problem.erase("to.head_pm.0002");
+    run();
     EXPECT_THAT(get("to.pm.dat"), HasSubstr("VARSHARELIST=([1,2,3,4,5,6,7,8,9,0,0])"));
 }
 
 TEST_F(ColumnValues, FilesThatEndTheRun) {
+    problem["to.snowdepth.0001"] = problem["to.snowdepth.0002"] = element;
+    problem["to.snowcover.0001"] = problem["to.snowcover.0002"] = node4;
+    const Problem good = problem;
     const std::array<std::string, 3> endings[] = {
         // file, contents, message
         {"to.ElemK_pm.0001", resultFile("0.0 full", {Reals{1}, Reals{2}, Reals{3}}),
@@ -200,16 +197,11 @@ TEST_F(ColumnValues, FilesThatEndTheRun) {
          "Invalid binary file header format. Timestamp missing or malformed.\nFile: "
          "to.head_chan.0001\n"},
     };
-    problem["to.snowdepth.0001"] = problem["to.snowdepth.0002"] = element;
-    problem["to.snowcover.0001"] = problem["to.snowcover.0002"] = node4;
     for (const auto& [file, contents, message] : endings) {
-        Problem damaged = problem;
-        damaged[file] = contents;
-        const Folder own;
-        write(damaged);
-        const runs::Ran ran = runHere();
-        EXPECT_EQ(ran.status, 1);
-        EXPECT_THAT(ran.errors, HasSubstr("**\n\n" + message));
+        problem = good;
+        problem[file] = contents;
+        runs::expectFailure(run(), {"**\n\n" + message});
+        std::filesystem::remove(file);
     }
 }
 

@@ -40,8 +40,7 @@ Bytes pieces(const std::vector<std::pair<std::int32_t, std::string>>& parts) {
 // Status of each read of a whole record of these sizes, up to the first that fails.
 std::vector<int> statuses(const Bytes& file, const std::vector<std::int64_t>& sizes) {
     put("file", file);
-    const int unit = takeUnit();
-    EXPECT_EQ(openRecordsRead(unit, "file"), ok);
+    const int unit = file_units::openRecordsRead("file");
     std::vector<int> found;
     for (const std::int64_t size : sizes) {
         std::string into(static_cast<std::size_t>(size), '?');
@@ -50,6 +49,16 @@ std::vector<int> statuses(const Bytes& file, const std::vector<std::int64_t>& si
     }
     releaseUnit(unit);
     return found;
+}
+
+void writeRecords(const std::string& payload, std::int64_t piece, int count) {
+    const int unit = takeUnit();
+    ASSERT_EQ(openRecordsReplace(unit, "file"), ok);
+    for (int i = 0; i < count; ++i)
+        EXPECT_EQ(
+            writeRecord(unit, payload.data(), static_cast<std::int64_t>(payload.size()), piece),
+            ok);
+    EXPECT_EQ(releaseUnit(unit), ok);
 }
 
 TEST_F(IoLayer, RecordsAsTheyStandInTheFile) {
@@ -61,14 +70,9 @@ TEST_F(IoLayer, RecordsAsTheyStandInTheFile) {
          "\xfe\xff\xff\xff"s + "ab\2\0\0\0\xfe\xff\xff\xff"s + "cd\xfe\xff\xff\xff\2\0\0\0"s +
              "ef\xfe\xff\xff\xff"s}};
     for (const auto& [given, bytes] : cases) {
-        const auto size = static_cast<std::int64_t>(given.first.size());
-        int unit = takeUnit();
-        ASSERT_EQ(openRecordsReplace(unit, "file"), ok);
-        EXPECT_EQ(writeRecord(unit, given.first.data(), size, given.second), ok);
-        EXPECT_EQ(releaseUnit(unit), ok);
+        writeRecords(given.first, given.second, 1);
         EXPECT_EQ(get("file"), bytes) << given.first;
-
-        ASSERT_EQ(openRecordsRead(unit = takeUnit(), "file"), ok);
+        const int unit = file_units::openRecordsRead("file");
         std::string back(given.first.size(), '?');
         EXPECT_EQ(beginRecord(unit), ok);
         for (char& c : back) EXPECT_EQ(readInRecord(unit, &c, 1), ok);
@@ -84,12 +88,8 @@ TEST_F(IoLayer, RecordsBeyondTheReadBuffer) {
     std::string large(200001, ' ');
     for (std::size_t i = 0; i < large.size(); ++i) large[i] = static_cast<char>(i * 7 + i / 256);
     for (const std::int64_t piece : {70000, 32768, 32760, 997}) {
-        int unit = takeUnit();
-        openRecordsReplace(unit, "file");
-        for (int i = 0; i < 3; ++i)
-            writeRecord(unit, large.data(), static_cast<std::int64_t>(large.size()), piece);
-        releaseUnit(unit);
-        openRecordsRead(unit = takeUnit(), "file");
+        writeRecords(large, piece, 3);
+        const int unit = file_units::openRecordsRead("file");
         for (const std::int64_t size : {200001, 40000, 12}) {
             std::string into(static_cast<std::size_t>(size), '?');
             ASSERT_EQ(readRecord(unit, into.data(), size), ok);
@@ -100,21 +100,16 @@ TEST_F(IoLayer, RecordsBeyondTheReadBuffer) {
     }
 }
 
-TEST_F(IoLayer, FileCutAtEveryLength) {
+TEST_F(IoLayer, RecordsThatAreCutOrLie) {
     const Bytes first = sample_files::record("abcde");
     const Bytes whole = first + pieces({{-3, "fgh"}, {-2, "ij"}, {1, "k"}});
     for (std::size_t length = 0; length <= whole.size(); ++length) {
         std::vector<int> expected{ok, ok, endOfFile};
-        if (length < whole.size()) expected = {ok, readFailed};
-        if (length == first.size()) expected = {ok, endOfFile};
-        if (length < first.size()) expected = {readFailed};
-        if (length == 0) expected = {endOfFile};
+        if (length < whole.size()) expected = {ok, length == first.size() ? endOfFile : readFailed};
+        if (length < first.size()) expected = {length == 0 ? endOfFile : readFailed};
         EXPECT_EQ(statuses(whole.substr(0, length), {5, 6, 1}), expected) << length;
     }
-}
-
-TEST_F(IoLayer, MarkersThatLie) {
-    const std::tuple<Bytes, std::int64_t, int> cases[] = {
+    const std::tuple<Bytes, std::int64_t, int> lies[] = {
         {sample_files::record("abcd"), 2, ok},
         {sample_files::record("abcd"), 0, ok},
         {sample_files::record("abcd"), 5, readFailed},
@@ -127,7 +122,7 @@ TEST_F(IoLayer, MarkersThatLie) {
         {pieces({{-2, "ab"}, {0, ""}}), 3, readFailed},
         {pieces({{-2, "ab"}}), 2, readFailed} // goes on, and then does not
     };
-    for (const auto& [file, asked, status] : cases)
+    for (const auto& [file, asked, status] : lies)
         EXPECT_EQ(statuses(file, {asked}), std::vector{status}) << testing::PrintToString(file);
 }
 
@@ -140,8 +135,7 @@ TEST_F(IoLayer, Lines) {
                                                 {longLine + "\n" + longLine, {longLine, longLine}}};
     for (const auto& [contents, expected] : cases) {
         put("file", contents);
-        const int unit = takeUnit();
-        ASSERT_EQ(openTextRead(unit, "file"), ok);
+        const int unit = file_units::openTextRead("file");
         for (int pass = 0; pass < 2; ++pass) {
             Texts lines;
             for (std::string line; readLine(unit, line) == ok;) lines.push_back(line);
@@ -157,8 +151,7 @@ TEST_F(IoLayer, WritesAroundTheSizeOfTheBuffer) {
     for (const std::size_t size : {0UL, 1UL, 32766UL, 32767UL, 32768UL, 32769UL, 100000UL}) {
         const std::string text(size, 'a');
         for (const Flush flushing : {Flush::everyLine, Flush::inBlocks}) {
-            const int unit = takeUnit();
-            ASSERT_EQ(openTextReplace(unit, "file", flushing), ok);
+            const int unit = file_units::openTextReplace("file", flushing);
             EXPECT_EQ(writeLine(unit, text), ok);
             EXPECT_TRUE(flushing == Flush::inBlocks || get("file") == text + "\n");
             EXPECT_EQ(writeText(unit, "b"), ok);
@@ -170,29 +163,30 @@ TEST_F(IoLayer, WritesAroundTheSizeOfTheBuffer) {
     }
 }
 
-int interrupted = 0; // every second call is
+bool interrupted() { // every second call is
+    static int calls = 0;
+    errno = EINTR;
+    return ++calls % 2 == 0;
+}
 
 TEST_F(IoLayer, InterruptedAndShortCalls) {
+    using system_calls::systemTable;
     system_calls::table.write = [](int descriptor, const void* from, std::size_t size) {
-        if (++interrupted % 2 == 0) return errno = EINTR, std::ptrdiff_t{-1};
-        return system_calls::systemTable().write(descriptor, from, std::min<std::size_t>(size, 5));
+        return interrupted()
+                   ? -1
+                   : systemTable().write(descriptor, from, std::min<std::size_t>(size, 5));
     };
     system_calls::table.read = [](int descriptor, void* into, std::size_t size) {
-        if (++interrupted % 2 == 0) return errno = EINTR, std::ptrdiff_t{-1};
-        return system_calls::systemTable().read(descriptor, into, std::min<std::size_t>(size, 3));
+        return interrupted() ? -1
+                             : systemTable().read(descriptor, into, std::min<std::size_t>(size, 3));
     };
     const std::string payload(999, 'p');
-    int unit = takeUnit();
-    openRecordsReplace(unit, "file");
-    EXPECT_EQ(writeRecord(unit, payload.data(), 999, 100), ok);
-    EXPECT_EQ(releaseUnit(unit), ok);
-    openRecordsRead(unit = takeUnit(), "file");
+    writeRecords(payload, 100, 1);
     std::string back(999, '?');
-    EXPECT_EQ(readRecord(unit, back.data(), 999), ok);
+    EXPECT_EQ(readRecord(file_units::openRecordsRead("file"), back.data(), 999), ok);
     EXPECT_EQ(back, payload);
     system_calls::table.write = [](int, const void*, std::size_t) { return std::ptrdiff_t{0}; };
-    openTextReplace(unit = takeUnit(), "third", Flush::everyLine);
-    EXPECT_EQ(writeLine(unit, "x"), writeFailed);
+    EXPECT_EQ(writeLine(file_units::openTextReplace("third", Flush::everyLine), "x"), writeFailed);
 }
 
 // Room on the disk is taken ahead for a large file only, and what is left of it given back; a disk
@@ -201,20 +195,15 @@ TEST_F(IoLayer, RoomTakenAhead) {
     static std::int64_t roomEnd, cutAt;
     static int answer;
     system_calls::table.reserve = [](int, std::int64_t position, std::int64_t size) {
-        roomEnd = position + size;
-        return answer;
+        return roomEnd = position + size, answer;
     };
-    system_calls::table.truncate = [](int, std::int64_t size) {
-        cutAt = size;
-        return 0;
-    };
+    system_calls::table.truncate = [](int, std::int64_t size) { return cutAt = size, 0; };
     const std::string block(1048576, 'x');
     for (const int refused : {0, -1})
         for (const int blocks : {2, 80}) {
             roomEnd = cutAt = 0;
             answer = refused;
-            const int unit = takeUnit();
-            openTextReplace(unit, "file", Flush::inBlocks);
+            const int unit = file_units::openTextReplace("file", Flush::inBlocks);
             for (int i = 0; i < blocks; ++i)
                 ASSERT_EQ(writeBlock(unit, block.data(), block.size()), ok);
             EXPECT_EQ(releaseUnit(unit), ok);
@@ -234,14 +223,15 @@ TEST_F(IoLayer, StatusOfAnOpen) {
         EXPECT_EQ(openTextReplace(takeUnit(), path, Flush::inBlocks),
                   path == "missing" ? ok : status);
     }
+    static int reason;
     system_calls::table.open = [](const char*, system_calls::OpenMode) {
-        return errno = EACCES, -1;
+        return errno = reason, -1;
     };
-    EXPECT_EQ(openTextRead(takeUnit(), "file"), permissionDenied);
-    system_calls::table.open = [](const char*, system_calls::OpenMode) {
-        return errno = EMFILE, -1;
-    };
-    EXPECT_EQ(openTextRead(takeUnit(), "file"), tooManyOpenFiles);
+    for (const auto& [error, status] :
+         std::map<int, int>{{EACCES, permissionDenied}, {EMFILE, tooManyOpenFiles}}) {
+        reason = error;
+        EXPECT_EQ(openTextRead(takeUnit(), "file"), status);
+    }
 }
 
 TEST_F(IoLayer, UnitsRunOut) {

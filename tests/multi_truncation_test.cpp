@@ -21,13 +21,6 @@ protected:
         create(olf, "olf", pm);
     }
 
-    static Integers kept(const std::vector<std::uint8_t>& mask) {
-        Integers numbers;
-        for (std::size_t i = 0; i < mask.size(); ++i)
-            if (mask[i]) numbers.push_back(static_cast<std::int32_t>(i + 1));
-        return numbers;
-    }
-
     Domain pm, olf;
 };
 
@@ -59,7 +52,7 @@ TEST_F(MultiTruncation, KeepsElementsByTheirCentroids) {
             mesh_shaping::multiTruncate(*domain, pm);
             SCOPED_TRACE(domain->name + " case " + std::to_string(&c - cases));
             const Integers& elements = domain == &pm ? c.pmElements : c.olfElements;
-            EXPECT_EQ(kept(domain->elementIncluded), elements);
+            EXPECT_EQ(runs::numbersOf(domain->elementIncluded), elements);
             EXPECT_EQ(domain->neTruncated, static_cast<std::int32_t>(elements.size()));
             EXPECT_EQ(domain->truncateEnabled, c.byBounds || c.byLayer);
 
@@ -84,8 +77,9 @@ TEST_F(MultiTruncation, FullMeshOfUnusedSlotsAndMissingNodes) {
     olf.elementNodes = {13, 14, 17, 0, 14, 15, 18, 17};
     olf.linkFromPm[17] = 0;
     mesh_shaping::multiTruncate(olf, pm);
-    EXPECT_THAT(kept(olf.elementIncluded), ElementsAre(1));
-    EXPECT_THAT(kept(olf.nodeIncluded), ElementsAre(1, 2, 3, 5)); // also those of the lost element
+    EXPECT_THAT(runs::numbersOf(olf.elementIncluded), ElementsAre(1));
+    EXPECT_THAT(runs::numbersOf(olf.nodeIncluded),
+                ElementsAre(1, 2, 3, 5)); // also those of the lost element
     EXPECT_EQ(olf.nnTruncated, 4);
 
     // All elements of pm stay, but a node that none of them has does not.
@@ -119,10 +113,10 @@ TEST_F(MultiTruncation, CentroidsOfPartlyUsedElements) {
     olf.truncateEnabled = true;
     olf.truncateBounds = {2.0 / 3, 2.0 / 3, 1.0 / 3, 1.0 / 3, 3, 3};
     mesh_shaping::multiTruncate(olf, pm);
-    EXPECT_THAT(kept(olf.elementIncluded), ElementsAre(1));
+    EXPECT_THAT(runs::numbersOf(olf.elementIncluded), ElementsAre(1));
     olf.truncateBounds = {-1e20, 1e20, -1e20, 1e20, -1e20, 1e20};
     mesh_shaping::multiTruncate(olf, pm);
-    EXPECT_THAT(kept(olf.elementIncluded), ElementsAre(1));
+    EXPECT_THAT(runs::numbersOf(olf.elementIncluded), ElementsAre(1));
 }
 
 } // namespace

@@ -1,7 +1,6 @@
 #include "meshrake/plot_data/array_writing.hpp"
 #include "meshrake/plot_data/connectivity.hpp"
 #include "meshrake/plot_data/data_set.hpp"
-#include "meshrake/plot_data/unit_labels.hpp"
 #include "meshrake/plot_data/zone.hpp"
 
 #include "meshrake/model/run_state.hpp"
@@ -22,50 +21,22 @@ using sample_files::Integers;
 
 class PlotData : public runs::PartOfRun {
 protected:
-    PlotData() {
-        domain.tecplotUnit = file_units::getUnit();
-        EXPECT_EQ(io_layer::openTextReplace(domain.tecplotUnit, "plot", io_layer::Flush::inBlocks),
-                  io_layer::ok);
+    PlotData() { openPlot(); }
+
+    void openPlot() {
+        domain.tecplotUnit = file_units::openTextReplace("plot", io_layer::Flush::inBlocks);
     }
 
     // What has been written since the last call.
     std::string take() {
-        io_layer::flush(domain.tecplotUnit);
-        const std::string text = sample_files::get("plot").substr(taken);
-        taken += text.size();
+        file_units::freeUnit(domain.tecplotUnit);
+        const std::string text = sample_files::get("plot");
+        openPlot();
         return text;
     }
 
     Domain domain;
-
-private:
-    std::size_t taken = 0;
 };
-
-TEST_F(PlotData, ZoneLines) {
-    domain.nnTruncated = 25;
-    domain.neTruncated = 16;
-    domain.zoneType = "FEBRICK";
-    const std::string counts = ", DATAPACKING=BLOCK, NODES=25, ELEMENTS=16, ZONETYPE=";
-    const auto lists = [](bool withLists) {
-        for (const int v : {4, 12}) withLists ? tecplotVarLocCCAdd(v) : void();
-        for (const int v : {1, 2, 3}) withLists ? tecplotVarShareAdd(v) : void();
-    };
-    lists(true);
-    tecplotWriteZoneFE("pm  ", "  1.50  ", 0, domain);
-    EXPECT_EQ(take(), "ZONE T=\"pm\", SOLUTIONTIME=1.50" + counts +
-                          "FEBRICK, VARLOCATION=([4,12]=CELLCENTERED)\n");
-    domain.dataSet.varTypeList = "DOUBLE,LONGINT";
-    lists(true);
-    tecplotWriteZoneFE("pm", "", 1, domain);
-    EXPECT_EQ(take(), "ZONE T=\"pm\"" + counts +
-                          "FEBRICK, VARLOCATION=([4,12]=CELLCENTERED), VARSHARELIST=([1,2,3]), "
-                          "CONNECTIVITYSHAREZONE=1\nDT=(DOUBLE,LONGINT)\n");
-    domain.zoneType = "";
-    tecplotWriteZoneFE("olf", "2", 0, domain);
-    EXPECT_EQ(take(), "ZONE T=\"olf\", SOLUTIONTIME=2" + counts + "\nDT=(DOUBLE,LONGINT)\n");
-    EXPECT_EQ(domain.dataSet.zoneNumber, 3);
-}
 
 TEST_F(PlotData, ListsAndZoneLinesAreCutAt512) {
     std::string list;
@@ -89,111 +60,59 @@ TEST_F(PlotData, ListsAndZoneLinesAreCutAt512) {
     EXPECT_EQ(take(), "ZONE T=\"" + title + "\"" + front + ",,\n");
 }
 
-TEST_F(PlotData, Declarations) {
-    tecplotInit(domain);
-    EXPECT_EQ(tecplotVarAdd("X", domain), 1);
-    tecplotDataType(DataType::real8, domain);
-    tecplotVarUnitsAdd("X", 1, "L * T^-1", domain);
-    EXPECT_EQ(tecplotVarAdd("Newton Residual ", domain), 2);
-    tecplotDataType(static_cast<DataType>(9), domain);
-    tecplotVarUnitsAdd("Newton Residual", 2, "", domain);
-    EXPECT_EQ(tecplotVarAdd("Zone", domain), 3);
-    tecplotDataType(DataType::longInt, domain);
-    tecplotVarUnitsAdd("Zone", 3, "1", domain);
-    EXPECT_EQ(takeScreen(), "   1     X\n   2     Newton Residual\n   3     Zone\n");
-    EXPECT_EQ(takeEcho(), "   1     X\n   2     Newton Residual\n   3     Zone\n");
-    EXPECT_EQ(domain.dataSet.varTypeList, "DOUBLE,SINGLE,LONGINT");
-
-    tecplotFileClose(domain); // nothing was opened: not a word
-    EXPECT_EQ(takeScreen(), "");
-    tecplotFileOpen("to.pm", "Title  ", domain);
-    tecplotVarUnitsWrite(domain);
-    tecplotFileClose(domain);
-    tecplotFileClose(domain);
-    EXPECT_EQ(takeScreen(), "Closing tecplot file: to.pm\n");
-    EXPECT_EQ(takeEcho(), "Closing tecplot file: to.pm\n");
-    EXPECT_EQ(
-        sample_files::getDated("to.pm.dat"),
-        "TITLE = \"Title\"\nVARIABLES = \"X\",\"Newton Residual\",\"Zone\"\n"
-        "DATASETAUXDATA Source=\"Terravane, Halvorne Inc.\"\nDATASETAUXDATA TVN_Version=\"2918\"\n"
-        "DATASETAUXDATA Date_Created=\"\"\nDATASETAUXDATA Model_Prefix=\"t\"\nDATASETAUXDATA "
-        "Mass_Base_Unit=\"kg\"\n"
-        "DATASETAUXDATA Length_Base_Unit=\"m\"\nDATASETAUXDATA Time_Base_Unit=\"s\"\n"
-        "DATASETAUXDATA Temperature_Base_Unit=\"deg C\"\n"
-        "# X units: (m s^-1)\n# Zone units: (-)\nVARAUXDATA 1 Units=\"(m s^-1)\"\nVARAUXDATA 3 "
-        "Units=\"(-)\"\n");
-}
-
-// Text of values in rows of five, as the formats of the C library give it.
-std::string rowsOf(const Integers& values) {
+// Rows of five fields, for the values that are kept.
+std::string rowsOf(const std::array<std::string, 3>& fields,
+                   const std::vector<std::uint8_t>& kept) {
     std::string text;
-    char field[16];
-    for (std::size_t i = 0; i < values.size(); ++i) {
-        std::snprintf(field, sizeof field, " %10d", values[i]);
-        text += field;
-        if (i % 5 == 4 || i + 1 == values.size()) text += '\n';
-    }
-    return text;
+    int n = 0;
+    for (std::size_t i = 0; i < kept.size(); ++i)
+        if (kept[i]) text += fields[i % 3] + (++n % 5 == 0 ? "\n" : "");
+    return n % 5 == 0 ? text : text + '\n';
 }
 
-// Small and large counts, and counts around a block of 1048576 bytes: 18724 rows of 56.
-TEST_F(PlotData, IntegerArraysWholeAndPacked) {
-    for (const std::size_t count : std::initializer_list<std::size_t>{
-             0, 1, 4, 5, 6, 24, 5000, 5001, 93614, 93615, 93616, 93620, 93625, 187300}) {
-        Integers values, kept;
-        std::vector<std::uint8_t> some, none(count), all(count, 1);
-        for (std::size_t i = 0; i < count; ++i) {
-            values.push_back(static_cast<std::int32_t>(i * 37) - 1000);
-            some.push_back(i % 3 != 1);
-            if (some.back()) kept.push_back(values.back());
-        }
-        const auto text = [&](const Packing& packing) {
-            tecplotWriteArrayInt4(1, static_cast<std::int64_t>(count), values.data(), packing,
-                                  "label ", domain);
-            return take();
-        };
-        EXPECT_TRUE(text({}) == "# label\n" + rowsOf(values)) << count;
-        EXPECT_TRUE(text({true, all.data()}) == "# label\n" + rowsOf(values)) << count;
-        EXPECT_TRUE(text({true, some.data()}) == "# label\n" + rowsOf(kept)) << count;
-        EXPECT_EQ(text({true, none.data()}), "# label\n");
-        EXPECT_TRUE(text({false, none.data()}) == "# label\n" + rowsOf(values)) << count;
-    }
-    // A comment that leaves one byte less than a row at the end of the block, or none.
-    const Integers values(100000, -1);
-    for (const std::size_t length : std::initializer_list<std::size_t>{29, 30, 31}) {
-        const std::string label(length, 'x');
-        tecplotWriteArrayInt4(1, 100000, values.data(), {}, label, domain);
-        EXPECT_TRUE(take() == "# " + label + "\n" + rowsOf(values)) << length;
-    }
-}
-
-// The same of reals: 8004 rows of 131 bytes to a block.
-TEST_F(PlotData, RealArraysWholeAndPacked) {
-    const std::string fields[] = {"  0.50000000000000000     ", "  -4.0000000000000000     ",
-                                  "  0.15625000000000000E-001"};
+// Few values, and counts around blocks of 1048576 bytes: 18724 rows of 56, 8004 rows of 131.
+TEST_F(PlotData, ArraysWholeAndPacked) {
+    const std::array<std::string, 3> realFields{
+        "  0.50000000000000000     ", "  -4.0000000000000000     ", "  0.15625000000000000E-001"};
+    const std::array<std::string, 3> intFields{"          7", "         -4", " 2147483647"};
     for (const std::size_t count :
-         std::initializer_list<std::size_t>{0, 3, 5, 7, 40014, 40019, 40020, 40021, 40025, 80041}) {
+         std::initializer_list<std::size_t>{0, 1, 4, 5, 6, 5001, 40014, 40019, 40020, 40021, 40025,
+                                            60027, 80041, 93615, 93620, 93625, 140430}) {
         std::vector<double> real8;
         std::vector<float> real4;
-        std::vector<std::uint8_t> mask;
-        std::string whole = "# v\n", packed = whole;
-        for (std::size_t i = 0, n = 0; i < count; ++i) {
-            const double value = i % 3 == 0 ? 0.5 : i % 3 == 1 ? -4 : 0.015625;
-            real8.push_back(value);
-            real4.push_back(static_cast<float>(value));
-            mask.push_back(i % 3 != 2);
-            whole += fields[i % 3] + (i % 5 == 4 || i + 1 == count ? "\n" : "");
-            if (!mask.back()) continue;
-            const bool last = i + 1 == count || (i + 2 == count && (i + 1) % 3 == 2);
-            packed += fields[i % 3] + (n++ % 5 == 4 || last ? "\n" : "");
+        Integers int4;
+        std::vector<std::uint8_t> all(count, 1), none(count), some;
+        for (std::size_t i = 0; i < count; ++i) {
+            real8.push_back(i % 3 == 0 ? 0.5 : i % 3 == 1 ? -4 : 0.015625);
+            real4.push_back(static_cast<float>(real8.back()));
+            int4.push_back(i % 3 == 0 ? 7 : i % 3 == 1 ? -4 : 2147483647);
+            some.push_back(i % 3 != 1);
         }
         const auto n = static_cast<std::int64_t>(count);
-        tecplotWriteArrayReal8(1, n, real8.data(), {}, "v", domain);
-        EXPECT_TRUE(take() == whole) << count;
-        tecplotWriteArrayReal8(1, n, real8.data(), {true, mask.data()}, "v", domain);
-        EXPECT_TRUE(take() == packed) << count;
-        tecplotWriteArrayReal4(1, n, real4.data(), {true, mask.data()}, "v", domain);
-        EXPECT_EQ(take().size(), packed.size()) << count;
+        const std::pair<Packing, const std::vector<std::uint8_t>*> packings[] = {
+            {{}, &all},
+            {{false, none.data()}, &all},
+            {{true, all.data()}, &all},
+            {{true, some.data()}, &some},
+            {{true, none.data()}, &none}};
+        for (const auto& [packing, kept] : packings) {
+            SCOPED_TRACE(std::to_string(count));
+            const std::string reals = "# v\n" + rowsOf(realFields, *kept);
+            tecplotWriteArrayReal8(1, n, real8.data(), packing, "v ", domain);
+            EXPECT_TRUE(take() == reals);
+            tecplotWriteArrayReal4(1, n, real4.data(), packing, "v", domain);
+            EXPECT_TRUE(take() == reals);
+            tecplotWriteArrayInt4(1, n, int4.data(), packing, "v", domain);
+            EXPECT_TRUE(take() == "# v\n" + rowsOf(intFields, *kept));
+        }
+    }
+    // A comment that leaves one byte less than a row at the end of the block, or none.
+    const std::vector<std::uint8_t> all(100000, 1);
+    for (const std::size_t length : std::initializer_list<std::size_t>{29, 30, 31}) {
+        const std::string label(length, 'x');
+        tecplotWriteArrayInt4(1, 100000, Integers(100000, 7).data(), {}, label, domain);
+        EXPECT_TRUE(take() ==
+                    "# " + label + "\n" + rowsOf({intFields[0], intFields[0], intFields[0]}, all));
     }
     const float tenth = 0.1F;
     tecplotWriteArrayReal4(1, 1, &tenth, {}, "v", domain);
@@ -238,12 +157,11 @@ TEST_F(PlotData, ConnectivityPatterns) {
         domain.elementNodes = c.slots;
         domain.elementCount =
             static_cast<std::int32_t>(c.slots.size()) / std::max(c.nodesPerElement, 1);
-        domain.elementIncluded.assign(static_cast<std::size_t>(domain.elementCount), 1);
-        tecplotWriteConnectivity(domain);
-        EXPECT_EQ(take(), connectivity(c.rows)) << c.nodesPerElement;
-        domain.elementIncluded.assign(domain.elementIncluded.size(), 0);
-        tecplotWriteConnectivity(domain);
-        EXPECT_EQ(take(), "# element node lists\n");
+        for (const bool included : {true, false}) {
+            domain.elementIncluded.assign(static_cast<std::size_t>(domain.elementCount), included);
+            tecplotWriteConnectivity(domain);
+            EXPECT_EQ(take(), connectivity(included ? c.rows : std::vector<Integers>{}));
+        }
     }
 }
 
@@ -280,10 +198,13 @@ TEST_F(PlotData, QuadrilateralsByTheirOwnLinksAndWalls) {
     domain.elementCount = 6;
     domain.elementIncluded.assign(6, 1);
     domain.nodeIncluded.assign(8, 1);
+    const auto expectRows = [&](const std::vector<Integers>& rows) {
+        tecplotWriteConnectivity(domain);
+        EXPECT_EQ(take(), connectivity(rows));
+    };
     const std::vector<Integers> plain = {{1, 2, 5, 4}, {2, 3, 6, 5}, {2, 3, 6, 5},
                                          {1, 2, 5, 5}, {2, 0, 0, 0}, {2, 3, 6, 5}};
-    tecplotWriteConnectivity(domain);
-    EXPECT_EQ(take(), connectivity(plain));
+    expectRows(plain);
 
     run.wallsPresent = true;
     run.wallLayers = 2;
@@ -291,32 +212,25 @@ TEST_F(PlotData, QuadrilateralsByTheirOwnLinksAndWalls) {
     run.wallNodeTable = {101,  107, 103, 104, 108, 106, 107, 108, 101, 102, 103, 104,
                          none, 106, 107, 108, 108, 108, 108, 108, 108, 108, 108, 108};
     run.wallElementLayer = {0, 1, 2, 1, 1, 3};
-    const std::vector<Integers> exchanged = {{1, 2, 5, 4}, {7, 3, 6, 8}, {2, 3, 6, 5},
-                                             {1, 2, 5, 5}, {7, 0, 0, 0}, {2, 3, 6, 5}};
-    tecplotWriteConnectivity(domain);
-    EXPECT_EQ(take(), connectivity(exchanged));
+    expectRows(
+        {{1, 2, 5, 4}, {7, 3, 6, 8}, {2, 3, 6, 5}, {1, 2, 5, 5}, {7, 0, 0, 0}, {2, 3, 6, 5}});
 
     // Truncated: node 1 is not written, nor is 8. All others move up; what 8 stood for stays.
     domain.truncateEnabled = true;
     domain.nodeIncluded = {0, 1, 1, 1, 1, 1, 1, 0};
     domain.nodeRenumber = {0, 1, 2, 3, 4, 5, 0, 0};
-    tecplotWriteConnectivity(domain);
-    EXPECT_EQ(
-        take(),
-        connectivity(
-            {{0, 1, 4, 3}, {6, 2, 5, 4}, {1, 2, 5, 4}, {0, 1, 4, 4}, {6, 0, 0, 0}, {1, 2, 5, 4}}));
+    expectRows(
+        {{0, 1, 4, 3}, {6, 2, 5, 4}, {1, 2, 5, 4}, {0, 1, 4, 4}, {6, 0, 0, 0}, {1, 2, 5, 4}});
 
     // Walls are the surface's own; a domain that shares the nodes of pm has no links to go by.
     domain.truncateEnabled = false;
     domain.nodeRenumber = {1, 2, 3, 4, 5, 6, 0, 0};
     domain.tag = model::tags::frac;
-    tecplotWriteConnectivity(domain);
-    EXPECT_EQ(take(), connectivity(plain));
+    expectRows(plain);
     domain.couplingScheme = 0;
     domain.nodeRenumber = {21, 22, 23, 24, 25, 26, 27, 28};
     domain.elementIncluded = {1, 0, 0, 0, 1, 0};
-    tecplotWriteConnectivity(domain);
-    EXPECT_EQ(take(), connectivity({{21, 22, 25, 24}, {22, 27, 28, 0}}));
+    expectRows({{21, 22, 25, 24}, {22, 27, 28, 0}});
 }
 
 } // namespace

@@ -32,6 +32,22 @@ Ran runProgram(const std::string& arguments = "", const std::string& input = "",
 void expectEnd(const std::string& kind, const std::string& message,
                const std::function<void()>& call);
 
+// Expects status 1 and all of these words on the standard error stream.
+void expectFailure(const Ran& ran, const std::vector<std::string>& words);
+
+// Numbers from 1 of the entries that are set.
+sample_files::Integers numbersOf(const std::vector<std::uint8_t>& mask);
+
+// For tests of whole runs inside this process: a folder, and the problem that a run finds there.
+class ProblemRun : public testing::Test {
+protected:
+    // A run over the problem, which takes up the control text; an empty one leaves it as it is.
+    Ran run(const std::string& control = "", const std::vector<std::string>& arguments = {});
+
+    sample_files::Folder folder;
+    sample_files::Problem problem;
+};
+
 // For tests of parts of a run: an empty folder, the prefix "t", an open echo file "echo". What goes
 // to the screen is kept.
 class PartOfRun : public testing::Test {

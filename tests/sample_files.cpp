@@ -36,24 +36,6 @@ std::vector<Integers> cellsOf(const Grid& g, std::int32_t first) {
     return cells;
 }
 
-Reals coordinatesOf(const Grid& g) {
-    Reals xyz;
-    for (int sheet = 0, z = 0; sheet <= g.layers; z += ++sheet)
-        for (int j = 0; j <= g.ny; ++j)
-            for (int i = 0; i <= g.nx; ++i)
-                for (const int value : {i, j, z}) xyz.push_back(value);
-    return xyz;
-}
-
-Integers bricksOf(const Grid& g) {
-    Integers slots;
-    for (int layer = 0; layer < g.layers; ++layer)
-        for (const Integers& lower : cellsOf(g, 1 + layer * nodesOf(g)))
-            for (const int up : {0, nodesOf(g)})
-                for (const std::int32_t node : lower) slots.push_back(node + up);
-    return slots;
-}
-
 } // namespace
 
 Bytes record(std::string_view payload) {
@@ -116,18 +98,29 @@ void addSheetDomain(Problem& problem, const Grid& g, const std::string& tag, int
 
 Problem brickProblem(const Grid& g) {
     const std::int32_t sheetNodes = nodesOf(g), cells = g.nx * g.ny;
-    const std::int32_t nodes = sheetNodes * (g.layers + 1);
+    const std::int32_t nodes = sheetNodes * (g.layers + 1), bricks = cells * g.layers;
+    Reals xyz;
+    for (int node = 0, sheet = 0, z = 0; node < nodes; ++node) {
+        if (node / sheetNodes > sheet) z += ++sheet;
+        for (const int value : {node % (g.nx + 1), node % sheetNodes / (g.nx + 1), z})
+            xyz.push_back(value);
+    }
+    Integers slots, zones;
+    for (int layer = 0; layer < g.layers; ++layer)
+        for (const Integers& lower : cellsOf(g, 1 + layer * sheetNodes)) {
+            for (const int up : {0, sheetNodes})
+                for (const std::int32_t node : lower) slots.push_back(node + up);
+            zones.push_back(layer + 1);
+        }
     Problem problem;
     problem["batch.pfx"] = "t\n";
     problem["t.skiv"] = "";
     problem["to.gen"] = textRecord("2918", 80) + integerRecord({1}) +
                         textRecord("Stack of bricks", 60) + integerRecord({0});
     problem["to.coordinates_pm"] =
-        integerRecord({nodes}) + realRecord(coordinatesOf(g)) + integerRecord({0, 0, g.layers + 1});
-    Integers zones;
-    for (std::int32_t e = 0; e < cells * g.layers; ++e) zones.push_back(e / cells + 1);
-    problem["to.elements_pm"] = integerRecord({8}) + integerRecord({cells * g.layers}) +
-                                integerRecord(bricksOf(g)) + integerRecord(zones);
+        integerRecord({nodes}) + realRecord(xyz) + integerRecord({0, 0, g.layers + 1});
+    problem["to.elements_pm"] =
+        integerRecord({8}) + integerRecord({bricks}) + integerRecord(slots) + integerRecord(zones);
     addSheetDomain(problem, g, "olf", nodes, integerRecord({0}),
                    integerRecord(Integers(static_cast<std::size_t>(cells))) + integerRecord({0}));
     const double ground = g.layers * (g.layers + 1) / 2.0;

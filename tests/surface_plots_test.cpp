@@ -7,7 +7,6 @@ namespace {
 using namespace sample_files;
 using data_set::DataSet;
 using model::Domain;
-using runs::Ran;
 using testing::HasSubstr;
 using testing::Not;
 
@@ -24,16 +23,12 @@ Reals numbers(const std::vector<std::string>& texts) {
 }
 
 // Two columns of bricks in three layers, which are 1, 2 and 3 high; each layer is a zone.
-class SurfacePlots : public testing::Test {
+class SurfacePlots : public runs::ProblemRun {
 protected:
-    Ran run(const std::string& control) {
-        problem["t.plot.control"] = "end\n" + control;
-        write(problem);
-        return runs::runHere();
-    }
+    SurfacePlots() { problem = brickProblem({2, 1, 3, 1}); }
+
     DataSet plot(const std::string& control, const std::string& file) {
-        const Ran ran = run(control);
-        EXPECT_EQ(ran.status, 0) << ran.errors;
+        EXPECT_EQ(run("end\n" + control).status, 0);
         DataSet set = data_set::parse(get(file));
         EXPECT_EQ(set.fault, "");
         return set;
@@ -42,12 +37,9 @@ protected:
         return plot(control + isopachs, "to.pm_Isopach.dat");
     }
     void setZones(const Integers& zones) {
-        Bytes& file = problem["to.elements_pm"];
-        for (std::size_t e = 0; e < zones.size(); ++e) patch(file, 3, int(e), zones[e]);
+        for (std::size_t e = 0; e < zones.size(); ++e)
+            patch(problem["to.elements_pm"], 3, int(e), zones[e]);
     }
-
-    Folder folder;
-    Problem problem = brickProblem({2, 1, 3, 1});
 };
 
 TEST_F(SurfacePlots, GiveEachZoneItsThicknessAndTop) {
@@ -99,8 +91,7 @@ TEST_F(SurfacePlots, GoByTheTruncationOfTheRun) {
     EXPECT_EQ(echo.find("Medium: olf"), echo.rfind("Medium: olf"));
 
     // What the run did not write is truncated now, and says so first.
-    const Ran ran = run(isopachs + depths);
-    EXPECT_EQ(ran.status, 0) << ran.errors;
+    const runs::Ran ran = run("end\n" + isopachs + depths);
     const std::string report = "Full mesh (no truncation)\nNodes:    6\nElements: 2\n \n" + rule +
                                "\npm isopach plot\nCreating Tecplot file to.pm_Isopach.dat\n";
     EXPECT_THAT(ran.screen, HasSubstr(report));
@@ -140,9 +131,8 @@ TEST_F(SurfacePlots, ShowDepthsBelowTheTopOfTheColumn) {
 TEST_F(SurfacePlots, EndBeforeTheyBeginWhereTheMeshDoesNotFit) {
     const Problem good = problem;
     const auto expectEnd = [&](const std::string& wish, const std::string& words) {
-        const Ran ran = run(writePm + writeOlf + wish);
-        EXPECT_EQ(ran.status, 1);
-        EXPECT_THAT(ran.errors, HasSubstr(words));
+        const runs::Ran ran = run("end\n" + writePm + writeOlf + wish);
+        runs::expectFailure(ran, {words});
         EXPECT_THAT(ran.screen, Not(HasSubstr("Creating Tecplot file")));
         problem = good;
     };
