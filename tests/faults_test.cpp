@@ -135,9 +135,7 @@ protected:
     FullDisk() { write(twoTimes()); }
 
     static void expectFailure(const Ran& ran, const std::string& words) {
-        EXPECT_EQ(ran.status, 1) << words;
-        EXPECT_THAT(ran.errors, HasSubstr("HALTING EXECUTION ***\n"));
-        EXPECT_THAT(ran.errors, HasSubstr(words));
+        runs::expectFailure(ran, {"HALTING EXECUTION ***\n", words});
     }
 
     Folder folder;

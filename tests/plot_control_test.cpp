@@ -26,30 +26,23 @@ protected:
         sample_files::Problem problem = sample_files::brickProblem(grid);
         sample_files::addSheetDomain(problem, grid, "chan", 12, "", "");
         sample_files::write(problem);
-        create(pm, "pm", pm);
-        create(olf, "olf", pm);
-        create(chan, "chan", pm);
-        create(well, "well", pm);
-        create(addition, "addition", pm);
+        const char* const tags[] = {"pm", "olf", "chan", "well", "addition"};
+        for (std::size_t d = 0; d < domains.size(); ++d) create(domains[d], tags[d], pm);
         takeScreen();
         takeEcho();
     }
 
-    std::vector<Domain*> all() { return {&pm, &olf, &chan, &well, &addition}; }
-
     // Reads a control text as a run does, from its copy without comments.
     void read(const std::string& text) {
         sample_files::put("control", text);
-        const int control = file_units::getUnit(), scratch = file_units::getUnit();
-        io_layer::openTextRead(control, "control");
-        io_layer::openTextReplace(scratch, "scratch", io_layer::Flush::inBlocks);
+        const int control = file_units::openTextRead("control");
+        const int scratch = file_units::openTextReplace("scratch", io_layer::Flush::inBlocks);
         plot_control::strip_comments(control, scratch);
         file_units::freeUnit(control);
         file_units::freeUnit(scratch);
-        run.controlUnit = file_units::getUnit();
-        io_layer::openTextRead(run.controlUnit, "scratch");
+        run.controlUnit = file_units::openTextRead("scratch");
         plot_control::readPlotControlInit();
-        for (Domain* domain : all()) plot_control::readPlotControl(*domain);
+        for (Domain& domain : domains) plot_control::readPlotControl(domain);
         file_units::freeUnit(run.controlUnit);
     }
 
@@ -60,15 +53,15 @@ protected:
         return labels;
     }
 
-    Domain pm, olf, chan, well, addition;
+    std::array<Domain, 5> domains;
+    Domain &pm = domains[0], &olf = domains[1], &chan = domains[2], &well = domains[3];
 };
 
 TEST_F(PlotControl, TemplateOffersWhatFitsTheProblem) {
     const auto written = [&] {
-        run.controlUnit = file_units::getUnit();
-        io_layer::openTextReplace(run.controlUnit, "template", io_layer::Flush::inBlocks);
+        run.controlUnit = file_units::openTextReplace("template", io_layer::Flush::inBlocks);
         plot_control::writePlotControlInit();
-        for (const Domain* domain : all()) plot_control::writePlotControl(*domain);
+        for (const Domain& domain : domains) plot_control::writePlotControl(domain);
         plot_control::writePlotControlEnd();
         file_units::freeUnit(run.controlUnit);
         return sample_files::get("template");
@@ -128,15 +121,16 @@ TEST_F(PlotControl, ValuesOfAllInstructions) {
          "write pm domain file\ntruncate pm domain by layer\n1 2\n3 4\n2 3\ncompare heads 3d "
          "domain\n7 8\n9 10\n11 12\n"
          "compare gw table elevation\ncompare depth to gw table\nno pm heads\n");
-    EXPECT_TRUE(run.tecplotBinary && run.tecplotAppend && run.truncateTime && run.timeConversion &&
-                run.plotIsopach && run.interpolateDepthToTable);
-    EXPECT_EQ(std::tuple(run.tecplotFlushInterval, run.suffixDigits, run.suffixLength),
-              std::tuple(7, 10, 11));
-    EXPECT_EQ(
-        std::tuple(run.timeWindowMin, run.timeWindowMax, run.timeUnitOffset, run.timeUnitFactor),
-        std::tuple(-1.5, 2500.0, 10.0, 2.0));
-    EXPECT_TRUE(run.compareHeads && run.compareWaterTable && run.compareDepthToTable &&
-                run.compareSurfaceDepth);
+    for (const bool wish :
+         {run.tecplotBinary, run.tecplotAppend, run.truncateTime, run.timeConversion,
+          run.plotIsopach, run.interpolateDepthToTable, run.compareHeads, run.compareWaterTable,
+          run.compareDepthToTable, run.compareSurfaceDepth})
+        EXPECT_TRUE(wish);
+    EXPECT_THAT((std::array{run.tecplotFlushInterval, run.suffixDigits, run.suffixLength}),
+                ElementsAre(7, 10, 11));
+    EXPECT_THAT(
+        (std::array{run.timeWindowMin, run.timeWindowMax, run.timeUnitOffset, run.timeUnitFactor}),
+        ElementsAre(-1.5, 2500.0, 10.0, 2.0));
     EXPECT_THAT(run.compareWindow, ElementsAre(1, 2, 3, 4, 5, 6)); // one for both; olf comes last
     EXPECT_THAT(chan.truncateBounds, ElementsAre(1, 2, 3, 4, 5, 6));
     EXPECT_THAT(pm.truncateBounds, ElementsAre(1, 2, 3, 4, -1e20, 1e20));
@@ -151,31 +145,28 @@ TEST_F(PlotControl, ValuesOfAllInstructions) {
 TEST_F(PlotControl, SectionsAndFilters) {
     sample_files::put("more", "! comment\n  no pm heads\ninclude more\n\nendless");
     struct Case {
-        std::string text;
-        bool pmWritten, olfWritten, append;
-        std::string unrecognized;
+        std::string text, written, unrecognized;
     };
     const Case cases[] = {
-        {"end\nwrite olf domain file\nend\nwrite pm domain file\nend\n", true, true, false, ""},
-        {"end\nwrite pm domain file ! why\nwrite olf domain file", false, true, false, ""},
-        {"tecplot binary append\nwrite pm domain file\nend\n", false, false, false,
-         "write pm domain file"},
-        {"tecplot binary append\nEndless\nwrite pm domain file\n", true, false, false, ""},
-        {"end\nwrite pm domain file\nwrite olf domain file\nend\n", true, true, false,
+        {"end\nwrite olf domain file\nend\nwrite pm domain file\nend\n", "pm olf ", ""},
+        {"end\nwrite pm domain file ! why\nwrite olf domain file", "olf ", ""},
+        {"tecplot binary append\nwrite pm domain file\nend\n", "", "write pm domain file"},
+        {"tecplot binary append\nEndless\nwrite pm domain file\n", "pm ", ""},
+        {"end\nwrite pm domain file\nwrite olf domain file\nend\n", "pm olf ",
          "write olf domain file"},
-        {"end\nwrite well domain file\nno well heads\nno\nend\n", false, false, false, ""},
-        {"  ! x\n\n \nend\r\nwrite pm domain file\r\n", true, false, false, ""},
-        {"end\nwrite pm domain file\ninclude   more\nnonsense", true, false, false, "include more"},
-        {std::string(254, ' ') + "end of a line that is cut\nwrite pm domain file\n", false, false,
-         false, "en"},
-        {"", false, false, false, ""}};
+        {"end\nwrite well domain file\nno well heads\nno\nend\n", "", ""},
+        {"  ! x\n\n \nend\r\nwrite pm domain file\r\n", "pm ", ""},
+        {"end\nwrite pm domain file\ninclude   more\nnonsense", "pm ", "include more"},
+        {std::string(254, ' ') + "end of a line that is cut\nwrite pm domain file\n", "", "en"},
+        {"", "", ""}};
     for (const Case& c : cases) {
-        run.tecplotAppend = false;
+        SCOPED_TRACE(c.text);
         takeScreen();
         read(c.text);
-        EXPECT_EQ(std::tuple(pm.writeDomain.enabled, olf.writeDomain.enabled, run.tecplotAppend),
-                  std::tuple(c.pmWritten, c.olfWritten, c.append))
-            << c.text;
+        std::string written = run.tecplotAppend ? "append " : "";
+        for (const Domain& domain : domains)
+            if (domain.writeDomain.enabled) written += domain.name + " ";
+        EXPECT_EQ(written, c.written);
         const std::string notice = "Plot control - Unrecognized line\n" + c.unrecognized + "\n\n";
         EXPECT_THAT(takeScreen(), testing::StartsWith(c.unrecognized.empty() ? "" : notice));
     }
@@ -187,25 +178,24 @@ TEST_F(PlotControl, ValuesThatEndTheRun) {
     const std::string bounds = "Output file suffix length must be between 4 and 10\n";
     const std::string unreadable = "Error reading output file suffix length\nError detail: ";
     const std::string file = "Error reading t.plot.control file\nError detail: ";
+    const std::string badData = file + "Invalid data format";
     const std::array<std::string, 3> cases[] = {
         {digits + "3", "INPUT", bounds},
         {digits + "11", "INPUT", bounds},
         {digits + "4.0", "INPUT",
          unreadable + "Invalid data format during list-directed input\nError number: 59\n"},
         {digits, "INPUT", unreadable + "End-of-file encountered on read\nError number: -1\n"},
-        {"truncate time domain\n1 x\nend\n", "INPUT", file + "Invalid data format"},
+        {"truncate time domain\n1 x\nend\n", "INPUT", badData},
         {"end\nwrite pm domain file\ntruncate pm domain by layer\n1 2\n3 4\n1 2.5\n", "INPUT",
-         file + "Invalid data format"},
-        {"end\nwrite pm domain file\ntruncate pm domain\n1 2\n3 4\nend\n", "INPUT",
-         file + "Invalid data format"},
+         badData},
+        {"end\nwrite pm domain file\ntruncate pm domain\n1 2\n3 4\nend\n", "INPUT", badData},
         {"end\nsimulation time unit conversion factor\n", "INPUT", file + "End-of-file"},
         {"include nowhere ! x\n", "INPUT", "Include file not found: nowhere ! x\n"},
         {"include .\n", "FATAL", "Failed to open file: .\n"}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c[0]);
-        expectEnd(c[1], c[2], [&] { read(c[0]); });
-        run.echoUnit = file_units::getUnit();
-        io_layer::openTextReplace(run.echoUnit, "echo", io_layer::Flush::everyLine);
+    for (const auto& [text, kind, message] : cases) {
+        SCOPED_TRACE(text);
+        expectEnd(kind, message, [&, read = text] { this->read(read); });
+        run.echoUnit = file_units::openTextReplace("echo", io_layer::Flush::everyLine);
     }
     read("tecplot binary flush interval\n-5\nend\n");
     EXPECT_EQ(run.tecplotFlushInterval, 1);

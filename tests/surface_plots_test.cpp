@@ -102,13 +102,11 @@ TEST_F(SurfacePlots, GoByTheTruncationOfTheRun) {
 
 TEST_F(SurfacePlots, TakeTheNodesOfPmWhereTheSurfaceHasNone) {
     // The nodes of olf, from the last to the first.
-    Integers links, back(24);
-    for (std::int32_t i = 0; i < 6; ++i) {
-        links.push_back(24 - i);
-        back[std::size_t(23 - i)] = i + 1;
-    }
-    problem["to.coordinates_olf"] = integerRecord({6}) + integerRecord({0}) + integerRecord(links) +
-                                    integerRecord(back) + integerRecord({0});
+    Integers back(18);
+    back.insert(back.end(), {6, 5, 4, 3, 2, 1});
+    problem["to.coordinates_olf"] = integerRecord({6}) + integerRecord({0}) +
+                                    integerRecord({24, 23, 22, 21, 20, 19}) + integerRecord(back) +
+                                    integerRecord({0});
     problem.erase("to.head_olf.0001");
     const DataSet set = isopachPlot();
     EXPECT_EQ(numbers(set.zones[0].values.at("x")), (Reals{2, 1, 0, 2, 1, 0}));
