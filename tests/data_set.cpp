@@ -102,4 +102,12 @@ DataSet parse(const std::string& text) {
     return set;
 }
 
+std::string summaryOf(const std::string& text) {
+    const DataSet set = parse(text);
+    std::string summary = set.fault + set.variables + "\n";
+    for (const Zone& zone : set.zones)
+        summary += "  [" + zone.centred + "] [" + zone.shared + "] " + zone.written + "\n";
+    return summary;
+}
+
 } // namespace data_set

@@ -27,4 +27,8 @@ struct DataSet {
 // for node numbers that are nodes of the zone.
 DataSet parse(const std::string& text);
 
+// The fault, or the names of the variables and what the zones have of them, for the eye: a line for
+// each zone with the numbers of cell-centred and of shared variables and with the comments.
+std::string summaryOf(const std::string& text);
+
 } // namespace data_set

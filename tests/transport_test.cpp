@@ -174,26 +174,16 @@ TEST(Redox, LastFileHasTheLastWord) {
 
 // Every family at once, in its order and only in its domains.
 TEST(Families, StandInTheirDomains) {
-    const std::string exchange =
-        ",Heat exchange,Virus exchange,Heat adv. exchange,Virus adv. exchange,"
-        "Heat dual adv. exchange,Virus dual adv. exchange,Heat disp. exchange,"
-        "Virus disp. exchange,Heat dual disp. exchange,Virus dual disp. exchange,Redox capacity";
-    const std::string resting = ",Heat (immobile),Virus (immobile),Ca (immobile)";
-    const std::string moving = ",Heat,Virus,Ca", solid = ",Virus (solid)";
-    const std::string sheet = "X,Y,Z,Zone,3DNode#";
-    const std::string fractions = ",f_rain,f_snowmelt,HMC Mixing Ratio,HMC Error";
-    const std::map<std::string, std::string> cases = {
-        {"pm", mesh + moving + solid + resting + exchange + ",Heat Mass Sorbed"},
-        {"dual", sheet + moving + solid + resting + exchange},
-        {"olf", sheet + moving + resting + exchange}};
     const Folder folder;
     makeProblem("--nx 3 --ny 2 --layers 2 --times 1 --domains dual,olf --hmc 2 "
                 "--species Heat:heat,Virus:particles,Ca:immobile --variables conc,concsolid,iconc,"
                 "ExchSol,ExchSolAdv,DualExchSolAdv,ExchSolDisp,DualExchSolDisp,conc-Redox,"
                 "mass_sorbed,hmc");
     ASSERT_EQ(runHere().status, 0);
-    for (const auto& [tag, columns] : cases)
-        EXPECT_EQ(data_set::parse(get("to." + tag + ".dat")).variables, columns + fractions);
+    std::string summaries;
+    for (const std::string tag : {"pm", "dual", "olf"})
+        summaries += tag + "\n" + data_set::summaryOf(get("to." + tag + ".dat"));
+    EXPECT_EQ(summaries, expected("family_columns.txt"));
 }
 
 } // namespace
