@@ -148,8 +148,8 @@ TEST_F(ColumnValues, MeshColumns) {
 
 // The one layer of tetrahedra has no depth columns at first and gets their values later.
 TEST_F(ColumnValues, TetrahedraAndTheirDepths) {
-    problem["to.elements_pm"] = integerRecord({4}) + integerRecord({2}) +
-                                integerRecord({1, 2, 3, 5, 2, 3, 4, 6}) + integerRecord({1, 1});
+    problem["to.elements_pm"] =
+        integerRecords({4, 2}) + integerRecord({1, 2, 3, 5, 2, 3, 4, 6}) + integerRecord({1, 1});
     run();
     EXPECT_THAT(get("to.pm.dat"), testing::AllOf(Not(HasSubstr("Depth2GWT")),
                                                  HasSubstr("\n# depth to groundwater 3d\n"),

@@ -18,25 +18,21 @@ constexpr std::int32_t least = std::numeric_limits<std::int32_t>::min();
 Problem goodProblem() {
     const Grid grid{1, 1, 2, 2};
     Problem problem = brickProblem(grid);
-    const Bytes walls = integerRecord({-1}) + integerRecord({1}) + integerRecord({2}) +
-                        integerRecord({0, -1, 0, 0}) +
+    const Bytes walls = integerRecords({-1, 1, 2}) + integerRecord({0, -1, 0, 0}) +
                         integerRecord({13, 16, 15, 16, 13, 14, 15, 16}) +
                         integerRecord({0, 0, 0, 0});
-    addSheetDomain(problem, grid, "olf", 12, walls,
-                   integerRecord({0}) + integerRecord({-1}) + integerRecord({1}));
+    addSheetDomain(problem, grid, "olf", 12, walls, integerRecords({0, -1, 1}));
     addSheetDomain(problem, grid, "frac", 16, "", integerRecord({1, 2}) + realRecord({0.5}));
     const Integers nodes{1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12};
     problem["to.coordinates_dual"] =
-        integerRecord({12}) + integerRecord({0}) + integerRecord(nodes) + integerRecord(nodes);
+        integerRecords({12, 0}) + integerRecord(nodes) + integerRecord(nodes);
     problem["to.elements_dual"] = problem["to.elements_pm"];
     problem["to.sat_pm.0001"] = resultFile("0.0", {std::vector<float>(12, 0.5F)});
     problem["to.v_pm.0001"] = resultFile("0.0", {Reals{1, 2}, Reals{1, 2}, Reals{1, 2}});
-    problem["to.species"] = integerRecord({1}) + integerRecord({1}) + textRecord("salt", 50) +
-                            textRecord("clay", 50) + integerRecord({0}) + integerRecord({0});
-    problem["to.hmc"] = integerRecord({1}) + integerRecord({1}) + integerRecord({1}) +
-                        integerRecord({0}) + integerRecord({1}) + integerRecord({1}) +
-                        integerRecord({1}) + textRecord("rain", 80) + integerRecord({1}) +
-                        integerRecord({1});
+    problem["to.species"] = integerRecords({1, 1}) + textRecord("salt", 50) +
+                            textRecord("clay", 50) + integerRecords({0, 0});
+    problem["to.hmc"] =
+        integerRecords({1, 1, 1, 0, 1, 1, 1}) + textRecord("rain", 80) + integerRecords({1, 1});
     return problem;
 }
 

@@ -67,8 +67,7 @@ TEST_F(Run, LeavesNothingBehindForTheNext) {
     const Bytes before = results();
 
     // All that can be set, and heat in its unit; a failure half way; a template.
-    put("to.species", integerRecord({1}) + integerRecord({0}) + textRecord("heat", 50) +
-                          integerRecord({-1}) + integerRecord({0}));
+    put("to.species", integerRecords({1, 0}) + textRecord("heat", 50) + integerRecords({-1, 0}));
     put("to.conc_pm.heat.0001", problem["to.freeze_thaw_temp_pm.0001"]);
     EXPECT_EQ(run("tecplot binary append\ntruncate time domain\n0 20\n"
                   "number of digits for output file suffix\n4\nend\n"

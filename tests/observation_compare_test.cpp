@@ -218,7 +218,7 @@ protected:
         }
         problem["to.head_pm.0001"] = resultFile("0.0", {head});
         problem["to.coordinates_dual"] =
-            integerRecord({16}) + integerRecord({0}) + integerRecord(same) + integerRecord(same);
+            integerRecords({16, 0}) + integerRecord(same) + integerRecord(same);
         problem["to.elements_dual"] = problem["to.elements_pm"];
     }
 

@@ -47,6 +47,12 @@ Bytes integerRecord(const Integers& values) {
     return record(bytesOf(values));
 }
 
+Bytes integerRecords(const Integers& values) {
+    Bytes records;
+    for (const std::int32_t value : values) records += integerRecord({value});
+    return records;
+}
+
 Bytes realRecord(const Reals& values) {
     return record(bytesOf(values));
 }
@@ -88,12 +94,11 @@ void addSheetDomain(Problem& problem, const Grid& g, const std::string& tag, int
     for (const Integers& cell : cellsOf(g, below + 1))
         slots.insert(slots.end(), cell.begin(), cell.end());
     const std::int32_t elements = g.nx * g.ny;
-    problem["to.coordinates_" + tag] = integerRecord({nodes}) + integerRecord({1}) +
-                                       integerRecord(linkToPm) + integerRecord(linkFromPm) +
-                                       furtherCoordinates;
-    problem["to.elements_" + tag] =
-        integerRecord({4}) + integerRecord({elements}) + integerRecord(slots) +
-        integerRecord(Integers(static_cast<std::size_t>(elements), 7)) + furtherElements;
+    problem["to.coordinates_" + tag] = integerRecords({nodes, 1}) + integerRecord(linkToPm) +
+                                       integerRecord(linkFromPm) + furtherCoordinates;
+    problem["to.elements_" + tag] = integerRecords({4, elements}) + integerRecord(slots) +
+                                    integerRecord(Integers(static_cast<std::size_t>(elements), 7)) +
+                                    furtherElements;
 }
 
 Problem brickProblem(const Grid& g) {
@@ -120,7 +125,7 @@ Problem brickProblem(const Grid& g) {
     problem["to.coordinates_pm"] =
         integerRecord({nodes}) + realRecord(xyz) + integerRecord({0, 0, g.layers + 1});
     problem["to.elements_pm"] =
-        integerRecord({8}) + integerRecord({bricks}) + integerRecord(slots) + integerRecord(zones);
+        integerRecords({8, bricks}) + integerRecord(slots) + integerRecord(zones);
     addSheetDomain(problem, g, "olf", nodes, integerRecord({0}),
                    integerRecord(Integers(static_cast<std::size_t>(cells))) + integerRecord({0}));
     const double ground = g.layers * (g.layers + 1) / 2.0;

@@ -24,6 +24,7 @@ Bytes bytesOf(const std::vector<T>& values) {
 // One record in one piece.
 Bytes record(std::string_view payload);
 Bytes integerRecord(const Integers& values);
+Bytes integerRecords(const Integers& values); // each in a record of its own
 Bytes realRecord(const Reals& values);
 Bytes textRecord(std::string text, std::size_t length);
 

@@ -104,7 +104,7 @@ TEST_F(SurfacePlots, TakeTheNodesOfPmWhereTheSurfaceHasNone) {
     // The nodes of olf, from the last to the first.
     Integers back(18);
     back.insert(back.end(), {6, 5, 4, 3, 2, 1});
-    problem["to.coordinates_olf"] = integerRecord({6}) + integerRecord({0}) +
+    problem["to.coordinates_olf"] = integerRecords({6, 0}) +
                                     integerRecord({24, 23, 22, 21, 20, 19}) + integerRecord(back) +
                                     integerRecord({0});
     problem.erase("to.head_olf.0001");

@@ -44,12 +44,6 @@ const std::vector<Family> families = {
      {"./hmc/to.hmc_pm.mixing_ratio", "HMC Mixing Ratio", "hmc_mixing_ratio", "(-)"},
      {"./hmc/to.hmc_pm.hmc_error", "HMC Error", "hmc_error", "(-)"}}};
 
-Bytes integerRecords(const Integers& values) {
-    Bytes records;
-    for (const std::int32_t value : values) records += integerRecord({value});
-    return records;
-}
-
 // One brick at three times, of which only the mesh is written: 7 columns.
 const std::string mesh = "X,Y,Z,Zone,Layer Number,Column Number,Thickness";
 const std::string meshNumbers = "1,2,3,4,5,6,7";
