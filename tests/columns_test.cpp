@@ -69,7 +69,8 @@ const std::vector<Case> cases = {
      {"heads"}},
     {"channel", "chan", {{"head_chan.1", node4}, {"incised_head_chan.12", node4},
      {"max_depth_chan.1", node4}}, {"incised heads"}},
-    {"aperture", "frac", {{"water_age_frac.1", node4}, {"lp_frac.1", element}}, {}},
+    {"aperture", "frac", {{"water_age_frac.1", node4}, {"lp_frac.1", element},
+     {"tvtopo_frac.1", node4}}, {}},
 };
 // clang-format on
 

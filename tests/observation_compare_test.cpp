@@ -249,6 +249,7 @@ TEST_F(Comparison, LocatesPointsOnceAndTrustsTheCache) {
     expectFiles({"ObsShape.txt"});
     EXPECT_THAT(get("to.compare_heads.dat"),
                 HasSubstr("1.2500000000000000\nZONE T=\"straight line\"\n 1.0000000000000000"));
+    EXPECT_THAT(get("to.compare_heads.dat"), testing::EndsWith(" 0.99978566529492452\n"));
 
     // Shape values that no search gives, one of them without a point, and more than is needed.
     problem["to.ObsShape.txt"] =

@@ -38,6 +38,12 @@ protected:
     Domain domain;
 };
 
+TEST_F(PlotData, FirstZoneSharesNothing) {
+    tecplotVarShareAdd(1);
+    tecplotWriteZoneFE("pm  ", " ", 0, domain);
+    EXPECT_EQ(take(), "ZONE T=\"pm\", DATAPACKING=BLOCK, NODES=0, ELEMENTS=0, ZONETYPE=\n");
+}
+
 TEST_F(PlotData, ListsAndZoneLinesAreCutAt512) {
     std::string list;
     for (int v = 1; v <= 200; ++v) {
@@ -209,18 +215,18 @@ TEST_F(PlotData, QuadrilateralsByTheirOwnLinksAndWalls) {
     run.wallsPresent = true;
     run.wallLayers = 2;
     run.wallNodeFlag = {0, -1, 0, 0, 1, 0, 0, 0};
-    run.wallNodeTable = {101,  107, 103, 104, 108, 106, 107, 108, 101, 102, 103, 104,
+    run.wallNodeTable = {101,  107, 103, 104, 108, 106, 107, 108, 101, 107, 103, 104,
                          none, 106, 107, 108, 108, 108, 108, 108, 108, 108, 108, 108};
     run.wallElementLayer = {0, 1, 2, 1, 1, 3};
     expectRows(
-        {{1, 2, 5, 4}, {7, 3, 6, 8}, {2, 3, 6, 5}, {1, 2, 5, 5}, {7, 0, 0, 0}, {2, 3, 6, 5}});
+        {{1, 2, 5, 4}, {7, 3, 6, 8}, {7, 3, 6, 5}, {1, 2, 5, 5}, {7, 0, 0, 0}, {2, 3, 6, 5}});
 
     // Truncated: node 1 is not written, nor is 8. All others move up; what 8 stood for stays.
     domain.truncateEnabled = true;
     domain.nodeIncluded = {0, 1, 1, 1, 1, 1, 1, 0};
     domain.nodeRenumber = {0, 1, 2, 3, 4, 5, 0, 0};
     expectRows(
-        {{0, 1, 4, 3}, {6, 2, 5, 4}, {1, 2, 5, 4}, {0, 1, 4, 4}, {6, 0, 0, 0}, {1, 2, 5, 4}});
+        {{0, 1, 4, 3}, {6, 2, 5, 4}, {6, 2, 5, 4}, {0, 1, 4, 4}, {6, 0, 0, 0}, {1, 2, 5, 4}});
 
     // Walls are the surface's own; a domain that shares the nodes of pm has no links to go by.
     domain.truncateEnabled = false;

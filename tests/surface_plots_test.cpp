@@ -28,7 +28,7 @@ protected:
     SurfacePlots() { problem = brickProblem({2, 1, 3, 1}); }
 
     DataSet plot(const std::string& control, const std::string& file) {
-        EXPECT_EQ(run("end\n" + control).status, 0);
+        EXPECT_THAT(run("end\n" + control).screen, HasSubstr("---- Normal exit ----"));
         DataSet set = data_set::parse(get(file));
         EXPECT_EQ(set.fault, "");
         return set;
