@@ -15,8 +15,6 @@ using testing::HasSubstr;
 using testing::Not;
 using Singles = std::vector<float>;
 
-const std::string normalExit = "\n\n\n                    ---- Normal exit ----\n\n\n";
-
 std::set<std::string> filesHere() {
     std::set<std::string> names;
     for (const auto& entry : std::filesystem::directory_iterator("."))
@@ -128,8 +126,9 @@ TEST_F(Run, CommandLine) {
     const Ran made = run("nonsense\n", {"--Make_Plot_Control", "-x  ", "", "--never"});
     EXPECT_EQ(made.status, 0);
     EXPECT_THAT(made.screen, HasSubstr("@\n\nInvalid command line option: -x\nStack of bricks"));
-    EXPECT_THAT(made.screen, testing::EndsWith("\nGenerate t.plot.control file and terminate...\n" +
-                                               normalExit));
+    EXPECT_THAT(made.screen,
+                testing::EndsWith("\nGenerate t.plot.control file and terminate...\n\n\n\n"
+                                  "                    ---- Normal exit ----\n\n\n"));
     EXPECT_THAT(get("t.plot.control"),
                 testing::StartsWith("tecplot mode\n! tecplot binary mode\n"));
     EXPECT_FALSE(std::filesystem::exists("to.pm.dat"));
@@ -220,16 +219,16 @@ TEST_F(Run, WarnsOfWhatMayMislead) {
 // gives the same plots, and all files hold together.
 class MadeProblem : public testing::Test {
 protected:
-    std::map<std::string, Bytes> plots(const std::string& options,
-                                       const std::string& control = "") {
+    std::map<std::string, Bytes> plots(const std::string& options, const std::string& control) {
         const Folder folder;
-        makeProblem("--nx 4 --ny 3 --layers 2 --times 3 " + options);
+        makeProblem("--nx 4 --ny 3 --layers 2 --times 3 " + everything + options);
         if (!control.empty()) put("t.plot.control", control);
         const Ran ran = runProgram();
         EXPECT_EQ(ran.status, 0) << options << ran.errors;
         std::map<std::string, Bytes> found;
         for (const std::string& name : filesHere())
             if (name.ends_with(".dat")) found[name] = getDated(name);
+        EXPECT_EQ(found.size(), 7U);
         return found;
     }
 
@@ -238,15 +237,12 @@ protected:
 };
 
 TEST_F(MadeProblem, IsTheSameInAllFormsOfItsFiles) {
-    const std::string withTensor = everything + "--tensor ";
-    const auto plain = plots(withTensor);
-    EXPECT_EQ(plain.size(), 7U);
-    for (const std::string form :
-         {"--generation older ", "--sub-records 60 ", "--sub-records 7 --generation older "})
-        EXPECT_TRUE(plots(withTensor + form) == plain) << form;
-    std::string control = "number of digits for output file suffix\n6\nend\n";
-    for (const std::string& tag : tags) control += "write " + tag + " domain file\nend\n";
-    EXPECT_TRUE(plots(withTensor + "--digits 6 ", control) == plain);
+    std::string digits = "number of digits for output file suffix\n6\nend\n";
+    for (const std::string& tag : tags) digits += "write " + tag + " domain file\nend\n";
+    const auto plain = plots("--tensor", "");
+    for (const std::string form : {"--generation older", "--sub-records 60",
+                                   "--sub-records 7 --generation older", "--digits 6"})
+        EXPECT_TRUE(plots("--tensor " + form, form == "--digits 6" ? digits : "") == plain) << form;
 }
 
 TEST_F(MadeProblem, GivesFilesThatHoldTogether) {
@@ -259,15 +255,12 @@ TEST_F(MadeProblem, GivesFilesThatHoldTogether) {
     }
     for (const std::string kind :
          {"", "--elements prism ", "--walls ", "--walls --elements prism --tensor "})
-        for (const std::string& control : {std::string(), range, layer}) {
-            const auto made = plots(everything + kind, control);
-            EXPECT_EQ(made.size(), 7U);
-            for (const auto& [name, text] : made) {
+        for (const std::string& control : {std::string(), range, layer})
+            for (const auto& [name, text] : plots(kind, control)) {
                 const data_set::DataSet set = data_set::parse(text);
                 EXPECT_EQ(set.fault, "") << name << " " << kind << control.substr(0, 60);
                 EXPECT_EQ(set.zones.size(), 3U) << name;
             }
-        }
 }
 
 } // namespace
