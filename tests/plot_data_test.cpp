@@ -1,6 +1,7 @@
 #include "meshrake/plot_data/array_writing.hpp"
 #include "meshrake/plot_data/connectivity.hpp"
 #include "meshrake/plot_data/data_set.hpp"
+#include "meshrake/plot_data/unit_labels.hpp"
 #include "meshrake/plot_data/zone.hpp"
 
 #include "meshrake/model/run_state.hpp"
@@ -42,6 +43,12 @@ TEST_F(PlotData, FirstZoneSharesNothing) {
     tecplotVarShareAdd(1);
     tecplotWriteZoneFE("pm  ", " ", 0, domain);
     EXPECT_EQ(take(), "ZONE T=\"pm\", DATAPACKING=BLOCK, NODES=0, ELEMENTS=0, ZONETYPE=\n");
+}
+
+TEST_F(PlotData, SaysNothingOfAUnitThatIsEmpty) {
+    tecplotVarUnitsAdd("X", 1, "", domain);
+    tecplotVarUnitsWrite(domain);
+    EXPECT_EQ(take(), "");
 }
 
 TEST_F(PlotData, ListsAndZoneLinesAreCutAt512) {
