@@ -35,13 +35,18 @@ bool includeNodes(Domain& domain, std::size_t element) {
     return complete;
 }
 
-void keepWholeMesh(Domain& domain) {
+// Marks by node number: an unused slot holds 0 and has a mark of its own, so that none is tested.
+void includeNodesOfPm(Domain& pm, const std::string& name) {
+    std::vector<std::uint8_t> marks;
+    ArrayHelpers::allocateArray(marks, std::int64_t{pm.nodeCount} + 1, name);
+    for (const std::int32_t node : pm.elementNodes) marks[static_cast<std::size_t>(node)] = 1;
+    std::copy(marks.begin() + 1, marks.end(), pm.nodeIncluded.begin());
+}
+
+void keepWholeMesh(Domain& domain, const std::string& name) {
     if (domain.tag == model::tags::pm) {
         std::fill(domain.elementIncluded.begin(), domain.elementIncluded.end(), std::uint8_t{1});
-        std::uint8_t* included = domain.nodeIncluded.data();
-        for (const std::int32_t node : domain.elementNodes)
-            if (node > 0) included[node - 1] = 1;
-        return;
+        return includeNodesOfPm(domain, name);
     }
     const auto elements = static_cast<std::size_t>(domain.elementCount);
     for (std::size_t e = 0; e < elements; ++e) domain.elementIncluded[e] = includeNodes(domain, e);
@@ -76,7 +81,7 @@ void multiTruncate(Domain& domain, const Domain& pm) {
     ArrayHelpers::allocateArray(domain.nodeRenumber, pm.nodeCount, arrays);
     const bool wholeMesh = !domain.truncateEnabled && !domain.truncateByLayerEnabled;
     if (wholeMesh)
-        keepWholeMesh(domain);
+        keepWholeMesh(domain, arrays);
     else
         keepPart(domain, pm);
     renumber(domain);
