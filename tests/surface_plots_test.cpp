@@ -145,6 +145,12 @@ TEST_F(SurfacePlots, EndBeforeTheyBeginWhereTheMeshDoesNotFit) {
     expectEnd(isopachs, "element 3 of to.elements_pm has an unused node slot");
     patch(problem["to.elements_pm"], 2, 2, 9);
     expectEnd(isopachs, "element 1 of to.elements_pm has node 9, which is not one of the 6");
+    // A damaged number would fill the disk with zones.
+    for (const std::int32_t number : {100001, 2147483647}) {
+        patch(problem["to.elements_pm"], 3, 5, number);
+        expectEnd(isopachs,
+                  "zones of pm, " + std::to_string(number) + ", stands in to.elements_pm");
+    }
 }
 
 // Triangles in slots of four, upon prisms.

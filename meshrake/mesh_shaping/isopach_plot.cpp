@@ -70,6 +70,21 @@ void checkElements(const Domain& olf, const Domain& pm) {
     }
 }
 
+// Largest zone number of pm. Only a damaged one is far above the number of elements; zones up to it
+// would fill the disk.
+std::int32_t zoneCountOf(const Domain& pm) {
+    constexpr std::int32_t most = 100000;
+    std::int32_t count = std::numeric_limits<std::int32_t>::min();
+    for (const std::int32_t zone : pm.elementZone) count = std::max(count, zone);
+    if (count > std::max(most, pm.elementCount))
+        error::input_error("pm isopach plot: the highest of the zones of pm, " +
+                           std::to_string(count) + ", stands in " +
+                           model::problemFile("elements_pm") + " or a file " +
+                           model::problemFile("tv_zone_pm.<index>") +
+                           ".\nThe plot would have a zone for each number up to it.");
+    return count;
+}
+
 void allocate(Isopach& isopach, const Domain& olf) {
     ArrayHelpers::allocateArray(isopach.topElevation, olf.nodeCount, arrayName);
     ArrayHelpers::allocateArray(isopach.zoneThickness, olf.elementCount, arrayName);
@@ -156,12 +171,11 @@ void compute_isopach_structure(std::int32_t zone, const Domain& olf, const Domai
 void plot_pmzone_isopach_structure(Domain& olf, const Domain& pm) {
     checkSurface(olf, "pm isopach plot");
     checkElements(olf, pm);
+    const std::int32_t zoneCount = zoneCountOf(pm);
+    const int digits = utils::numDigits(zoneCount);
     truncateForPlot(olf, pm);
     Isopach isopach;
     allocate(isopach, olf);
-    std::int32_t zoneCount = std::numeric_limits<std::int32_t>::min();
-    for (const std::int32_t zone : pm.elementZone) zoneCount = std::max(zoneCount, zone);
-    const int digits = utils::numDigits(zoneCount);
 
     const std::string name = announcePlot("pm isopach plot", "pm_Isopach");
     plot_data::tecplotInit(olf);
