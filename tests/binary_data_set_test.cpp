@@ -203,7 +203,8 @@ TEST(BinaryDataSet, EndsWhereTextWouldGoWrong) {
     Bytes elements = good.at("to.elements_pm");
     patch(elements, 2, 3, 0); // node 5 is in no element, though the mesh is whole
     for (const Case& c :
-         {Case{"to.elements_pm", elements, "Writing real(8) data for variable # 1 in pm domain."},
+         {Case{"to.elements_pm", elements,
+               "Writing real(8) data for variable # 1 in pm domain.\nFile: to.pm.szplt\n"},
           {"to.head_olf.0001", resultFile("now", {Reals(6, 1.0)}),
            "The solution time of the pm domain is no number: now"},
           {"to.head_olf.0001", resultFile("/", {Reals(6, 1.0)}), "is no number: /"},

@@ -35,12 +35,11 @@ std::int32_t ownStatus(std::int32_t status) {
 void check(std::int32_t status, const std::string& what, Domain& domain) {
     if (status == 0) return;
     tecFileWriterClose(&domain.dataSet.handle);
-    const std::string why =
-        ownStatus(status) == 5
-            ? "\nIts plot file has zones with other nodes or elements: " + domain.dataSet.fileName +
-                  ".szplt"
-            : "";
-    error::fatalError(what + " " + domain.name + " domain." + why);
+    const std::string_view where = ownStatus(status) == 5
+                                       ? "\nIts plot file has zones with other nodes or elements: "
+                                       : "\nFile: ";
+    error::fatalError(what + " " + domain.name + " domain." + std::string(where) +
+                      domain.dataSet.fileName + ".szplt");
 }
 
 bool continuesOutput() {
