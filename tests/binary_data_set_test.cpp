@@ -202,9 +202,13 @@ TEST(BinaryDataSet, EndsWhereTextWouldGoWrong) {
     const Problem good = brickProblem({2, 1, 1, 1});
     Bytes elements = good.at("to.elements_pm");
     patch(elements, 2, 3, 0); // node 5 is in no element, though the mesh is whole
+    const std::string unfit =
+        "domain.\nArrays of a zone do not fit its variables, nodes and elements: to.";
     for (const Case& c :
          {Case{"to.elements_pm", elements,
-               "Writing real(8) data for variable # 1 in pm domain.\nFile: to.pm.szplt\n"},
+               "Writing real(8) data for variable # 1 in pm " + unfit + "pm.szplt\n"},
+          {"to.snowdepth.0001", resultFile("0", {Reals(2, 1.0)}), // snow without its last file
+           "Tecplot flush file for olf " + unfit + "olf.szplt\n"},
           {"to.head_olf.0001", resultFile("now", {Reals(6, 1.0)}),
            "The solution time of the pm domain is no number: now"},
           {"to.head_olf.0001", resultFile("/", {Reals(6, 1.0)}), "is no number: /"},
@@ -213,7 +217,8 @@ TEST(BinaryDataSet, EndsWhereTextWouldGoWrong) {
         const Folder folder;
         write(good);
         put(c.name, c.contents);
-        put("t.plot.control", "tecplot binary mode\nend\nwrite pm domain file\nend\n");
+        put("t.plot.control", "tecplot binary mode\nend\nwrite pm domain file\nend\n"
+                              "write olf domain file\n");
         const runs::Ran ran = runs::runHere();
         EXPECT_EQ(ran.status, 1);
         EXPECT_THAT(ran.errors, HasSubstr(c.banner));

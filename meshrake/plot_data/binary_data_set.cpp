@@ -32,13 +32,18 @@ std::int32_t ownStatus(std::int32_t status) {
     return MESHRAKE_OWN_TECIO || status == 0 ? status : 1;
 }
 
+// In front of the name of the plot file, why it was refused.
+std::string_view refusal(std::int32_t status) {
+    if (MESHRAKE_OWN_TECIO && status == 1)
+        return "Arrays of a zone do not fit its variables, nodes and elements: ";
+    if (ownStatus(status) == 5) return "Its plot file has zones with other nodes or elements: ";
+    return "File: ";
+}
+
 void check(std::int32_t status, const std::string& what, Domain& domain) {
     if (status == 0) return;
     tecFileWriterClose(&domain.dataSet.handle);
-    const std::string_view where = ownStatus(status) == 5
-                                       ? "\nIts plot file has zones with other nodes or elements: "
-                                       : "\nFile: ";
-    error::fatalError(what + " " + domain.name + " domain." + std::string(where) +
+    error::fatalError(what + " " + domain.name + " domain.\n" + std::string(refusal(status)) +
                       domain.dataSet.fileName + ".szplt");
 }
 
