@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cmath>
 #include <limits>
 #include <tuple>
 
@@ -91,21 +92,83 @@ TEST(FixedResolutionGrid, PlacesInTriangles) {
     };
     for (const Case& c :
          {Case{1, 1, true, true}, Case{3, 3, false, false}, Case{2, 0, true, false},
-          Case{0, 0, true, false}, Case{2, 2, true, false}, Case{nan, 1, false, false}}) {
+          Case{0, 0, true, false}, Case{2, 2, true, false}, Case{nan, 1, true, true}}) {
         EXPECT_EQ(pointInTri({0, 4, 0}, {0, 0, 4}, c.x, c.y), c.anticlockwise) << c.x << " " << c.y;
         EXPECT_EQ(pointInTri({0, 0, 4}, {0, 4, 0}, c.x, c.y), c.clockwise) << c.x << " " << c.y;
     }
 }
 
-struct Tolerant : FixedResGrid {
-    bool pointIn(std::int32_t element, double, double) const override { return element == 2; }
+struct Asking : FixedResGrid {
+    mutable std::vector<std::int32_t> asked;
+    bool pointIn(std::int32_t element, double, double) const override {
+        asked.push_back(element);
+        return element == 5;
+    }
 };
 
-TEST(FixedResolutionGrid, AsksTheInsideTestOfTheRecord) {
-    const Mesh mesh = makeMesh({.columns = 1, .rows = 1, .offset = 0}, 1);
-    Tolerant grid;
-    init(grid, mesh, 1, 1);
-    EXPECT_EQ(grid.findElement(0.75, 0.25), 2);
+TEST(FixedResolutionGrid, AsksTheInsideTestOfTheRecordAboutAllOfTheCell) {
+    Asking grid;
+    init(grid, makeMesh({.columns = 4, .rows = 1, .offset = 0}, 1), 1, 1);
+    EXPECT_EQ(grid.findElement(3.75, 0.25), 5);
+    EXPECT_EQ(grid.asked, (std::vector<std::int32_t>{1, 2, 3, 4, 5}));
+}
+
+// A record of a further type asks about every element of the cell; so it tells what is passed over.
+struct Plain : FixedResGrid {};
+
+void becomeOdd(Mesh& mesh, std::mt19937& random) {
+    const auto any = [&] { return random() % (mesh.x.size() / 2); };
+    for (int i = 0; i < 12; ++i) {
+        const auto a = any(), b = any(), c = any();
+        switch (random() % 6) {
+        case 0: // two nodes in one place, or three on a line
+            mesh.x[a] = mesh.x[b];
+            mesh.y[a] = mesh.y[b];
+            break;
+        case 1:
+            mesh.x[a] = (mesh.x[b] + mesh.x[c]) / 2;
+            mesh.y[a] = (mesh.y[b] + mesh.y[c]) / 2;
+            break;
+        case 2:
+            mesh.elementNodes[random() % mesh.elementNodes.size()] = static_cast<std::int32_t>(a);
+            break;
+        case 3:
+            mesh.y[a] = mesh.y[b] + 1e-15 * static_cast<double>(random() % 9);
+            break;
+        default:
+            mesh.x[a] = mesh.x[b];
+        }
+    }
+    if (random() % 4 == 0) mesh.x[any()] = random() % 2 ? nan : 1e200;
+    const double size = std::pow(10., 150 * (static_cast<int>(random() % 5) - 2));
+    for (double& x : mesh.x) x *= size;
+    for (double& y : mesh.y) y *= size;
+}
+
+TEST(FixedResolutionGrid, PassesOverNoElementThatHoldsAPlace) {
+    std::mt19937 random(4);
+    for (int round = 0; round < 300; ++round) {
+        Mesh mesh = makeMesh({round % 2 == 0, 6, 5, 1, round % 3 * 0.2, 0}, random());
+        becomeOdd(mesh, random);
+        FixedResGrid grid;
+        Plain plain;
+        const std::int32_t nx = 1 + static_cast<std::int32_t>(random() % 3);
+        const std::int32_t ny = 1 + static_cast<std::int32_t>(random() % 60);
+        init(grid, mesh, nx, ny);
+        init(plain, mesh, nx, ny);
+        for (const auto [x, y] : places(grid, random))
+            ASSERT_EQ(grid.findElement(x, y), plain.findElement(x, y)) << round << ": " << x << y;
+    }
+}
+
+TEST(FixedResolutionGrid, CapsOnlyTheUpperEnds) {
+    // The second triangle has no extent in x and stands at the upper edge.
+    const std::vector<double> x{0, 1, 0, 1, 1}, y{0, 0, 1, 1, 0.5};
+    const std::vector<std::int32_t> nodes{1, 2, 3, 1, 2, 3, 2, 4, 5, 2, 4, 5};
+    FixedResGrid grid;
+    grid.init(2, 1, 2, 6, x, y, nodes);
+    EXPECT_EQ(grid.elementIndex, (std::vector<std::int32_t>{1, 1}));
+    EXPECT_EQ(grid.findElement(1, 0.5), 0);
 }
 
 TEST(FixedResolutionGrid, OddNumbersStayInsideTheArrays) {

@@ -12,17 +12,16 @@
 // Elements are prisms of 6 or blocks of 8 nodes, of which the first half is the plan polygon: a
 // triangle, or a quadrilateral cut in two from its first to its third node. Node and element
 // numbers count from 1, and the nodes of an element stand side by side. The grid looks at the
-// caller's arrays, which must outlive it. An element with a node outside the coordinate arrays, or
-// with a coordinate that is no number, holds no place.
+// caller's arrays, which must outlive it. An element with a node outside the coordinate arrays
+// holds no place, and one without extent at the upper edge of the mesh is in no cell.
 namespace FixedResolutionGrid {
 
-// Part of a cell that an element's box covers, in 256ths of the cell.
+// Part of a cell outside of which an element holds no place, in 256ths of the cell.
 struct Reach {
     std::uint8_t firstX, lastX, firstY, lastY;
 };
 
-// The members call one another through the record, so that another inside test can be put in. It
-// is asked about an element only where the element's box, and a 256th of a cell around it, reaches.
+// The members call one another through the record, so that another inside test can be put in.
 struct FixedResGrid {
     std::int32_t nx = 0, ny = 0; // cells in x and y; cell (i, j) from 0 has number j * nx + i
     std::int32_t nodesPerPlan = 0;
@@ -33,7 +32,7 @@ struct FixedResGrid {
     std::span<const std::int32_t> elementNodes;
     std::vector<std::int32_t> rowIndex; // place of each cell's first element, from 1, and the end
     std::vector<std::int32_t> elementIndex; // elements cell by cell, ascending in each
-    std::vector<Reach> reach;               // of each entry of `elementIndex` in its cell
+    std::vector<Reach> reach; // of each of them; not looked at in a record of a further type
 
     FixedResGrid() = default;
     FixedResGrid(const FixedResGrid&) = default;
@@ -61,8 +60,9 @@ struct FixedResGrid {
     virtual std::int32_t findElement(double atX, double atY) const;
 };
 
-// Whether a triangle holds the place. Places on the line of an edge count as left of it; in which
-// turn the corners stand makes no other difference.
+// Whether a triangle holds the place. Places on the line of an edge count as left of it, and so
+// do those for which a number that is none leaves it open; in which turn the corners stand makes no
+// other difference.
 bool pointInTri(const std::array<double, 3>& xs, const std::array<double, 3>& ys, double atX,
                 double atY);
 
