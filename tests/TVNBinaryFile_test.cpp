@@ -3,8 +3,10 @@
 
 #include "tests/runs.hpp"
 #include "tvncommon/TVNBinaryFile.hpp"
+#include "tvncommon/file_units.hpp"
 #include "tvncommon/io_layer.hpp"
 
+#include <algorithm>
 #include <array>
 #include <map>
 
@@ -195,6 +197,8 @@ TEST_F(BinaryFile, OneComponentOfAKnownLength) {
     EXPECT_EQ(readNumbers, numbers);
     EXPECT_EQ(readSingles, std::vector<float>{2});
     EXPECT_EQ(readReals[9], 10);
+    read_r8_1d("r", 2, readReals.data(), &header);
+    EXPECT_EQ(header, padded("0", 55) + "#!TVN001LER08010000000010");
 
     expectEnd("INPUT",
               "Size mismatch reading file r\nNum values in file: 10\nNum values to read: 11\n",
@@ -203,7 +207,10 @@ TEST_F(BinaryFile, OneComponentOfAKnownLength) {
     expectEnd("INPUT", "Error reading values from file cut\n",
               [&] { read_safe_r8_1d("cut", 10, readReals.data()); });
     sample_files::put("cut", sample_files::get("r").substr(0, 90));
-    expectEnd("INPUT", "Error reading block size from file cut\n", [] { numVals_r8_1d("cut"); });
+    expectEnd("INPUT",
+              "Error reading block size from file cut\n"
+              "Error detail: End-of-file encountered on read\nError number: -1\n",
+              [] { numVals_r8_1d("cut"); });
     sample_files::put("cut", sample_files::get("r").substr(0, 80));
     expectEnd("INPUT", "Error reading header data from file cut\n", [] { numVals_r8_1d("cut"); });
     expectEnd("FATAL", "Error writing values to file r\nValues 10 to 11 of an array of 10\n",
@@ -216,6 +223,41 @@ TEST_F(BinaryFile, OneComponentOfAKnownLength) {
     first.replace(1, 3, 3, '\xff').replace(13, 3, 3, '\xff');
     sample_files::put("long", file + first + sample_files::integerRecord({3}));
     EXPECT_EQ(numVals_i4_1d("long"), 3);
+    std::ranges::fill(readNumbers, 0);
+    read_safe_i4_1d("long", 3, readNumbers.data());
+    EXPECT_EQ(readNumbers, Integers({1, 2, 3}));
+
+    // The checked readers look at the bytes that they need alone.
+    file = sample_files::get("i");
+    file[0] = 81;
+    sample_files::put("odd", file.substr(0, file.size() - 4));
+    read_safe_i4_1d("odd", 3, readNumbers.data(), &header);
+    EXPECT_EQ(readNumbers, numbers);
+    EXPECT_EQ(header, padded("0", 55) + "#!TVN001LEI04010000000003");
+    file[88] = 15; // bytes that make no whole value are left out
+    sample_files::put("odd", file);
+    read_safe_i4_1d("odd", 3, readNumbers.data());
+}
+
+TEST_F(BinaryFile, ArgumentsThatMakeNoSenseStayInsideTheArrays) {
+    for (const bool old : {false, true}) {
+        setUseOldFormat(old);
+        for (const std::int32_t columns : {0, -1, -2147483647 - 1}) {
+            write_r8_2d("file", "1.0 m", 1, 0, columns, {});
+            read_r8_2d("file", old ? 0 : 2, columns, nullptr);
+            expectEnd("FATAL",
+                      "Error writing values to file file\nValues 1 to 1 of an array of 0\n",
+                      [&] { write_r8_2d("file", "1.0 m", 1, 1, columns, Reals{1}); });
+        }
+    }
+    setUseOldFormat(false);
+    const int unit = file_units::getUnit();
+    ASSERT_EQ(io_layer::openRecordsReplace(unit, "short"), io_layer::ok);
+    int status = 1;
+    writeFormattedHeader(unit, std::string(90, 'm'), "I", 1, 2, status);
+    EXPECT_EQ(status, io_layer::ok);
+    file_units::freeUnit(unit);
+    EXPECT_EQ(readTVNBinFileHeader("short"), std::string(55, 'm') + "#!TVN001LEI  010000000002");
 }
 
 } // namespace

@@ -21,11 +21,12 @@ struct OpenFile {
     std::string header;
 };
 
-OpenFile openAndReadHeader(const std::string& filename) {
+OpenFile openAndReadHeader(const std::string& filename, std::string* header = nullptr) {
     OpenFile file{file_units::openRecordsRead(filename), std::string(headerLength, ' ')};
     const int status = io_layer::readRecord(file.unit, file.header.data(), headerLength);
     if (status != io_layer::ok)
         error::input_error_stat(status, "Error reading header from file " + filename);
+    if (header) *header = file.header;
     return file;
 }
 
@@ -38,8 +39,8 @@ void readValues(const OpenFile& file, void* into, std::int64_t bytes, const std:
 }
 
 template<class T>
-void read_1d(const std::string& filename, std::int32_t n, T* array) {
-    const OpenFile file = openAndReadHeader(filename);
+void read_1d(const std::string& filename, std::int32_t n, T* array, std::string* header) {
+    const OpenFile file = openAndReadHeader(filename, header);
     const std::int64_t bytes = std::max(n, 0) * static_cast<std::int64_t>(sizeof(T));
     readValues(file, array, bytes, "", filename);
     file_units::freeUnit(file.unit);
@@ -48,8 +49,8 @@ void read_1d(const std::string& filename, std::int32_t n, T* array) {
 template<class T>
 void readNodeByNode(const OpenFile& file, std::int32_t n, int components, T* const* arrays,
                     const std::string& filename) {
-    std::vector<T> values(static_cast<std::size_t>(components));
-    const auto bytes = static_cast<std::int64_t>(sizeof(T)) * components;
+    std::vector<T> values(static_cast<std::size_t>(std::max(components, 0)));
+    const auto bytes = static_cast<std::int64_t>(sizeof(T) * values.size());
     for (std::int32_t i = 0; i < n; ++i) {
         readValues(file, values.data(), bytes, "", filename);
         for (int c = 0; c < components; ++c) arrays[c][i] = values[static_cast<std::size_t>(c)];
@@ -57,8 +58,9 @@ void readNodeByNode(const OpenFile& file, std::int32_t n, int components, T* con
 }
 
 template<class T>
-void readComponents(const std::string& filename, std::int32_t n, int components, T* const* arrays) {
-    const OpenFile file = openAndReadHeader(filename);
+void readComponents(const std::string& filename, std::int32_t n, int components, T* const* arrays,
+                    std::string* header) {
+    const OpenFile file = openAndReadHeader(filename, header);
     if (isNewerFileFormat(file.header)) {
         const std::int64_t bytes = std::max(n, 0) * static_cast<std::int64_t>(sizeof(T));
         for (int c = 0; c < components; ++c)
@@ -138,26 +140,27 @@ BinaryHeader parseTVNBinFileHeader(std::string_view header, const std::string& f
     return parsed;
 }
 
-void read_i4_1d(const std::string& filename, std::int32_t n, std::int32_t* array) {
-    read_1d(filename, n, array);
+void read_i4_1d(const std::string& filename, std::int32_t n, std::int32_t* array,
+                std::string* header) {
+    read_1d(filename, n, array, header);
 }
 
-void read_r4_1d(const std::string& filename, std::int32_t n, float* array) {
-    read_1d(filename, n, array);
+void read_r4_1d(const std::string& filename, std::int32_t n, float* array, std::string* header) {
+    read_1d(filename, n, array, header);
 }
 
-void read_r8_1d(const std::string& filename, std::int32_t n, double* array) {
-    read_1d(filename, n, array);
+void read_r8_1d(const std::string& filename, std::int32_t n, double* array, std::string* header) {
+    read_1d(filename, n, array, header);
 }
 
 void read_r4_components(const std::string& filename, std::int32_t n, int components,
-                        float* const* arrays) {
-    readComponents(filename, n, components, arrays);
+                        float* const* arrays, std::string* header) {
+    readComponents(filename, n, components, arrays, header);
 }
 
 void read_r8_components(const std::string& filename, std::int32_t n, int components,
-                        double* const* arrays) {
-    readComponents(filename, n, components, arrays);
+                        double* const* arrays, std::string* header) {
+    readComponents(filename, n, components, arrays, header);
 }
 
 } // namespace TVNBinaryFile

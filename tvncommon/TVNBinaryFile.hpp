@@ -46,15 +46,18 @@ bool isNewerFileFormat(std::string_view header);
 
 // Whole files into the caller's arrays of `n` values each. A longer record is taken in part; a
 // shorter one, a failed open and a negative status end the run with the file's name. A negative `n`
-// counts as 0.
-void read_i4_1d(const std::string& filename, std::int32_t n, std::int32_t* array);
-void read_r4_1d(const std::string& filename, std::int32_t n, float* array);
-void read_r8_1d(const std::string& filename, std::int32_t n, double* array);
+// counts as 0. `header`, where it is given, receives the 80 characters of the header.
+void read_i4_1d(const std::string& filename, std::int32_t n, std::int32_t* array,
+                std::string* header = nullptr);
+void read_r4_1d(const std::string& filename, std::int32_t n, float* array,
+                std::string* header = nullptr);
+void read_r8_1d(const std::string& filename, std::int32_t n, double* array,
+                std::string* header = nullptr);
 
 // Files of several components; `arrays` holds one pointer for each component.
 void read_r4_components(const std::string& filename, std::int32_t n, int components,
-                        float* const* arrays);
+                        float* const* arrays, std::string* header = nullptr);
 void read_r8_components(const std::string& filename, std::int32_t n, int components,
-                        double* const* arrays);
+                        double* const* arrays, std::string* header = nullptr);
 
 } // namespace TVNBinaryFile

@@ -15,10 +15,7 @@ namespace TVNBinaryFile {
 namespace {
 
 constexpr std::int64_t frameBytes = 4; // of a length, in front of a record and behind it
-
-void copyHeader(const std::string& filename, std::string* header) {
-    if (header) *header = readTVNBinFileHeader(filename);
-}
+constexpr std::int64_t valuesBegin = headerLength + 2 * frameBytes;
 
 template<class T>
 std::vector<T*> columnsOf(T* array, std::int32_t n, std::int32_t columns) {
@@ -28,92 +25,106 @@ std::vector<T*> columnsOf(T* array, std::int32_t n, std::int32_t columns) {
     return starts;
 }
 
-void mustRead(const byte_file::File& file, std::int64_t position, void* into, std::int64_t size,
-              const std::string& what, const std::string& filename) {
-    const int status = byte_file::readAt(file, position, into, size);
-    if (status != io_layer::ok)
-        error::input_error_stat(status, "Error reading " + what + " from file " + filename);
-}
-
-// Length of the record behind the header. A negative length says that the record goes on.
-std::int64_t valueBytes(const std::string& filename, const std::string& headerName) {
+// A result file of one component, read byte by byte: of the lengths around its records only those
+// in front of the values count.
+struct Checked {
+    std::string name;
     byte_file::File file;
     std::int64_t size = 0;
-    error::checkFileOpen(byte_file::open(filename, system_calls::OpenMode::read, file, size),
+};
+
+void mustRead(const Checked& c, std::int64_t position, void* into, std::int64_t size,
+              const std::string& what) {
+    int status = io_layer::endOfFile;
+    if (position + size <= c.size) status = byte_file::readAt(c.file, position, into, size);
+    if (status != io_layer::ok)
+        error::input_error_stat(status, "Error reading " + what + " from file " + c.name);
+}
+
+Checked openChecked(const std::string& filename, const std::string& headerName,
+                    std::string* header) {
+    Checked c{filename, {}, 0};
+    error::checkFileOpen(byte_file::open(filename, system_calls::OpenMode::read, c.file, c.size),
                          filename);
-    std::array<char, headerLength + 2 * frameBytes> headerRecord;
-    mustRead(file, 0, headerRecord.data(), headerRecord.size(), headerName, filename);
-    std::int64_t position = headerRecord.size(), total = 0;
+    std::array<char, valuesBegin> record;
+    mustRead(c, 0, record.data(), valuesBegin, headerName);
+    if (header) header->assign(record.data() + frameBytes, headerLength);
+    return c;
+}
+
+// Length of the record behind the header, whose first `wanted` bytes go into `into`. A negative
+// length says that the record goes on.
+std::int64_t walkValues(const Checked& c, char* into, std::int64_t wanted) {
+    std::int64_t position = valuesBegin, total = 0;
     for (bool goesOn = true; goesOn;) {
         std::int32_t marker = 0;
-        mustRead(file, position, &marker, frameBytes, "block size", filename);
+        mustRead(c, position, &marker, frameBytes, "block size");
         const std::int64_t length = marker < 0 ? -std::int64_t{marker} : marker;
         goesOn = marker < 0;
+        const std::int64_t part = std::min(length, wanted - total);
+        if (part > 0) mustRead(c, position + frameBytes, into + total, part, "values");
         total += length;
         position += length + 2 * frameBytes;
     }
-    byte_file::close(file);
     return total;
 }
 
 std::int32_t numValsWork_1d(const std::string& filename, std::int64_t bytesPerValue) {
-    return static_cast<std::int32_t>(valueBytes(filename, "header data") / bytesPerValue);
+    Checked c = openChecked(filename, "header data", nullptr);
+    const std::int64_t bytes = walkValues(c, nullptr, 0);
+    byte_file::close(c.file);
+    return static_cast<std::int32_t>(bytes / bytesPerValue);
 }
 
-void expectValues(const std::string& filename, std::int32_t n, std::int64_t bytesPerValue) {
-    const std::int64_t values = valueBytes(filename, "header") / bytesPerValue;
+template<class T>
+void read_safe(const std::string& filename, std::int32_t n, T* array, std::string* header) {
+    Checked c = openChecked(filename, "header", header);
+    const std::int64_t bytes = walkValues(c, nullptr, 0);
+    const std::int64_t values = bytes / static_cast<std::int64_t>(sizeof(T));
     if (values != n)
         error::input_error("Size mismatch reading file " + filename + "\nNum values in file: " +
                            std::to_string(values) + "\nNum values to read: " + std::to_string(n));
+    walkValues(c, reinterpret_cast<char*>(array), n * static_cast<std::int64_t>(sizeof(T)));
+    byte_file::close(c.file);
 }
 
 } // namespace
 
 void read_r4_tensor(const std::string& filename, std::int32_t n, float* a1, float* a2, float* a3,
                     float* a4, float* a5, float* a6, std::string* header) {
-    copyHeader(filename, header);
     const std::array arrays{a1, a2, a3, a4, a5, a6};
-    read_r4_components(filename, n, static_cast<int>(arrays.size()), arrays.data());
+    read_r4_components(filename, n, static_cast<int>(arrays.size()), arrays.data(), header);
 }
 
 void read_r8_tensor(const std::string& filename, std::int32_t n, double* a1, double* a2, double* a3,
                     double* a4, double* a5, double* a6, std::string* header) {
-    copyHeader(filename, header);
     const std::array arrays{a1, a2, a3, a4, a5, a6};
-    read_r8_components(filename, n, static_cast<int>(arrays.size()), arrays.data());
+    read_r8_components(filename, n, static_cast<int>(arrays.size()), arrays.data(), header);
 }
 
 void read_r4_2d(const std::string& filename, std::int32_t n, std::int32_t columns, float* array,
                 std::string* header) {
-    copyHeader(filename, header);
-    read_r4_components(filename, n, columns, columnsOf(array, n, columns).data());
+    read_r4_components(filename, n, columns, columnsOf(array, n, columns).data(), header);
 }
 
 void read_r8_2d(const std::string& filename, std::int32_t n, std::int32_t columns, double* array,
                 std::string* header) {
-    copyHeader(filename, header);
-    read_r8_components(filename, n, columns, columnsOf(array, n, columns).data());
+    read_r8_components(filename, n, columns, columnsOf(array, n, columns).data(), header);
 }
 
 void read_safe_i4_1d(const std::string& filename, std::int32_t n, std::int32_t* array,
                      std::string* header) {
-    expectValues(filename, n, sizeof *array);
-    copyHeader(filename, header);
-    read_i4_1d(filename, n, array);
+    read_safe(filename, n, array, header);
 }
 
 void read_safe_r4_1d(const std::string& filename, std::int32_t n, float* array,
                      std::string* header) {
-    expectValues(filename, n, sizeof *array);
-    copyHeader(filename, header);
-    read_r4_1d(filename, n, array);
+    read_safe(filename, n, array, header);
 }
 
 void read_safe_r8_1d(const std::string& filename, std::int32_t n, double* array,
                      std::string* header) {
-    expectValues(filename, n, sizeof *array);
-    copyHeader(filename, header);
-    read_r8_1d(filename, n, array);
+    read_safe(filename, n, array, header);
 }
 
 std::int32_t numVals_i4_1d(const std::string& filename) {

@@ -74,10 +74,11 @@ void write_1d(const std::string& filename, std::string_view message, std::int32_
 template<class T>
 void write_2d(const std::string& filename, std::string_view message, std::int32_t first,
               std::int32_t last, std::int32_t columns, std::span<const T> array) {
-    const auto width = static_cast<std::size_t>(std::max(columns, 1));
-    const std::size_t rows = array.size() / width;
+    const auto width = static_cast<std::size_t>(std::max(columns, 0));
+    const std::size_t rows = width == 0 ? 0 : array.size() / width;
     const Part part = partOf(first, last, rows, filename);
-    const int unit = openWithHeader(filename, message, typeCode<T>, columns, part.count);
+    const int unit = openWithHeader(filename, message, typeCode<T>,
+                                    static_cast<std::int32_t>(width), part.count);
     if (useOldFormat) {
         std::vector<T> row(width);
         for (std::size_t i = part.begin; i < part.begin + part.count; ++i) {
@@ -124,12 +125,12 @@ void write_r8_2d(const std::string& filename, std::string_view message, std::int
 
 void writeFormattedHeader(int unit, std::string_view message, std::string_view type,
                           std::int32_t numComponents, std::int32_t numValues, int& status) {
-    std::string header(StringHelpers::trimLeft(message));
+    std::string header(StringHelpers::trimLeft(message)), code(type);
+    code.resize(3, ' ');
     header.resize(headerLength, ' ');
     if (!useOldFormat)
         header.replace(magicOffset, std::string::npos,
-                       "#!TVN001LE" + std::string(type) +
-                           utils::zeroPaddedIntString(numComponents, 2) +
+                       "#!TVN001LE" + code + utils::zeroPaddedIntString(numComponents, 2) +
                            utils::zeroPaddedIntString(numValues, 10));
     status = io_layer::writeRecord(unit, header.data(), headerLength);
 }

@@ -1,5 +1,6 @@
 #include "tvncommon/file_units.hpp"
 
+#include "tvncommon/StringHelpers.hpp"
 #include "tvncommon/error.hpp"
 #include "tvncommon/io_layer.hpp"
 
@@ -15,8 +16,11 @@ void checkWrite(int unit, int status) {
     if (status != io_layer::ok) error::checkFileWrite(status, io_layer::pathOf(unit));
 }
 
-void mustExist(const std::string& filename) {
-    if (!io_layer::exists(filename)) error::fatalError("File not found: " + filename);
+// The name without its trailing blanks.
+std::string nameOfExisting(std::string_view filename) {
+    std::string name(StringHelpers::trimRight(filename));
+    if (!io_layer::exists(name)) error::fatalError("File not found: " + name);
+    return name;
 }
 
 } // namespace
@@ -61,13 +65,11 @@ int openRecordsRead(const std::string& path) {
 }
 
 void open_ascii_file(int& unit, const std::string& filename) {
-    mustExist(filename);
-    unit = openTextRead(filename);
+    unit = openTextRead(nameOfExisting(filename));
 }
 
 void open_unformatted_file(int& unit, const std::string& filename) {
-    mustExist(filename);
-    unit = openRecordsRead(filename);
+    unit = openRecordsRead(nameOfExisting(filename));
 }
 
 void writeLine(int unit, std::string_view line) {
