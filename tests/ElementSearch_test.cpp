@@ -189,7 +189,9 @@ TEST_F(Search, OddNumbersStayInsideTheArrays) {
         for (int k = 0; k < 4; ++k)
             odd.elementNodes[random() % odd.elementNodes.size()] = oddNodes[random() % 5];
         odd.z[random() % odd.z.size()] = nan;
+        odd.elementNodes[0] = oddNodes[random() % 5];
         use(odd);
+        EXPECT_FALSE(pointInElement2D(1, 0.4, 0.7));
         setNearestFallback(round % 4 < 2);
         for (const double x : {-1.0, 0.4, 1.5})
             for (const double z : {-1.0, 0.5, 3.0, nan}) {
@@ -197,6 +199,7 @@ TEST_F(Search, OddNumbersStayInsideTheArrays) {
                 EXPECT_TRUE(found >= 0 && found <= mesh.elementCount);
                 interpElement3DNoIndex(x, 0.7, z, values);
                 for (const std::int32_t element : oddNodes) {
+                    EXPECT_FALSE(pointInElement2D(element, x, 0.7));
                     EXPECT_FALSE(pointInElement3D(element, x, 0.7, z));
                     interpElement3DIndex(element, x, 0.7, z, values);
                 }

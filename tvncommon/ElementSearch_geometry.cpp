@@ -12,6 +12,15 @@ namespace {
 constexpr double noNumber = std::numeric_limits<double>::quiet_NaN();
 constexpr std::array<std::size_t, 3> firstHalf{0, 1, 2}, secondHalf{0, 2, 3};
 
+// Entry of an array for a node of an element, counted from 0; null where there is none.
+const double* entryOf(std::span<const double> array, std::int32_t element, std::size_t k) {
+    if (element < 1 || element > state.elementCount) return nullptr;
+    const std::size_t place = (static_cast<std::size_t>(element) - 1) * allNodes().count + k;
+    if (place >= state.elementNodes.size()) return nullptr;
+    const auto node = static_cast<std::size_t>(state.elementNodes[place]) - 1;
+    return node < array.size() ? &array[node] : nullptr;
+}
+
 // Corners of a face, three or four, and what an array holds there.
 struct Corners {
     std::array<double, 4> xs{}, ys{}, values{};
@@ -114,19 +123,21 @@ Face topFace() {
 }
 
 double atNode(std::span<const double> array, std::int32_t element, std::size_t k) {
-    if (element < 1 || element > state.elementCount) return noNumber;
-    const std::size_t place = (static_cast<std::size_t>(element) - 1) * allNodes().count + k;
-    if (place >= state.elementNodes.size()) return noNumber;
-    const auto node = static_cast<std::size_t>(state.elementNodes[place]) - 1;
-    return node < array.size() ? array[node] : noNumber;
+    const double* entry = entryOf(array, element, k);
+    return entry ? *entry : noNumber;
 }
 
 bool pointInElement2D(std::int32_t element, double x, double y) {
-    const Corners corners =
-        cornersOf(element, {0, std::min<std::size_t>(bottomFace().count, 4)}, {});
+    const std::size_t count = std::min<std::size_t>(bottomFace().count, 4);
+    const Corners corners = cornersOf(element, {0, count}, {});
     const std::span xs(corners.xs), ys(corners.ys);
-    if (state.nodesPerElement == 6) return pointInTriangle2D(xs.first<3>(), ys.first<3>(), x, y);
-    if (state.nodesPerElement == 8) return pointInQuad2D(xs, ys, x, y);
+    // The test itself would find a place on the left of any edge to a node that is not there.
+    bool known = true;
+    for (std::size_t k = 0; k < count; ++k)
+        known = known && entryOf(state.nodeX, element, k) && entryOf(state.nodeY, element, k);
+    if (state.nodesPerElement == 6)
+        return known && pointInTriangle2D(xs.first<3>(), ys.first<3>(), x, y);
+    if (state.nodesPerElement == 8) return known && pointInQuad2D(xs, ys, x, y);
     state.errorCallback("pointInElement2D: expected triangular prism or block elements");
     return false;
 }
