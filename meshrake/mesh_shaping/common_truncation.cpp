@@ -37,7 +37,7 @@ void includeDomainNode(Domain& domain, std::int32_t pmNode, std::int32_t linkBas
 // Visits the used slots of an element and keeps their number for whoever evaluates shapes later.
 template<class Visit>
 void forEachNode(const Domain& domain, std::size_t element, Visit visit) {
-    const std::int32_t* slots = slotsOf(domain, element);
+    const std::int32_t* slots = model::slotsOf(domain, element);
     run.meshNodesPerElement = 0;
     for (std::int32_t k = 0; k < domain.nodesPerElement; ++k) {
         if (slots[k] < 1) continue;

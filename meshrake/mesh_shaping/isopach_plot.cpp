@@ -1,7 +1,6 @@
 #include "meshrake/mesh_shaping/isopach_plot.hpp"
 
 #include "meshrake/mesh_shaping/plot_parts.hpp"
-#include "meshrake/mesh_shaping/truncation_parts.hpp"
 #include "meshrake/model/run_state.hpp"
 #include "meshrake/plot_data/array_writing.hpp"
 #include "meshrake/plot_data/connectivity.hpp"
@@ -56,8 +55,8 @@ void checkElements(const Domain& olf, const Domain& pm) {
     const std::size_t lowerSlots = lowerSlotsOf(olf, pm);
     for (std::size_t p = 0; p < layerCountOf(olf, pm) * surface; ++p) {
         if (pm.elementZone[p] < 1) continue;
-        const std::int32_t* nodes = slotsOf(pm, p);
-        const std::int32_t* first = slotsOf(pm, p % surface);
+        const std::int32_t* nodes = model::slotsOf(pm, p);
+        const std::int32_t* first = model::slotsOf(pm, p % surface);
         if (std::any_of(nodes, nodes + slots, [](std::int32_t node) { return node < 1; }))
             badElement(p, " has an unused node slot");
         for (std::size_t j = lowerSlots; j < slots; ++j) {
@@ -106,8 +105,8 @@ void addLayer(const Domain& olf, const Domain& pm, std::size_t e, std::size_t p,
     const auto slots = static_cast<std::size_t>(pm.nodesPerElement);
     const std::int32_t faceNodes = faceNodesOf(olf);
     const std::size_t lowerSlots = lowerSlotsOf(olf, pm);
-    const std::int32_t* nodes = slotsOf(pm, p);
-    const std::int32_t* first = slotsOf(pm, e);
+    const std::int32_t* nodes = model::slotsOf(pm, p);
+    const std::int32_t* first = model::slotsOf(pm, e);
     double lowerSum = 0;
     double upperSum = 0;
     for (std::size_t j = 0; j < slots; ++j) {

@@ -1,6 +1,5 @@
 #include "meshrake/mesh_shaping/mesh_columns.hpp"
 
-#include "meshrake/mesh_shaping/truncation_parts.hpp"
 #include "meshrake/model/run_state.hpp"
 #include "meshrake/plot_data/array_writing.hpp"
 #include "tvncommon/ArrayHelpers.hpp"
@@ -44,7 +43,7 @@ plot_data::NextValues<T> includedValues(const std::vector<std::uint8_t>& include
 // Mean of the heights of the upper over the lower nodes, whose slots match in order.
 double thickness(const Domain& domain, std::size_t element) {
     const std::int32_t half = domain.nodesPerElement / 2;
-    const std::int32_t* slots = slotsOf(domain, element);
+    const std::int32_t* slots = model::slotsOf(domain, element);
     double sum = 0;
     for (std::int32_t j = 0; j < half; ++j) {
         const std::int32_t lower = slots[j];

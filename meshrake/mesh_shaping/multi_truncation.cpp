@@ -22,7 +22,7 @@ std::int32_t domainNode(const Domain& domain, std::int32_t pmNode) {
 
 // Marks the nodes of an element and tells whether all of its used slots have one.
 bool includeNodes(Domain& domain, std::size_t element) {
-    const std::int32_t* slots = slotsOf(domain, element);
+    const std::int32_t* slots = model::slotsOf(domain, element);
     bool complete = true;
     for (std::int32_t k = 0; k < domain.nodesPerElement; ++k) {
         if (slots[k] < 1) continue;

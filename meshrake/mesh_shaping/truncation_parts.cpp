@@ -19,12 +19,8 @@ bool within(double value, const double* bounds) {
 
 } // namespace
 
-const std::int32_t* slotsOf(const Domain& domain, std::size_t element) {
-    return domain.elementNodes.data() + element * static_cast<std::size_t>(domain.nodesPerElement);
-}
-
 Point centroid(const Domain& domain, const Domain& pm, std::size_t element) {
-    const std::int32_t* slots = slotsOf(domain, element);
+    const std::int32_t* slots = model::slotsOf(domain, element);
     Point sum;
     double count = 0;
     for (std::int32_t k = 0; k < domain.nodesPerElement; ++k) {

@@ -9,9 +9,6 @@ struct Point {
     double x = 0, y = 0, z = 0;
 };
 
-// Node slots of an element from 0, nodesPerElement of them: pm node numbers, unused ones below 1.
-const std::int32_t* slotsOf(const model::Domain& domain, std::size_t element);
-
 // Mean of the pm nodes of the element; no number when it has none.
 Point centroid(const model::Domain& domain, const model::Domain& pm, std::size_t element);
 

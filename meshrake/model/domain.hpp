@@ -102,6 +102,11 @@ bool enabled(const Domain& domain, Option option); // true for Option::none
 // True for pm and for a domain on the multi-node scheme.
 bool hasOwnNodes(const Domain& domain);
 
+// Node slots of an element from 0, nodesPerElement of them: pm node numbers, unused ones below 1.
+inline const std::int32_t* slotsOf(const Domain& domain, std::size_t element) {
+    return domain.elementNodes.data() + element * static_cast<std::size_t>(domain.nodesPerElement);
+}
+
 // The domain's variable with this key, null while the domain has none of that key.
 const OutputVar* findOutputVar(const Domain& domain, std::string_view key);
 

@@ -85,10 +85,11 @@ void checkElements(const Domain& pm) {
 // The nodes are those of the element with the observation's number, whatever element holds the
 // point.
 double byShape(const Domain& pm, const NodeValues& values, std::size_t i) {
-    const auto slots = static_cast<std::size_t>(pm.nodesPerElement);
+    const std::int32_t* slots = model::slotsOf(pm, i);
+    const auto slotCount = static_cast<std::size_t>(pm.nodesPerElement);
     Shape nodal{};
-    for (std::size_t k = 0; k < std::min(slots, nodal.size()); ++k)
-        nodal[k] = valueAt(values, pm.elementNodes[i * slots + k]);
+    for (std::size_t k = 0; k < std::min(slotCount, nodal.size()); ++k)
+        nodal[k] = valueAt(values, slots[k]);
     Shape shape;
     std::copy_n(run.observations.obsShape.begin() + static_cast<std::ptrdiff_t>(8 * i),
                 shape.size(), shape.begin());

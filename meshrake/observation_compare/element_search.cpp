@@ -103,8 +103,7 @@ std::vector<std::int32_t> orderOf(const std::vector<Box>& boxes) {
 } // namespace
 
 Box elementBox(const Domain& domain, std::size_t element) {
-    const std::int32_t* slots =
-        domain.elementNodes.data() + element * static_cast<std::size_t>(domain.nodesPerElement);
+    const std::int32_t* slots = model::slotsOf(domain, element);
     const std::vector<double>* xyz[] = {&domain.x, &domain.y, &domain.z};
     Box box;
     bool first = true;

@@ -102,11 +102,10 @@ using CellStep = void (*)(const Output&, const Shape&, const std::int32_t* slots
 // Only the first elements, as many as are included, are looked at, of which some may not be.
 void forEachCell(const Output& out, const Shape& shape, CellStep step) {
     const Domain& domain = out.domain;
-    const std::int32_t* slots = domain.elementNodes.data();
     for (std::size_t e = 0; e < static_cast<std::size_t>(domain.neTruncated); ++e) {
+        const std::int32_t* slots = model::slotsOf(domain, e);
         const bool isTriangle = domain.nodesPerElement == 4 && slots[3] == 0;
         if (domain.elementIncluded[e]) step(out, isTriangle ? triangle : shape, slots);
-        slots += domain.nodesPerElement;
     }
 }
 

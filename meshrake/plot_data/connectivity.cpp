@@ -97,8 +97,7 @@ std::int32_t renumbered(const Domain& domain, std::int32_t pmNode) {
 // Output node numbers of one element into `nodes`, as many as the pattern has.
 void tecplotElemConnectivity(const Domain& domain, const OwnNodes& own, const Pattern& pattern,
                              std::size_t element, std::int32_t* nodes) {
-    const std::int32_t* slots =
-        domain.elementNodes.data() + element * static_cast<std::size_t>(domain.nodesPerElement);
+    const std::int32_t* slots = model::slotsOf(domain, element);
     const bool triangle = domain.nodesPerElement == 4 && slots[3] == 0;
     if (own.inUse && !triangle) {
         for (int k = 0; k < 4; ++k) nodes[k] = ownNode(domain, own, slots[k], element);
