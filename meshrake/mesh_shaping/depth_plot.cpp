@@ -1,5 +1,6 @@
 #include "meshrake/mesh_shaping/depth_plot.hpp"
 
+#include "meshrake/mesh_shaping/mesh_columns.hpp"
 #include "meshrake/mesh_shaping/plot_parts.hpp"
 #include "meshrake/model/run_state.hpp"
 #include "meshrake/plot_data/array_writing.hpp"
@@ -20,21 +21,15 @@ namespace {
 
 constexpr std::string_view plot = "plot pm depth below ground surface";
 
-void computeDepth(const Domain& olf, const Domain& pm, std::vector<double>& depth) {
-    const auto sheetNodes = static_cast<std::size_t>(olf.nodeCount);
-    const std::size_t topSheet = (depth.size() / sheetNodes - 1) * sheetNodes;
-    for (std::size_t k = 0; k < topSheet; k += sheetNodes)
-        for (std::size_t i = 0; i < sheetNodes; ++i)
-            depth[k + i] = pm.z[topSheet + i] - pm.z[k + i];
-}
-
-std::vector<double> depthOf(const Domain& olf, const Domain& pm) {
+// The column that the run wrote or, where it had none, `computed`.
+const std::vector<double>& depthOf(const Domain& olf, const Domain& pm,
+                                   std::vector<double>& computed) {
     const model::OutputVar* var = model::findOutputVar(pm, "depth2Surf");
     if (var && var->firstExists) return var->columns[0].real8;
-    std::vector<double> depth;
-    ArrayHelpers::allocateArray(depth, pm.nodeCount, "Depth to surface array");
-    computeDepth(olf, pm, depth);
-    return depth;
+    ArrayHelpers::allocateArray(computed, pm.nodeCount, "Depth to surface array");
+    const auto sheetNodes = static_cast<std::size_t>(olf.nodeCount);
+    computeDepthBelowTop(pm, sheetNodes, computed.size() / sheetNodes, computed);
+    return computed;
 }
 
 } // namespace
@@ -44,7 +39,8 @@ void plot_pmdepth_grndsurf(const Domain& olf, Domain& pm) {
     if (olf.nodeCount > pm.nodeCount)
         error::input_error("The " + std::string(plot) + " finds fewer nodes in pm than in olf.");
     truncateForPlot(pm, pm);
-    const std::vector<double> depth = depthOf(olf, pm);
+    std::vector<double> computed;
+    const std::vector<double>& depth = depthOf(olf, pm, computed);
 
     const std::string name = announcePlot(plot, "pm_DepthToSurf");
     plot_data::tecplotInit(pm);

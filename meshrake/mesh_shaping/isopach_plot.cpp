@@ -89,15 +89,15 @@ void allocate(Isopach& isopach, const Domain& olf) {
     ArrayHelpers::allocateArray(isopach.zoneThickness, olf.elementCount, arrayName);
 }
 
-// One coordinate of the nodes of olf, which may be those of pm.
-std::vector<double> surfaceCoordinate(const Domain& olf, const std::vector<double>& own,
-                                      const std::vector<double>& ofPm) {
+// One coordinate of the nodes of olf: its own, or in `gathered` those of its pm nodes.
+const std::vector<double>& surfaceCoordinate(const Domain& olf, const std::vector<double>& own,
+                                             const std::vector<double>& ofPm,
+                                             std::vector<double>& gathered) {
     if (model::hasOwnNodes(olf)) return own;
-    std::vector<double> values;
-    ArrayHelpers::allocateArray(values, olf.nodeCount, arrayName);
-    for (std::size_t i = 0; i < values.size(); ++i)
-        values[i] = ofPm[static_cast<std::size_t>(olf.linkToPm[i] - 1)];
-    return values;
+    ArrayHelpers::allocateArray(gathered, olf.nodeCount, arrayName);
+    for (std::size_t i = 0; i < gathered.size(); ++i)
+        gathered[i] = ofPm[static_cast<std::size_t>(olf.linkToPm[i] - 1)];
+    return gathered;
 }
 
 // Adds pm element `p` of the column over surface element `e`.
@@ -137,8 +137,9 @@ void writeThickness(Domain& olf, const Isopach& isopach, std::string_view label)
 
 void writeFirstZone(Domain& olf, const Domain& pm, const Isopach& isopach, std::string_view time) {
     plot_data::tecplotWriteZoneFE("Isopach", time, 0, olf);
-    writeNodes(olf, x, surfaceCoordinate(olf, olf.x, pm.x), "x");
-    writeNodes(olf, y, surfaceCoordinate(olf, olf.y, pm.y), "y");
+    std::vector<double> gathered;
+    writeNodes(olf, x, surfaceCoordinate(olf, olf.x, pm.x, gathered), "x");
+    writeNodes(olf, y, surfaceCoordinate(olf, olf.y, pm.y, gathered), "y");
     writeNodes(olf, z, isopach.topElevation, "z (isopach top)");
     writeThickness(olf, isopach, "isopach thickness (cell centred)");
     plot_data::tecplotWriteConnectivity(olf);

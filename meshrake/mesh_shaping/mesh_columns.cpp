@@ -129,6 +129,14 @@ void writeElementThickness(Domain& domain, const VariableRow& row, OutputVar& va
                                      row.columns[0].label, domain);
 }
 
+void computeDepthBelowTop(const Domain& pm, std::size_t sheetNodes, std::size_t sheets,
+                          std::vector<double>& depth) {
+    const std::size_t topSheet = (sheets - 1) * sheetNodes;
+    for (std::size_t k = 0; k < topSheet; k += sheetNodes)
+        for (std::size_t i = 0; i < sheetNodes; ++i)
+            depth[k + i] = pm.z[topSheet + i] - pm.z[k + i];
+}
+
 void depth2SurfInit(Domain& domain, const VariableRow& row, OutputVar& var) {
     if (!run.plotDepthBelowSurface) return;
     var.columns.resize(1);
@@ -139,11 +147,7 @@ void depth2SurfInit(Domain& domain, const VariableRow& row, OutputVar& var) {
             error::fatalError("Depth2Surf: the mesh has no node sheets\nFile: " +
                               model::problemFile("coordinates_pm"));
         const auto sheets = static_cast<std::size_t>(run.sheetCount);
-        const std::size_t sheetNodes = depth.size() / sheets;
-        const std::size_t topSheet = (sheets - 1) * sheetNodes;
-        for (std::size_t k = 0; k < topSheet; k += sheetNodes)
-            for (std::size_t i = 0; i < sheetNodes; ++i)
-                depth[k + i] = domain.z[topSheet + i] - domain.z[k + i];
+        computeDepthBelowTop(domain, depth.size() / sheets, sheets, depth);
     }
     meshColumnInit(domain, row, var);
 }

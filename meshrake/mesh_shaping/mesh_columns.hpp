@@ -25,7 +25,12 @@ void writeLayerNumber(Domain& domain, const VariableRow& row, OutputVar& var);
 void writeColumnNumber(Domain& domain, const VariableRow& row, OutputVar& var);
 void writeElementThickness(Domain& domain, const VariableRow& row, OutputVar& var);
 
-// Depth of each node below the top of its column; only for the plot of depths below the surface.
+// Length by which each node lies below the top of its column in a mesh of these sheets, at least
+// one. `depth` holds zeros, one for each node; those of the top sheet and behind it stay.
+void computeDepthBelowTop(const Domain& pm, std::size_t sheetNodes, std::size_t sheets,
+                          std::vector<double>& depth);
+
+// The same as a column; only for the plot of depths below the surface.
 void depth2SurfInit(Domain& domain, const VariableRow& row, OutputVar& var);
 
 // Aperture of the fracture elements, from the element list.
