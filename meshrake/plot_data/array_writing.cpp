@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <string>
+#include <type_traits>
 
 namespace plot_data {
 
@@ -17,50 +18,36 @@ using model::run;
 
 namespace {
 
-constexpr std::int64_t valuesPerRow = 5;
+using number_formats::valuesPerRow;
 
-// Row width with its line feed.
-constexpr std::int64_t rowBytes(const std::int32_t*) {
-    return 56;
-}
-constexpr std::int64_t rowBytes(const void*) {
-    return 131;
-}
+template<class T>
+constexpr bool isReal = std::is_floating_point_v<T>;
 
-char* writeRows(const float* v, std::int64_t rows, char* out) {
-    return number_formats::writeRealRows(v, rows, out);
-}
-char* writeRows(const double* v, std::int64_t rows, char* out) {
-    return number_formats::writeRealRows(v, rows, out);
-}
-char* writeRows(const std::int32_t* v, std::int64_t rows, char* out) {
-    return number_formats::writeIntegerRows(v, rows, out);
-}
-char* writeTail(const float* v, int count, char* out) {
-    return number_formats::writeRealTail(v, count, out);
-}
-char* writeTail(const double* v, int count, char* out) {
-    return number_formats::writeRealTail(v, count, out);
-}
-char* writeTail(const std::int32_t* v, int count, char* out) {
-    return number_formats::writeIntegerTail(v, count, out);
-}
+template<class T>
+constexpr std::int64_t rowBytes =
+    isReal<T> ? number_formats::realRowBytes : number_formats::integerRowBytes;
 
 template<class T>
 void appendRows(TextBlock& block, const T* values, std::int64_t rows) {
     while (rows > 0) {
-        const std::int64_t n = std::min(rows, makeRoom(block, rowBytes(values)));
-        block.end = writeRows(values, n, block.end);
+        const std::int64_t n = std::min(rows, makeRoom(block, rowBytes<T>));
+        if constexpr (isReal<T>)
+            block.end = number_formats::writeRealRows(values, n, block.end);
+        else
+            block.end = number_formats::writeIntegerRows(values, n, block.end);
         values += n * valuesPerRow;
         rows -= n;
     }
 }
 
 template<class T>
-void appendTail(TextBlock& block, const T* values, std::int64_t count) {
+void appendTail(TextBlock& block, const T* values, int count) {
     if (count == 0) return;
-    makeRoom(block, rowBytes(values));
-    block.end = writeTail(values, static_cast<int>(count), block.end);
+    makeRoom(block, rowBytes<T>);
+    if constexpr (isReal<T>)
+        block.end = number_formats::writeRealTail(values, count, block.end);
+    else
+        block.end = number_formats::writeIntegerTail(values, count, block.end);
 }
 
 // Values that are gathered or made stay in the cache until they are in the file. Whole rows.
@@ -83,7 +70,7 @@ template<class T>
 void appendArray(TextBlock& block, const T* values, std::int64_t count) {
     const std::int64_t rows = count / valuesPerRow;
     appendRows(block, values, rows);
-    appendTail(block, values + rows * valuesPerRow, count - rows * valuesPerRow);
+    appendTail(block, values + rows * valuesPerRow, static_cast<int>(count % valuesPerRow));
 }
 
 TextBlock beginArray(std::string_view label, const Domain& domain) {
