@@ -12,6 +12,7 @@
 #include <array>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace plot_data::binary {
 
@@ -86,19 +87,13 @@ void checkNames(const Domain& domain) {
         " domain has a comma in its name, which a binary plot file cannot hold: " + list);
 }
 
-std::int32_t zoneTypeCode(const Domain& domain) {
-    switch (domain.nodesPerElement) {
-    case 2:
-        return 1;
-    case 3:
-    case 4:
-        return (domain.tag & (model::tags::pm | model::tags::dual)) != 0 ? 4 : 3;
-    case 6:
-    case 8:
-        return 5;
-    default:
-        return 0;
-    }
+// The library's numbers of the zone types that domains have.
+std::int32_t zoneTypeCode(std::string_view zoneType) {
+    constexpr std::pair<std::string_view, std::int32_t> codes[] = {
+        {"FELINESEG", 1}, {"FEQUADRILATERAL", 3}, {"FETETRAHEDRON", 4}, {"FEBRICK", 5}};
+    for (const auto& [word, code] : codes)
+        if (word == zoneType) return code;
+    return 0;
 }
 
 // A run that was cut short, after its last output time was recorded, may have left zones that a
@@ -147,6 +142,14 @@ void checkWritten(std::int32_t status, std::int32_t varNumber, Domain& domain) {
           domain);
 }
 
+// `call` is the library's function for values of this type.
+template<class Call, class T>
+void write(Call call, std::int32_t varNumber, std::int64_t count, const T* values, Domain& domain) {
+    if (varNumber < 1) return;
+    const DataSet& set = domain.dataSet;
+    checkWritten(call(set.handle, set.zoneNumber, varNumber, 0, count, values), varNumber, domain);
+}
+
 } // namespace
 
 void fileOpen(std::string_view name, std::string_view title, Domain& domain) {
@@ -183,7 +186,7 @@ void writeZoneFE(std::string_view title, std::string_view solutionTime, int conn
     const std::vector<std::int32_t> varShare = marked(run.sharedVars, 1, 0, set);
     const std::vector<std::int32_t> varPassive = marked({}, 0, 0, set);
     set.varLocation = marked(run.cellCenteredVars, 0, 1, set);
-    check(tecZoneCreateFE(set.handle, trimmed(title).c_str(), zoneTypeCode(domain),
+    check(tecZoneCreateFE(set.handle, trimmed(title).c_str(), zoneTypeCode(domain.zoneType),
                           domain.nnTruncated, domain.neTruncated, set.varTypes.data(),
                           varShare.data(), set.varLocation.data(), varPassive.data(),
                           connectivityShareZone, 0, 0, &set.zoneNumber),
@@ -194,28 +197,16 @@ void writeZoneFE(std::string_view title, std::string_view solutionTime, int conn
 }
 
 void writeValues(std::int32_t varNumber, std::int64_t count, const float* values, Domain& domain) {
-    if (varNumber < 1) return;
-    const DataSet& set = domain.dataSet;
-    checkWritten(
-        tecZoneVarWriteFloatValues(set.handle, set.zoneNumber, varNumber, 0, count, values),
-        varNumber, domain);
+    write(tecZoneVarWriteFloatValues, varNumber, count, values, domain);
 }
 
 void writeValues(std::int32_t varNumber, std::int64_t count, const double* values, Domain& domain) {
-    if (varNumber < 1) return;
-    const DataSet& set = domain.dataSet;
-    checkWritten(
-        tecZoneVarWriteDoubleValues(set.handle, set.zoneNumber, varNumber, 0, count, values),
-        varNumber, domain);
+    write(tecZoneVarWriteDoubleValues, varNumber, count, values, domain);
 }
 
 void writeValues(std::int32_t varNumber, std::int64_t count, const std::int32_t* values,
                  Domain& domain) {
-    if (varNumber < 1) return;
-    const DataSet& set = domain.dataSet;
-    checkWritten(
-        tecZoneVarWriteInt32Values(set.handle, set.zoneNumber, varNumber, 0, count, values),
-        varNumber, domain);
+    write(tecZoneVarWriteInt32Values, varNumber, count, values, domain);
 }
 
 void checkCount(std::int32_t varNumber, std::int64_t written, Domain& domain) {
