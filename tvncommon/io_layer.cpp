@@ -13,6 +13,7 @@ namespace io_layer {
 
 namespace {
 
+using system_calls::OpenMode;
 using system_calls::table;
 
 constexpr std::size_t writeBufferSize = 32768;
@@ -46,12 +47,16 @@ State freshState() {
 
 State state = freshState();
 
-int open(int unit, const std::string& path, system_calls::OpenMode mode, Connection& c) {
+int open(int unit, const std::string& path, OpenMode mode, Form form,
+         Flush flushing = Flush::inBlocks) {
     if (!canBeName(path)) return invalidPath;
+    Connection c;
     c.descriptor = table.open(path.c_str(), mode);
     if (c.descriptor < 0) return statusOfOpen(errno);
     c.path = path;
-    c.writing = mode == system_calls::OpenMode::replace;
+    c.form = form;
+    c.flushing = flushing;
+    c.writing = mode == OpenMode::replace;
     system_calls::FileFacts facts;
     // Only a regular file is sure to come to an end; a device can be written all the same.
     const bool usable = table.facts(c.descriptor, facts) == 0 &&
@@ -195,26 +200,19 @@ std::string pathOf(int unit) {
 }
 
 int openTextRead(int unit, const std::string& path) {
-    Connection c;
-    return open(unit, path, system_calls::OpenMode::read, c);
+    return open(unit, path, OpenMode::read, Form::formatted);
 }
 
 int openTextReplace(int unit, const std::string& path, Flush flushing) {
-    Connection c;
-    c.flushing = flushing;
-    return open(unit, path, system_calls::OpenMode::replace, c);
+    return open(unit, path, OpenMode::replace, Form::formatted, flushing);
 }
 
 int openRecordsRead(int unit, const std::string& path) {
-    Connection c;
-    c.form = Form::unformatted;
-    return open(unit, path, system_calls::OpenMode::read, c);
+    return open(unit, path, OpenMode::read, Form::unformatted);
 }
 
 int openRecordsReplace(int unit, const std::string& path) {
-    Connection c;
-    c.form = Form::unformatted;
-    return open(unit, path, system_calls::OpenMode::replace, c);
+    return open(unit, path, OpenMode::replace, Form::unformatted);
 }
 
 Form formOf(int unit) {
