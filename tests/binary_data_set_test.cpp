@@ -1,3 +1,4 @@
+#include "tests/data_set.hpp"
 #include "tests/runs.hpp"
 #include "tools/data_set_file.hpp"
 
@@ -12,26 +13,14 @@
 namespace {
 
 using namespace sample_files;
+using data_set::between;
+using data_set::split;
 using data_set_file::DataSet;
 using data_set_file::Zone;
 using testing::HasSubstr;
 
 const std::vector<std::string> tags{"pm", "dual", "frac", "olf", "well", "chan", "tile"};
 const std::vector<std::string> plots{"pm_Isopach", "pm_DepthToSurf"};
-
-std::string between(const std::string& text, const std::string& first, const std::string& last) {
-    const std::size_t at = text.find(first);
-    if (at == std::string::npos) return "";
-    const std::size_t begin = at + first.size();
-    return text.substr(begin, text.find(last, begin) - begin);
-}
-
-std::vector<std::string> split(const std::string& list) {
-    std::vector<std::string> items;
-    std::istringstream in(list);
-    for (std::string item; std::getline(in, item, ',');) items.push_back(item);
-    return items;
-}
 
 // Calls back for each number of a list of variables.
 template<class Act>

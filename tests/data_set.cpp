@@ -6,10 +6,6 @@
 
 namespace data_set {
 
-namespace {
-
-const std::string connectivityLabel = "element node lists";
-
 std::string between(const std::string& text, const std::string& first, const std::string& last) {
     const std::size_t at = text.find(first);
     if (at == std::string::npos) return "";
@@ -23,6 +19,10 @@ std::vector<std::string> split(const std::string& list) {
     for (std::string item; std::getline(in, item, ',');) items.push_back(item);
     return items;
 }
+
+namespace {
+
+const std::string connectivityLabel = "element node lists";
 
 std::size_t nodesPerElement(const std::string& zoneType) {
     if (zoneType == "FELINESEG") return 2;

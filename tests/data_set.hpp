@@ -31,4 +31,9 @@ DataSet parse(const std::string& text);
 // each zone with the numbers of cell-centred and of shared variables and with the comments.
 std::string summaryOf(const std::string& text);
 
+// What stands between two texts, empty without the first and up to the end without the last; and
+// the parts between the commas of a list.
+std::string between(const std::string& text, const std::string& first, const std::string& last);
+std::vector<std::string> split(const std::string& list);
+
 } // namespace data_set
