@@ -14,9 +14,9 @@ set(plot_data_below tvncommon model tecio)
 set(mesh_shaping_below tvncommon model plot_data)
 set(variables_below tvncommon model plot_data mesh_shaping)
 set(plot_control_below tvncommon model)
-set(paraview_below tvncommon model plot_data mesh_shaping variables)
-set(observation_compare_below ${paraview_below})
-set(run_below ${paraview_below} plot_control paraview observation_compare)
+set(paraview_below tvncommon model)
+set(observation_compare_below tvncommon model plot_data mesh_shaping)
+set(run_below ${variables_below} variables plot_control paraview observation_compare)
 set(meshrake_below ${run_below} run)
 
 # "meshrake/model/domain.hpp" lies in the layer "model", "meshrake/main.cpp" in "meshrake".
