@@ -12,7 +12,6 @@
 #include "tvncommon/TVNBinaryFile.hpp"
 #include "tvncommon/error.hpp"
 #include "tvncommon/file_units.hpp"
-#include "tvncommon/io_layer.hpp"
 
 #include <cstddef>
 #include <cstdint>
@@ -32,12 +31,6 @@ struct Mesh {
     std::vector<std::int32_t> elementNodes;
 };
 
-int openRecords(const std::string& name) {
-    const int unit = file_units::getUnit();
-    error::checkFileOpen(io_layer::openRecordsRead(unit, name), name);
-    return unit;
-}
-
 // Node sheets by the nodes that stand over the first one.
 std::int32_t countSheets(const Mesh& mesh) {
     std::int32_t sheets = 0;
@@ -47,7 +40,7 @@ std::int32_t countSheets(const Mesh& mesh) {
 }
 
 void readMesh(const std::string& prefix, Mesh& mesh) {
-    int unit = openRecords(prefix + "o.coordinates_pm");
+    int unit = file_units::openRecordsRead(prefix + "o.coordinates_pm");
     mesh.nodeCount = file_units::readInteger(unit);
     std::vector<double> places;
     file_units::readArray(unit, std::int64_t{3} * mesh.nodeCount, places, "coordinates");
@@ -59,7 +52,7 @@ void readMesh(const std::string& prefix, Mesh& mesh) {
     file_units::freeUnit(unit);
     mesh.sheetCount = countSheets(mesh);
 
-    unit = openRecords(prefix + "o.elements_pm");
+    unit = file_units::openRecordsRead(prefix + "o.elements_pm");
     mesh.nodesPerElement = file_units::readInteger(unit);
     mesh.elementCount = file_units::readInteger(unit);
     file_units::readArray(unit, std::int64_t{mesh.nodesPerElement} * mesh.elementCount,
