@@ -65,8 +65,8 @@ TEST_F(VariableFiles, PecletNumbersCanBeReadAtLaterTimes) {
     for (const VariableRow& row : variables::variableTable()) {
         if (row.key != "peclet") continue;
         model::OutputVar var;
-        var.columns.resize(3);
-        for (model::Column& column : var.columns) plot_data::allocateColumn(pm, row, column);
+        var.columns = plot_data::columnsOf(row);
+        for (model::Column& column : var.columns) plot_data::allocateColumn(pm, column, "");
         for (const auto& [suffix, exists] : {std::pair("0002", true), std::pair("0003", false)}) {
             model::run.timeSuffix = suffix;
             variables::pecletRead(pm, row, var);

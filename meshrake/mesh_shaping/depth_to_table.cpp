@@ -25,7 +25,8 @@ void compute(Domain& domain, const VariableRow& row, OutputVar& var, Depths dept
         error::fatalError("Depth to groundwater: " + std::to_string(domain.nodeCount) +
                           " nodes in " + std::to_string(run.sheetCount) +
                           " sheets\nFile: " + model::problemFile("coordinates_pm"));
-    if (var.columns[0].real8.empty()) plot_data::allocateColumn(domain, row, var.columns[0]);
+    if (var.columns[0].real8.empty())
+        plot_data::allocateColumn(domain, var.columns[0], row.arrayText);
     depths(domain.nodeCount, run.sheetCount, run.interpolateDepthToTable, elevation(domain),
            model::outputVar(domain, "head").columns[0].real8, var.columns[0].real8);
 }
@@ -33,10 +34,10 @@ void compute(Domain& domain, const VariableRow& row, OutputVar& var, Depths dept
 void init(Domain& domain, const VariableRow& row, OutputVar& var, Depths depths) {
     var.firstExists = model::outputVar(domain, "head").firstExists;
     if (!var.firstExists) return;
-    var.columns.resize(1);
+    var.columns = plot_data::columnsOf(row);
     if (domain.nodesPerElement == 4) return;
     var.exists = true;
-    plot_data::declareColumn(domain, row, var.columns[0], row.columns[0].name, row.unit);
+    plot_data::declareColumn(domain, var.columns[0], row.columns[0].name, row.unit);
     compute(domain, row, var, depths);
 }
 

@@ -62,9 +62,9 @@ double thickness(const Domain& domain, std::size_t element) {
 
 void meshColumnInit(Domain& domain, const VariableRow& row, OutputVar& var) {
     var.firstExists = var.exists = true;
-    var.columns.resize(plot_data::columnCount(row));
+    if (var.columns.empty()) var.columns = plot_data::columnsOf(row);
     for (std::size_t c = 0; c < var.columns.size(); ++c)
-        plot_data::declareColumn(domain, row, var.columns[c], row.columns[c].name, row.unit);
+        plot_data::declareColumn(domain, var.columns[c], row.columns[c].name, row.unit);
 }
 
 void coordinatesInit(Domain& domain, const VariableRow& row, OutputVar& var) {
@@ -139,7 +139,7 @@ void computeDepthBelowTop(const Domain& pm, std::size_t sheetNodes, std::size_t 
 
 void depth2SurfInit(Domain& domain, const VariableRow& row, OutputVar& var) {
     if (!run.plotDepthBelowSurface) return;
-    var.columns.resize(1);
+    if (var.columns.empty()) var.columns = plot_data::columnsOf(row);
     std::vector<double>& depth = var.columns[0].real8;
     if (depth.empty()) {
         ArrayHelpers::allocateArray(depth, domain.nodeCount, row.arrayText);

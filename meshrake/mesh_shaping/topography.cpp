@@ -21,9 +21,9 @@ void readElevations(Domain& domain, const VariableRow& row, OutputVar& topograph
                     const std::string& name) {
     if (topography.columns.empty()) {
         topography.columns.resize(1);
-        plot_data::allocateColumn(domain, row, topography.columns[0]);
+        plot_data::allocateColumn(domain, topography.columns[0], row.arrayText);
     }
-    plot_data::readColumns(domain, row, std::span(topography.columns).first(1), name);
+    plot_data::readColumns(domain, std::span(topography.columns).first(1), name);
 }
 
 // A lowered node gives a positive value.
@@ -58,13 +58,12 @@ void tvTopoInit(Domain& domain, const VariableRow& row, OutputVar& var) {
     var.firstExists = var.exists = findFirst(domain, row.stem, name);
     if (!var.firstExists) return;
     readElevations(domain, row, var, name);
-    plot_data::declareColumn(domain, row, var.columns[0], row.columns[0].name, row.unit);
+    plot_data::declareColumn(domain, var.columns[0], row.columns[0].name, row.unit);
+    var.columns[0].label = row.columns[0].label;
     if (domain.tag != model::tags::pm) return;
-    var.columns.resize(2);
-    VariableRow changeRow = row;
-    changeRow.arrayText = "time varying topography z change array";
-    plot_data::allocateColumn(domain, changeRow, var.columns[1]);
-    plot_data::declareColumn(domain, row, var.columns[1], row.columns[1].name, row.unit);
+    var.columns.push_back(plot_data::columnOf(row, row.columns[1].label));
+    plot_data::allocateColumn(domain, var.columns[1], "time varying topography z change array");
+    plot_data::declareColumn(domain, var.columns[1], row.columns[1].name, row.unit);
     computeChange(domain, var);
 }
 
@@ -80,10 +79,10 @@ void tvTopoZoneInit(Domain& domain, const VariableRow& row, OutputVar& var) {
     std::string name;
     var.firstExists = var.exists = findFirst(domain, row.stem, name);
     if (!var.firstExists) return;
-    var.columns.resize(1);
-    plot_data::allocateColumn(domain, row, var.columns[0]);
-    plot_data::declareColumn(domain, row, var.columns[0], row.columns[0].name, row.unit);
-    plot_data::readColumns(domain, row, var.columns, name);
+    var.columns = plot_data::columnsOf(row);
+    plot_data::allocateColumn(domain, var.columns[0], row.arrayText);
+    plot_data::declareColumn(domain, var.columns[0], row.columns[0].name, row.unit);
+    plot_data::readColumns(domain, var.columns, name);
 }
 
 } // namespace mesh_shaping

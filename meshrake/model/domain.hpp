@@ -13,10 +13,15 @@ namespace model {
 // Type of the values of a column; the numbers are those of the plot files.
 enum class DataType { single = 1, real8 = 2, longInt = 3 };
 
+enum class Location { node, element };
+
 // One column of a data set and the values behind it. Only the array of the column's type is in use:
 // one value per node or per element.
 struct Column {
     std::int32_t varNumber = 0; // number in the data set, from 1; 0 when it has none
+    DataType type = DataType::real8;
+    Location location = Location::node;
+    std::string label; // comment in front of the values
     std::vector<float> real4;
     std::vector<double> real8;
     std::vector<std::int32_t> int4;

@@ -13,7 +13,6 @@
 
 namespace plot_data {
 
-using model::Column;
 using model::run;
 
 namespace {
@@ -23,8 +22,8 @@ std::string fileWithSuffix(const Domain& domain, std::string_view stem, const st
     return model::problemFile(std::string(stem) + (ofDomain ? domain.name + "." : "") + suffix);
 }
 
-std::int32_t valueCount(const Domain& domain, const VariableRow& row) {
-    return row.location == Location::node ? domain.nodeCount : domain.elementCount;
+std::int32_t valueCount(const Domain& domain, const Column& column) {
+    return column.location == Location::node ? domain.nodeCount : domain.elementCount;
 }
 
 } // namespace
@@ -58,29 +57,42 @@ std::string firstFile(const Domain& domain, const VariableRow& row) {
     return checkFileInit(name) ? name : "";
 }
 
-void declareColumn(Domain& domain, const VariableRow& row, Column& column, std::string_view name,
-                   std::string_view unit) {
-    column.varNumber = tecplotVarAdd(name, domain);
-    tecplotDataType(row.type, domain);
-    if (!unit.empty()) tecplotVarUnitsAdd(name, column.varNumber, unit, domain);
-    if (row.location == Location::element) tecplotVarLocCCAdd(column.varNumber);
+Column columnOf(const VariableRow& row, std::string_view label) {
+    Column column;
+    column.type = row.type;
+    column.location = row.location;
+    column.label = label;
+    return column;
 }
 
-void allocateColumn(const Domain& domain, const VariableRow& row, Column& column) {
-    const std::int32_t n = valueCount(domain, row);
-    switch (row.type) {
+std::vector<Column> columnsOf(const VariableRow& row) {
+    std::vector<Column> columns;
+    for (std::size_t c = 0; c < columnCount(row); ++c)
+        columns.push_back(columnOf(row, row.columns[c].label));
+    return columns;
+}
+
+void declareColumn(Domain& domain, Column& column, std::string_view name, std::string_view unit) {
+    column.varNumber = tecplotVarAdd(name, domain);
+    tecplotDataType(column.type, domain);
+    if (!unit.empty()) tecplotVarUnitsAdd(name, column.varNumber, unit, domain);
+    if (column.location == Location::element) tecplotVarLocCCAdd(column.varNumber);
+}
+
+void allocateColumn(const Domain& domain, Column& column, std::string_view arrayText) {
+    const std::int32_t n = valueCount(domain, column);
+    switch (column.type) {
     case DataType::single:
-        return ArrayHelpers::allocateArray(column.real4, n, row.arrayText);
+        return ArrayHelpers::allocateArray(column.real4, n, arrayText);
     case DataType::real8:
-        return ArrayHelpers::allocateArray(column.real8, n, row.arrayText);
+        return ArrayHelpers::allocateArray(column.real8, n, arrayText);
     case DataType::longInt:
-        return ArrayHelpers::allocateArray(column.int4, n, row.arrayText);
+        return ArrayHelpers::allocateArray(column.int4, n, arrayText);
     }
 }
 
-void readColumns(const Domain& domain, const VariableRow& row, std::span<Column> columns,
-                 const std::string& name) {
-    const std::int32_t n = valueCount(domain, row);
+void readColumns(const Domain& domain, std::span<Column> columns, const std::string& name) {
+    const std::int32_t n = valueCount(domain, columns[0]);
     const auto components = static_cast<int>(columns.size());
     float* real4[maximumColumns];
     double* real8[maximumColumns];
@@ -88,7 +100,7 @@ void readColumns(const Domain& domain, const VariableRow& row, std::span<Column>
         real4[c] = columns[c].real4.data();
         real8[c] = columns[c].real8.data();
     }
-    switch (row.type) {
+    switch (columns[0].type) {
     case DataType::single:
         if (components == 1) return TVNBinaryFile::read_r4_1d(name, n, real4[0]);
         return TVNBinaryFile::read_r4_components(name, n, components, real4);
@@ -104,27 +116,26 @@ void shareColumns(std::span<const Column> columns) {
     for (const Column& column : columns) tecplotVarShareAdd(column.varNumber);
 }
 
-void markColumns(const VariableRow& row, std::span<const Column> columns) {
-    if (row.location != Location::element) return;
-    for (const Column& column : columns) tecplotVarLocCCAdd(column.varNumber);
+void markColumns(std::span<const Column> columns) {
+    for (const Column& column : columns)
+        if (column.location == Location::element) tecplotVarLocCCAdd(column.varNumber);
 }
 
-void writeColumn(Domain& domain, const VariableRow& row, const Column& column,
-                 std::string_view label) {
-    const bool nodal = row.location == Location::node;
-    const std::int32_t n = valueCount(domain, row);
+void writeColumn(Domain& domain, const Column& column) {
+    const bool nodal = column.location == Location::node;
+    const std::int32_t n = valueCount(domain, column);
     const std::vector<std::uint8_t>& nodes =
         model::hasOwnNodes(domain) ? domain.nodeIncluded : domain.domainNodeIncluded;
     const Packing packing{domain.truncateEnabled, (nodal ? nodes : domain.elementIncluded).data()};
-    switch (row.type) {
+    switch (column.type) {
     case DataType::single:
-        return tecplotWriteArrayReal4(column.varNumber, n, column.real4.data(), packing, label,
-                                      domain);
+        return tecplotWriteArrayReal4(column.varNumber, n, column.real4.data(), packing,
+                                      column.label, domain);
     case DataType::real8:
-        return tecplotWriteArrayReal8(column.varNumber, n, column.real8.data(), packing, label,
-                                      domain);
+        return tecplotWriteArrayReal8(column.varNumber, n, column.real8.data(), packing,
+                                      column.label, domain);
     case DataType::longInt:
-        return tecplotWriteArrayInt4(column.varNumber, n, column.int4.data(), packing, label,
+        return tecplotWriteArrayInt4(column.varNumber, n, column.int4.data(), packing, column.label,
                                      domain);
     }
 }
@@ -133,12 +144,12 @@ void plainInit(Domain& domain, const VariableRow& row, OutputVar& var) {
     const std::string name = firstFile(domain, row);
     var.firstExists = var.exists = !name.empty();
     if (!var.firstExists) return;
-    if (var.columns.empty()) var.columns.resize(columnCount(row));
+    if (var.columns.empty()) var.columns = columnsOf(row);
     for (std::size_t c = 0; c < var.columns.size(); ++c) {
-        allocateColumn(domain, row, var.columns[c]);
-        declareColumn(domain, row, var.columns[c], row.columns[c].name, row.unit);
+        allocateColumn(domain, var.columns[c], row.arrayText);
+        declareColumn(domain, var.columns[c], row.columns[c].name, row.unit);
     }
-    readColumns(domain, row, var.columns, name);
+    readColumns(domain, var.columns, name);
 }
 
 void plainRead(Domain& domain, const VariableRow& row, OutputVar& var) {
@@ -146,21 +157,20 @@ void plainRead(Domain& domain, const VariableRow& row, OutputVar& var) {
     std::string name = variableFile(domain, row.stem);
     var.exists = row.laterFallback ? checkFileInit(name) : io_layer::exists(name);
     if (var.exists)
-        readColumns(domain, row, var.columns, name);
+        readColumns(domain, var.columns, name);
     else
         shareColumns(var.columns);
-    markColumns(row, var.columns);
+    markColumns(var.columns);
 }
 
-void plainWrite(Domain& domain, const VariableRow& row, OutputVar& var) {
-    for (std::size_t c = 0; c < var.columns.size(); ++c)
-        writeColumn(domain, row, var.columns[c], row.columns[c].label);
+void plainWrite(Domain& domain, const VariableRow&, OutputVar& var) {
+    for (const Column& column : var.columns) writeColumn(domain, column);
 }
 
-void constantRead(Domain&, const VariableRow& row, OutputVar& var) {
+void constantRead(Domain&, const VariableRow&, OutputVar& var) {
     var.exists = false;
     shareColumns(var.columns);
-    markColumns(row, var.columns);
+    markColumns(var.columns);
 }
 
 } // namespace plot_data

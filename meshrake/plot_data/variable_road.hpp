@@ -15,13 +15,13 @@
 // stand.
 namespace plot_data {
 
+using model::Column;
 using model::DataType;
 using model::Domain;
 using model::DomainSet;
+using model::Location;
 using model::Option;
 using model::OutputVar;
-
-enum class Location { node, element };
 
 // When a variable has a file.
 enum class Timing {
@@ -80,17 +80,19 @@ bool checkFileInit(std::string& name, std::int32_t fallback = 1);
 // File that the row's values come from in the first pass, empty when there is none.
 std::string firstFile(const Domain& domain, const VariableRow& row);
 
-// Steps of `plainInit` for variables that are put together differently. `declareColumn` numbers one
-// column and tells its type, unit and location.
-void declareColumn(Domain& domain, const VariableRow& row, model::Column& column,
-                   std::string_view name, std::string_view unit);
-void allocateColumn(const Domain& domain, const VariableRow& row, model::Column& column);
-void readColumns(const Domain& domain, const VariableRow& row, std::span<model::Column> columns,
-                 const std::string& name);
-void shareColumns(std::span<const model::Column> columns);
-void markColumns(const VariableRow& row, std::span<const model::Column> columns);
-void writeColumn(Domain& domain, const VariableRow& row, const model::Column& column,
-                 std::string_view label);
+// Steps of `plainInit` for variables that are put together differently.
+
+// A column of the row's type and location, with neither number nor values; and all that it names.
+Column columnOf(const VariableRow& row, std::string_view label);
+std::vector<Column> columnsOf(const VariableRow& row);
+
+// Numbers a column and tells the data set its name, type, unit and location.
+void declareColumn(Domain& domain, Column& column, std::string_view name, std::string_view unit);
+void allocateColumn(const Domain& domain, Column& column, std::string_view arrayText);
+void readColumns(const Domain& domain, std::span<Column> columns, const std::string& name);
+void shareColumns(std::span<const Column> columns);
+void markColumns(std::span<const Column> columns);
+void writeColumn(Domain& domain, const Column& column);
 
 // First pass: finds the file, declares the columns and reads the values.
 void plainInit(Domain& domain, const VariableRow& row, OutputVar& var);

@@ -73,8 +73,8 @@ std::string currentFile(const Member& member) {
 
 void declareMember(Domain& domain, const VariableRow& row, const Member& member, Column& column) {
     if (row.family == Family::fractions)
-        return plot_data::declareColumn(domain, row, column, member.name, row.unit);
-    plot_data::declareColumn(domain, row, column, member.name, "");
+        return plot_data::declareColumn(domain, column, member.name, row.unit);
+    plot_data::declareColumn(domain, column, member.name, "");
     plot_data::tecplotTransVarUnitsAdd(member.species, member.name, column.varNumber, row.unit,
                                        domain);
 }
@@ -87,13 +87,13 @@ void familyInit(Domain& domain, const VariableRow& row, OutputVar& var) {
     std::string first = currentFile(members.front());
     var.firstExists = plot_data::checkFileInit(first);
     if (!var.firstExists) return;
-    var.columns.resize(members.size());
-    for (std::size_t m = 0; m < members.size(); ++m) {
-        std::string name = currentFile(members[m]);
+    for (const Member& member : members) {
+        std::string name = currentFile(member);
         var.exists = plot_data::checkFileInit(name);
-        plot_data::allocateColumn(domain, row, var.columns[m]);
-        declareMember(domain, row, members[m], var.columns[m]);
-        plot_data::readColumns(domain, row, {&var.columns[m], 1}, name);
+        Column& column = var.columns.emplace_back(plot_data::columnOf(row, member.label));
+        plot_data::allocateColumn(domain, column, row.arrayText);
+        declareMember(domain, row, member, column);
+        plot_data::readColumns(domain, {&column, 1}, name);
     }
 }
 
@@ -104,16 +104,10 @@ void familyRead(Domain& domain, const VariableRow& row, OutputVar& var) {
         const std::string name = currentFile(members[m]);
         var.exists = io_layer::exists(name);
         if (var.exists)
-            plot_data::readColumns(domain, row, column, name);
+            plot_data::readColumns(domain, column, name);
         else
             plot_data::shareColumns(column);
     }
-}
-
-void familyWrite(Domain& domain, const VariableRow& row, OutputVar& var) {
-    const std::vector<Member> members = membersOf(domain, row);
-    for (std::size_t m = 0; m < members.size(); ++m)
-        plot_data::writeColumn(domain, row, var.columns[m], members[m].label);
 }
 
 namespace {
@@ -129,10 +123,10 @@ void redoxCapacityInit(Domain& domain, const VariableRow& row, OutputVar& var) {
     std::string name = redoxFile(domain, row, 0);
     var.firstExists = var.exists = plot_data::checkFileInit(name);
     if (!var.firstExists) return;
-    var.columns.resize(1);
-    plot_data::allocateColumn(domain, row, var.columns[0]);
+    var.columns = plot_data::columnsOf(row);
+    plot_data::allocateColumn(domain, var.columns[0], row.arrayText);
     declareMember(domain, row, {"", std::string(row.columns[0].name), "", 0}, var.columns[0]);
-    plot_data::readColumns(domain, row, var.columns, name);
+    plot_data::readColumns(domain, var.columns, name);
 }
 
 void redoxCapacityRead(Domain& domain, const VariableRow& row, OutputVar& var) {
@@ -141,7 +135,7 @@ void redoxCapacityRead(Domain& domain, const VariableRow& row, OutputVar& var) {
         const std::string name = redoxFile(domain, row, s);
         var.exists = io_layer::exists(name);
         if (var.exists)
-            plot_data::readColumns(domain, row, var.columns, name);
+            plot_data::readColumns(domain, var.columns, name);
         else
             plot_data::shareColumns(var.columns);
     }

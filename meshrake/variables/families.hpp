@@ -14,7 +14,6 @@ using plot_data::VariableRow;
 
 void familyInit(Domain& domain, const VariableRow& row, OutputVar& var);
 void familyRead(Domain& domain, const VariableRow& row, OutputVar& var);
-void familyWrite(Domain& domain, const VariableRow& row, OutputVar& var);
 
 // One column that the files of all mobile species take turns to fill.
 void redoxCapacityInit(Domain& domain, const VariableRow& row, OutputVar& var);

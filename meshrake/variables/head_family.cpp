@@ -53,18 +53,13 @@ void compute(const Domain& domain, OutputVar& var) {
         computePressureHead(domain, var);
 }
 
-// Row of one of the columns that follow from the heads.
-VariableRow derivedRow(const VariableRow& row, DataType type, std::string_view arrayText) {
-    VariableRow derived = row;
-    derived.type = type;
-    derived.arrayText = arrayText;
-    return derived;
-}
-
-void addColumn(Domain& domain, const VariableRow& row, OutputVar& var, std::string_view name) {
-    Column& column = var.columns.emplace_back();
-    plot_data::allocateColumn(domain, row, column);
-    plot_data::declareColumn(domain, row, column, name, row.unit);
+// One of the columns that follow from the heads.
+void addColumn(Domain& domain, const VariableRow& row, OutputVar& var, DataType type,
+               std::string_view name, std::string_view label, std::string_view arrayText) {
+    Column& column = var.columns.emplace_back(plot_data::columnOf(row, label));
+    column.type = type;
+    plot_data::allocateColumn(domain, column, arrayText);
+    plot_data::declareColumn(domain, column, name, row.unit);
 }
 
 } // namespace
@@ -73,13 +68,12 @@ void headInit(Domain& domain, const VariableRow& row, OutputVar& var) {
     plot_data::plainInit(domain, row, var);
     if (!var.firstExists) return;
     if (hasWaterDepth(domain)) {
-        const VariableRow depthRow =
-            derivedRow(row, DataType::single, "depth and log depth arrays");
-        addColumn(domain, depthRow, var, "Depth");
-        addColumn(domain, depthRow, var, "LogDepth");
+        constexpr std::string_view arrays = "depth and log depth arrays";
+        addColumn(domain, row, var, DataType::single, "Depth", "Depth", arrays);
+        addColumn(domain, row, var, DataType::single, "LogDepth", "log10(Depth)", arrays);
     } else if (hasPressureHead(domain)) {
-        addColumn(domain, derivedRow(row, DataType::real8, "pressure head array"), var,
-                  "Pressure Head");
+        addColumn(domain, row, var, DataType::real8, "Pressure Head", "pressure head",
+                  "pressure head array");
     }
     compute(domain, var);
 }
@@ -88,19 +82,8 @@ void headRead(Domain& domain, const VariableRow& row, OutputVar& var) {
     const std::string name = plot_data::variableFile(domain, row.stem);
     var.exists = io_layer::exists(name);
     if (!var.exists) return plot_data::shareColumns(var.columns);
-    plot_data::readColumns(domain, row, std::span(var.columns).first(1), name);
+    plot_data::readColumns(domain, std::span(var.columns).first(1), name);
     compute(domain, var);
-}
-
-void headWrite(Domain& domain, const VariableRow& row, OutputVar& var) {
-    plot_data::writeColumn(domain, row, var.columns[0], row.columns[0].label);
-    if (hasWaterDepth(domain)) {
-        const VariableRow depthRow = derivedRow(row, DataType::single, "");
-        plot_data::writeColumn(domain, depthRow, var.columns[1], "Depth");
-        plot_data::writeColumn(domain, depthRow, var.columns[2], "log10(Depth)");
-    } else if (hasPressureHead(domain)) {
-        plot_data::writeColumn(domain, row, var.columns[1], "pressure head");
-    }
 }
 
 } // namespace variables

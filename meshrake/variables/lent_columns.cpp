@@ -29,29 +29,26 @@ bool borrow(const Domain& domain, const VariableRow& row, OutputVar& var) {
     return var.firstExists;
 }
 
-void declare(Domain& domain, const VariableRow& row, OutputVar& var, std::string_view name,
-             std::string_view unit) {
-    plot_data::declareColumn(domain, row, var.columns.emplace_back(), name, unit);
-}
-
-const std::string& speciesName(std::size_t species) {
-    return run.speciesNames[species];
+void declare(Domain& domain, const VariableRow& row, OutputVar& var,
+             const plot_data::ColumnText& text, std::string_view unit) {
+    Column& column = var.columns.emplace_back(plot_data::columnOf(row, text.label));
+    plot_data::declareColumn(domain, column, text.name, unit);
 }
 
 } // namespace
 
 void lentInit(Domain& domain, const VariableRow& row, OutputVar& var) {
     if (borrow(domain, row, var))
-        declare(domain, row, var, row.columns[0].name, row.unit);
+        declare(domain, row, var, row.columns[0], row.unit);
     else
         model::optionOf(domain, row.option).enabled = false;
 }
 
 void lentHeadInit(Domain& domain, const VariableRow& row, OutputVar& var) {
     if (!borrow(domain, row, var)) return;
-    declare(domain, row, var, row.columns[0].name, row.unit);
+    declare(domain, row, var, row.columns[0], row.unit);
     if (model::enabled(domain, model::Option::pressureHeads))
-        declare(domain, row, var, row.columns[1].name, row.unit);
+        declare(domain, row, var, row.columns[1], row.unit);
 }
 
 void lentConcInit(Domain& domain, const VariableRow& row, OutputVar& var) {
@@ -59,7 +56,8 @@ void lentConcInit(Domain& domain, const VariableRow& row, OutputVar& var) {
     for (std::size_t s = 0; s < run.speciesNames.size(); ++s) {
         const bool heat = run.speciesFlagA[s] != 0;
         if (heat) units::setTempUnitsToC();
-        declare(domain, row, var, speciesName(s), heat ? "K" : row.unit);
+        const std::string& name = run.speciesNames[s];
+        declare(domain, row, var, {name, name}, heat ? "K" : row.unit);
     }
 }
 
@@ -73,18 +71,17 @@ void lentWrite(Domain& domain, const VariableRow& row, OutputVar& var) {
     const plot_data::Packing packing{domain.truncateEnabled, domain.nodeIncluded.data()};
     static const Column empty;
     for (std::size_t c = 0; c < var.columns.size(); ++c) {
+        const Column& shown = var.columns[c];
         // pm may have switched off what this domain shows: then there is nothing to write.
-        const Column& column = c < lent.columns.size() ? lent.columns[c] : empty;
-        const std::string_view label =
-            row.columns[0].label.empty() ? speciesName(c) : row.columns[c].label;
-        if (row.type == DataType::single)
-            plot_data::tecplotWriteArrayReal4(var.columns[c].varNumber,
-                                              static_cast<std::int64_t>(column.real4.size()),
-                                              column.real4.data(), packing, label, domain);
+        const Column& values = c < lent.columns.size() ? lent.columns[c] : empty;
+        if (shown.type == DataType::single)
+            plot_data::tecplotWriteArrayReal4(shown.varNumber,
+                                              static_cast<std::int64_t>(values.real4.size()),
+                                              values.real4.data(), packing, shown.label, domain);
         else
-            plot_data::tecplotWriteArrayReal8(var.columns[c].varNumber,
-                                              static_cast<std::int64_t>(column.real8.size()),
-                                              column.real8.data(), packing, label, domain);
+            plot_data::tecplotWriteArrayReal8(shown.varNumber,
+                                              static_cast<std::int64_t>(values.real8.size()),
+                                              values.real8.data(), packing, shown.label, domain);
     }
 }
 

@@ -16,8 +16,8 @@ namespace variables {
 void zoneInit(Domain& domain, const VariableRow& row, OutputVar& var) {
     var.firstExists = true;
     var.exists = true;
-    var.columns.resize(1);
-    plot_data::declareColumn(domain, row, var.columns[0], row.columns[0].name, row.unit);
+    var.columns = plot_data::columnsOf(row);
+    plot_data::declareColumn(domain, var.columns[0], row.columns[0].name, row.unit);
     std::string name = plot_data::variableFile(domain, row.stem);
     if (!plot_data::checkFileInit(name)) return;
     TVNBinaryFile::read_i4_1d(name, domain.elementCount, domain.elementZone.data());
@@ -30,7 +30,7 @@ void zoneRead(Domain& domain, const VariableRow& row, OutputVar& var) {
         TVNBinaryFile::read_i4_1d(name, domain.elementCount, domain.elementZone.data());
     else
         plot_data::shareColumns(var.columns);
-    plot_data::markColumns(row, var.columns);
+    plot_data::markColumns(var.columns);
 }
 
 void zoneWrite(Domain& domain, const VariableRow& row, OutputVar& var) {
@@ -62,7 +62,8 @@ std::int32_t tensorKind(const std::string& name) {
 void elemKInit(Domain& domain, const VariableRow& row, OutputVar& var) {
     const std::string name = plot_data::firstFile(domain, row);
     if (name.empty()) return;
-    var.columns.resize(tensorKind(name) == fullTensor ? 6 : 3);
+    var.columns = plot_data::columnsOf(row);
+    if (tensorKind(name) != fullTensor) var.columns.resize(3);
     plot_data::plainInit(domain, row, var);
 }
 

@@ -18,7 +18,6 @@ void zoneWrite(Domain& domain, const VariableRow& row, OutputVar& var);
 // pressure head elsewhere.
 void headInit(Domain& domain, const VariableRow& row, OutputVar& var);
 void headRead(Domain& domain, const VariableRow& row, OutputVar& var);
-void headWrite(Domain& domain, const VariableRow& row, OutputVar& var);
 
 // Hydraulic conductivities: the message of the file's header says whether they are a full tensor. A
 // message that is no number ends the run.

@@ -72,8 +72,8 @@ void readOrShare(Domain& domain, Table table) {
 void writeArrays(Domain& domain, Table table) {
     for (std::size_t i = 0; i < table.size(); ++i) {
         if (!applies(table[i], domain) || !domain.outputVars[i].exists) continue;
-        stepOf(table[i], table[i].write, familyWrite, plot_data::plainWrite)(domain, table[i],
-                                                                             domain.outputVars[i]);
+        const VariableRow::Step write = table[i].write ? table[i].write : plot_data::plainWrite;
+        write(domain, table[i], domain.outputVars[i]);
     }
 }
 

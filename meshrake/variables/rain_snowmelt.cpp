@@ -25,54 +25,41 @@ constexpr std::array<SnowFile, 5> snowFiles{{
     {"snowcover.", "L", Location::node},
 }};
 
-// Row of one file alone.
-VariableRow rowOf(const VariableRow& row, std::size_t file) {
-    VariableRow one = row;
-    one.stem = snowFiles[file].stem;
-    one.unit = snowFiles[file].unit;
-    one.location = snowFiles[file].location;
-    one.columns = {row.columns[file]};
-    return one;
-}
-
 } // namespace
 
 // Each file decides for its own column, and the last one's presence for the writing of them all.
 void rainSnowmeltInit(Domain& domain, const VariableRow& row, OutputVar& var) {
-    var.columns.resize(snowFiles.size());
+    var.columns = plot_data::columnsOf(row);
     for (std::size_t file = 0; file < snowFiles.size(); ++file) {
-        const VariableRow one = rowOf(row, file);
-        const std::string name = plot_data::firstFile(domain, one);
-        var.firstExists = var.exists = !name.empty();
-        if (name.empty()) continue;
+        std::string name = plot_data::variableFile(domain, snowFiles[file].stem);
+        var.firstExists = var.exists = plot_data::checkFileInit(name);
+        if (!var.exists) continue;
         model::Column& column = var.columns[file];
-        plot_data::allocateColumn(domain, one, column);
-        plot_data::declareColumn(domain, one, column, one.columns[0].name, one.unit);
-        plot_data::readColumns(domain, one, {&column, 1}, name);
+        column.location = snowFiles[file].location;
+        plot_data::allocateColumn(domain, column, row.arrayText);
+        plot_data::declareColumn(domain, column, row.columns[file].name, snowFiles[file].unit);
+        plot_data::readColumns(domain, {&column, 1}, name);
     }
 }
 
 // The first file decides for all five; when it is there, the others must be too.
-void rainSnowmeltRead(Domain& domain, const VariableRow& row, OutputVar& var) {
+void rainSnowmeltRead(Domain& domain, const VariableRow&, OutputVar& var) {
     var.exists = io_layer::exists(plot_data::variableFile(domain, snowFiles[0].stem));
     for (std::size_t file = 0; file < snowFiles.size(); ++file) {
         const std::span<model::Column> column{&var.columns[file], 1};
         if (column[0].varNumber == 0) continue;
-        const VariableRow one = rowOf(row, file);
         if (var.exists)
-            plot_data::readColumns(domain, one, column, plot_data::variableFile(domain, one.stem));
+            plot_data::readColumns(domain, column,
+                                   plot_data::variableFile(domain, snowFiles[file].stem));
         else
             plot_data::shareColumns(column);
-        plot_data::markColumns(one, column);
+        plot_data::markColumns(column);
     }
 }
 
-void rainSnowmeltWrite(Domain& domain, const VariableRow& row, OutputVar& var) {
-    for (std::size_t file = 0; file < snowFiles.size(); ++file) {
-        if (var.columns[file].varNumber == 0) continue;
-        plot_data::writeColumn(domain, rowOf(row, file), var.columns[file],
-                               row.columns[file].label);
-    }
+void rainSnowmeltWrite(Domain& domain, const VariableRow&, OutputVar& var) {
+    for (const model::Column& column : var.columns)
+        if (column.varNumber > 0) plot_data::writeColumn(domain, column);
 }
 
 } // namespace variables

@@ -70,7 +70,7 @@ const VariableRow table[] = {
      .columns = {{{"Incised Head", "incised head"}}}, .arrayText = "incised head array"},
     {.key = "head", .domains = anyDomain, .option = heads, .stem = "head_", .unit = "L",
      .columns = {{{"Head", "head"}}}, .arrayText = "head array", .init = headInit,
-     .read = headRead, .write = headWrite},
+     .read = headRead},
     {.key = "maxWaterDepth", .domains = olf | chan, .option = maxWaterDepth,
      .stem = "max_depth_", .unit = "L",
      .columns = {{{"MaxDepth", "max water depth"}}}, .arrayText = "max water depth array",
