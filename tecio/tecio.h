@@ -18,8 +18,8 @@ extern "C" {
 
 /* Opens the data set `fileName`, a name without extension. One with a NAME.szplt.szhdr is
    continued: it keeps title and variables, and the data of its zones; a first new zone takes the
-   place of one with the same time and of all behind that. Any other is replaced. `variableList` has the names
-   with commas between them; an empty one stands for those that a continued data set has.
+   place of one with the same time and of all behind that. Any other is replaced. `variableList` has
+   the names with commas between them; an empty one stands for those that a continued data set has.
    `fileFormat` is 1, `fileType` 0 (grid and solution in one), `gridFileHandle` null. */
 int32_t tecFileWriterOpen(const char* fileName, const char* dataSetTitle, const char* variableList,
                           int32_t fileFormat, int32_t fileType, int32_t defaultVarType,

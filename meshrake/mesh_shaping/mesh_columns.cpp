@@ -40,6 +40,11 @@ plot_data::NextValues<T> includedValues(const std::vector<std::uint8_t>& include
     };
 }
 
+void writeNumbers(Domain& domain, const VariableRow& row, const OutputVar& var,
+                  const plot_data::NextValues<std::int32_t>& next) {
+    plot_data::tecplotWriteMadeInt4(var.columns[0].varNumber, next, row.columns[0].label, domain);
+}
+
 // Mean of the heights of the upper over the lower nodes, whose slots match in order.
 double thickness(const Domain& domain, std::size_t element) {
     const std::int32_t half = domain.nodesPerElement / 2;
@@ -84,15 +89,6 @@ void coordinatesWrite(Domain& domain, const VariableRow& row, OutputVar& var) {
 void nodeNumberInit(Domain& domain, const VariableRow& row, OutputVar& var) {
     if (!run.wallsPresent) meshColumnInit(domain, row, var);
 }
-
-namespace {
-
-void writeNumbers(Domain& domain, const VariableRow& row, const OutputVar& var,
-                  const plot_data::NextValues<std::int32_t>& next) {
-    plot_data::tecplotWriteMadeInt4(var.columns[0].varNumber, next, row.columns[0].label, domain);
-}
-
-} // namespace
 
 void write3DNodeNumber(Domain& domain, const VariableRow& row, OutputVar& var) {
     const std::int32_t* links = model::hasOwnNodes(domain) ? domain.linkToPm.data() : nullptr;
