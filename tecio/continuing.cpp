@@ -19,12 +19,13 @@ bool findAuxEnd(const DataFile& f, std::string_view bytes, std::int64_t& end) {
         end = static_cast<std::int64_t>(reader.position);
         if (bytes.substr(reader.position).starts_with(roomFrom(end))) return true;
         const float marker = readFloat(reader);
-        if (marker == 299.0F) return true;
-        if (marker == 899.0F) readInt(reader);
+        if (marker == zoneMarker) return true;
+        if (marker == variableAuxMarker) readInt(reader);
         readText(reader);
         const bool isText = readInt(reader) == 0;
         readText(reader);
-        if (!reader.good || !isText || (marker != 799.0F && marker != 899.0F)) return false;
+        const bool isAux = marker == auxMarker || marker == variableAuxMarker;
+        if (!reader.good || !isText || !isAux) return false;
     }
 }
 
@@ -54,13 +55,12 @@ bool compareHeaders(DataFile& f, std::string_view bytes) {
 // Reads as much of the file's begin as its headers take, which only they tell.
 int checkHeader(DataFile& f, std::int64_t dataBytes) {
     const Bytes head = headBytes(f.head);
-    f.auxAt = static_cast<std::int64_t>(head.size());
+    f.auxAt = sizeOf(head);
     const std::int64_t most = f.size - dataBytes;
     Bytes bytes;
     for (std::int64_t size = 1048576;; size *= 4) {
         bytes.resize(static_cast<std::size_t>(std::max<std::int64_t>(std::min(size, most), 0)));
-        const int status =
-            byte_file::readAt(f.file, 0, bytes.data(), static_cast<std::int64_t>(bytes.size()));
+        const int status = byte_file::readAt(f.file, 0, bytes.data(), sizeOf(bytes));
         if (status != ok) return status;
         if (bytes.starts_with(head) && findAuxEnd(f, bytes, f.zonesAt) && compareHeaders(f, bytes))
             break;
@@ -76,8 +76,7 @@ int checkData(DataFile& f) {
     for (const Zone& zone : f.zones) {
         const Bytes wanted = dataHeadBytes(zone);
         Bytes found(wanted.size(), 0);
-        const int status = byte_file::readAt(f.file, f.dataEnd, found.data(),
-                                             static_cast<std::int64_t>(found.size()));
+        const int status = byte_file::readAt(f.file, f.dataEnd, found.data(), sizeOf(found));
         if (status != ok) return status;
         if (found != wanted) return damagedData;
         f.dataEnd += dataPartOf(zone).size;

@@ -70,9 +70,8 @@ int nameCurrentZone(DataFile& f) {
         if (range.least > range.greatest) range = {0, 0};
         begin.append(reinterpret_cast<const char*>(&range), sizeof range);
     }
-    const auto bytes = static_cast<std::int64_t>(begin.size());
-    f.size = std::max(f.size, f.dataEnd + bytes);
-    int status = byte_file::writeAt(f.file, f.dataEnd, begin.data(), bytes);
+    f.size = std::max(f.size, f.dataEnd + sizeOf(begin));
+    int status = byte_file::writeAt(f.file, f.dataEnd, begin.data(), sizeOf(begin));
     if (status == ok) status = nameZone(f.sidecar, current.zone);
     if (status != ok) return status;
     f.dataEnd += current.part.size;

@@ -11,10 +11,6 @@ namespace tecio {
 namespace {
 
 constexpr std::string_view magic = "#!TDV112";
-constexpr float zoneMarker = 299.0F;
-constexpr float auxMarker = 799.0F;
-constexpr float variableAuxMarker = 899.0F;
-constexpr float endMarker = 357.0F;
 constexpr std::string_view roomName = "_";
 constexpr std::int64_t emptyRoomBytes = 20;
 constexpr std::int64_t leastRoomBytes = emptyRoomBytes + 4; // a value is never empty

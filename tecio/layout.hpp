@@ -21,6 +21,11 @@
 // does not cut it in two.
 namespace tecio {
 
+inline constexpr float zoneMarker = 299.0F;
+inline constexpr float auxMarker = 799.0F;
+inline constexpr float variableAuxMarker = 899.0F;
+inline constexpr float endMarker = 357.0F;
+
 using Bytes = std::string;
 std::int64_t sizeOf(const Bytes& bytes);
 

@@ -62,9 +62,7 @@ int createSidecar(const std::string& path, const Head& head, Sidecar& sidecar) {
     std::int64_t size = 0;
     int status = byte_file::open(made, OpenMode::update, sidecar.file, size);
     if (status == ok && size > 0) status = byte_file::truncate(sidecar.file, 0);
-    if (status == ok)
-        status =
-            byte_file::writeAt(sidecar.file, 0, all.data(), static_cast<std::int64_t>(all.size()));
+    if (status == ok) status = byte_file::writeAt(sidecar.file, 0, all.data(), sizeOf(all));
     if (status == ok) status = byte_file::rename(made, path);
     if (status != ok) byte_file::remove(made);
     return status;
