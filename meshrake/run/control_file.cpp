@@ -33,7 +33,7 @@ void readControl(const std::string& name, Domains& domains) {
     plot_control::readPlotControl(domains.addition);
 }
 
-void writeTemplate(const std::string& name, const Domains& domains) {
+void writeTemplate(const std::string& name, Domains& domains) {
     error::checkFileOpen(
         io_layer::openTextReplace(run.controlUnit, name, io_layer::Flush::inBlocks), name);
     plot_control::writePlotControlInit();

@@ -49,10 +49,6 @@ std::array<Domain*, 7> processingOrder(Domains& d) {
     return {&d.pm, &d.dual, &d.frac, &d.olf, &d.well, &d.chan, &d.tile};
 }
 
-std::array<const Domain*, 7> processingOrder(const Domains& d) {
-    return {&d.pm, &d.dual, &d.frac, &d.olf, &d.well, &d.chan, &d.tile};
-}
-
 void createDomains(Domains& d) {
     model::domainCreate(d.pm, "pm", d.pm);
     d.pm.couplingScheme = 1;

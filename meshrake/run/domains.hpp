@@ -14,7 +14,6 @@ struct Domains {
 
 // The order in which domains are read from the control file, passed through and closed.
 std::array<model::Domain*, 7> processingOrder(Domains& domains);
-std::array<const model::Domain*, 7> processingOrder(const Domains& domains);
 
 // Reads the mesh of all domains, in the order that numbers their nodes.
 void createDomains(Domains& domains);
