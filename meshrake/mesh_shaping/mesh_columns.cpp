@@ -17,15 +17,26 @@ const Domain& nodesOf(const Domain& domain) {
     return model::hasOwnNodes(domain) ? domain : *domain.pmReference;
 }
 
-// Elements in a layer; a number of 0 ends the run where it would divide.
-std::int32_t layerElements(const Domain& domain, std::string_view column) {
+// The layer of elements that come in ascending order: steps spare a division for each of them.
+struct Layer {
+    std::size_t elements;    // in each layer, above 0
+    std::size_t end = 0;     // behind its last element, from 0
+    std::int32_t number = 0; // from 1
+};
+
+void stepTo(Layer& layer, std::size_t element) {
+    for (; element >= layer.end; ++layer.number) layer.end += layer.elements;
+}
+
+// Ends the run where layers of no element would not end.
+Layer firstLayer(const Domain& domain, const VariableRow& row) {
     const std::int32_t layers = run.sheetCount - 1;
     const std::int32_t n = layers > 0 ? domain.elementCount / layers : 0;
     if (layers < 1 || (n == 0 && domain.neTruncated > 0))
-        error::fatalError(std::string(column) + " of the " + domain.name +
+        error::fatalError(std::string(row.columns[0].name) + " of the " + domain.name +
                           " domain: the mesh has no layers of elements\nFile: " +
                           model::problemFile("elements_" + domain.name));
-    return n;
+    return {static_cast<std::size_t>(n)};
 }
 
 // One value for each entry of the mask that is set; `valueOf` gets the entry, from 0.
@@ -99,17 +110,17 @@ void write3DNodeNumber(Domain& domain, const VariableRow& row, OutputVar& var) {
 }
 
 void writeLayerNumber(Domain& domain, const VariableRow& row, OutputVar& var) {
-    const std::int32_t perLayer = layerElements(domain, row.columns[0].name);
-    const auto number = [perLayer](std::size_t e) {
-        return static_cast<std::int32_t>(e) / perLayer + 1;
+    const auto number = [layer = firstLayer(domain, row)](std::size_t e) mutable {
+        stepTo(layer, e);
+        return layer.number;
     };
     writeNumbers(domain, row, var, includedValues<std::int32_t>(domain.elementIncluded, number));
 }
 
 void writeColumnNumber(Domain& domain, const VariableRow& row, OutputVar& var) {
-    const std::int32_t perLayer = layerElements(domain, row.columns[0].name);
-    const auto number = [perLayer](std::size_t e) {
-        return static_cast<std::int32_t>(e) % perLayer + 1;
+    const auto number = [layer = firstLayer(domain, row)](std::size_t e) mutable {
+        stepTo(layer, e);
+        return static_cast<std::int32_t>(layer.elements - (layer.end - e)) + 1;
     };
     writeNumbers(domain, row, var, includedValues<std::int32_t>(domain.elementIncluded, number));
 }
