@@ -7,6 +7,7 @@
 #include "tvncommon/io_layer.hpp"
 #include "tvncommon/system_calls.hpp"
 #include "tvncommon/units.hpp"
+#include "tvncommon/warning_messages.hpp"
 
 #include <cstdlib>
 #include <fcntl.h>
@@ -50,6 +51,7 @@ void resetModules() {
     io_layer::reset();
     error::reset();
     units::reset();
+    warning_messages::reset();
 }
 
 } // namespace
