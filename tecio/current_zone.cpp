@@ -1,6 +1,7 @@
 #include "tecio/data_file.hpp"
 
 #include "tecio/status.hpp"
+#include "tecio/value_range.hpp"
 #include "tvncommon/io_layer.hpp"
 
 #include <algorithm>
@@ -143,8 +144,7 @@ int setTime(DataFile& f, double time, std::int32_t strand) {
     return nameIfComplete(f, ok);
 }
 
-int writeValues(DataFile& f, std::size_t v, std::int64_t count, const void* values,
-                const Range& range) {
+int writeValues(DataFile& f, std::size_t v, std::int64_t count, const void* values) {
     CurrentZone& current = f.current;
     const std::int64_t all = valueCount(current.zone, v);
     std::int64_t& written = current.written[v];
@@ -152,6 +152,7 @@ int writeValues(DataFile& f, std::size_t v, std::int64_t count, const void* valu
     const bool first = written == notBegun;
     if (first) written = 0;
     if (count < 0 || count > all - written) return refused;
+    const Range range = rangeOf(current.zone.types[v], values, count);
     Range& whole = current.ranges[v];
     whole =
         first ? range

@@ -81,9 +81,9 @@ int finish(DataFile& file);
 int beginZone(DataFile& file, Zone zone, std::int32_t& number);
 int setTime(DataFile& file, double time, std::int32_t strand);
 
-// The next values of a variable (from 0) or the next node numbers, which count from `firstNode`.
-int writeValues(DataFile& file, std::size_t variable, std::int64_t count, const void* values,
-                const Range& range);
+// The next values of a variable (from 0), of its type, or the next node numbers, which count from
+// `firstNode`.
+int writeValues(DataFile& file, std::size_t variable, std::int64_t count, const void* values);
 int writeNodes(DataFile& file, std::int64_t count, const std::int32_t* nodes,
                std::int32_t firstNode);
 

@@ -2,7 +2,6 @@
 
 #include "tecio/data_file.hpp"
 #include "tecio/status.hpp"
-#include "tecio/value_range.hpp"
 #include "tvncommon/io_layer.hpp"
 
 #include <algorithm>
@@ -97,7 +96,7 @@ int32_t writeValues(void* handle, int32_t zone, int32_t var, int32_t partition, 
         if (var < 1 || var > static_cast<std::int32_t>(types.size()) || count < 0) return refused;
         const auto v = static_cast<std::size_t>(var - 1);
         if (types[v] != type) return refused;
-        return tecio::writeValues(file, v, count, values, tecio::rangeOf(values, count));
+        return tecio::writeValues(file, v, count, values);
     });
 }
 

@@ -34,16 +34,15 @@ Range range(const T* values, std::int64_t count) {
 
 } // namespace
 
-Range rangeOf(const float* values, std::int64_t count) {
-    return range(values, count);
-}
-
-Range rangeOf(const double* values, std::int64_t count) {
-    return range(values, count);
-}
-
-Range rangeOf(const std::int32_t* values, std::int64_t count) {
-    return range(values, count);
+Range rangeOf(std::int32_t type, const void* values, std::int64_t count) {
+    switch (type) {
+    case 1:
+        return range(static_cast<const float*>(values), count);
+    case 2:
+        return range(static_cast<const double*>(values), count);
+    default:
+        return range(static_cast<const std::int32_t*>(values), count);
+    }
 }
 
 } // namespace tecio

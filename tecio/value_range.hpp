@@ -6,9 +6,7 @@
 
 namespace tecio {
 
-// Least and greatest of the values; NaN is left out.
-Range rangeOf(const float* values, std::int64_t count);
-Range rangeOf(const double* values, std::int64_t count);
-Range rangeOf(const std::int32_t* values, std::int64_t count);
+// Least and greatest of values of a type: 1 float, 2 double, 3 32-bit integer. NaN is left out.
+Range rangeOf(std::int32_t type, const void* values, std::int64_t count);
 
 } // namespace tecio
