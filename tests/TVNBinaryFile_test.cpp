@@ -165,10 +165,20 @@ TEST_F(BinaryFile, WritersAndReadersOfBothGenerations) {
         std::array<double, 6> t{};
         read_r8_tensor("file", 1, &t[5], &t[4], &t[3], &t[2], &t[1], &t[0], &header);
         EXPECT_EQ(t, (std::array<double, 6>{6, 5, 4, 3, 2, 1}));
+        write_r8_2d("file", "1", 1, 1, 3, std::span(table).first(3));
+        read_r8_vec3("file", 1, &t[2], &t[1], &t[0]);
+        write_r8_2d("file", "1", 1, 1, 2, std::span(table).last(2));
+        read_r8_vec2("file", 1, &t[4], &t[3]);
+        EXPECT_EQ(t, (std::array<double, 6>{3, 2, 1, 8, 7, 1}));
         write_r4_2d("file", "1", 1, 1, 6, std::span(singles).first(6));
         std::array<float, 6> u{};
         read_r4_tensor("file", 1, &u[5], &u[4], &u[3], &u[2], &u[1], &u[0]);
         EXPECT_EQ(u, (std::array<float, 6>{6, 5, 4, 3, 2, 1}));
+        write_r4_2d("file", "1", 1, 1, 3, std::span(singles).first(3));
+        read_r4_vec3("file", 1, &u[2], &u[1], &u[0]);
+        write_r4_2d("file", "1", 1, 1, 2, std::span(singles).last(2));
+        read_r4_vec2("file", 1, &u[4], &u[3]);
+        EXPECT_EQ(u, (std::array<float, 6>{3, 2, 1, 8, 7, 1}));
     }
     setUseOldFormat(false);
 }

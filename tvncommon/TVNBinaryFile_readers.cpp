@@ -90,16 +90,34 @@ void read_safe(const std::string& filename, std::int32_t n, T* array, std::strin
 
 } // namespace
 
+void read_r4_vec2(const std::string& filename, std::int32_t n, float* a1, float* a2,
+                  std::string* header) {
+    read_r4_components(filename, n, 2, std::array{a1, a2}.data(), header);
+}
+
+void read_r8_vec2(const std::string& filename, std::int32_t n, double* a1, double* a2,
+                  std::string* header) {
+    read_r8_components(filename, n, 2, std::array{a1, a2}.data(), header);
+}
+
+void read_r4_vec3(const std::string& filename, std::int32_t n, float* a1, float* a2, float* a3,
+                  std::string* header) {
+    read_r4_components(filename, n, 3, std::array{a1, a2, a3}.data(), header);
+}
+
+void read_r8_vec3(const std::string& filename, std::int32_t n, double* a1, double* a2, double* a3,
+                  std::string* header) {
+    read_r8_components(filename, n, 3, std::array{a1, a2, a3}.data(), header);
+}
+
 void read_r4_tensor(const std::string& filename, std::int32_t n, float* a1, float* a2, float* a3,
                     float* a4, float* a5, float* a6, std::string* header) {
-    const std::array arrays{a1, a2, a3, a4, a5, a6};
-    read_r4_components(filename, n, static_cast<int>(arrays.size()), arrays.data(), header);
+    read_r4_components(filename, n, 6, std::array{a1, a2, a3, a4, a5, a6}.data(), header);
 }
 
 void read_r8_tensor(const std::string& filename, std::int32_t n, double* a1, double* a2, double* a3,
                     double* a4, double* a5, double* a6, std::string* header) {
-    const std::array arrays{a1, a2, a3, a4, a5, a6};
-    read_r8_components(filename, n, static_cast<int>(arrays.size()), arrays.data(), header);
+    read_r8_components(filename, n, 6, std::array{a1, a2, a3, a4, a5, a6}.data(), header);
 }
 
 void read_r4_2d(const std::string& filename, std::int32_t n, std::int32_t columns, float* array,

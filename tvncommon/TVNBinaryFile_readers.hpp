@@ -7,7 +7,15 @@
 // header. What is wrong with a file ends the run with its name.
 namespace TVNBinaryFile {
 
-// Six components into arrays of `n` values each.
+// Two, three or six components into arrays of `n` values each.
+void read_r4_vec2(const std::string& filename, std::int32_t n, float* a1, float* a2,
+                  std::string* header = nullptr);
+void read_r8_vec2(const std::string& filename, std::int32_t n, double* a1, double* a2,
+                  std::string* header = nullptr);
+void read_r4_vec3(const std::string& filename, std::int32_t n, float* a1, float* a2, float* a3,
+                  std::string* header = nullptr);
+void read_r8_vec3(const std::string& filename, std::int32_t n, double* a1, double* a2, double* a3,
+                  std::string* header = nullptr);
 void read_r4_tensor(const std::string& filename, std::int32_t n, float* a1, float* a2, float* a3,
                     float* a4, float* a5, float* a6, std::string* header = nullptr);
 void read_r8_tensor(const std::string& filename, std::int32_t n, double* a1, double* a2, double* a3,
