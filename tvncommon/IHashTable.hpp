@@ -28,26 +28,6 @@ struct Kind {
 };
 
 using Table = hash_chains::Table<Kind>;
-using hash_chains::bucketCount;
-using hash_chains::bucketSize;
-using hash_chains::clear;
-using hash_chains::destroy;
-using hash_chains::empty;
-using hash_chains::erase;
-using hash_chains::get;
-using hash_chains::getPrimeBucketCount;
-using hash_chains::hasNextIterator;
-using hash_chains::holds;
-using hash_chains::init;
-using hash_chains::initIterator;
-using hash_chains::insert;
-using hash_chains::Iterator;
-using hash_chains::loadFactor;
-using hash_chains::maxBucketCount;
-using hash_chains::maxLoadFactor;
-using hash_chains::nextIterator;
-using hash_chains::rehash;
-using hash_chains::reserve;
-using hash_chains::sz;
+using namespace hash_chains; // its functions are those of this table
 
 } // namespace IHashTable

@@ -13,9 +13,6 @@ namespace TVNBinaryFile {
 
 namespace {
 
-constexpr std::string_view magicText = "#!TVN";
-constexpr std::size_t magicOffset = 55;
-
 struct OpenFile {
     int unit;
     std::string header;

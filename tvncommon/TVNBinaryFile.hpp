@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -22,6 +23,8 @@
 namespace TVNBinaryFile {
 
 inline constexpr int headerLength = 80;
+inline constexpr std::size_t magicOffset = 55;
+inline constexpr std::string_view magicText = "#!TVN";
 
 struct BinaryHeader {
     bool isOldFormat = true;

@@ -17,8 +17,6 @@ namespace {
 
 bool useOldFormat = false;
 
-constexpr std::size_t magicOffset = 55;
-
 template<class T>
 constexpr std::string_view typeCode;
 template<>
@@ -130,7 +128,8 @@ void writeFormattedHeader(int unit, std::string_view message, std::string_view t
     header.resize(headerLength, ' ');
     if (!useOldFormat)
         header.replace(magicOffset, std::string::npos,
-                       "#!TVN001LE" + code + utils::zeroPaddedIntString(numComponents, 2) +
+                       std::string(magicText) + "001LE" + code +
+                           utils::zeroPaddedIntString(numComponents, 2) +
                            utils::zeroPaddedIntString(numValues, 10));
     status = io_layer::writeRecord(unit, header.data(), headerLength);
 }

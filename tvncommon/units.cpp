@@ -2,34 +2,14 @@
 
 #include "tvncommon/StringHelpers.hpp"
 #include "tvncommon/error.hpp"
+#include "tvncommon/units_systems.hpp"
 
-#include <array>
 #include <cstddef>
 #include <limits>
 
 namespace units {
 
 namespace {
-
-struct SystemTexts {
-    std::string_view name;
-    std::string_view length;
-    std::string_view time;
-};
-
-// By handle. In the centimeter systems the day comes before the hour.
-constexpr std::array<SystemTexts, 10> systems{{
-    {"kilogram-meter-second", "m", "s"},
-    {"kilogram-meter-minute", "m", "min"},
-    {"kilogram-meter-hour", "m", "h"},
-    {"kilogram-meter-day", "m", "d"},
-    {"kilogram-meter-year", "m", "y"},
-    {"kilogram-centimeter-second", "cm", "s"},
-    {"kilogram-centimeter-minute", "cm", "min"},
-    {"kilogram-centimeter-day", "cm", "d"},
-    {"kilogram-centimeter-hour", "cm", "h"},
-    {"kilogram-centimeter-year", "cm", "y"},
-}};
 
 struct State {
     std::size_t system = 0;

@@ -4,35 +4,13 @@
 #include "tvncommon/file_units.hpp"
 #include "tvncommon/free_form.hpp"
 #include "tvncommon/io_layer.hpp"
+#include "tvncommon/units_systems.hpp"
 
 #include <array>
 #include <cmath>
 #include <string>
 
 namespace units {
-
-namespace {
-
-struct Scale {
-    double lengthsInMetre;
-    double secondsInTime;
-};
-
-// By handle. In the centimeter systems the day comes before the hour.
-constexpr std::array<Scale, 10> scales{{
-    {1, 1},
-    {1, 60},
-    {1, 3600},
-    {1, 86400},
-    {1, 31536000},
-    {100, 1},
-    {100, 60},
-    {100, 86400},
-    {100, 3600},
-    {100, 31536000},
-}};
-
-} // namespace
 
 SIUnits multiply(const SIUnits& a, const SIUnits& b) {
     return {a.mass + b.mass, a.length + b.length, a.time + b.time, a.temperature + b.temperature,
@@ -58,9 +36,9 @@ SIUnits power_real_dr(const SIUnits& a, double exponent) {
 
 double conversionFactor(const UnitSystem& unitSystem, const SIUnits& exponents) {
     const auto system = static_cast<std::size_t>(unitSystem.handle);
-    if (system >= scales.size()) return 1;
-    return std::pow(scales[system].lengthsInMetre, exponents.length) *
-           std::pow(scales[system].secondsInTime, -exponents.time);
+    if (system >= systems.size()) return 1;
+    return std::pow(systems[system].lengthsInMetre, exponents.length) *
+           std::pow(systems[system].secondsInTime, -exponents.time);
 }
 
 void convert(const UnitSystem& unitSystem, double& value, const SIUnits& exponents) {

@@ -2,6 +2,7 @@
 
 #include "meshrake/model/run_state.hpp"
 #include "meshrake/paraview/array_rows.hpp"
+#include "tvncommon/ArrayHelpers.hpp"
 #include "tvncommon/StringHelpers.hpp"
 #include "tvncommon/error.hpp"
 #include "tvncommon/file_units.hpp"

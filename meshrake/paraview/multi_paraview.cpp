@@ -1,5 +1,6 @@
 #include "meshrake/paraview/multi_paraview.hpp"
 
+#include "meshrake/model/cell_patterns.hpp"
 #include "meshrake/model/result_files.hpp"
 #include "meshrake/model/run_state.hpp"
 #include "meshrake/paraview/array_rows.hpp"
@@ -10,9 +11,11 @@
 #include <algorithm>
 #include <array>
 #include <string>
+#include <utility>
 
 namespace paraview {
 
+using model::CellPattern;
 using model::Domain;
 using model::Option;
 using model::OutputVar;
@@ -72,73 +75,58 @@ void writeHead(const Output& out) {
     line(out, time);
 }
 
-// How the elements with so many slots go out: the slots that stand in a cell's record, from 0, and
-// the cell's type. Triangles and prisms are quadrilaterals and bricks with corners that fall
-// together.
-struct Shape {
-    std::int32_t nodesPerElement;
-    int length;
-    std::array<std::size_t, 8> slots;
-    int type;
-};
-
-constexpr Shape shapes[] = {
-    {2, 2, {0, 1}, 3},
-    {3, 4, {0, 1, 2, 2}, 8},
-    {4, 4, {0, 1, 2, 3}, 9},
-    {6, 8, {0, 1, 2, 2, 3, 4, 5, 5}, 12},
-    {8, 8, {0, 1, 2, 3, 4, 5, 6, 7}, 12},
-};
-constexpr const Shape& triangle = shapes[1];
-
-const Shape* shapeOf(const Domain& domain) {
-    for (const Shape& shape : shapes)
-        if (shape.nodesPerElement == domain.nodesPerElement) return &shape;
-    return nullptr;
+// Number of the cell type of elements with so many slots.
+int cellType(std::int32_t nodesPerElement) {
+    constexpr std::pair<std::int32_t, int> types[] = {{2, 3}, {3, 8}, {4, 9}, {6, 12}, {8, 12}};
+    for (const auto& [slots, type] : types)
+        if (slots == nodesPerElement) return type;
+    return 0;
 }
 
-using CellStep = void (*)(const Output&, const Shape&, const std::int32_t* slots);
+using CellStep = void (*)(const Output&, const CellPattern&, const std::int32_t* slots);
 
 // Only the first elements, as many as are included, are looked at, of which some may not be.
-void forEachCell(const Output& out, const Shape& shape, CellStep step) {
+void forEachCell(const Output& out, const CellPattern& pattern, CellStep step) {
     const Domain& domain = out.domain;
+    const CellPattern& triangle = model::cellPattern(3);
     for (std::size_t e = 0; e < static_cast<std::size_t>(domain.neTruncated); ++e) {
+        if (!domain.elementIncluded[e]) continue;
         const std::int32_t* slots = model::slotsOf(domain, e);
-        const bool isTriangle = domain.nodesPerElement == 4 && slots[3] == 0;
-        if (domain.elementIncluded[e]) step(out, isTriangle ? triangle : shape, slots);
+        step(out, model::isTriangle(domain, slots) ? triangle : pattern, slots);
     }
 }
 
-void writeCell(const Output& out, const Shape& shape, const std::int32_t* slots) {
-    std::array<std::int32_t, 8> numbers{};
-    for (std::size_t k = 0; k < static_cast<std::size_t>(shape.length); ++k) {
-        const std::int32_t node = slots[shape.slots[k]];
+void writeCell(const Output& out, const CellPattern& pattern, const std::int32_t* slots) {
+    std::array<std::int32_t, model::maximumCellSlots> numbers{};
+    for (std::size_t k = 0; k < static_cast<std::size_t>(pattern.length); ++k) {
+        const std::int32_t node = slots[pattern.slots[k]];
         numbers[k] =
             node < 1 ? -1 : out.domain.nodeRenumber[static_cast<std::size_t>(node) - 1] - 1;
     }
-    std::array<char, 1 + 8 * (number_formats::integerWidth + 1) + 1> text;
-    text[0] = static_cast<char>('0' + shape.length);
+    std::array<char, 1 + model::maximumCellSlots*(number_formats::integerWidth + 1) + 1> text;
+    text[0] = static_cast<char>('0' + pattern.length);
     const char* lineFeed =
-        number_formats::writeConnectivityRows(numbers.data(), 1, shape.length, text.data() + 1) - 1;
+        number_formats::writeConnectivityRows(numbers.data(), 1, pattern.length, text.data() + 1) -
+        1;
     line(out, std::string_view(text.data(), lineFeed));
 }
 
-void writeCellType(const Output& out, const Shape& shape, const std::int32_t*) {
-    line(out, std::to_string(shape.type));
+void writeCellType(const Output& out, const CellPattern& pattern, const std::int32_t*) {
+    line(out, std::to_string(cellType(pattern.nodesPerElement)));
 }
 
 void writeCells(const Output& out) {
     const std::int32_t cells = out.domain.neTruncated;
-    const Shape* shape = shapeOf(out.domain);
-    if (shape) {
-        const std::string numbers = count(std::int64_t{cells} * (shape->length + 1));
+    const CellPattern& pattern = model::cellPattern(out.domain.nodesPerElement);
+    if (pattern.length > 0) {
+        const std::string numbers = count(std::int64_t{cells} * (pattern.length + 1));
         line(out, "");
-        line(out, "CELLS " + count(cells) + (shape->length < 8 ? " " : "\n") + numbers);
-        forEachCell(out, *shape, writeCell);
+        line(out, "CELLS " + count(cells) + (pattern.length < 8 ? " " : "\n") + numbers);
+        forEachCell(out, pattern, writeCell);
     }
     line(out, "");
     line(out, "CELL_TYPES " + count(cells));
-    if (shape) forEachCell(out, *shape, writeCellType);
+    if (pattern.length > 0) forEachCell(out, pattern, writeCellType);
 }
 
 Extent nodes(const Domain& domain) {

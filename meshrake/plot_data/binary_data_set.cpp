@@ -9,7 +9,6 @@
 #include "tvncommon/io_layer.hpp"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <limits>
 #include <utility>

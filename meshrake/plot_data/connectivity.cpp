@@ -1,5 +1,6 @@
 #include "meshrake/plot_data/connectivity.hpp"
 
+#include "meshrake/model/cell_patterns.hpp"
 #include "meshrake/model/run_state.hpp"
 #include "meshrake/plot_data/binary_data_set.hpp"
 #include "meshrake/plot_data/text_block.hpp"
@@ -11,35 +12,11 @@
 
 namespace plot_data {
 
+using model::CellPattern;
 using model::Domain;
 using model::run;
 
 namespace {
-
-constexpr int maximumSlots = 8;
-
-// Which slots of an element stand in the file, by position from 0.
-struct Pattern {
-    int length = 0;
-    std::array<int, maximumSlots> slot{};
-};
-
-Pattern patternOf(int nodesPerElement) {
-    switch (nodesPerElement) {
-    case 2:
-        return {2, {0, 1}};
-    case 3:
-        return {4, {0, 1, 2, 2}};
-    case 4:
-        return {4, {0, 1, 2, 3}};
-    case 6:
-        return {8, {0, 1, 2, 2, 3, 4, 5, 5}};
-    case 8:
-        return {8, {0, 1, 2, 3, 4, 5, 6, 7}};
-    default:
-        return {};
-    }
-}
 
 // Quadrilaterals of a domain with nodes of its own go by its own links, since at a cutoff wall
 // several of its nodes lie on one pm node.
@@ -95,21 +72,22 @@ std::int32_t renumbered(const Domain& domain, std::int32_t pmNode) {
 }
 
 // Output node numbers of one element into `nodes`, as many as the pattern has.
-void tecplotElemConnectivity(const Domain& domain, const OwnNodes& own, const Pattern& pattern,
+void tecplotElemConnectivity(const Domain& domain, const OwnNodes& own, const CellPattern& pattern,
                              std::size_t element, std::int32_t* nodes) {
     const std::int32_t* slots = model::slotsOf(domain, element);
-    const bool triangle = domain.nodesPerElement == 4 && slots[3] == 0;
+    const bool triangle = model::isTriangle(domain, slots);
     if (own.inUse && !triangle) {
         for (int k = 0; k < 4; ++k) nodes[k] = ownNode(domain, own, slots[k], element);
         return;
     }
-    for (int k = 0; k < pattern.length; ++k)
-        nodes[k] = renumbered(domain, slots[pattern.slot[static_cast<std::size_t>(k)]]);
-    if (triangle) nodes[3] = nodes[2];
+    const CellPattern& used = triangle ? model::cellPattern(3) : pattern;
+    for (std::size_t k = 0; k < static_cast<std::size_t>(used.length); ++k)
+        nodes[k] = renumbered(domain, slots[used.slots[k]]);
 }
 
-// True when the file takes the elements as they stand: all of them, with all nodes of pm.
-bool isWholeMesh(const Domain& domain, const Pattern& pattern) {
+// True when the file takes the elements as they stand: all of them, with all nodes of pm, and no
+// triangle among them.
+bool isWholeMesh(const Domain& domain, const CellPattern& pattern) {
     return domain.tag == model::tags::pm && pattern.length == domain.nodesPerElement &&
            pattern.length != 4 && domain.neTruncated == domain.elementCount &&
            !domain.nodeRenumber.empty() && domain.nodeRenumber.back() == domain.nodeCount;
@@ -117,13 +95,13 @@ bool isWholeMesh(const Domain& domain, const Pattern& pattern) {
 
 // Node lists of the included elements into `write`, as many at a time as stay in the cache.
 template<class Write>
-void writeRows(const Domain& domain, const Pattern& pattern, Write write) {
+void writeRows(const Domain& domain, const CellPattern& pattern, Write write) {
     if (pattern.length == 0) return;
     if (isWholeMesh(domain, pattern))
         return write(domain.elementNodes.data(), std::int64_t{domain.elementCount});
     const OwnNodes own = ownNodesOf(domain);
     constexpr std::int64_t rowsAtOnce = 4096;
-    std::array<std::int32_t, rowsAtOnce * maximumSlots> nodes;
+    std::array<std::int32_t, rowsAtOnce * model::maximumCellSlots> nodes;
     std::int64_t rows = 0;
     const auto count = static_cast<std::size_t>(domain.elementCount);
     for (std::size_t e = 0; e < count; ++e) {
@@ -136,10 +114,10 @@ void writeRows(const Domain& domain, const Pattern& pattern, Write write) {
     if (rows > 0) write(nodes.data(), rows);
 }
 
-void writeText(Domain& domain, const Pattern& pattern) {
+void writeText(Domain& domain, const CellPattern& pattern) {
     TextBlock block = beginBlock(domain.tecplotUnit);
     appendLine(block, "# element node lists");
-    const std::int64_t rowBytes = 11 * pattern.length + 1;
+    const std::int64_t rowBytes = pattern.length * (number_formats::integerWidth + 1) + 1;
     writeRows(domain, pattern, [&](const std::int32_t* nodes, std::int64_t rows) {
         while (rows > 0) {
             const std::int64_t n = std::min(rows, makeRoom(block, rowBytes));
@@ -154,7 +132,7 @@ void writeText(Domain& domain, const Pattern& pattern) {
 } // namespace
 
 void tecplotWriteConnectivity(Domain& domain) {
-    const Pattern pattern = patternOf(domain.nodesPerElement);
+    const CellPattern& pattern = model::cellPattern(domain.nodesPerElement);
     if (!run.tecplotBinary) return writeText(domain, pattern);
     writeRows(domain, pattern, [&](const std::int32_t* nodes, std::int64_t rows) {
         binary::writeNodes(rows * pattern.length, nodes, domain);
