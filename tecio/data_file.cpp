@@ -141,8 +141,9 @@ std::string copyPath(const std::string& path) {
 int createDataFile(DataFile& f) {
     int status = createSidecar(sidecarPath(f.path), f.head, f.sidecar);
     // What is there now, and is replaced later, must be a file that can be written.
-    if (status == ok && io_layer::exists(f.path))
-        status = byte_file::open(f.path, OpenMode::update, f.file, f.size);
+    bool found = false;
+    if (status == ok) status = io_layer::exists(f.path, found);
+    if (status == ok && found) status = byte_file::open(f.path, OpenMode::update, f.file, f.size);
     if (status == ok) status = byte_file::open(copyPath(f.path), OpenMode::update, f.file, f.size);
     // The truncation of an empty file would make its close wait for the disk.
     if (status == ok && f.size > 0) status = byte_file::truncate(f.file, 0);

@@ -70,9 +70,11 @@ std::vector<std::string> splitAtCommas(std::string_view list) {
 
 int openDataSet(DataFile& file, const char* title, const char* variableList) {
     file.head = {title, splitAtCommas(variableList)};
-    const bool unfinished =
-        io_layer::exists(tecio::sidecarPath(file.path)) && io_layer::exists(file.path);
-    return unfinished ? tecio::continueDataFile(file) : tecio::createDataFile(file);
+    bool sidecarFound = false, found = false;
+    int status = io_layer::exists(tecio::sidecarPath(file.path), sidecarFound);
+    if (status == io_layer::ok) status = io_layer::exists(file.path, found);
+    if (status != io_layer::ok) return status;
+    return sidecarFound && found ? tecio::continueDataFile(file) : tecio::createDataFile(file);
 }
 
 template<class Record>

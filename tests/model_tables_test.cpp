@@ -5,6 +5,7 @@
 #include "tvncommon/TVNBinaryFile.hpp"
 #include "tvncommon/io_layer.hpp"
 
+#include <filesystem>
 #include <set>
 
 namespace {
@@ -33,7 +34,7 @@ TEST_F(VariableFiles, AreThoseThatTheSimulatorWrites) {
         for (const VariableRow& row : variables::variableTable()) {
             if (!(row.domains & domains[d].tag) || row.stem.empty()) continue;
             const std::string name = plot_data::variableFile(domains[d], row.stem);
-            if (!io_layer::exists(name)) continue;
+            if (!std::filesystem::exists(name)) continue;
             left.erase(name);
             const auto header = TVNBinaryFile::parseTVNBinFileHeader(
                 TVNBinaryFile::readTVNBinFileHeader(name), name);

@@ -63,6 +63,24 @@ int reserve(const File& file, std::int64_t position, std::int64_t size) {
     }
 }
 
+int sync(const File& file) {
+    for (;;) {
+        if (table.sync(file.descriptor) == 0) return ok;
+        if (errno != EINTR) return io_layer::writeFailed;
+    }
+}
+
+int syncFolderOf(const std::string& path) {
+    const std::size_t slash = path.rfind('/');
+    const std::string folder = slash == std::string::npos ? "." : path.substr(0, slash + 1);
+    File file;
+    file.descriptor = table.open(folder.c_str(), system_calls::OpenMode::read);
+    if (file.descriptor < 0) return io_layer::writeFailed;
+    const int status = sync(file);
+    close(file);
+    return status;
+}
+
 int close(File& file) {
     if (file.descriptor < 0) return ok;
     const int status = table.close(file.descriptor) == 0 ? ok : io_layer::writeFailed;

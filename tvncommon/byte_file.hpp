@@ -28,6 +28,11 @@ int truncate(const File& file, std::int64_t size);
 // size of the file stays. A disk without that much room fails and keeps what it has.
 int reserve(const File& file, std::int64_t position, std::int64_t size);
 
+// Returns once all that was written is on the disk; `syncFolderOf` does it for the names in the
+// folder of `path`, which a rename changed.
+int sync(const File& file);
+int syncFolderOf(const std::string& path);
+
 // Fine for a closed file.
 int close(File& file);
 

@@ -19,7 +19,7 @@ void checkWrite(int unit, int status) {
 // The name without its trailing blanks.
 std::string nameOfExisting(std::string_view filename) {
     std::string name(StringHelpers::trimRight(filename));
-    if (!io_layer::exists(name)) error::fatalError("File not found: " + name);
+    if (!exists(name)) error::fatalError("File not found: " + name);
     return name;
 }
 
@@ -44,6 +44,14 @@ void freeUnitAll() {
     std::string path;
     const int status = io_layer::releaseAll(path);
     error::checkFileWrite(status, path);
+}
+
+bool exists(const std::string& path) {
+    bool found = false;
+    const int status = io_layer::exists(path, found);
+    if (status != io_layer::ok)
+        error::fatalErrorStat(status, "Failed to find out if file exists: " + path);
+    return found;
 }
 
 int openTextRead(const std::string& path) {

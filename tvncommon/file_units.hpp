@@ -22,6 +22,10 @@ void freeUnit(int unit);
 // The same for all units of the range.
 void freeUnitAll();
 
+// True if something of that name exists, a folder included. Ends the run, naming the file, where
+// the system cannot say (any failure but ENOENT and ENOTDIR) and for a name that is too long.
+bool exists(const std::string& path);
+
 // Opens a file that must be there for reading, or one to be replaced for writing, on a unit that is
 // free. A failed open ends the run.
 int openTextRead(const std::string& path);

@@ -150,8 +150,11 @@ void reset() {
     state = freshState();
 }
 
-bool exists(const std::string& path) {
-    return canBeName(path) && table.exists(path.c_str()) == 0;
+int exists(const std::string& path, bool& found) {
+    found = false;
+    if (!canBeName(path)) return invalidPath;
+    found = table.exists(path.c_str()) == 0;
+    return found || errno == ENOENT || errno == ENOTDIR ? ok : statusOfOpen(errno);
 }
 
 int takeUnit() {

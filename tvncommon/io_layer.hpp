@@ -47,9 +47,10 @@ int statusOfOpen(int error);
 // Forgets all units without closing them and puts back the fixed streams.
 void reset();
 
-// True when something of that name is there, a folder included. A name of more than 300 characters
-// or with a NUL in it is nobody's, and no file opens under it.
-bool exists(const std::string& path);
+// Sets `found` to whether something of that name exists, a folder included. ENOENT and ENOTDIR mean
+// that nothing does; any other failed look returns a status, because the file may well exist. So
+// does a name of more than 300 characters or with a NUL in it.
+int exists(const std::string& path, bool& found);
 
 // Units. `takeUnit` returns the lowest free number of the range, or 0 when none is left.
 int takeUnit();

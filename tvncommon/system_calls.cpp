@@ -6,6 +6,7 @@
 #include <fcntl.h>
 #include <limits>
 #include <malloc.h>
+#include <sys/file.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -20,6 +21,8 @@ int accessOf(OpenMode mode) {
         return O_WRONLY | O_CREAT | O_TRUNC;
     case OpenMode::update:
         return O_RDWR | O_CREAT;
+    case OpenMode::create:
+        return O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW;
     default:
         return O_RDONLY;
     }
@@ -71,11 +74,16 @@ int reserveRoom(int descriptor, std::int64_t position, std::int64_t size) {
     return missing ? 0 : result;
 }
 
+int lockFile(int descriptor, bool wait) {
+    return ::flock(descriptor, wait ? LOCK_EX : LOCK_EX | LOCK_NB);
+}
+
 } // namespace
 
 Table systemTable() {
-    return {openFile, ::read,  ::write,      seekFile,    ::close,  factsOf, existsFile,
-            readAt,   writeAt, truncateFile, reserveRoom, ::rename, ::unlink};
+    return {openFile,    ::read,      ::write,  seekFile, ::close,
+            factsOf,     existsFile,  readAt,   writeAt,  truncateFile,
+            reserveRoom, ::fdatasync, lockFile, ::rename, ::unlink};
 }
 
 Table table = systemTable();

@@ -8,8 +8,10 @@
 // table, so that a test can make any of them fail.
 namespace system_calls {
 
-// `update` reads and writes a file as it stands, and makes one that is missing.
-enum class OpenMode { read, replace, update };
+// `update` reads and writes an existing file without changing it, and creates one that is missing;
+// `create` does so only for a name that nothing has yet, not even a link. `read` also opens a
+// folder.
+enum class OpenMode { read, replace, update, create };
 enum class FileKind { regular, folder, other };
 
 struct FileFacts {
@@ -32,6 +34,11 @@ struct Table {
     int (*truncate)(int descriptor, std::int64_t size);
     // Takes room on the disk; fine where the file system has no such thing.
     int (*reserve)(int descriptor, std::int64_t position, std::int64_t size);
+    // Returns once the file's data and size, or a folder's entries, are on the disk.
+    int (*sync)(int descriptor);
+    // Takes an exclusive advisory lock that ends with the descriptor; without `wait` a lock that
+    // another process holds fails with EWOULDBLOCK.
+    int (*lock)(int descriptor, bool wait);
     int (*rename)(const char* from, const char* to);
     int (*remove)(const char* path);
 };

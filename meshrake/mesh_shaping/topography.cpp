@@ -1,6 +1,7 @@
 #include "meshrake/mesh_shaping/topography.hpp"
 
 #include "meshrake/model/run_state.hpp"
+#include "tvncommon/file_units.hpp"
 #include "tvncommon/io_layer.hpp"
 
 namespace mesh_shaping {
@@ -50,7 +51,7 @@ void tvTopoPreInit(Domain& domain, const VariableRow& row, OutputVar& var) {
 
 void tvTopoPreRead(Domain& domain, const VariableRow& row, OutputVar&) {
     const std::string name = plot_data::variableFile(domain, row.stem);
-    if (io_layer::exists(name)) readElevations(domain, row, model::outputVar(domain, key), name);
+    if (file_units::exists(name)) readElevations(domain, row, model::outputVar(domain, key), name);
 }
 
 void tvTopoInit(Domain& domain, const VariableRow& row, OutputVar& var) {
@@ -69,7 +70,7 @@ void tvTopoInit(Domain& domain, const VariableRow& row, OutputVar& var) {
 
 void tvTopoRead(Domain& domain, const VariableRow& row, OutputVar& var) {
     const std::string name = plot_data::variableFile(domain, row.stem);
-    var.exists = io_layer::exists(name);
+    var.exists = file_units::exists(name);
     if (!var.exists) return plot_data::shareColumns(var.columns);
     readElevations(domain, row, var, name);
     computeChange(domain, var);

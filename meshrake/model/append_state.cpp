@@ -63,7 +63,7 @@ std::int32_t readTecplotAppend() {
 void writeTecplotAppend(std::int32_t index) {
     const std::string name = problemFile(stem);
     const std::string made = problemFile(stem + ".new");
-    if (io_layer::exists(name) && !canBeWritten(name)) return;
+    if (file_units::exists(name) && !canBeWritten(name)) return;
     const int unit = file_units::getUnit();
     const bool opened = io_layer::openRecordsReplace(unit, made) == io_layer::ok;
     if (opened) error::checkFileWrite(io_layer::writeRecord(unit, &index, sizeof index), made);

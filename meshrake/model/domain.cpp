@@ -74,7 +74,7 @@ void domainCreate(Domain& domain, std::string_view tag, const Domain& pm) {
         domain.exists = true;
         return;
     }
-    domain.exists = io_layer::exists(problemFile("coordinates_" + std::string(tag)));
+    domain.exists = file_units::exists(problemFile("coordinates_" + std::string(tag)));
     if (!domain.exists) return;
     domain.name = tag;
     domain.tag = tagOf(tag);

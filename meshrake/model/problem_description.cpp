@@ -53,7 +53,7 @@ void titleRead() {
 
 void speciesRead() {
     const std::string name = problemFile("species");
-    run.speciesPresent = io_layer::exists(name);
+    run.speciesPresent = file_units::exists(name);
     if (!run.speciesPresent) {
         writeScreen("No species file present");
         return;
@@ -81,7 +81,7 @@ void speciesRead() {
 
 void hmcFractionsRead() {
     const std::string name = problemFile("hmc");
-    run.hmcPresent = io_layer::exists(name);
+    run.hmcPresent = file_units::exists(name);
     if (!run.hmcPresent) {
         writeScreen("No HMC file present");
         return;

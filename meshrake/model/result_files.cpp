@@ -4,6 +4,7 @@
 #include "tvncommon/StringHelpers.hpp"
 #include "tvncommon/TVNBinaryFile.hpp"
 #include "tvncommon/error.hpp"
+#include "tvncommon/file_units.hpp"
 #include "tvncommon/free_form.hpp"
 #include "tvncommon/io_layer.hpp"
 #include "tvncommon/number_formats.hpp"
@@ -105,7 +106,7 @@ bool sameKindExists(std::string_view suffix) {
     if (point == std::string::npos)
         error::fatalError("File extension not found for file: " + run.timeFile);
     const std::string name = fileName(run.timeFile.substr(0, point) + std::string(suffix));
-    if (!io_layer::exists(name)) return false;
+    if (!file_units::exists(name)) return false;
     run.timeFile = name;
     return true;
 }
@@ -138,7 +139,7 @@ bool findTimeFile(std::string_view suffix) {
     run.timeFileKnown = false;
     for (const std::string_view stem : timeFileTable) {
         const std::string name = candidate(stem, suffix);
-        if (name.empty() || !io_layer::exists(name)) continue;
+        if (name.empty() || !file_units::exists(name)) continue;
         run.timeFile = name;
         run.timeFileKnown = true;
         return true;

@@ -93,7 +93,7 @@ void searchElements(ElementSearch& search, int unit) {
 
 void obs_points_shape(const Domain& domain) {
     const std::string name = model::problemFile("ObsShape.txt");
-    if (io_layer::exists(name)) return readCache(name);
+    if (file_units::exists(name)) return readCache(name);
     model::writeScreen("Evaluating shape functions at XYZ observation locations");
     model::writeScreen("This might take several minutes...");
     model::writeEcho(" Evaluating shape functions at XYZ observation locations");

@@ -78,7 +78,7 @@ void writeHead(int unit) {
 
 void addition_paraview_bclocationout() {
     const std::string list = model::problemFile("boundary_conditions");
-    if (!io_layer::exists(list)) {
+    if (!file_units::exists(list)) {
         model::writeScreen(" *o.boundary_conditions FILE DOES NOT EXISTS");
         return;
     }
@@ -89,7 +89,7 @@ void addition_paraview_bclocationout() {
 
     for (const std::string& name : names) {
         const std::string input = model::problemFile("Bc." + name + ".dat");
-        if (!io_layer::exists(input)) continue;
+        if (!file_units::exists(input)) continue;
         const int inputUnit = file_units::openTextRead(input);
         const int outputUnit = file_units::openTextReplace(
             input.substr(0, input.size() - 3) + "vtk", io_layer::Flush::inBlocks);

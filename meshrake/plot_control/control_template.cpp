@@ -41,13 +41,13 @@ void unboundedWindow() {
 
 // A comparison is offered where there is something to compare.
 void pmComparisonLines() {
-    if (!io_layer::exists(model::problemFile("head_pm." + model::outputTimeIndex(1)))) return;
-    if (io_layer::exists(model::fileName(run.problemPrefix + ".observed_heads"))) {
+    if (!file_units::exists(model::problemFile("head_pm." + model::outputTimeIndex(1)))) return;
+    if (file_units::exists(model::fileName(run.problemPrefix + ".observed_heads"))) {
         comment("compare heads 3d domain");
         unboundedWindow();
         comment("compare gw table elevation");
     }
-    if (io_layer::exists(model::fileName(run.problemPrefix + ".observed_d2gwt")))
+    if (file_units::exists(model::fileName(run.problemPrefix + ".observed_d2gwt")))
         comment("compare depth to gw table");
 }
 

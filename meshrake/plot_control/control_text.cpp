@@ -24,7 +24,7 @@ bool nextLine(int unit, std::string& line) {
 
 void copyIncluded(std::string_view name, int outputUnit) {
     const std::string path(name);
-    if (!io_layer::exists(path)) error::input_error("Include file not found: " + path);
+    if (!file_units::exists(path)) error::input_error("Include file not found: " + path);
     const int unit = file_units::openTextRead(path);
     std::string line;
     while (nextLine(unit, line)) file_units::writeLine(outputUnit, line);

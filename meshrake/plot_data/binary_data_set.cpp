@@ -5,6 +5,7 @@
 #include "tvncommon/StringHelpers.hpp"
 #include "tvncommon/byte_file.hpp"
 #include "tvncommon/error.hpp"
+#include "tvncommon/file_units.hpp"
 #include "tvncommon/free_form.hpp"
 #include "tvncommon/io_layer.hpp"
 
@@ -54,10 +55,10 @@ bool continuesOutput() {
 // The library goes on with any data set that has a sidecar, so the decision is made here.
 void prepareOpen(const std::string& path) {
     const std::string sidecar = path + ".szhdr";
-    const bool goesOn = continuesOutput() && io_layer::exists(path);
+    const bool goesOn = continuesOutput() && file_units::exists(path);
     if (!goesOn)
         error::checkFileOpen(byte_file::remove(sidecar), sidecar);
-    else if (!io_layer::exists(sidecar))
+    else if (!file_units::exists(sidecar))
         error::checkFileOpen(io_layer::fileNotFound,
                              sidecar +
                                  "\nThe data set was finished: no zone can be appended to it.");
@@ -102,7 +103,7 @@ void showZonesOfEarlierRun(const Domain& domain) {
     if (!MESHRAKE_OWN_TECIO || !continuesOutput()) return;
     if (!domain.exists || !domain.writeDomain.enabled) return;
     const std::string name = model::problemFile(domain.name);
-    if (!io_layer::exists(name + ".szplt") || !io_layer::exists(name + ".szplt.szhdr")) return;
+    if (!file_units::exists(name + ".szplt") || !file_units::exists(name + ".szplt.szhdr")) return;
     void* handle = nullptr;
     if (tecFileWriterOpen(name.c_str(), "", "", 1, 0, 0, nullptr, &handle) == 0)
         tecFileWriterFlush(handle, 0, nullptr);

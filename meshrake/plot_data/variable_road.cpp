@@ -7,6 +7,7 @@
 #include "meshrake/plot_data/unit_labels.hpp"
 #include "tvncommon/ArrayHelpers.hpp"
 #include "tvncommon/TVNBinaryFile.hpp"
+#include "tvncommon/file_units.hpp"
 #include "tvncommon/io_layer.hpp"
 
 #include <algorithm>
@@ -39,11 +40,11 @@ std::string variableFile(const Domain& domain, std::string_view stem) {
 }
 
 bool checkFileInit(std::string& name, std::int32_t fallback) {
-    if (io_layer::exists(name)) return true;
+    if (file_units::exists(name)) return true;
     if (!run.tecplotAppend) return false;
     const std::string suffix = model::outputTimeIndex(fallback);
     name = model::fileName(name.substr(0, name.rfind('.') + 1) + suffix);
-    if (!io_layer::exists(name)) return false;
+    if (!file_units::exists(name)) return false;
     model::write_string("Warning: file not found -> appending at time index " + suffix);
     return true;
 }
@@ -51,7 +52,7 @@ bool checkFileInit(std::string& name, std::int32_t fallback) {
 std::string firstFile(const Domain& domain, const VariableRow& row) {
     if (row.timing == Timing::property) {
         const std::string name = fileWithSuffix(domain, row.stem, model::outputTimeIndex(1));
-        return io_layer::exists(name) ? name : "";
+        return file_units::exists(name) ? name : "";
     }
     std::string name = variableFile(domain, row.stem);
     return checkFileInit(name) ? name : "";
@@ -155,7 +156,7 @@ void plainInit(Domain& domain, const VariableRow& row, OutputVar& var) {
 void plainRead(Domain& domain, const VariableRow& row, OutputVar& var) {
     if (row.timing != Timing::everyTime) return constantRead(domain, row, var);
     std::string name = variableFile(domain, row.stem);
-    var.exists = row.laterFallback ? checkFileInit(name) : io_layer::exists(name);
+    var.exists = row.laterFallback ? checkFileInit(name) : file_units::exists(name);
     if (var.exists)
         readColumns(domain, var.columns, name);
     else

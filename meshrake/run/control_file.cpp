@@ -47,7 +47,7 @@ void writeTemplate(const std::string& name, Domains& domains) {
 
 void processControlFile(Domains& domains) {
     const std::string name = model::fileName(run.problemPrefix + ".plot.control");
-    run.controlFileExists = io_layer::exists(name);
+    run.controlFileExists = file_units::exists(name);
     run.controlUnit = file_units::getUnit();
     if (run.controlFileExists && !run.makePlotControl)
         readControl(name, domains);

@@ -30,7 +30,7 @@ int readPrefix(int unit, std::string& prefix) {
 }
 
 bool readBatchFile(std::string& prefix) {
-    if (!io_layer::exists(batchFile)) {
+    if (!file_units::exists(batchFile)) {
         writeScreen("batch.pfx file does not exist");
         return false;
     }
@@ -54,7 +54,7 @@ bool readBatchFile(std::string& prefix) {
 
 bool isProblem(const std::string& prefix, std::string_view extension) {
     const std::string name = prefix + std::string(extension);
-    if (io_layer::exists(name)) return true;
+    if (file_units::exists(name)) return true;
     writeScreen("Unable to find file " + name);
     return false;
 }

@@ -4,6 +4,7 @@
 #include "meshrake/plot_data/data_set.hpp"
 #include "meshrake/plot_data/unit_labels.hpp"
 #include "tvncommon/StringHelpers.hpp"
+#include "tvncommon/file_units.hpp"
 #include "tvncommon/io_layer.hpp"
 
 namespace variables {
@@ -102,7 +103,7 @@ void familyRead(Domain& domain, const VariableRow& row, OutputVar& var) {
     for (std::size_t m = 0; m < members.size(); ++m) {
         const std::span<Column> column{&var.columns[m], 1};
         const std::string name = currentFile(members[m]);
-        var.exists = io_layer::exists(name);
+        var.exists = file_units::exists(name);
         if (var.exists)
             plot_data::readColumns(domain, column, name);
         else
@@ -133,7 +134,7 @@ void redoxCapacityRead(Domain& domain, const VariableRow& row, OutputVar& var) {
     if (run.numMobileSpecies < 1) return plot_data::constantRead(domain, row, var);
     for (std::size_t s = 0; s < static_cast<std::size_t>(run.numMobileSpecies); ++s) {
         const std::string name = redoxFile(domain, row, s);
-        var.exists = io_layer::exists(name);
+        var.exists = file_units::exists(name);
         if (var.exists)
             plot_data::readColumns(domain, var.columns, name);
         else

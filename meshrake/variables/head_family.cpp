@@ -1,6 +1,7 @@
 #include "meshrake/variables/own_ways.hpp"
 
 #include "meshrake/mesh_shaping/topography.hpp"
+#include "tvncommon/file_units.hpp"
 #include "tvncommon/io_layer.hpp"
 
 #include <algorithm>
@@ -80,7 +81,7 @@ void headInit(Domain& domain, const VariableRow& row, OutputVar& var) {
 
 void headRead(Domain& domain, const VariableRow& row, OutputVar& var) {
     const std::string name = plot_data::variableFile(domain, row.stem);
-    var.exists = io_layer::exists(name);
+    var.exists = file_units::exists(name);
     if (!var.exists) return plot_data::shareColumns(var.columns);
     plot_data::readColumns(domain, std::span(var.columns).first(1), name);
     compute(domain, var);

@@ -6,6 +6,7 @@
 #include "meshrake/plot_data/data_set.hpp"
 #include "tvncommon/TVNBinaryFile.hpp"
 #include "tvncommon/error.hpp"
+#include "tvncommon/file_units.hpp"
 #include "tvncommon/free_form.hpp"
 #include "tvncommon/io_layer.hpp"
 
@@ -25,7 +26,7 @@ void zoneInit(Domain& domain, const VariableRow& row, OutputVar& var) {
 
 void zoneRead(Domain& domain, const VariableRow& row, OutputVar& var) {
     const std::string name = plot_data::variableFile(domain, row.stem);
-    var.exists = io_layer::exists(name);
+    var.exists = file_units::exists(name);
     if (var.exists)
         TVNBinaryFile::read_i4_1d(name, domain.elementCount, domain.elementZone.data());
     else
@@ -88,7 +89,7 @@ VariableRow withSpelling(const Domain& domain, const VariableRow& row, std::stri
     for (const std::string& suffix : {model::run.timeSuffix, model::outputTimeIndex(1)})
         for (const std::string_view stem : {first, second}) {
             const std::string name = std::string(stem) + domain.name + "." + suffix;
-            if (!io_layer::exists(model::problemFile(name))) continue;
+            if (!file_units::exists(model::problemFile(name))) continue;
             spelt.stem = stem;
             return spelt;
         }

@@ -9,6 +9,7 @@
 #include "meshrake/variables/families.hpp"
 #include "meshrake/variables/variable_table.hpp"
 #include "tvncommon/error.hpp"
+#include "tvncommon/file_units.hpp"
 #include "tvncommon/io_layer.hpp"
 
 namespace variables {
@@ -28,7 +29,7 @@ void announce(const Domain& domain, const std::string& name) {
         return;
     }
     const std::string temporary = name + ".szplt.szhdr";
-    if (!run.tecplotAppend && io_layer::exists(temporary))
+    if (!run.tecplotAppend && file_units::exists(temporary))
         error::warningMsg("Tecplot szplt temporary files found (" + temporary +
                           ", etc.)\nConsider deleting them, otherwise data may be appended.");
     model::write_string(domain.name + " data to tecplot");

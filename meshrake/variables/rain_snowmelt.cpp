@@ -1,5 +1,6 @@
 #include "meshrake/variables/own_ways.hpp"
 
+#include "tvncommon/file_units.hpp"
 #include "tvncommon/io_layer.hpp"
 
 #include <array>
@@ -44,7 +45,7 @@ void rainSnowmeltInit(Domain& domain, const VariableRow& row, OutputVar& var) {
 
 // The first file decides for all five; when it is there, the others must be too.
 void rainSnowmeltRead(Domain& domain, const VariableRow&, OutputVar& var) {
-    var.exists = io_layer::exists(plot_data::variableFile(domain, snowFiles[0].stem));
+    var.exists = file_units::exists(plot_data::variableFile(domain, snowFiles[0].stem));
     for (std::size_t file = 0; file < snowFiles.size(); ++file) {
         const std::span<model::Column> column{&var.columns[file], 1};
         if (column[0].varNumber == 0) continue;
