@@ -251,9 +251,17 @@ TEST_F(Comparison, LocatesPointsOnceAndTrustsTheCache) {
                 HasSubstr("1.2500000000000000\nZONE T=\"straight line\"\n 1.0000000000000000"));
     EXPECT_THAT(get("to.compare_heads.dat"), testing::EndsWith(" 0.99978566529492452\n"));
 
+    // An editor has taken the blanks at the ends of the lines, and the last end of a line.
+    Bytes& cache = problem["to.ObsShape.txt"] = get("to.ObsShape.txt");
+    for (std::size_t at; (at = cache.find(" \n")) != Bytes::npos;) cache.erase(at, 1);
+    cache.pop_back();
+    const Bytes compared = getDated("to.compare_heads.dat");
+    EXPECT_EQ(runHeads(threePoints).status, 0);
+    EXPECT_EQ(getDated("to.compare_heads.dat"), compared);
+
     // Shape values that no search gives, one of them without a point, and more than is needed.
     problem["to.ObsShape.txt"] =
-        get("to.ObsShape.txt").replace(12, 18, "                 4") + "more\n";
+        expected("ObsShape.txt").replace(12, 18, "                 4") + "more\n";
     EXPECT_EQ(runHeads(threePoints).status, 0);
     EXPECT_THAT(get("to.compare_heads.dat"),
                 HasSubstr(" 55.000000000000000 55.500000000000000\n")); // node 1 has head 0
@@ -263,9 +271,11 @@ TEST_F(Comparison, RefusesDamagedFiles) {
     ASSERT_EQ(runHeads(threePoints).status, 0);
     const std::string cache = get("to.ObsShape.txt");
     const std::string observed = "t.observed_heads\n", cached = "to.ObsShape.txt\n";
-    std::string word = cache, two = cache;
+    std::string word = cache, two = cache, exponent = cache;
     word.replace(40, 3, "abc");
     two.replace(12, 18, "               1 2");
+    exponent.replace(exponent.size() - 19, 19, " 0.12500000000"); // and "E-01", which is cut
+    const std::string cut = "Error detail: Error encountered during read";
     const std::array<std::string, 3> cases[] = {
         {"", cache, observed + "Error detail: End-of-file"},
         {"-1\n", cache, observed + "The number of observations, -1,"},
@@ -273,7 +283,10 @@ TEST_F(Comparison, RefusesDamagedFiles) {
         {"3\n1 1 1 1\n1 1 1 1\n1 1 1\n", cache, observed + "Error detail: End-of-file"},
         {"2\n1 1 1 1\n1 1 one 1\n", cache, observed + "Error detail: Invalid data format"},
         {threePoints, "", cached + "Error detail: End-of-file"},
-        {threePoints, cache.substr(0, 162) + cache.substr(163), cached},
+        {threePoints, cache.substr(0, 158) + cache.substr(163), cached + cut},
+        {threePoints, cache.substr(0, cache.size() - 6), cached + cut},
+        {threePoints, exponent, cached + cut},
+        {threePoints, exponent + "E-0\n", cached + cut},
         {threePoints, word, cached + "Error detail: Invalid character"},
         {threePoints, two, cached + "Error detail: Invalid character"}};
     for (const auto& [file, located, message] : cases) {

@@ -11,6 +11,8 @@
 #include "tvncommon/number_formats.hpp"
 
 #include <algorithm>
+#include <cmath>
+#include <numeric>
 #include <string>
 
 namespace observation_compare {
@@ -26,6 +28,8 @@ constexpr int shapeDigits = 11;
 constexpr std::size_t shapeBegin = elementWidth + 2;
 constexpr std::size_t shapeStep = 1 + shapeWidth;
 constexpr std::size_t lineWidth = shapeBegin + 8 * shapeStep - 1;
+// A value without an exponent has four blanks in its place, which an editor may remove.
+constexpr std::size_t trimmedWidth = lineWidth - 4;
 
 // The only word of a field; empty when there are several, or what free form takes for more than a
 // number.
@@ -34,17 +38,32 @@ std::string_view onlyWord(std::string_view field) {
     return word.find_first_of(" \t,/*") == std::string_view::npos ? word : std::string_view();
 }
 
+// A file that is cut before its last exponent ends like one without trailing blanks. The values of
+// the cut one do not add up: to 1, or to -8 for a point outside the mesh.
+bool addUp(std::span<const double> shape) {
+    constexpr double tolerance = 1.0e-6;
+    const double sum = std::accumulate(shape.begin(), shape.end(), 0.0);
+    return std::fabs(sum - (sum > 0 ? 1 : -8)) < tolerance;
+}
+
 int readCacheLine(int unit, std::int32_t& element, std::span<double> shape) {
     std::string text;
+    const std::int64_t begin = io_layer::bytesLeft(unit);
     const int status = io_layer::readLine(unit, text);
     if (status != io_layer::ok) return status;
-    if (text.size() < lineWidth) return io_layer::readFailed;
+    const bool isShort = text.size() < lineWidth;
+    if (isShort && StringHelpers::trimRight(text).size() != trimmedWidth)
+        return io_layer::readFailed;
+    const auto length = static_cast<std::int64_t>(text.size());
+    const bool hasEnd = begin - io_layer::bytesLeft(unit) > length;
+    text.resize(std::max(text.size(), lineWidth), ' ');
     const std::string_view line = text;
     bool good = free_form::readInteger(onlyWord(line.substr(0, elementWidth)), element) == 0;
     for (std::size_t k = 0; k < shape.size(); ++k) {
         const std::string_view field = line.substr(shapeBegin + k * shapeStep, shapeWidth);
         good = free_form::readReal(onlyWord(field), shape[k]) == 0 && good;
     }
+    if (good && isShort && !hasEnd && !addUp(shape)) return io_layer::readFailed;
     return good ? io_layer::ok : io_layer::invalidCharacter;
 }
 
