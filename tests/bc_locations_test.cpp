@@ -38,6 +38,8 @@ TEST_F(BcLocations, PointsByTheirCoordinates) {
         {"\n\"X\"\"Y\"\nI=1,5\nno numbers\n#\n\n\n1\n",
          head("         1") + zero + " " + one + "\n"},
         {"\n\"X\"\nI=0\n#\n", head("         0")},
+        {"\n\"X\"\nI=4\n-",
+         head("         4") + zero + "\n" + zero + "\n" + zero + "\n" + zero + "\n"},
     };
     for (const auto& [contents, points] : cases) EXPECT_EQ(converted(contents), points) << contents;
     EXPECT_EQ(takeScreen(), "");

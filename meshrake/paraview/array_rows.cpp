@@ -61,7 +61,8 @@ void writePoints(const std::vector<std::span<const double>>& coordinates, std::i
     std::string line(coordinates.size() * (width + 1) - 1, ' ');
     for (std::size_t i = 0; i < static_cast<std::size_t>(points); ++i) {
         for (std::size_t axis = 0; axis < coordinates.size(); ++axis)
-            number_formats::writeWideReal(coordinates[axis][i], line.data() + axis * (width + 1));
+            number_formats::writeWideReal(coordinates[axis].empty() ? 0 : coordinates[axis][i],
+                                          line.data() + axis * (width + 1));
         file_units::writeLine(unit, line);
     }
 }

@@ -40,6 +40,7 @@ void write_paraview_vector_2d_darray(std::span<const double> vx, std::span<const
                                      std::int32_t dataIndex, int unit);
 
 // The head line of the points and a line for each: its value of every coordinate.
+// The values of a coordinate with an empty span are 0.
 void writePoints(const std::vector<std::span<const double>>& coordinates, std::int32_t points,
                  int unit);
 

@@ -103,15 +103,15 @@ void convert_bc_file_into_paraviewformat(int inputUnit, int outputUnit) {
     needLine(inputUnit);
     const std::size_t dimensions = countDimensions(needLine(inputUnit));
     const std::int32_t points = readPointCount(inputUnit);
-    // A number and the end of its line; the line with "#" makes up for the last one's.
-    constexpr std::int64_t leastBytes = 2;
-    if (dimensions > 0 || points < 0)
-        file_units::checkCount(inputUnit, points, leastBytes, "points");
+    if (points < 0) file_units::checkCount(inputUnit, points, 1, "points");
 
     std::vector<std::vector<double>> xyz(dimensions);
     for (std::vector<double>& coordinates : xyz) {
+        if (needLine(inputUnit).find('#') == std::string::npos) continue;
+        // A number has a byte at least; the last one may lack the end of its line.
+        file_units::checkCount(inputUnit, points, 1, "points");
         ArrayHelpers::allocateArray(coordinates, points, "convert bc file to paraview xyz array");
-        if (needLine(inputUnit).find('#') != std::string::npos) readNumbers(inputUnit, coordinates);
+        readNumbers(inputUnit, coordinates);
     }
     writeHead(outputUnit);
     writePoints({xyz.begin(), xyz.end()}, points, outputUnit);
