@@ -18,10 +18,10 @@ void zoneInit(Domain& domain, const VariableRow& row, OutputVar& var) {
     var.firstExists = true;
     var.exists = true;
     var.columns = plot_data::columnsOf(row);
-    plot_data::declareColumn(domain, var.columns[0], row.columns[0].name, row.unit);
     std::string name = plot_data::variableFile(domain, row.stem);
-    if (!plot_data::checkFileInit(name)) return;
-    TVNBinaryFile::read_i4_1d(name, domain.elementCount, domain.elementZone.data());
+    const bool found = plot_data::checkFileInit(name);
+    plot_data::declareColumn(domain, var.columns[0], row.columns[0].name, row.unit);
+    if (found) TVNBinaryFile::read_i4_1d(name, domain.elementCount, domain.elementZone.data());
 }
 
 void zoneRead(Domain& domain, const VariableRow& row, OutputVar& var) {
