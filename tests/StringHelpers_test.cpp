@@ -30,6 +30,10 @@ TEST(StringHelpers, PositionsAndPadding) {
     EXPECT_EQ(findFirstOf("a,b,c", ",", 4), 4U);
     EXPECT_EQ(findFirstOf("abc   ", " "), 4U); // the trimmed length plus 1
     EXPECT_EQ(findFirstNotOf("  1.5 ", " "), 3U);
+    for (const int start : {0, -1, -2147483647}) {
+        EXPECT_EQ(findFirstOf("1.5 msg", " ", start), 4U);
+        EXPECT_EQ(findFirstNotOf("  1.5 ", " ", start), 3U);
+    }
     EXPECT_FALSE(equalPadded("end\t", "end"));
     std::string text = "No [PM] \xC3\x84@Z{z";
     lcase(text);

@@ -55,8 +55,8 @@ std::size_t positionOf(std::size_t found, std::string_view text) {
     return std::min(found, text.size()) + 1;
 }
 
-std::size_t offset(std::size_t start) {
-    return start == 0 ? 0 : start - 1;
+std::size_t offset(std::int64_t start) {
+    return static_cast<std::size_t>(std::max<std::int64_t>(start, 1) - 1);
 }
 
 } // namespace
@@ -107,12 +107,12 @@ void str2r4(std::string_view text, float& value, int* iostat) {
                               "Failed to read a number from text: \"" + std::string(text) + "\"");
 }
 
-std::size_t findFirstOf(std::string_view text, std::string_view chars, std::size_t start) {
+std::size_t findFirstOf(std::string_view text, std::string_view chars, std::int64_t start) {
     text = trimRight(text);
     return positionOf(text.find_first_of(chars, offset(start)), text);
 }
 
-std::size_t findFirstNotOf(std::string_view text, std::string_view chars, std::size_t start) {
+std::size_t findFirstNotOf(std::string_view text, std::string_view chars, std::int64_t start) {
     text = trimRight(text);
     return positionOf(text.find_first_not_of(chars, offset(start)), text);
 }

@@ -35,9 +35,9 @@ std::string toString_r8(double value);
 void str2r4(std::string_view text, float& value, int* iostat = nullptr);
 
 // Position of the first character from `start` on that is one, or is none, of `chars`; the trimmed
-// length plus 1 when there is none. A `start` of 0 counts as 1.
-std::size_t findFirstOf(std::string_view text, std::string_view chars, std::size_t start = 1);
-std::size_t findFirstNotOf(std::string_view text, std::string_view chars, std::size_t start = 1);
+// length plus 1 when there is none. A `start` below 1 counts as 1.
+std::size_t findFirstOf(std::string_view text, std::string_view chars, std::int64_t start = 1);
+std::size_t findFirstNotOf(std::string_view text, std::string_view chars, std::int64_t start = 1);
 
 // The text without all characters that are in `chars`, and without trailing blanks.
 std::string removeCopy(std::string_view text, std::string_view chars);

@@ -113,7 +113,8 @@ BinaryHeader parseTVNBinFileHeader(std::string_view header, const std::string& f
     if (begin >= magicOffset || StringHelpers::trimRight(header).empty())
         error::fatalError("Invalid binary file header format. Timestamp missing or malformed." +
                           inFile(filename));
-    const std::size_t blank = StringHelpers::findFirstOf(header, " ", begin);
+    const std::size_t blank =
+        StringHelpers::findFirstOf(header, " ", static_cast<std::int64_t>(begin));
     if (blank < 2 || blank >= magicOffset)
         error::fatalError("Invalid binary file header format. Timestamp not terminated by space." +
                           inFile(filename));
