@@ -117,6 +117,13 @@ TEST_F(Run, AsksForThePrefix) {
         EXPECT_EQ(get("batch.pfx"), c.batchAfter);
     }
     std::filesystem::remove("batch.pfx");
+    // A program may answer without an end.
+    for (const std::string line : {"wrong\n", "\n"}) {
+        std::string lines;
+        for (int i = 0; i < 1001; ++i) lines += line;
+        expectFailure(runProgram("", lines), {"**\n\nError reading file: standard input\nNone of "
+                                              "the first 1000 lines names a problem.\n"});
+    }
     expectFailure(runProgram("", "x\n\n"), {"**\n\nError reading file: standard input\nError "
                                             "detail: End-of-file encountered on read\n"});
     EXPECT_FALSE(std::filesystem::exists("batch.pfx"));

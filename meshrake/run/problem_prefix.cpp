@@ -15,16 +15,23 @@ namespace {
 
 const std::string batchFile = "batch.pfx";
 constexpr std::size_t prefixLength = 300;
+// A program that answers the prompt need not come to an end.
+constexpr int mostAnswers = 1000;
 
-// First word of the text on the unit; blank lines are passed over.
-int readPrefix(int unit, std::string& prefix) {
+// First word of the text on the unit; blank lines are passed over. On the standard input, which has
+// given `lines` lines already, it ends the run when they are too many.
+int readPrefix(int unit, std::string& prefix, int& lines) {
     std::string line;
-    for (;;) {
+    for (;; ++lines) {
+        if (unit == io_layer::standardInput && lines == mostAnswers)
+            file_units::badContents(unit, "None of the first " + std::to_string(lines) +
+                                              " lines names a problem.");
         int status = io_layer::readLine(unit, line);
         if (status != io_layer::ok) return status;
         status = free_form::readWord(line, prefix);
         if (status == io_layer::endOfFile) continue;
         prefix = std::string(StringHelpers::cut(prefix, prefixLength));
+        ++lines;
         return status;
     }
 }
@@ -40,7 +47,8 @@ bool readBatchFile(std::string& prefix) {
         writeScreen("Error opening batch.pfx file");
         good = false;
     }
-    if (readPrefix(unit, prefix) != io_layer::ok) {
+    int lines = 0;
+    if (readPrefix(unit, prefix, lines) != io_layer::ok) {
         writeScreen("Error reading batch.pfx file");
         good = false;
     }
@@ -74,9 +82,9 @@ std::string getModelPrefix(std::string_view extension) {
     std::string prefix;
     if (readBatchFile(prefix) && isProblem(prefix, extension)) return prefix;
     writeScreen("Switching to interactive mode");
-    for (;;) {
+    for (int lines = 0;;) {
         writeScreen("Enter prefix of problem filename...");
-        error::checkFileRead(readPrefix(io_layer::standardInput, prefix),
+        error::checkFileRead(readPrefix(io_layer::standardInput, prefix, lines),
                              io_layer::pathOf(io_layer::standardInput));
         if (isProblem(prefix, extension)) break;
         writeScreen("Please try again...");
