@@ -146,6 +146,23 @@ TEST_F(IoLayer, Lines) {
     }
 }
 
+TEST_F(IoLayer, ScreensShowNoControlCharacters) {
+    const std::string text = "\x1b[2J\r\b"s + '\0' + "\x7f\t\n \xC3\xA9\x9b";
+    const std::string shown = "?[2J????\t\n \xC3\xA9\x9b";
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    const int unit = takeUnit();
+    ASSERT_EQ(openTextReplace(unit, "file", Flush::everyLine), ok);
+    for (const int to : {screen, standardError, unit}) {
+        EXPECT_EQ(writeLine(to, text), ok);
+        EXPECT_EQ(writeBlock(to, text.data(), text.size()), ok);
+    }
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), shown + "\n" + shown);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), shown + "\n" + shown);
+    EXPECT_EQ(get("file"), text + "\n" + text);
+    releaseUnit(unit);
+}
+
 // Texts and blocks reach the file in the order of the calls, whatever is held back in between.
 TEST_F(IoLayer, WritesAroundTheSizeOfTheBuffer) {
     for (const std::size_t size : {0UL, 1UL, 32766UL, 32767UL, 32768UL, 32769UL, 100000UL}) {

@@ -92,6 +92,11 @@ void takeRoom(Connection& c, std::size_t size) {
     c.roomEnd = taken ? begin + roomStep : unbounded;
 }
 
+// Input texts may hold what would make a terminal act; line feeds and tabs are layout.
+bool isControl(char c) {
+    return (c >= 0 && c < ' ' && c != '\n' && c != '\t') || c == '\x7f';
+}
+
 int flushHeld(Connection& c) {
     const int status = writeAll(c, c.held.data(), c.held.size());
     c.held.clear();
@@ -252,7 +257,9 @@ int readLine(int unit, std::string& line) {
 int writeText(int unit, std::string_view text) {
     Connection* c = find(unit);
     if (!c || !c->writing) return writeFailed;
+    const auto begin = static_cast<std::ptrdiff_t>(c->held.size());
     c->held.append(text);
+    if (unit < firstUnit) std::replace_if(c->held.begin() + begin, c->held.end(), isControl, '?');
     return c->held.size() >= writeBufferSize ? flushHeld(*c) : ok;
 }
 
@@ -267,8 +274,9 @@ int writeLine(int unit, std::string_view line) {
 int writeBlock(int unit, const char* block, std::size_t size) {
     Connection* c = find(unit);
     if (!c || !c->writing) return writeFailed;
-    const int status = flushHeld(*c);
-    if (status != ok) return status;
+    int status = unit < firstUnit ? writeText(unit, {block, size}) : ok;
+    if (status == ok) status = flushHeld(*c);
+    if (status != ok || unit < firstUnit) return status;
     takeRoom(*c, size);
     return writeAll(*c, block, size);
 }

@@ -75,6 +75,8 @@ Form formOf(int unit);
 // counts. A carriage return in front of the line feed is dropped, and so is what goes beyond a
 // mebibyte; on the standard input, which need not end, so long a line fails.
 int readLine(int unit, std::string& line);
+// Standard output and standard error show `?` for each ASCII control character other than line feed
+// and tab; files take all bytes as they are.
 int writeText(int unit, std::string_view text);
 int writeLine(int unit, std::string_view line);
 // Hands a block to the file in one write, behind what the unit still holds.
