@@ -49,6 +49,7 @@ const std::string negative = "\nA count is negative: ";
 const std::vector<Damage> damages = {
     {"gen", 1, 0, -1, negative + "-1 title lines\n"},
     {"gen", 1, 0, 2, ""}, // the record of titles is shorter
+    {"gen", 3, 0, 10, "unknown unit system\nFile: to.gen\n"},
     {"species", 0, 0, -1, negative + "-1 mobile species\n"},
     {"species", 1, 0, -2, negative + "-2 immobile species\n"},
     {"hmc", 4, 0, 2, tooMany + "2 mixing fractions\n"},

@@ -137,9 +137,9 @@ TEST_F(SurfacePlots, EndBeforeTheyBeginWhereTheMeshDoesNotFit) {
     for (const std::string& wish : {isopachs, depths}) {
         problem.erase("to.coordinates_olf");
         std::filesystem::remove("to.coordinates_olf");
-        expectEnd(wish, "has 0 nodes and 0 elements");
+        expectEnd(wish, "has 0 nodes and 0 elements.\nFile: to.coordinates_olf\n");
         patch(problem["to.elements_olf"], 1, 0, 0);
-        expectEnd(wish, "has 6 nodes and 0 elements");
+        expectEnd(wish, "has 6 nodes and 0 elements.\nFile: to.elements_olf\n");
     }
     patch(problem["to.elements_pm"], 2, 2 * 8 + 1, 0);
     expectEnd(isopachs, "element 3 of to.elements_pm has an unused node slot");

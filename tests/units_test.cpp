@@ -123,7 +123,8 @@ TEST_F(Units, SystemsInFiles) {
     sample_files::put("file", "11\n");
     UnitSystem system;
     const int unit = file_units::openTextRead("file");
-    runs::expectEnd("INPUT", "UnitSystem: initialization failed: unknown unit system\n",
+    runs::expectEnd("INPUT",
+                    "UnitSystem: initialization failed: unknown unit system\nFile: file\n\n",
                     [&] { deserialize(system, unit); });
     const std::string message = "serialize failed: unassociated file unit\n";
     runs::expectEnd("FATAL", "UnitSystem: " + message, [&] { serialize(system, 1200); });

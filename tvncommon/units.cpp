@@ -61,9 +61,10 @@ std::string factorText(std::string_view factor) {
 
 } // namespace
 
-void init(UnitSystem& unitSystem, std::int32_t handle) {
+void init(UnitSystem& unitSystem, std::int32_t handle, const std::string& filename) {
     if (!isKnown(handle))
-        error::input_error("UnitSystem: initialization failed: unknown unit system");
+        error::input_error("UnitSystem: initialization failed: unknown unit system" +
+                           (filename.empty() ? "" : "\nFile: " + filename));
     unitSystem.handle = handle;
 }
 

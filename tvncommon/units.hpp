@@ -12,8 +12,9 @@ struct UnitSystem {
     std::int32_t handle = 0; // 0 to 9, as the simulator numbers them
 };
 
-// Stores the handle; one that is no system ends the run as an input error.
-void init(UnitSystem& unitSystem, std::int32_t handle);
+// Stores the handle. An unknown one ends the run as an input error, which names the file that the
+// handle comes from, unless `filename` is empty.
+void init(UnitSystem& unitSystem, std::int32_t handle, const std::string& filename = {});
 std::int32_t handle(const UnitSystem& unitSystem);
 
 // Such as "kilogram-meter-second"; an unknown handle ends the run as an input error.

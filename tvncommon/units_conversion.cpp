@@ -74,7 +74,7 @@ void deserialize(UnitSystem& unitSystem, int unit) {
     case io_layer::Form::unconnected:
         error::fatalError("UnitSystem: deserialize failed: unassociated file unit");
     }
-    init(unitSystem, read);
+    init(unitSystem, read, io_layer::pathOf(unit));
 }
 
 } // namespace units

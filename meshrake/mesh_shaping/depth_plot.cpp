@@ -37,7 +37,9 @@ const std::vector<double>& depthOf(const Domain& olf, const Domain& pm,
 void plot_pmdepth_grndsurf(const Domain& olf, Domain& pm) {
     checkSurface(olf, plot);
     if (olf.nodeCount > pm.nodeCount)
-        error::input_error("The " + std::string(plot) + " finds fewer nodes in pm than in olf.");
+        error::input_error("The " + std::string(plot) +
+                           " finds fewer nodes in pm than in olf.\nFile: " +
+                           model::problemFile("coordinates_olf"));
     truncateForPlot(pm, pm);
     std::vector<double> computed;
     const std::vector<double>& depth = depthOf(olf, pm, computed);

@@ -18,7 +18,8 @@ void checkSurface(const Domain& olf, std::string_view plot) {
     error::input_error("The " + std::string(plot) +
                        " divides by the nodes and elements of the olf domain, which has " +
                        std::to_string(olf.nodeCount) + " nodes and " +
-                       std::to_string(olf.elementCount) + " elements.");
+                       std::to_string(olf.elementCount) + " elements.\nFile: " +
+                       model::problemFile(olf.nodeCount > 0 ? "elements_olf" : "coordinates_olf"));
 }
 
 void truncateForPlot(Domain& domain, const Domain& pm) {

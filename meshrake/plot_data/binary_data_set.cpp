@@ -115,7 +115,8 @@ double timeOf(std::string_view text, const Domain& domain) {
     if (status == io_layer::ok && !std::isfinite(time)) status = io_layer::invalidData;
     if (status != io_layer::ok)
         error::input_error_stat(status, "The solution time of the " + domain.name +
-                                            " domain is no number: " + trimmed(text));
+                                            " domain is no number: " + trimmed(text) +
+                                            "\nFile: " + run.timeFile);
     return time;
 }
 
