@@ -59,6 +59,8 @@ TEST_F(BcLocations, DamagedFilesEndTheRun) {
         {"\n\"X\"\nI=3\n#\n1\n2\n", "", "FATAL"},
         {"\n\"X\"\nI=2\n#\n1.5 1.5\n", "", "FATAL"},
         {"\n\"X\"\nI=1\n# x\ndepth\n", "", "FATAL"},
+        {"\n\"X\"\nI=1\n# x\n/\n", "", "FATAL"},
+        {"\n\"X\"\nI=1\n# x\n,\n", "", "FATAL"},
         {"\n\"X\" \"Y\"\nI=1\n# x\n1\n", "", "FATAL"},
         {"\n\"X\"\nI=1\n#\n" + std::string(1000, ' ') + "1\n", "", "FATAL"}, // cut
         {"\n\"X\"\nJ=3\n", "I= is missing: J=3"},

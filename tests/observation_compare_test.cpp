@@ -275,13 +275,17 @@ TEST_F(Comparison, RefusesDamagedFiles) {
     word.replace(40, 3, "abc");
     two.replace(12, 18, "               1 2");
     exponent.replace(exponent.size() - 19, 19, " 0.12500000000"); // and "E-01", which is cut
+    const std::string noNumber = "Error detail: Invalid data format";
     const std::string cut = "Error detail: Error encountered during read";
     const std::array<std::string, 3> cases[] = {
         {"", cache, observed + "Error detail: End-of-file"},
         {"-1\n", cache, observed + "The number of observations, -1,"},
         {"2147483647\n1 1 1 1\n", cache, observed + "The number of observations, 2147483647,"},
         {"3\n1 1 1 1\n1 1 1 1\n1 1 1\n", cache, observed + "Error detail: End-of-file"},
-        {"2\n1 1 1 1\n1 1 one 1\n", cache, observed + "Error detail: Invalid data format"},
+        {"2\n1 1 1 1\n1 1 one 1\n", cache, observed + noNumber},
+        {"2\n1 1 1 1\n1 1 1 /\n", cache, observed + noNumber}, // values that are left out
+        {"1\n1,,1 1\n", cache, observed + noNumber},
+        {"/\n", cache, observed + noNumber},
         {threePoints, "", cached + "Error detail: End-of-file"},
         {threePoints, cache.substr(0, 158) + cache.substr(163), cached + cut},
         {threePoints, cache.substr(0, cache.size() - 6), cached + cut},

@@ -180,7 +180,7 @@ int readOne(std::string_view text, Number& value) {
 
 // Hands the text of each value that is there to `store`.
 template<class Store>
-int readMany(const NextLine& nextLine, std::size_t count, Store store) {
+int readMany(const NextLine& nextLine, std::size_t count, LeftOut leftOut, Store store) {
     std::string line;
     Reader reader;
     for (std::size_t i = 0; i < count; ++i) {
@@ -191,8 +191,9 @@ int readMany(const NextLine& nextLine, std::size_t count, Store store) {
             reader.rest = line;
             step = nextStep(reader, number);
         }
+        const bool hasNone = step == Step::slash || step == Step::null;
+        if (step == Step::malformed || (hasNone && leftOut == LeftOut::refused)) return invalidData;
         if (step == Step::slash) return ok;
-        if (step == Step::malformed) return invalidData;
         if (step == Step::null) continue;
         if (const int status = store(i, number); status != ok) return status;
     }
@@ -231,14 +232,14 @@ int readWord(std::string_view line, std::string& word) {
     return invalidData;
 }
 
-int readItems(const NextLine& nextLine, std::span<const Item> items) {
-    return readMany(nextLine, items.size(), [&](std::size_t i, std::string_view number) {
+int readItems(const NextLine& nextLine, std::span<const Item> items, LeftOut leftOut) {
+    return readMany(nextLine, items.size(), leftOut, [&](std::size_t i, std::string_view number) {
         return std::visit([&](auto* value) { return parse(number, *value); }, items[i]);
     });
 }
 
-int readReals(const NextLine& nextLine, std::span<double> values) {
-    return readMany(nextLine, values.size(), [&](std::size_t i, std::string_view number) {
+int readReals(const NextLine& nextLine, std::span<double> values, LeftOut leftOut) {
+    return readMany(nextLine, values.size(), leftOut, [&](std::size_t i, std::string_view number) {
         return parse(number, values[i]);
     });
 }

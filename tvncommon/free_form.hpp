@@ -34,8 +34,12 @@ using Item = std::variant<double*, std::int32_t*>;
 // Stores the next line of a source; false when there is none.
 using NextLine = std::function<bool(std::string& line)>;
 
+// Whether an item without a value stays as it was or is `invalidData`, as data files need it.
+enum class LeftOut { kept, refused };
+
 // Reads from a new line on, over as many lines as the items need; the rest of the last one is lost.
-int readItems(const NextLine& nextLine, std::span<const Item> items);
-int readReals(const NextLine& nextLine, std::span<double> values);
+int readItems(const NextLine& nextLine, std::span<const Item> items,
+              LeftOut leftOut = LeftOut::kept);
+int readReals(const NextLine& nextLine, std::span<double> values, LeftOut leftOut = LeftOut::kept);
 
 } // namespace free_form

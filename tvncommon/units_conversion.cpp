@@ -68,7 +68,8 @@ void deserialize(UnitSystem& unitSystem, int unit) {
     case io_layer::Form::formatted: {
         const std::array<free_form::Item, 1> item{&read};
         const auto line = [unit](std::string& text) { return file_units::readLine(unit, text); };
-        error::checkFileRead(free_form::readItems(line, item), io_layer::pathOf(unit));
+        error::checkFileRead(free_form::readItems(line, item, free_form::LeftOut::refused),
+                             io_layer::pathOf(unit));
         break;
     }
     case io_layer::Form::unconnected:

@@ -22,7 +22,8 @@ constexpr std::int64_t leastLine = 2;
 
 void readItems(int unit, std::span<const free_form::Item> items) {
     const auto nextLine = [unit](std::string& line) { return file_units::readLine(unit, line); };
-    error::checkFileRead(free_form::readItems(nextLine, items), io_layer::pathOf(unit));
+    error::checkFileRead(free_form::readItems(nextLine, items, free_form::LeftOut::refused),
+                         io_layer::pathOf(unit));
 }
 
 void allocateSet(std::int32_t count, const std::string& name) {
