@@ -1,17 +1,11 @@
 #include "tvncommon/number_formats.hpp"
 
-#include "tests/wide_real_reference.hpp"
-
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <array>
 #include <bit>
 #include <cmath>
 #include <cstdint>
-#include <cstdlib>
 #include <limits>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -47,43 +41,6 @@ TEST(WideReal, Layout) {
         {std::bit_cast<double>(0x0d17c0747bd76fa1), "  0.13588129002659584E-244"}};
     for (const auto& [value, field] : cases) EXPECT_EQ(wideReal(value), field);
     EXPECT_EQ(number_formats::wideRealText(-0.5), "-0.50000000000000000");
-}
-
-bool sameAsReference(double value) {
-    std::array<char, 26> ours;
-    std::array<char, 26> reference;
-    number_formats::writeWideReal(value, ours.data());
-    wide_real_reference::write(value, reference.data());
-    EXPECT_EQ(std::string(ours.data(), 26), std::string(reference.data(), 26));
-    return ours == reference;
-}
-
-TEST(WideReal, SameAsStandardLibrary) {
-    std::mt19937_64 random(7);
-    for (int i = 0; i < 3000000; ++i) {
-        const double any = std::bit_cast<double>(random());
-        ASSERT_TRUE(!std::isfinite(any) || sameAsReference(any));
-    }
-    std::uniform_real_distribution<double> exponent(-2, 18);
-    for (int i = 0; i < 1000000; ++i) {
-        const double usual = std::pow(10.0, exponent(random));
-        ASSERT_TRUE(sameAsReference(usual));
-        ASSERT_TRUE(sameAsReference(-static_cast<float>(usual)));
-    }
-}
-
-TEST(WideReal, SameAsStandardLibraryAroundPowers) {
-    std::vector<double> powers;
-    for (int n = -1074; n < 1024; ++n) powers.push_back(std::ldexp(1.0, n));
-    for (int n = -323; n <= 308; ++n)
-        powers.push_back(std::strtod(("1e" + std::to_string(n)).c_str(), nullptr));
-    for (const double power : powers) {
-        const auto bits = std::bit_cast<std::uint64_t>(power);
-        for (std::uint64_t near = bits - std::min<std::uint64_t>(bits, 20); near < bits + 20;
-             ++near) {
-            ASSERT_TRUE(sameAsReference(std::bit_cast<double>(near)));
-        }
-    }
 }
 
 TEST(Rows, ManySingles) {

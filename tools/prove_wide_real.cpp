@@ -5,9 +5,9 @@
 // The first steps are a proof for all doubles: the table of decades is right, no double comes so
 // near to half a unit of its 17th digit that 128 bits of a power of ten could round it wrongly, and
 // each group of eight digits comes out as it should. The others compare whole fields with
-// std::to_chars: powers of two and ten and what lies around them, ties, random bit patterns and,
-// with --floats, each 32-bit pattern. It says what it did and ends with status 1 at the first
-// fault.
+// std::to_chars: powers of two and ten with their neighbours, ties, random bit patterns, usual
+// sizes and, with --floats, each 32-bit pattern. It prints its steps and ends with status 1 at the
+// first fault. The tests run it with few patterns, also in the form without 16-byte registers.
 
 #include "tests/wide_real_reference.hpp"
 #include "tvncommon/digit_words.hpp"
@@ -324,6 +324,17 @@ void compareRandom(std::int64_t count, std::mt19937_64& random) {
     std::printf("random: %lld bit patterns\n", static_cast<long long>(count));
 }
 
+// Fixed notation and its neighbour decades, doubles and floats of both signs.
+void compareUsualSizes(std::int64_t count, std::mt19937_64& random) {
+    std::uniform_real_distribution<double> exponent(-2, 18);
+    for (std::int64_t i = 0; i < count; ++i) {
+        const double usual = std::pow(10.0, exponent(random));
+        compareField(usual);
+        compareField(-static_cast<float>(usual));
+    }
+    std::printf("usual sizes: %lld from 0.01 to 10^18\n", static_cast<long long>(count));
+}
+
 void compareFloats() {
     std::uint32_t pattern = 0;
     do {
@@ -356,6 +367,7 @@ int main(int argumentCount, char** arguments) {
     comparePowers();
     compareTies(std::max<std::int64_t>(patterns / 1000, 1000), random);
     compareRandom(patterns, random);
+    compareUsualSizes(patterns, random);
     if (floats) compareFloats();
     const std::chrono::duration<double> took = std::chrono::steady_clock::now() - begin;
     std::printf("no fault found, %.0f s\n", took.count());
