@@ -1,8 +1,12 @@
 #include "meshrake/meshrake.hpp"
 
+#include "tvncommon/error.hpp"
 #include "tvncommon/system_calls.hpp"
 
 int main(int argc, char** argv) {
-    system_calls::prepareProcess();
+    if (!system_calls::prepareProcess()) {
+        error::writeLastBanner(true);
+        return 1;
+    }
     return meshrake_main(argc, argv);
 }

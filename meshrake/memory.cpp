@@ -1,26 +1,37 @@
+#include "tvncommon/error.hpp"
 #include "tvncommon/system_calls.hpp"
 
 #include <cstdlib>
+#include <cxxabi.h>
+#include <exception>
 #include <new>
+#include <typeinfo>
+#include <unistd.h>
 
-// The program's large arrays lie on large pages: a page fault for every 4096 bytes would cost more
-// than reading the values into them.
-
-using system_calls::largePage;
+// The program's memory comes through the table of system calls. The forms of `operator new` for
+// arrays and those that do not throw call the one below; no type of the program is aligned to more
+// than `std::malloc` gives.
 
 namespace {
 
-void* allocateLarge(std::size_t size) {
-    const std::size_t pages = (size + largePage - 1) / largePage;
-    void* memory = std::aligned_alloc(largePage, pages * largePage);
-    if (memory) system_calls::useLargePages(memory, pages * largePage);
-    return memory;
+// Where no exception can be caught: before `main`, in a function that must not throw, or when the
+// exception itself finds no memory, which leaves none to be current.
+[[noreturn]] void endProcess() noexcept {
+    const std::type_info* thrown = abi::__cxa_current_exception_type();
+    const bool memory = !thrown || *thrown == typeid(std::bad_alloc);
+    error::writeLastBanner(memory);
+    ::_exit(1);
+}
+
+// Ahead of all constructors without a priority.
+[[gnu::constructor(101)]] void setEnd() {
+    std::set_terminate(endProcess);
 }
 
 } // namespace
 
 void* operator new(std::size_t size) {
-    void* memory = size >= largePage ? allocateLarge(size) : std::malloc(size > 0 ? size : 1);
+    void* memory = system_calls::table.allocate(size);
     if (!memory) throw std::bad_alloc();
     return memory;
 }

@@ -1,8 +1,10 @@
+#include "meshrake/meshrake.hpp"
 #include "tests/runs.hpp"
 #include "tvncommon/system_calls.hpp"
 
 #include <cerrno>
 #include <sys/stat.h>
+#include <utility>
 
 // Runs in which the system refuses something. They must end with status 1 and a banner that names
 // the file, or go on where the run can do without; they must never end in silence.
@@ -234,5 +236,66 @@ TEST(StrangeFiles, WhatTheRunCanDoWithout) {
     put("t.plot.control", "tecplot binary append\n");
     EXPECT_EQ(runs::runProgram("", "t\n").status, 0);
 }
+
+// Memory that runs out: the n-th allocation of a run fails, alone or with all that follow.
+struct Shortage {
+    int countdown = 0;
+    bool lasting = false;
+    bool counting = false; // not while the test itself takes memory
+};
+Shortage shortage;
+
+TEST(Memory, AnyAllocationMayFail) {
+    static std::string banner;
+    system_calls::Table table = system_calls::systemTable();
+    table.allocate = [](std::size_t size) {
+        const bool fails = shortage.counting && (--shortage.countdown == 0 ||
+                                                 (shortage.countdown < 0 && shortage.lasting));
+        return fails ? nullptr : system_calls::systemTable().allocate(size);
+    };
+    table.write = [](int d, const void* from, std::size_t size) {
+        const bool counting = std::exchange(shortage.counting, false);
+        if (d == 2) banner.append(static_cast<const char*>(from), size);
+        const bool kept = d == 1 || d == 2;
+        const std::ptrdiff_t n = kept ? static_cast<std::ptrdiff_t>(size)
+                                      : system_calls::systemTable().write(d, from, size);
+        shortage.counting = counting;
+        return n;
+    };
+    for (const bool lasting : {false, true})
+        for (int number = 1;; number += 1 + number / 40) {
+            const Folder folder;
+            write(twoTimes());
+            banner.clear();
+            system_calls::table = table;
+            shortage = {number, lasting, true};
+            const int status = meshrake_main(0, nullptr);
+            shortage.counting = false;
+            system_calls::table = system_calls::systemTable();
+            if (shortage.countdown > 0) break;
+            SCOPED_TRACE(testing::Message() << number << (lasting ? " and all later ones" : ""));
+            EXPECT_EQ(status, 1);
+            EXPECT_THAT(banner, HasSubstr("ALLOCATION ERROR, HALTING EXECUTION"));
+        }
+}
+
+#ifndef __SANITIZE_ADDRESS__
+// From a limit at which the program can be loaded, to one that suffices for a small run.
+TEST(Memory, LimitsOfTheSystem) {
+    const Folder folder;
+    write(twoTimes());
+    int failed = 0, finished = 0;
+    for (int limit = 5000; limit < 14000; limit += 50) {
+        const Ran ran = runs::runProgram("", "", "ulimit -v " + std::to_string(limit) + "; exec");
+        if (ran.status == 127 && failed + finished == 0) continue; // not loaded
+        ran.status == 0 ? ++finished : ++failed;
+        if (ran.status == 0) continue;
+        EXPECT_EQ(ran.status, 1) << limit;
+        EXPECT_THAT(ran.errors, HasSubstr("ALLOCATION ERROR, HALTING EXECUTION")) << limit;
+    }
+    EXPECT_GT(failed, 0);
+    EXPECT_GT(finished, 0);
+}
+#endif
 
 } // namespace

@@ -1,9 +1,11 @@
 #include "tvncommon/error.hpp"
 
 #include "tvncommon/io_layer.hpp"
+#include "tvncommon/system_calls.hpp"
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <initializer_list>
 #include <utility>
 
@@ -14,7 +16,7 @@ namespace {
 struct State {
     int loggingUnit = 0; // banners also go here when above 0
 };
-State state;
+constinit State state;
 
 constexpr std::array<std::pair<int, std::string_view>, 13> statusTexts{{
     {-2, "End-of-record encountered on read"},
@@ -32,8 +34,27 @@ constexpr std::array<std::pair<int, std::string_view>, 13> statusTexts{{
     {603, "Number of open files allowed by OS exceeded"},
 }};
 
+// Banners of a process that has no memory left to compose them.
+constexpr std::string_view allocationTitle = "\n*******************************************\n"
+                                             "*** ALLOCATION ERROR, HALTING EXECUTION ***\n"
+                                             "*******************************************\n\n"
+                                             "Allocation failed: ";
+constexpr std::string_view workingMemory = "working memory\n"
+                                           "Error detail: Insufficient virtual memory\n"
+                                           "Error number: 41\n\n";
+constexpr std::string_view internalError = "\n**************************************\n"
+                                           "*** FATAL ERROR, HALTING EXECUTION ***\n"
+                                           "**************************************\n\n"
+                                           "Internal error\n\n";
+
 std::string_view trimmed(std::string_view text) {
     return text.substr(0, text.find_last_not_of(' ') + 1);
+}
+
+std::string_view statusText(int iostat) {
+    const auto it = std::find_if(statusTexts.begin(), statusTexts.end(),
+                                 [&](const auto& entry) { return entry.first == iostat; });
+    return it == statusTexts.end() ? std::string_view() : it->second;
 }
 
 int writeTo(int unit, std::span<const std::string_view> lines) {
@@ -52,6 +73,11 @@ int writeToAll(std::span<const std::string_view> lines) {
 
 int writeToAll(std::initializer_list<std::string_view> lines) {
     return writeToAll(std::span(lines.begin(), lines.size()));
+}
+
+void writePieces(int unit, std::span<const std::string_view> pieces) {
+    for (const std::string_view piece : pieces)
+        io_layer::writeBlock(unit, piece.data(), piece.size());
 }
 
 int banner(std::string_view title, std::string_view message) {
@@ -130,18 +156,30 @@ void checkFileWrite(int iostat, std::string_view filename) {
     checkFile(iostat, "Error writing file: ", filename);
 }
 
+// Takes no memory: the pieces are written as they are.
 void check_alloc(int stat, std::string_view name) {
     if (stat == 0) return;
-    constexpr std::string_view title = "*** ALLOCATION ERROR, HALTING EXECUTION ***";
-    const std::string stars(title.size(), '*');
-    const std::string failed = "Allocation failed: " + std::string(trimmed(name));
-    const std::string number = "Error number: " + std::to_string(stat);
-    const std::string detail = ioStatErrorMsg(stat);
-    if (detail.empty())
-        writeToAll({"", stars, title, stars, "", failed, number, ""});
-    else
-        writeToAll({"", stars, title, stars, "", failed, "Error detail: " + detail, number, ""});
+    const std::string_view detail = statusText(stat);
+    char digits[16];
+    const char* end = std::to_chars(digits, digits + sizeof digits, stat).ptr;
+    const std::string_view number(digits, static_cast<std::size_t>(end - digits));
+    const std::string_view pieces[] = {
+        allocationTitle, trimmed(name),      detail.empty() ? "" : "\nError detail: ",
+        detail,          "\nError number: ", number,
+        "\n\n"};
+    if (state.loggingUnit > 0) writePieces(state.loggingUnit, pieces);
+    writePieces(io_layer::standardError, pieces);
     endRun();
+}
+
+void writeLastBanner(bool memoryExhausted) {
+    const std::string_view pieces[] = {memoryExhausted ? allocationTitle : internalError,
+                                       memoryExhausted ? workingMemory : ""};
+    for (const std::string_view piece : pieces) {
+        if (state.loggingUnit > 0)
+            io_layer::writeBlock(state.loggingUnit, piece.data(), piece.size());
+        system_calls::table.write(2, piece.data(), piece.size());
+    }
 }
 
 void user_size_check(std::int32_t requested, std::int32_t defaultValue, std::string_view name) {
@@ -177,9 +215,7 @@ void obsoleteCommandError(std::string_view replacement) {
 }
 
 std::string ioStatErrorMsg(int iostat) {
-    const auto it = std::find_if(statusTexts.begin(), statusTexts.end(),
-                                 [&](const auto& entry) { return entry.first == iostat; });
-    return it == statusTexts.end() ? std::string() : std::string(it->second);
+    return std::string(statusText(iostat));
 }
 
 void setErrorLoggingFileUnit(int unit) {

@@ -38,8 +38,13 @@ void checkFileOpen(int iostat, std::string_view filename);
 void checkFileRead(int iostat, std::string_view filename);
 void checkFileWrite(int iostat, std::string_view filename);
 
-// Ends the run with the allocation banner when `stat` is not 0; `name` tells the array.
+// Ends the run with the allocation banner when `stat` is not 0; `name` tells the array. Takes no
+// memory itself.
 void check_alloc(int stat, std::string_view name);
+
+// Writes a banner and returns, for a process that cannot end its run in order: the allocation
+// banner for "working memory", or that of an internal error. Takes no memory.
+void writeLastBanner(bool memoryExhausted);
 
 // Ends the run with the dimensioning banner when more is requested than the default of the array
 // size called `name`.

@@ -191,12 +191,12 @@ int releaseUnit(int unit) {
 int releaseAll(std::string& path) {
     int first = ok;
     while (!state.connections.empty() && state.connections.rbegin()->first >= firstUnit) {
-        const int unit = state.connections.rbegin()->first;
-        const std::string name = pathOf(unit);
+        auto& [unit, c] = *state.connections.rbegin();
+        std::string name = std::move(c.path); // a run without memory ends here too
         const int status = releaseUnit(unit);
         if (status == ok || first != ok) continue;
         first = status;
-        path = name;
+        path = std::move(name);
     }
     state.taken.fill(false);
     return first;
@@ -274,9 +274,11 @@ int writeLine(int unit, std::string_view line) {
 int writeBlock(int unit, const char* block, std::size_t size) {
     Connection* c = find(unit);
     if (!c || !c->writing) return writeFailed;
-    int status = unit < firstUnit ? writeText(unit, {block, size}) : ok;
+    // A clean block takes no memory, which the banner of a failed allocation relies on.
+    const bool cleaned = unit < firstUnit && std::any_of(block, block + size, isControl);
+    int status = cleaned ? writeText(unit, {block, size}) : ok;
     if (status == ok) status = flushHeld(*c);
-    if (status != ok || unit < firstUnit) return status;
+    if (status != ok || cleaned) return status;
     takeRoom(*c, size);
     return writeAll(*c, block, size);
 }

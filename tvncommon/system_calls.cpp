@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
 #include <ctime>
 #include <fcntl.h>
 #include <limits>
@@ -78,17 +79,54 @@ int lockFile(int descriptor, bool wait) {
     return ::flock(descriptor, wait ? LOCK_EX : LOCK_EX | LOCK_NB);
 }
 
-} // namespace
-
-Table systemTable() {
-    return {openFile,    ::read,      ::write,  seekFile, ::close,
-            factsOf,     existsFile,  readAt,   writeAt,  truncateFile,
-            reserveRoom, ::fdatasync, lockFile, ::rename, ::unlink};
+// A page fault for every 4096 bytes of a large array would cost more than reading the values.
+void* allocate(std::size_t size) {
+    if (size < largePage) return std::malloc(size > 0 ? size : 1);
+    if (size > std::numeric_limits<std::size_t>::max() - largePage) return nullptr;
+    const std::size_t whole = (size + largePage - 1) / largePage * largePage;
+    void* memory = std::aligned_alloc(largePage, whole);
+    if (memory) ::madvise(memory, whole, MADV_HUGEPAGE); // the system may refuse
+    return memory;
 }
 
-Table table = systemTable();
+} // namespace
 
-void prepareProcess() {
+namespace {
+
+constexpr Table realCalls{openFile,   ::read,   ::write,  seekFile,     ::close,     factsOf,
+                          existsFile, readAt,   writeAt,  truncateFile, reserveRoom, ::fdatasync,
+                          lockFile,   ::rename, ::unlink, allocate};
+
+// More than any chain of calls of a run takes.
+constexpr std::size_t stackBytes = 262144;
+
+[[gnu::noinline]] void touchStack() {
+    char block[stackBytes];
+    volatile char* bytes = block;
+    for (std::size_t at = stackBytes; at > 0; at -= 4096) bytes[at - 1] = 0;
+}
+
+// The stack grows when it is used, and a process whose limit is reached by then is killed. So it
+// grows at once, if the limit permits it.
+bool reserveStack() {
+    void* probe =
+        ::mmap(nullptr, stackBytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (probe == MAP_FAILED) return false;
+    ::munmap(probe, stackBytes);
+    touchStack();
+    return true;
+}
+
+} // namespace
+
+// Set by the compiler: memory is taken before the first constructor runs.
+constinit Table table = realCalls;
+
+Table systemTable() {
+    return realCalls;
+}
+
+bool prepareProcess() {
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
     // Writes to a screen that was closed go on to fail; banners that nobody sees do not matter.
@@ -96,10 +134,7 @@ void prepareProcess() {
         if (::fcntl(stream, F_GETFD) < 0) ::open("/dev/null", stream == 2 ? O_WRONLY : O_RDONLY);
     ::mallopt(M_MMAP_MAX, 0);
     ::mallopt(M_TRIM_THRESHOLD, std::numeric_limits<int>::max());
-}
-
-void useLargePages(void* memory, std::size_t size) {
-    ::madvise(memory, size, MADV_HUGEPAGE);
+    return reserveStack();
 }
 
 LocalTime localTime() {

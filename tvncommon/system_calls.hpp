@@ -19,6 +19,8 @@ struct FileFacts {
     std::int64_t size = 0;
 };
 
+inline constexpr std::size_t largePage = 2097152; // bytes
+
 // Each call returns what its namesake of the system returns, -1 with `errno` on failure.
 struct Table {
     int (*open)(const char* path, OpenMode mode);
@@ -41,6 +43,12 @@ struct Table {
     int (*lock)(int descriptor, bool wait);
     int (*rename)(const char* from, const char* to);
     int (*remove)(const char* path);
+    // Memory of every `operator new` of the program, null when there is none; `std::free` takes it
+    // back. Blocks from `largePage` on begin at a large page. To make the n-th allocation of a run
+    // fail, a test puts a function here that counts its calls, returns null at the n-th and else
+    // what `systemTable().allocate(size)` returns. The test's own allocations count too, unless it
+    // switches the counting off in them, for instance in its own `write`.
+    void* (*allocate)(std::size_t size);
 };
 
 // The table in use; assigning `systemTable()` puts back the real calls.
@@ -49,13 +57,8 @@ Table systemTable();
 
 // Makes the process fit for the run: a reader that goes away and a file size limit are failures of
 // a write, not the end of it, a standard stream that was closed leaves its number to no file, and
-// freed memory stays with the process.
-void prepareProcess();
-
-// Asks for large pages under a block of memory that begins at one. The system may refuse: the pages
-// are then small ones.
-inline constexpr std::size_t largePage = 2097152;
-void useLargePages(void* memory, std::size_t size);
+// freed memory stays with the process. Returns false where the process has no memory for its stack.
+bool prepareProcess();
 
 // Date and time of day with the zone's offset from universal time, as the system tells them.
 struct LocalTime {
