@@ -29,25 +29,32 @@ bool findAuxEnd(const DataFile& f, std::string_view bytes, std::int64_t& end) {
     }
 }
 
-// There must be the headers of the first zones, and room as it is written; sets the zones shown and
-// the beginning of the data.
+// There must be the headers of the first zones, and padding as it is written. Pages of one long
+// header, and of the padding at both ends of it, may be of neither kind where a run was killed
+// while it wrote or hid it: they count as a header. Finds the beginning of the data.
 bool compareHeaders(DataFile& f, std::string_view bytes) {
-    f.shown = 0;
-    f.shownEnd = f.zonesAt;
-    std::int64_t at = f.zonesAt;
+    f.headerEnds.clear();
+    f.headerIsCut = false;
+    std::int64_t at = f.zonesAt, longest = 1, cutPages = 0;
     const auto take = [&](const Bytes& wanted) {
-        const bool there = bytes.substr(static_cast<std::size_t>(at)).starts_with(wanted);
+        const bool there = at <= static_cast<std::int64_t>(bytes.size()) &&
+                           bytes.substr(static_cast<std::size_t>(at)).starts_with(wanted);
         if (there) at += sizeOf(wanted);
         return there;
     };
+    for (const Zone& zone : f.zones) longest = std::max(longest, pagesOf(zoneHeaderBytes(zone)));
     for (;;) {
-        if (f.shown < f.zones.size() && take(zoneHeaderBytes(f.zones[f.shown]))) {
-            f.shownEnd = at;
-            ++f.shown;
+        const std::size_t zone = f.headerEnds.size();
+        if (!f.headerIsCut && zone < f.zones.size() && take(zoneHeaderBytes(f.zones[zone]))) {
+            f.headerEnds.push_back(at);
         } else if (!take(roomFrom(at))) {
             const bool ends = take(headersEndBytes());
             f.dataAt = at;
-            return ends;
+            if (ends || longest == 1 || cutPages++ > longest) return ends;
+            at += leftOnPage(at);
+            f.headerEnds.resize(zone - (f.headerIsCut ? 1 : 0));
+            f.headerEnds.push_back(at);
+            f.headerIsCut = true;
         }
     }
 }
@@ -109,6 +116,7 @@ int continueDataFile(DataFile& f) {
     for (const Zone& zone : f.zones) dataBytes += dataPartOf(zone).size;
     status = checkHeader(f, dataBytes);
     if (status == ok) status = checkData(f);
+    if (status == ok && f.headerIsCut) status = hideHeaders(f, f.headerEnds.size() - 1);
     f.continued = true;
     return status;
 }

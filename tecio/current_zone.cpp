@@ -90,9 +90,7 @@ int dropZonesFrom(DataFile& f, double time, std::int32_t strand) {
     if (same == f.zones.rend()) return ok;
     const std::size_t kept = static_cast<std::size_t>(f.zones.rend() - same) - 1;
     if (greatestShare(f.current.zone) > static_cast<std::int64_t>(kept)) return refused;
-    int status = ok;
-    while (status == ok && f.zones.size() > kept) status = dropLastZone(f);
-    return status;
+    return dropZones(f, kept);
 }
 
 int writeData(DataFile& f, std::int64_t position, const void* from, std::int64_t bytes) {

@@ -26,24 +26,29 @@ int write(DataFile& f, std::int64_t position, const Bytes& bytes) {
     return byte_file::writeAt(f.file, position, bytes.data(), sizeOf(bytes));
 }
 
-int writePages(DataFile& f, std::int64_t position, const Bytes& bytes) {
+// Writes one page at a time: each must leave the file whole.
+int writePages(DataFile& f, std::int64_t position, const Bytes& bytes, bool lastFirst) {
+    const std::int64_t end = position + sizeOf(bytes);
+    std::vector<std::int64_t> begins{position};
+    while (begins.back() + leftOnPage(begins.back()) < end)
+        begins.push_back(begins.back() + leftOnPage(begins.back()));
+    if (lastFirst) std::reverse(begins.begin(), begins.end());
     int status = ok;
-    for (std::size_t done = 0; done < bytes.size() && status == ok;) {
-        const std::int64_t at = position + static_cast<std::int64_t>(done);
-        const Bytes page = bytes.substr(done, static_cast<std::size_t>(leftOnPage(at)));
-        status = write(f, at, page);
-        done += page.size();
-    }
+    for (std::size_t i = 0; i < begins.size() && status == ok; ++i)
+        status = write(f, begins[i],
+                       bytes.substr(static_cast<std::size_t>(begins[i] - position),
+                                    static_cast<std::size_t>(leftOnPage(begins[i]))));
     return status;
 }
 
 // Headers of the zones that are not shown yet, in pages for the place behind those that are.
 Bytes pagesToShow(DataFile& f) {
-    const std::int64_t at = f.shownEnd;
+    const std::int64_t at = headersEnd(f, f.headerEnds.size());
     Bytes out;
-    for (; f.shown < f.zones.size(); ++f.shown)
-        addHeader(out, at, zoneHeaderBytes(f.zones[f.shown]));
-    f.shownEnd = at + sizeOf(out);
+    for (std::size_t z = f.headerEnds.size(); z < f.zones.size(); ++z) {
+        addHeader(out, at, zoneHeaderBytes(f.zones[z]));
+        f.headerEnds.push_back(at + sizeOf(out));
+    }
     endPage(out, at);
     return out;
 }
@@ -53,8 +58,8 @@ Bytes headerBytes(DataFile& f, std::int64_t room) {
     Bytes out = headBytes(f.head);
     f.auxAt = sizeOf(out);
     out += f.aux;
-    f.zonesAt = f.shownEnd = sizeOf(out);
-    f.shown = 0;
+    f.zonesAt = sizeOf(out);
+    f.headerEnds.clear();
     out += pagesToShow(f);
     addRoom(out, 0, sizeOf(out) + room);
     return out + headersEndBytes();
@@ -125,7 +130,7 @@ int renewAux(DataFile& f) {
     if (f.aux.empty()) f.aux = f.auxInFile;
     if (f.aux == f.auxInFile) return ok;
     if (canMix(f.aux, f.auxInFile)) return write(f, f.auxAt, f.aux);
-    return replaceWithCopy(f, f.dataAt - f.shownEnd);
+    return replaceWithCopy(f, f.dataAt - headersEnd(f, f.headerEnds.size()));
 }
 
 } // namespace
@@ -161,11 +166,11 @@ int flush(DataFile& f) {
     int status = endZone(f);
     if (status == ok) status = settle(f, 0);
     if (status != ok) return status;
-    if (f.shown < f.zones.size()) {
-        const std::int64_t at = f.shownEnd;
+    if (f.headerEnds.size() < f.zones.size()) {
+        const std::int64_t at = headersEnd(f, f.headerEnds.size());
         const Bytes pages = pagesToShow(f);
         const bool fits = at + sizeOf(pages) + sizeOf(headersEndBytes()) <= f.dataAt;
-        status = fits ? writePages(f, at, pages)
+        status = fits ? writePages(f, at, pages, false)
                       : replaceWithCopy(f, (f.dataAt - f.zonesAt) * roomGrowth);
     }
     // What an interrupted run, or a longer zone that was replaced, left behind.
@@ -176,22 +181,29 @@ int flush(DataFile& f) {
     return status;
 }
 
-// The header goes first: as long as the sidecar names the zone, its data stay as they are.
-int dropLastZone(DataFile& f) {
-    const Zone& last = f.zones.back();
-    if (f.shown == f.zones.size()) {
-        Bytes pages = zoneHeaderBytes(last), room;
-        f.shownEnd -= sizeOf(pages);
-        --f.shown;
-        endPage(pages, f.shownEnd);
-        addRoom(room, f.shownEnd, f.shownEnd + sizeOf(pages));
-        const int status = writePages(f, f.shownEnd, room);
-        if (status != ok) return status;
-    }
-    const int status = unnameLastZone(f.sidecar);
+std::int64_t headersEnd(const DataFile& f, std::size_t count) {
+    return count == 0 ? f.zonesAt : f.headerEnds[count - 1];
+}
+
+// The padding begins where the last header that stays ends: the padding before a header that began
+// its page is no part of that header. The last page comes first, so that none is missing before
+// one that a reader still finds.
+int hideHeaders(DataFile& f, std::size_t count) {
+    if (f.headerEnds.size() <= count) return ok;
+    const std::int64_t begin = headersEnd(f, count), end = f.headerEnds.back();
+    Bytes lastPadding, padding;
+    endPage(lastPadding, end);
+    addRoom(padding, begin, end + sizeOf(lastPadding));
+    f.headerEnds.resize(count);
+    return writePages(f, begin, padding, true);
+}
+
+// The headers go first: as long as the sidecar names a zone, its data stay as they are.
+int dropZones(DataFile& f, std::size_t count) {
+    int status = hideHeaders(f, count);
+    if (status == ok) status = unnameZones(f.sidecar, count);
     if (status != ok) return status;
-    f.dataEnd -= dataPartOf(last).size;
-    f.zones.pop_back();
+    for (; f.zones.size() > count; f.zones.pop_back()) f.dataEnd -= dataPartOf(f.zones.back()).size;
     return ok;
 }
 

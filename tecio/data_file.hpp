@@ -37,19 +37,19 @@ struct DataFile {
     bool failed = false;
 
     Head head;
-    Bytes aux;                 // auxiliary records, as they are to be
-    bool settled = false;      // head and auxiliary records in the file are those of this opening
-    bool continued = false;    // zones of an earlier run are there, none of this one
-    Bytes auxInFile;           // the records that a continued file has
-    std::int64_t auxAt = 0;    // positions in the file: the records,
-    std::int64_t zonesAt = 0;  // the first zone header,
-    std::int64_t shownEnd = 0; // the end of the last one,
-    std::int64_t dataAt = 0;   // the data of zone 1,
-    std::int64_t dataEnd = 0;  // the end of the data that count,
-    std::int64_t size = 0;     // the end of the file
+    Bytes aux;                // auxiliary records, as they are to be
+    bool settled = false;     // head and auxiliary records in the file are those of this opening
+    bool continued = false;   // zones of an earlier run are there, none of this one
+    Bytes auxInFile;          // the records that a continued file has
+    std::int64_t auxAt = 0;   // positions in the file: the records,
+    std::int64_t zonesAt = 0; // the first zone header,
+    std::int64_t dataAt = 0;  // the data of zone 1,
+    std::int64_t dataEnd = 0; // the end of the data that count,
+    std::int64_t size = 0;    // the end of the file
 
-    std::vector<Zone> zones; // all complete ones
-    std::size_t shown = 0;   // those whose headers are in the file
+    std::vector<Zone> zones;              // all complete ones
+    std::vector<std::int64_t> headerEnds; // of the zones whose headers are in the file
+    bool headerIsCut = false;             // the last of these is there in part
     CurrentZone current;
 };
 
@@ -71,8 +71,14 @@ int settle(DataFile& file, std::int64_t zoneBytes);
 // Puts the headers of all complete zones into the file.
 int flush(DataFile& file);
 
-// Takes the last zone, and its header, back.
-int dropLastZone(DataFile& file);
+// End of the first `count` headers in the file.
+std::int64_t headersEnd(const DataFile& file, std::size_t count);
+
+// Overwrites the headers after the first `count` with padding.
+int hideHeaders(DataFile& file, std::size_t count);
+
+// Removes the zones after the first `count`, and their headers.
+int dropZones(DataFile& file, std::size_t count);
 
 // Flushes and ends the data set.
 int finish(DataFile& file);

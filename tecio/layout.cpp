@@ -205,6 +205,10 @@ void endPage(Bytes& out, std::int64_t at) {
     if ((at + sizeOf(out)) % pageBytes != 0) out += roomFrom(at + sizeOf(out));
 }
 
+std::int64_t pagesOf(const Bytes& header) {
+    return (sizeOf(header) + leastRoomBytes - 1) / pageBytes + 1;
+}
+
 std::int32_t readInt(Reader& reader) {
     return take<std::int32_t>(reader);
 }

@@ -16,7 +16,7 @@
 //     data       299.0 for each zone, in the order of the headers
 //
 // Nothing tells a position: all of them follow from the headers. No zone header lies on two pages
-// of the file unless it is longer than one, and room fills each of these pages up. So any of them
+// of the file unless it is as long as one, and room fills each of these pages up. So any of them
 // can be written anew while the file stays whole, and the system writes one page at once: a kill
 // does not cut it in two.
 namespace tecio {
@@ -82,6 +82,9 @@ Bytes headersEndBytes();
 void addHeader(Bytes& out, std::int64_t at, const Bytes& header);
 void addRoom(Bytes& out, std::int64_t at, std::int64_t end);
 void endPage(Bytes& out, std::int64_t at);
+
+// Pages that a header takes, with the padding after it, at most; 1 for all but very long ones.
+std::int64_t pagesOf(const Bytes& header);
 
 // Takes bytes apart. A read that fails leaves `good` false and gives zeros and empty texts.
 struct Reader {

@@ -99,8 +99,8 @@ int nameZone(Sidecar& sidecar, const Zone& zone) {
     return writeMark(sidecar);
 }
 
-int unnameLastZone(Sidecar& sidecar) {
-    sidecar.marks.pop_back();
+int unnameZones(Sidecar& sidecar, std::size_t count) {
+    sidecar.marks.resize(count + 1);
     return writeMark(sidecar);
 }
 

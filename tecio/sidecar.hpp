@@ -34,6 +34,6 @@ int createSidecar(const std::string& path, const Head& head, Sidecar& sidecar);
 int openSidecar(const std::string& path, Sidecar& sidecar, Head& head, std::vector<Zone>& zones);
 
 int nameZone(Sidecar& sidecar, const Zone& zone);
-int unnameLastZone(Sidecar& sidecar);
+int unnameZones(Sidecar& sidecar, std::size_t count); // all after the first `count`
 
 } // namespace tecio

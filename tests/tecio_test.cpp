@@ -42,17 +42,19 @@ struct Wish {
 // The calls on the data set at hand, and on its last zone.
 void* set;
 std::int32_t zone;
+std::string title = "z"; // of each zone
 
-void open(const char* variables, const char* title = "t") {
-    EXPECT_EQ(tecFileWriterOpen("s", title, variables, 1, 0, 0, nullptr, &set), 0);
+void open(const char* variables, const char* setTitle = "t") {
+    EXPECT_EQ(tecFileWriterOpen("s", setTitle, variables, 1, 0, 0, nullptr, &set), 0);
 }
 int flush() {
     return tecFileWriterFlush(set, 0, nullptr);
 }
 int create(const Wish& w) {
     const Numbers passive(w.types.size(), w.passive);
-    return tecZoneCreateFE(set, "z", w.type, w.nodes, w.elements, w.types.data(), w.shares.data(),
-                           w.locations.data(), passive.data(), w.connectivity, 0, 0, &zone);
+    return tecZoneCreateFE(set, title.c_str(), w.type, w.nodes, w.elements, w.types.data(),
+                           w.shares.data(), w.locations.data(), passive.data(), w.connectivity, 0,
+                           0, &zone);
 }
 int at(double time) {
     return tecZoneSetUnsteadyOptions(set, zone, time, 1);
@@ -77,19 +79,26 @@ void beginNodes(double time, std::int64_t count, const Numbers& types) {
 }
 
 // A zone whose one variable is its time.
+int putZone(double time) {
+    return create({2, 0, {2}, {0}, {1}, 0}) + at(time) + nodes({}) + reals(1, {time, time});
+}
 void addZone(double time) {
-    beginNodes(time, 2, {2});
-    ASSERT_EQ(reals(1, {time, time}), 0);
+    ASSERT_EQ(putZone(time), 0);
 }
 
-void close(int lastTime) {
-    EXPECT_EQ(tecFileWriterClose(&set), 0);
-    EXPECT_FALSE(set || std::filesystem::exists("s.szplt.szhdr"));
+// The values of each zone must be its time, from 1 to `lastTime`.
+void expectTimes(int lastTime) {
     const DataSet found = data_set_file::read("s.szplt");
     EXPECT_EQ(found.trailing, 0);
     ASSERT_EQ(found.zones.size(), static_cast<std::size_t>(lastTime));
     for (int z = 0; z < lastTime; ++z)
         ASSERT_EQ(found.zones[static_cast<std::size_t>(z)].values[0], Reals(2, z + 1));
+}
+
+void close(int lastTime) {
+    EXPECT_EQ(tecFileWriterClose(&set), 0);
+    EXPECT_FALSE(set || std::filesystem::exists("s.szplt.szhdr"));
+    expectTimes(lastTime);
 }
 
 // One quadrilateral, five variables, two zones, of which the second has but one array.
@@ -240,6 +249,64 @@ TEST(Tecio, TheRoomForZonesGrows) {
         EXPECT_EQ(found.aux.at("k"), opening == 5000 ? "1" : "2801");
         EXPECT_FALSE(std::filesystem::exists("s.szplt.new"));
     }
+}
+
+// For each number of zones, a later writer replaces those from each time on. The headers take a
+// small part of a page, most of one, one but for 16 bytes or whole, two but for 16 bytes, or more.
+TEST(Tecio, AnyZoneMayBeReplaced) {
+    for (const auto& [titleLength, most] :
+         {std::pair{100, 40}, {600, 12}, {1003, 6}, {1007, 6}, {2027, 6}, {2500, 6}}) {
+        title = std::string(static_cast<std::size_t>(titleLength), 'z');
+        for (int last = 1; last <= most; ++last)
+            for (int first = 1; first <= last; ++first) {
+                SCOPED_TRACE(testing::Message() << titleLength << " " << last << " " << first);
+                const Folder folder;
+                open("V");
+                for (int time = 1; time <= last; ++time) {
+                    addZone(time);
+                    EXPECT_EQ(time % 3 == 0 ? flush() : 0, 0);
+                }
+                EXPECT_EQ(flush(), 0);
+                open("V");
+                for (int time = first; time <= last; ++time) addZone(time);
+                EXPECT_EQ(flush(), 0);
+                ASSERT_NO_FATAL_FAILURE(expectTimes(last));
+                open("V");
+                ASSERT_NO_FATAL_FAILURE(close(last));
+            }
+    }
+    title = "z";
+}
+
+// Any write may be the last while headers of several pages are replaced; the next writer repairs
+// them.
+TEST(Tecio, AHeaderOfSeveralPagesMayBeCut) {
+    static int writes;
+    for (const int titleLength : {1003, 2027, 2500}) {
+        title = std::string(static_cast<std::size_t>(titleLength), 'z');
+        bool failed = true;
+        for (int most = 0; failed; ++most) {
+            const Folder folder;
+            open("V");
+            for (const double time : {1, 2, 3, 4}) addZone(time);
+            EXPECT_EQ(flush(), 0);
+            open("V");
+            writes = most;
+            system_calls::table.writeAt = [](int d, const void* from, std::size_t size,
+                                             std::int64_t to) -> std::ptrdiff_t {
+                return writes-- > 0 ? system_calls::systemTable().writeAt(d, from, size, to) : -1;
+            };
+            failed = putZone(3) + putZone(4) + flush() != 0;
+            system_calls::table = system_calls::systemTable();
+            open("V");
+            addZone(3);
+            EXPECT_EQ(flush(), 0);
+            ASSERT_NO_FATAL_FAILURE(expectTimes(3));
+            addZone(4);
+            ASSERT_NO_FATAL_FAILURE(close(4));
+        }
+    }
+    title = "z";
 }
 
 // The system takes a write up page by page, and may be stopped between two of them. At any such
