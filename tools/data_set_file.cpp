@@ -13,7 +13,7 @@ namespace {
 constexpr std::array<std::int64_t, 6> slotsOfType{0, 2, 3, 4, 4, 8};
 
 struct File {
-    std::ifstream in;
+    std::istream& in;
     std::int64_t size = 0;
     std::int64_t position = 0;
 
@@ -161,8 +161,13 @@ void readAux(File& file, DataSet& set, bool ofVariable) {
 } // namespace
 
 DataSet read(const std::string& path) {
-    File file{std::ifstream(path, std::ios::binary)};
-    if (!file.in) throw std::runtime_error("it cannot be opened");
+    std::ifstream in(path, std::ios::binary);
+    return read(in);
+}
+
+DataSet read(std::istream& in) {
+    File file{in};
+    if (!in) throw std::runtime_error("it cannot be opened");
     file.takeSize();
     DataSet set;
     readHead(file, set);

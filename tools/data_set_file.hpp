@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <iosfwd>
 #include <map>
 #include <string>
 #include <vector>
@@ -35,5 +36,6 @@ struct DataSet {
 
 // Throws std::runtime_error, with the position, for what is not in the layout.
 DataSet read(const std::string& path);
+DataSet read(std::istream& in);
 
 } // namespace data_set_file

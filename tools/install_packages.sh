@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Sees to the packages that a build needs: installs what is missing, or says what to install.
 #
-#   tools/install_packages.sh [tests] [bench]
+#   tools/install_packages.sh [tests] [bench] [fuzz]
 #
 # Nothing is touched where all of it is there. It installs as root, or with sudo where that asks for
 # no password; else it ends with status 1.
@@ -10,6 +10,11 @@ set -euo pipefail
 has_command() { command -v "$1" >/dev/null 2>&1; }
 
 has_header() { has_command c++ && echo "#include <$1>" | c++ -E -x c++ - >/dev/null 2>&1; }
+
+has_libfuzzer() {
+    echo 'extern "C" int LLVMFuzzerTestOneInput(const char*, unsigned long) { return 0; }' |
+        clang++ -fsanitize=fuzzer,address,undefined -x c++ - -o /dev/null >/dev/null 2>&1
+}
 
 missing_packages() {
     has_command cmake || echo cmake
@@ -24,6 +29,14 @@ missing_packages() {
         bench)
             has_header benchmark/benchmark.h || echo libbenchmark-dev
             has_header nanoflann.hpp || echo libnanoflann-dev
+            ;;
+        fuzz)
+            if ! has_command clang++; then
+                echo clang
+            elif ! has_libfuzzer; then
+                # The run-time libraries of a version are in a package of their own.
+                echo "libclang-rt-$(clang++ -dumpversion | cut -d. -f1)-dev"
+            fi
             ;;
         *)
             echo "install_packages.sh: no group of packages \"$group\"" >&2

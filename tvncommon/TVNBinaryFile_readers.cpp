@@ -33,12 +33,18 @@ struct Checked {
     std::int64_t size = 0;
 };
 
-void mustRead(const Checked& c, std::int64_t position, void* into, std::int64_t size,
+// No unit has the file, so the end of the run would leave it open.
+[[noreturn]] void endRun(Checked& c, int status, const std::string& message) {
+    byte_file::close(c.file);
+    if (status == io_layer::ok) error::input_error(message);
+    error::input_error_stat(status, message);
+}
+
+void mustRead(Checked& c, std::int64_t position, void* into, std::int64_t size,
               const std::string& what) {
     int status = io_layer::endOfFile;
     if (position + size <= c.size) status = byte_file::readAt(c.file, position, into, size);
-    if (status != io_layer::ok)
-        error::input_error_stat(status, "Error reading " + what + " from file " + c.name);
+    if (status != io_layer::ok) endRun(c, status, "Error reading " + what + " from file " + c.name);
 }
 
 Checked openChecked(const std::string& filename, const std::string& headerName,
@@ -54,7 +60,7 @@ Checked openChecked(const std::string& filename, const std::string& headerName,
 
 // Length of the record behind the header, whose first `wanted` bytes go into `into`. A negative
 // length says that the record goes on.
-std::int64_t walkValues(const Checked& c, char* into, std::int64_t wanted) {
+std::int64_t walkValues(Checked& c, char* into, std::int64_t wanted) {
     std::int64_t position = valuesBegin, total = 0;
     for (bool goesOn = true; goesOn;) {
         std::int32_t marker = 0;
@@ -82,8 +88,9 @@ void read_safe(const std::string& filename, std::int32_t n, T* array, std::strin
     const std::int64_t bytes = walkValues(c, nullptr, 0);
     const std::int64_t values = bytes / static_cast<std::int64_t>(sizeof(T));
     if (values != n)
-        error::input_error("Size mismatch reading file " + filename + "\nNum values in file: " +
-                           std::to_string(values) + "\nNum values to read: " + std::to_string(n));
+        endRun(c, io_layer::ok,
+               "Size mismatch reading file " + filename + "\nNum values in file: " +
+                   std::to_string(values) + "\nNum values to read: " + std::to_string(n));
     walkValues(c, reinterpret_cast<char*>(array), n * static_cast<std::int64_t>(sizeof(T)));
     byte_file::close(c.file);
 }

@@ -1,0 +1,34 @@
+#include "fuzz/support.hpp"
+
+// A whole run over a problem with an edited file; see `edit`. The word says what the run does:
+// "text", "binary", "vtk" or "template".
+namespace {
+
+std::string controlFile(bool binary) {
+    std::string text = binary ? "tecplot binary mode\n" : "";
+    text += "end\nwrite pm domain file\n"
+            "compare heads 3d domain\n-1e20 1e20\n-1e20 1e20\n-1e20 1e20\n"
+            "compare gw table elevation\ncompare depth to gw table\n";
+    if (binary) text += "truncate pm domain by layer\n-1e20 1e20\n0 500\n1 1\n";
+    text += "end\nwrite olf domain file\n"
+            "compare surface water depth\n-1e20 1e20\n-1e20 1e20\n-1e20 1e20\n";
+    if (binary) text += "truncate olf domain\n-1e20 1e20\n0 500\n-1e20 1e20\n";
+    text += "end\n";
+    for (const char* domain : {"dual", "frac", "chan", "well", "tile"})
+        text += "write " + std::string(domain) + " domain file\nend\n";
+    return text + "plot pm zone isopach structure\nplot pm depth below ground surface\n";
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static const fuzz::Files problem = fuzz::problem();
+    fuzz::Files files = problem;
+    std::string name;
+    const std::string_view input(reinterpret_cast<const char*>(data), size);
+    const std::string_view word = input.substr(0, input.find_first_of(" \n"));
+    if (word != "template") files["t.plot.control"] = controlFile(word == "binary");
+    if (fuzz::edit(files, input, name).empty()) return 0;
+    fuzz::run(files, word == "vtk");
+    return 0;
+}

@@ -1,0 +1,54 @@
+#include "fuzz/support.hpp"
+
+#include "meshrake/model/problem_description.hpp"
+#include "meshrake/model/run_state.hpp"
+
+#include <algorithm>
+
+// The files of the problem description: the first byte of the input chooses one of them.
+namespace {
+
+using fuzz::require;
+using model::run;
+
+void checkTitle() {
+    require(run.titleLines.size() == static_cast<std::size_t>(std::max(run.numTitleLines, 1)),
+            "another number of title lines");
+    for (const std::string& line : run.titleLines) require(line.size() == 60, "a short title line");
+}
+
+void checkSpecies() {
+    const auto count = static_cast<std::size_t>(run.numSpecies);
+    require(run.numMobileSpecies >= 0 && run.numImmobileSpecies >= 0, "a negative count");
+    require(run.speciesNames.size() == count && run.speciesFlagA.size() == count &&
+                run.speciesFlagB.size() == count,
+            "arrays of species do not fit");
+}
+
+void checkFractions() {
+    require(run.hmcFractionNames.size() == static_cast<std::size_t>(run.numHmcFractions),
+            "another number of fractions");
+    for (const std::string& name : run.hmcFractionNames)
+        require(name.starts_with("f_") && name.size() <= 80, "a name that cannot be");
+}
+
+struct Part {
+    const char* file;
+    void (*read)();
+    void (*check)();
+};
+constexpr Part parts[] = {{"to.gen", model::titleRead, checkTitle},
+                          {"to.species", model::speciesRead, checkSpecies},
+                          {"to.hmc", model::hmcFractionsRead, checkFractions}};
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    if (size < 1) return 0;
+    const Part& part = parts[data[0] % std::size(parts)];
+    fuzz::setFiles({{part.file, std::string(reinterpret_cast<const char*>(data) + 1, size - 1)}});
+    fuzz::reset();
+    run.problemPrefix = "t";
+    if (!fuzz::endsRun(part.read)) part.check();
+    return 0;
+}

@@ -1,0 +1,43 @@
+#include "fuzz/support.hpp"
+
+#include <cstring>
+
+// A run that resumes binary data sets, of whose files one is edited; see `edit`. The word
+// "repaired" lets the sidecar's size and checksum fit its contents again.
+namespace {
+
+// Two output times are in the data sets, a third is in the problem.
+fuzz::Files unfinished() {
+    fuzz::Files files = fuzz::smallProblem(2);
+    files["t.plot.control"] = "tecplot binary mode\ntecplot binary append\nend\n"
+                              "write pm domain file\nend\nwrite olf domain file\nend\n";
+    fuzz::require(fuzz::run(files) == 0, "the first run failed");
+    fuzz::Files resumed = fuzz::files();
+    resumed.merge(fuzz::smallProblem(3));
+    return resumed;
+}
+
+// Size and checksum, which is the FNV-1a hash, of what follows them.
+void repairSidecar(std::string& bytes) {
+    constexpr std::size_t sizeAt = 8, checksumAt = 16, contentsAt = 24;
+    if (bytes.size() < contentsAt) return;
+    const std::uint64_t size = bytes.size();
+    std::uint64_t checksum = 14695981039346656037U;
+    for (const char c : bytes.substr(contentsAt))
+        checksum = (checksum ^ static_cast<unsigned char>(c)) * 1099511628211U;
+    std::memcpy(&bytes[sizeAt], &size, sizeof size);
+    std::memcpy(&bytes[checksumAt], &checksum, sizeof checksum);
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static const fuzz::Files start = unfinished();
+    fuzz::Files files = start;
+    std::string name;
+    const std::string word = fuzz::edit(files, {reinterpret_cast<const char*>(data), size}, name);
+    if (word.empty()) return 0;
+    if (word == "repaired" && name.ends_with(".szhdr")) repairSidecar(files[name]);
+    fuzz::run(files);
+    return 0;
+}

@@ -1,0 +1,324 @@
+#include "fuzz/support.hpp"
+
+#include "meshrake/meshrake.hpp"
+#include "meshrake/model/run_state.hpp"
+#include "tools/data_set_file.hpp"
+#include "tvncommon/error.hpp"
+#include "tvncommon/io_layer.hpp"
+#include "tvncommon/system_calls.hpp"
+#include "tvncommon/units.hpp"
+#include "tvncommon/warning_messages.hpp"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <sstream>
+#include <stdexcept>
+#include <tuple>
+
+namespace fuzz {
+
+namespace {
+
+using system_calls::FileFacts;
+using system_calls::FileKind;
+using system_calls::OpenMode;
+
+constexpr std::size_t fullDisk = 32 << 20; // bytes of a file
+
+struct OpenFile {
+    std::string name;
+    std::shared_ptr<std::string> bytes; // none for a folder
+    std::size_t position = 0;
+};
+
+struct Disk {
+    std::map<std::string, std::shared_ptr<std::string>> files;
+    std::map<int, OpenFile> open;
+    // A number is never used twice, and none is one of the system's: a descriptor that was kept too
+    // long is never a file.
+    int next = 1 << 20;
+    std::string streams[3];
+};
+Disk disk;
+
+int failure(int error) {
+    errno = error;
+    return -1;
+}
+
+OpenFile* find(int descriptor) {
+    const auto it = disk.open.find(descriptor);
+    if (it == disk.open.end()) errno = EBADF;
+    return it == disk.open.end() ? nullptr : &it->second;
+}
+
+int openFile(const char* path, OpenMode mode) {
+    const std::string name = path;
+    const bool isFolder = name == "." || name.ends_with('/');
+    const auto it = disk.files.find(name);
+    std::shared_ptr<std::string> bytes = it == disk.files.end() ? nullptr : it->second;
+    if (isFolder && mode != OpenMode::read) return failure(EISDIR);
+    if (!bytes && mode == OpenMode::read && !isFolder) return failure(ENOENT);
+    if (bytes && mode == OpenMode::create) return failure(EEXIST);
+    if (!bytes && !isFolder) disk.files[name] = bytes = std::make_shared<std::string>();
+    if (mode == OpenMode::replace) bytes->clear();
+    disk.open[disk.next] = {name, bytes};
+    return disk.next++;
+}
+
+std::ptrdiff_t readAt(int descriptor, void* into, std::size_t size, std::int64_t position) {
+    const OpenFile* f = find(descriptor);
+    if (!f || !f->bytes) return f ? failure(EISDIR) : -1;
+    if (position < 0) return failure(EINVAL);
+    const auto at = std::min(static_cast<std::size_t>(position), f->bytes->size());
+    return static_cast<std::ptrdiff_t>(f->bytes->copy(static_cast<char*>(into), size, at));
+}
+
+std::ptrdiff_t writeAt(int descriptor, const void* from, std::size_t size, std::int64_t position) {
+    const OpenFile* f = find(descriptor);
+    if (!f || !f->bytes) return f ? failure(EISDIR) : -1;
+    if (position < 0) return failure(EINVAL);
+    const auto at = static_cast<std::size_t>(position);
+    if (at > fullDisk || size > fullDisk - at) return failure(ENOSPC);
+    if (f->bytes->size() < at + size) f->bytes->resize(at + size);
+    std::copy_n(static_cast<const char*>(from), size, f->bytes->data() + at);
+    return static_cast<std::ptrdiff_t>(size);
+}
+
+std::ptrdiff_t readNext(int descriptor, void* into, std::size_t size) {
+    if (descriptor == 0) return 0;
+    OpenFile* f = find(descriptor);
+    if (!f) return -1;
+    const std::ptrdiff_t n = readAt(descriptor, into, size, static_cast<std::int64_t>(f->position));
+    if (n > 0) f->position += static_cast<std::size_t>(n);
+    return n;
+}
+
+std::ptrdiff_t writeNext(int descriptor, const void* from, std::size_t size) {
+    if (descriptor == 1 || descriptor == 2) {
+        disk.streams[descriptor].append(static_cast<const char*>(from), size);
+        return static_cast<std::ptrdiff_t>(size);
+    }
+    OpenFile* f = find(descriptor);
+    if (!f) return -1;
+    const std::ptrdiff_t n =
+        writeAt(descriptor, from, size, static_cast<std::int64_t>(f->position));
+    if (n > 0) f->position += static_cast<std::size_t>(n);
+    return n;
+}
+
+std::int64_t seekTo(int descriptor, std::int64_t position) {
+    OpenFile* f = find(descriptor);
+    if (!f) return -1;
+    f->position = static_cast<std::size_t>(position);
+    return position;
+}
+
+int factsOf(int descriptor, FileFacts& facts) {
+    const OpenFile* f = find(descriptor);
+    if (!f) return -1;
+    facts.kind = f->bytes ? FileKind::regular : FileKind::folder;
+    facts.size = f->bytes ? static_cast<std::int64_t>(f->bytes->size()) : 0;
+    return 0;
+}
+
+int truncateTo(int descriptor, std::int64_t size) {
+    const OpenFile* f = find(descriptor);
+    if (!f) return -1;
+    if (size < 0 || static_cast<std::size_t>(size) > fullDisk) return failure(EFBIG);
+    f->bytes->resize(static_cast<std::size_t>(size));
+    return 0;
+}
+
+system_calls::Table memoryTable() {
+    system_calls::Table table = system_calls::systemTable();
+    table.open = openFile;
+    table.read = readNext;
+    table.write = writeNext;
+    table.seek = seekTo;
+    table.close = [](int d) { return disk.open.erase(d) > 0 ? 0 : failure(EBADF); };
+    table.facts = factsOf;
+    table.exists = [](const char* path) { return disk.files.contains(path) ? 0 : failure(ENOENT); };
+    table.readAt = readAt;
+    table.writeAt = writeAt;
+    table.truncate = truncateTo;
+    table.reserve = [](int d, std::int64_t, std::int64_t) { return find(d) ? 0 : -1; };
+    table.sync = [](int d) { return find(d) ? 0 : -1; };
+    table.lock = [](int d, bool) { return find(d) ? 0 : -1; };
+    table.rename = [](const char* from, const char* to) {
+        const auto it = disk.files.find(from);
+        if (it == disk.files.end()) return failure(ENOENT);
+        const std::shared_ptr<std::string> bytes = it->second;
+        disk.files.erase(it);
+        disk.files[to] = bytes;
+        return 0;
+    };
+    table.remove = [](const char* path) {
+        return disk.files.erase(path) > 0 ? 0 : failure(ENOENT);
+    };
+    return table;
+}
+
+std::string contentsOf(const std::filesystem::path& path) {
+    std::ostringstream contents;
+    contents << std::ifstream(path, std::ios::binary).rdbuf();
+    return contents.str();
+}
+
+Files read(const std::filesystem::path& folder) {
+    Files found;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder))
+        if (entry.is_regular_file())
+            found[entry.path().lexically_relative(folder)] = contentsOf(entry.path());
+    require(found.contains("batch.pfx"), "the problem is not in " + folder.string());
+    return found;
+}
+
+// A data set is left open by a run that is to be continued, and by one that ended early.
+void checkClosed() {
+    for (int unit = io_layer::firstUnit; unit <= io_layer::lastUnit; ++unit)
+        require(!io_layer::unitTaken(unit), "a unit is still taken");
+    for (const auto& [descriptor, file] : disk.open)
+        require(file.name.find(".szplt") != std::string::npos, file.name + " is still open");
+}
+
+void checkDataSets() {
+    for (const auto& [name, bytes] : disk.files) {
+        if (!name.ends_with(".szplt")) continue;
+        std::istringstream in(*bytes);
+        try {
+            data_set_file::read(in);
+        } catch (const std::runtime_error& fault) {
+            require(false, name + " is no data set: " + fault.what());
+        }
+    }
+}
+
+int runOnce(const Files& input, bool legacyVtk) {
+    setFiles(input);
+    const char* argv[] = {"meshrake"};
+    const int status = meshrake_main(1, argv, legacyVtk);
+    const std::string_view words = status == 0 ? "---- Normal exit ----" : "HALTING EXECUTION ***";
+    require(status == 0 || status == 1, "the status is neither 0 nor 1");
+    require(disk.streams[status == 0 ? 1 : 2].find(words) != std::string::npos,
+            "neither a normal exit nor a banner");
+    checkClosed();
+    if (status == 0) checkDataSets();
+    return status;
+}
+
+// Files have the time of day in them.
+auto second() {
+    const system_calls::LocalTime t = system_calls::localTime();
+    return std::tuple(t.hour, t.minute, t.second);
+}
+
+bool chosen(const Files& files) {
+    std::size_t hash = 0;
+    for (const auto& [name, bytes] : files) hash = hash * 31 + std::hash<std::string>()(bytes);
+    return hash % 8 == 0;
+}
+
+} // namespace
+
+void require(bool holds, std::string_view what) {
+    if (holds) return;
+    std::fprintf(stderr, "%.*s\n%s", static_cast<int>(what.size()), what.data(),
+                 disk.streams[2].c_str());
+    std::abort();
+}
+
+Files problem(int times) {
+    static const Files all = read(FUZZ_PROBLEM);
+    Files some = all;
+    for (int index = times + 1; index <= 3; ++index)
+        std::erase_if(some, [&](const auto& file) {
+            return file.first.ends_with(".000" + std::to_string(index));
+        });
+    return some;
+}
+
+Files smallProblem(int times) {
+    Files files = problem(times);
+    std::erase_if(files, [](const auto& file) {
+        const std::string& name = file.first;
+        const auto holds = [&](const char* part) { return name.find(part) != std::string::npos; };
+        const bool ofDomains = holds("_pm") || holds("_olf");
+        const bool isResult = holds(".000");
+        if (holds("species") || holds("hmc")) return true;
+        if (isResult) return !ofDomains || !(holds("head") || holds(".v_") || holds("ElemK"));
+        // The global nodes of olf count on from those of dual.
+        return (holds("coordinates_") || holds("elements_")) && !ofDomains && !holds("_dual");
+    });
+    return files;
+}
+
+void setFiles(const Files& files) {
+    system_calls::table = memoryTable();
+    disk.files.clear();
+    disk.open.clear();
+    for (std::string& text : disk.streams) text.clear();
+    for (const auto& [name, bytes] : files) disk.files[name] = std::make_shared<std::string>(bytes);
+}
+
+Files files() {
+    Files now;
+    for (const auto& [name, bytes] : disk.files) now[name] = *bytes;
+    return now;
+}
+
+void reset() {
+    model::run = {};
+    io_layer::reset();
+    error::reset();
+    units::reset();
+    warning_messages::reset();
+}
+
+bool endsRun(const std::function<void()>& call) {
+    try {
+        call();
+    } catch (const error::RunEnded&) {
+        require(disk.streams[2].find("HALTING EXECUTION ***") != std::string::npos, "no banner");
+        checkClosed();
+        return true;
+    }
+    return false;
+}
+
+int run(const Files& input, bool legacyVtk) {
+    const auto began = second();
+    const int status = runOnce(input, legacyVtk);
+    if (!chosen(input)) return status;
+    const auto before = std::tuple(files(), disk.streams[1], disk.streams[2]);
+    require(runOnce(input, legacyVtk) == status, "a second run has another status");
+    require(second() != began || before == std::tuple(files(), disk.streams[1], disk.streams[2]),
+            "a second run has other output");
+    return status;
+}
+
+std::string edit(Files& files, std::string_view input, std::string& name) {
+    const std::string_view line = input.substr(0, input.find('\n'));
+    input.remove_prefix(std::min(line.size() + 1, input.size()));
+    const std::size_t blank = std::min(line.find(' '), line.size());
+    name = line.substr(std::min(blank + 1, line.size()));
+    const auto it = files.find(name);
+    if (it == files.end()) return "";
+    std::string& bytes = it->second;
+    while (input.size() >= 4) {
+        const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(input[i]); };
+        const std::size_t offset = std::min<std::size_t>(byte(0) + 256U * byte(1), bytes.size());
+        const std::size_t removed = byte(2) == 255 ? std::string::npos : byte(2);
+        const std::string_view inserted = input.substr(4, byte(3));
+        bytes.replace(offset, removed, inserted);
+        input.remove_prefix(4 + inserted.size());
+    }
+    return std::string(line.substr(0, blank));
+}
+
+} // namespace fuzz
