@@ -23,12 +23,11 @@ std::string controlFile(bool binary) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const fuzz::Files problem = fuzz::problem();
-    fuzz::Files files = problem;
-    std::string name;
-    const std::string_view input(reinterpret_cast<const char*>(data), size);
-    const std::string_view word = input.substr(0, input.find_first_of(" \n"));
-    if (word != "template") files["t.plot.control"] = controlFile(word == "binary");
-    if (fuzz::edit(files, input, name).empty()) return 0;
-    fuzz::run(files, word == "vtk");
+    fuzz::Files changed;
+    const std::string word =
+        fuzz::edit(problem, {reinterpret_cast<const char*>(data), size}, changed);
+    if (word.empty()) return 0;
+    if (word != "template") changed["t.plot.control"] = controlFile(word == "binary");
+    fuzz::run(problem, changed, word == "vtk");
     return 0;
 }

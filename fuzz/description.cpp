@@ -46,7 +46,8 @@ constexpr Part parts[] = {{"to.gen", model::titleRead, checkTitle},
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size < 1) return 0;
     const Part& part = parts[data[0] % std::size(parts)];
-    fuzz::setFiles({{part.file, std::string(reinterpret_cast<const char*>(data) + 1, size - 1)}});
+    const std::string file(reinterpret_cast<const char*>(data) + 1, size - 1);
+    fuzz::setFiles(fuzz::noFiles, {{part.file, file}});
     fuzz::reset();
     run.problemPrefix = "t";
     if (!fuzz::endsRun(part.read)) part.check();

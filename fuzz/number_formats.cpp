@@ -40,10 +40,10 @@ double rounded(double value, int digits) {
     return std::strtod(text, nullptr);
 }
 
-void checkRounded(const std::string& field, double value, int width, int digits) {
+void checkRounded(const std::string& field, double value, int digits, int width, int most) {
     require(std::ssize(field) == width, "another width: " + field);
     if (!std::isfinite(value)) return;
-    if (isStars(field)) return require(width < digits + 8, "stars although it fits");
+    if (isStars(field)) return require(width < most, "stars although it fits");
     double back = 0;
     const int status = free_form::readReal(field, back);
     const double wanted = rounded(value, digits);
@@ -86,10 +86,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         std::memcpy(&integer, data + at, 4);
         const int width = data[0] % 48 + 1, digits = data[1] % 17 + 1;
         checkWideReal(value);
-        checkRounded(number_formats::exponentField(value, width, digits), value, width, digits);
-        if (width > 4)
-            checkRounded(number_formats::generalField(value, width, digits), value, width,
-                         digits + 4);
+        const auto exponent = number_formats::exponentField(value, width, digits);
+        checkRounded(exponent, value, digits, width, digits + 6);
+        if (width > 4) {
+            const auto general = number_formats::generalField(value, width, digits);
+            checkRounded(general, value, digits, width, digits + 7);
+        }
         checkFixed(value, width, digits % 10);
         checkInteger(integer);
     }

@@ -24,10 +24,7 @@ constexpr const char* control = "end\n"
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size < 1) return 0;
     static const fuzz::Files problem = fuzz::smallProblem(1);
-    fuzz::Files files = problem;
-    files["t.plot.control"] = control;
-    files[names[data[0] % std::size(names)]] =
-        std::string(reinterpret_cast<const char*>(data) + 1, size - 1);
-    fuzz::run(files);
+    const std::string file(reinterpret_cast<const char*>(data) + 1, size - 1);
+    fuzz::run(problem, {{"t.plot.control", control}, {names[data[0] % std::size(names)], file}});
     return 0;
 }

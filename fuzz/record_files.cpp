@@ -91,7 +91,7 @@ const std::vector<void (*)(std::int32_t n)> readers = {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size < 2) return 0;
     const std::string file(reinterpret_cast<const char*>(data) + 2, size - 2);
-    fuzz::setFiles({{"file", file}});
+    fuzz::setFiles(fuzz::noFiles, {{"file", file}});
     fuzz::reset();
     const std::size_t reader = data[0] % (readers.size() + 2);
     if (reader == readers.size())

@@ -8,10 +8,10 @@ namespace {
 
 // Two output times are in the data sets, a third is in the problem.
 fuzz::Files unfinished() {
-    fuzz::Files files = fuzz::smallProblem(2);
-    files["t.plot.control"] = "tecplot binary mode\ntecplot binary append\nend\n"
-                              "write pm domain file\nend\nwrite olf domain file\nend\n";
-    fuzz::require(fuzz::run(files) == 0, "the first run failed");
+    const fuzz::Files problem = fuzz::smallProblem(2);
+    const std::string control = "tecplot binary mode\ntecplot binary append\nend\n"
+                                "write pm domain file\nend\nwrite olf domain file\nend\n";
+    fuzz::require(fuzz::run(problem, {{"t.plot.control", control}}) == 0, "the first run failed");
     fuzz::Files resumed = fuzz::files();
     resumed.merge(fuzz::smallProblem(3));
     return resumed;
@@ -33,11 +33,12 @@ void repairSidecar(std::string& bytes) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const fuzz::Files start = unfinished();
-    fuzz::Files files = start;
-    std::string name;
-    const std::string word = fuzz::edit(files, {reinterpret_cast<const char*>(data), size}, name);
+    fuzz::Files changed;
+    const std::string word =
+        fuzz::edit(start, {reinterpret_cast<const char*>(data), size}, changed);
     if (word.empty()) return 0;
-    if (word == "repaired" && name.ends_with(".szhdr")) repairSidecar(files[name]);
-    fuzz::run(files);
+    for (auto& [name, bytes] : changed)
+        if (word == "repaired" && name.ends_with(".szhdr")) repairSidecar(bytes);
+    fuzz::run(start, changed);
     return 0;
 }

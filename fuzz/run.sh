@@ -47,6 +47,9 @@ merge() {
         "$(find "$corpus" -type f -printf '%s\n' | awk '{ n += $1 } END { print n + 0 }')"
 }
 
+# Short stacks of allocations, and few freed blocks that are kept, make runs faster.
+export ASAN_OPTIONS=malloc_context_size=2:quarantine_size_mb=16
+
 # All runs of a target are in one log; a finding ends a run, and the next one goes on.
 fuzz() {
     local -r target=$1 log=$build/fuzz_$1.log findings=$build/findings/$1

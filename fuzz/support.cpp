@@ -30,14 +30,17 @@ using system_calls::OpenMode;
 
 constexpr std::size_t fullDisk = 32 << 20; // bytes of a file
 
+using Bytes = std::shared_ptr<std::string>;
+
 struct OpenFile {
     std::string name;
-    std::shared_ptr<std::string> bytes; // none for a folder
+    Bytes bytes; // none for a folder
     std::size_t position = 0;
 };
 
 struct Disk {
-    std::map<std::string, std::shared_ptr<std::string>> files;
+    const Files* before = nullptr;        // what it held before the run, which is never copied
+    std::map<std::string, Bytes> changed; // none for a file that was removed
     std::map<int, OpenFile> open;
     // A number is never used twice, and none is one of the system's: a descriptor that was kept too
     // long is never a file.
@@ -51,28 +54,43 @@ int failure(int error) {
     return -1;
 }
 
-OpenFile* find(int descriptor) {
+OpenFile* findOpen(int descriptor) {
     const auto it = disk.open.find(descriptor);
     if (it == disk.open.end()) errno = EBADF;
     return it == disk.open.end() ? nullptr : &it->second;
 }
 
+// Contents of a file that is opened for reading: those of `before` must not be changed.
+Bytes find(const std::string& name) {
+    const auto it = disk.changed.find(name);
+    if (it != disk.changed.end()) return it->second;
+    const auto old = disk.before->find(name);
+    if (old == disk.before->end()) return nullptr;
+    return {Bytes(), const_cast<std::string*>(&old->second)};
+}
+
+Bytes findToChange(const std::string& name) {
+    const Bytes now = find(name);
+    if (!disk.changed.contains(name) || !now)
+        disk.changed[name] = std::make_shared<std::string>(now ? *now : "");
+    return disk.changed[name];
+}
+
 int openFile(const char* path, OpenMode mode) {
     const std::string name = path;
     const bool isFolder = name == "." || name.ends_with('/');
-    const auto it = disk.files.find(name);
-    std::shared_ptr<std::string> bytes = it == disk.files.end() ? nullptr : it->second;
     if (isFolder && mode != OpenMode::read) return failure(EISDIR);
+    Bytes bytes = find(name);
     if (!bytes && mode == OpenMode::read && !isFolder) return failure(ENOENT);
     if (bytes && mode == OpenMode::create) return failure(EEXIST);
-    if (!bytes && !isFolder) disk.files[name] = bytes = std::make_shared<std::string>();
+    if (mode != OpenMode::read) bytes = findToChange(name);
     if (mode == OpenMode::replace) bytes->clear();
     disk.open[disk.next] = {name, bytes};
     return disk.next++;
 }
 
 std::ptrdiff_t readAt(int descriptor, void* into, std::size_t size, std::int64_t position) {
-    const OpenFile* f = find(descriptor);
+    const OpenFile* f = findOpen(descriptor);
     if (!f || !f->bytes) return f ? failure(EISDIR) : -1;
     if (position < 0) return failure(EINVAL);
     const auto at = std::min(static_cast<std::size_t>(position), f->bytes->size());
@@ -80,7 +98,7 @@ std::ptrdiff_t readAt(int descriptor, void* into, std::size_t size, std::int64_t
 }
 
 std::ptrdiff_t writeAt(int descriptor, const void* from, std::size_t size, std::int64_t position) {
-    const OpenFile* f = find(descriptor);
+    const OpenFile* f = findOpen(descriptor);
     if (!f || !f->bytes) return f ? failure(EISDIR) : -1;
     if (position < 0) return failure(EINVAL);
     const auto at = static_cast<std::size_t>(position);
@@ -92,7 +110,7 @@ std::ptrdiff_t writeAt(int descriptor, const void* from, std::size_t size, std::
 
 std::ptrdiff_t readNext(int descriptor, void* into, std::size_t size) {
     if (descriptor == 0) return 0;
-    OpenFile* f = find(descriptor);
+    OpenFile* f = findOpen(descriptor);
     if (!f) return -1;
     const std::ptrdiff_t n = readAt(descriptor, into, size, static_cast<std::int64_t>(f->position));
     if (n > 0) f->position += static_cast<std::size_t>(n);
@@ -104,7 +122,7 @@ std::ptrdiff_t writeNext(int descriptor, const void* from, std::size_t size) {
         disk.streams[descriptor].append(static_cast<const char*>(from), size);
         return static_cast<std::ptrdiff_t>(size);
     }
-    OpenFile* f = find(descriptor);
+    OpenFile* f = findOpen(descriptor);
     if (!f) return -1;
     const std::ptrdiff_t n =
         writeAt(descriptor, from, size, static_cast<std::int64_t>(f->position));
@@ -113,14 +131,14 @@ std::ptrdiff_t writeNext(int descriptor, const void* from, std::size_t size) {
 }
 
 std::int64_t seekTo(int descriptor, std::int64_t position) {
-    OpenFile* f = find(descriptor);
+    OpenFile* f = findOpen(descriptor);
     if (!f) return -1;
     f->position = static_cast<std::size_t>(position);
     return position;
 }
 
 int factsOf(int descriptor, FileFacts& facts) {
-    const OpenFile* f = find(descriptor);
+    const OpenFile* f = findOpen(descriptor);
     if (!f) return -1;
     facts.kind = f->bytes ? FileKind::regular : FileKind::folder;
     facts.size = f->bytes ? static_cast<std::int64_t>(f->bytes->size()) : 0;
@@ -128,7 +146,7 @@ int factsOf(int descriptor, FileFacts& facts) {
 }
 
 int truncateTo(int descriptor, std::int64_t size) {
-    const OpenFile* f = find(descriptor);
+    const OpenFile* f = findOpen(descriptor);
     if (!f) return -1;
     if (size < 0 || static_cast<std::size_t>(size) > fullDisk) return failure(EFBIG);
     f->bytes->resize(static_cast<std::size_t>(size));
@@ -143,23 +161,23 @@ system_calls::Table memoryTable() {
     table.seek = seekTo;
     table.close = [](int d) { return disk.open.erase(d) > 0 ? 0 : failure(EBADF); };
     table.facts = factsOf;
-    table.exists = [](const char* path) { return disk.files.contains(path) ? 0 : failure(ENOENT); };
+    table.exists = [](const char* path) { return find(path) ? 0 : failure(ENOENT); };
     table.readAt = readAt;
     table.writeAt = writeAt;
     table.truncate = truncateTo;
-    table.reserve = [](int d, std::int64_t, std::int64_t) { return find(d) ? 0 : -1; };
-    table.sync = [](int d) { return find(d) ? 0 : -1; };
-    table.lock = [](int d, bool) { return find(d) ? 0 : -1; };
+    table.reserve = [](int d, std::int64_t, std::int64_t) { return findOpen(d) ? 0 : -1; };
+    table.sync = [](int d) { return findOpen(d) ? 0 : -1; };
+    table.lock = [](int d, bool) { return findOpen(d) ? 0 : -1; };
     table.rename = [](const char* from, const char* to) {
-        const auto it = disk.files.find(from);
-        if (it == disk.files.end()) return failure(ENOENT);
-        const std::shared_ptr<std::string> bytes = it->second;
-        disk.files.erase(it);
-        disk.files[to] = bytes;
+        if (!find(from)) return failure(ENOENT);
+        disk.changed[to] = findToChange(from);
+        disk.changed[from] = nullptr;
         return 0;
     };
     table.remove = [](const char* path) {
-        return disk.files.erase(path) > 0 ? 0 : failure(ENOENT);
+        if (!find(path)) return failure(ENOENT);
+        disk.changed[path] = nullptr;
+        return 0;
     };
     return table;
 }
@@ -188,8 +206,8 @@ void checkClosed() {
 }
 
 void checkDataSets() {
-    for (const auto& [name, bytes] : disk.files) {
-        if (!name.ends_with(".szplt")) continue;
+    for (const auto& [name, bytes] : disk.changed) {
+        if (!bytes || !name.ends_with(".szplt")) continue;
         std::istringstream in(*bytes);
         try {
             data_set_file::read(in);
@@ -199,8 +217,8 @@ void checkDataSets() {
     }
 }
 
-int runOnce(const Files& input, bool legacyVtk) {
-    setFiles(input);
+int runOnce(const Files& before, const Files& changed, bool legacyVtk) {
+    setFiles(before, changed);
     const char* argv[] = {"meshrake"};
     const int status = meshrake_main(1, argv, legacyVtk);
     const std::string_view words = status == 0 ? "---- Normal exit ----" : "HALTING EXECUTION ***";
@@ -218,9 +236,16 @@ auto second() {
     return std::tuple(t.hour, t.minute, t.second);
 }
 
-bool chosen(const Files& files) {
+// What the run has written.
+auto output() {
+    Files written;
+    for (const auto& [name, bytes] : disk.changed) written[name] = bytes ? *bytes : "(removed)";
+    return std::tuple(written, disk.streams[1], disk.streams[2]);
+}
+
+bool chosen(const Files& changed) {
     std::size_t hash = 0;
-    for (const auto& [name, bytes] : files) hash = hash * 31 + std::hash<std::string>()(bytes);
+    for (const auto& [name, bytes] : changed) hash += std::hash<std::string>()(bytes);
     return hash % 8 == 0;
 }
 
@@ -258,17 +283,22 @@ Files smallProblem(int times) {
     return files;
 }
 
-void setFiles(const Files& files) {
+void setFiles(const Files& before, const Files& changed) {
     system_calls::table = memoryTable();
-    disk.files.clear();
+    disk.before = &before;
+    disk.changed.clear();
+    for (const auto& [name, bytes] : changed)
+        disk.changed[name] = std::make_shared<std::string>(bytes);
     disk.open.clear();
     for (std::string& text : disk.streams) text.clear();
-    for (const auto& [name, bytes] : files) disk.files[name] = std::make_shared<std::string>(bytes);
 }
 
 Files files() {
-    Files now;
-    for (const auto& [name, bytes] : disk.files) now[name] = *bytes;
+    Files now = *disk.before;
+    for (const auto& [name, bytes] : disk.changed) {
+        now.erase(name);
+        if (bytes) now[name] = *bytes;
+    }
     return now;
 }
 
@@ -291,25 +321,23 @@ bool endsRun(const std::function<void()>& call) {
     return false;
 }
 
-int run(const Files& input, bool legacyVtk) {
+int run(const Files& before, const Files& changed, bool legacyVtk) {
     const auto began = second();
-    const int status = runOnce(input, legacyVtk);
-    if (!chosen(input)) return status;
-    const auto before = std::tuple(files(), disk.streams[1], disk.streams[2]);
-    require(runOnce(input, legacyVtk) == status, "a second run has another status");
-    require(second() != began || before == std::tuple(files(), disk.streams[1], disk.streams[2]),
-            "a second run has other output");
+    const int status = runOnce(before, changed, legacyVtk);
+    if (!chosen(changed)) return status;
+    const auto first = output();
+    require(runOnce(before, changed, legacyVtk) == status, "a second run has another status");
+    require(second() != began || output() == first, "a second run has other output");
     return status;
 }
 
-std::string edit(Files& files, std::string_view input, std::string& name) {
+std::string edit(const Files& files, std::string_view input, Files& changed) {
     const std::string_view line = input.substr(0, input.find('\n'));
     input.remove_prefix(std::min(line.size() + 1, input.size()));
     const std::size_t blank = std::min(line.find(' '), line.size());
-    name = line.substr(std::min(blank + 1, line.size()));
-    const auto it = files.find(name);
+    const auto it = files.find(std::string(line.substr(std::min(blank + 1, line.size()))));
     if (it == files.end()) return "";
-    std::string& bytes = it->second;
+    std::string& bytes = changed[it->first] = it->second;
     while (input.size() >= 4) {
         const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(input[i]); };
         const std::size_t offset = std::min<std::size_t>(byte(0) + 256U * byte(1), bytes.size());

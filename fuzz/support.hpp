@@ -12,6 +12,7 @@
 namespace fuzz {
 
 using Files = std::map<std::string, std::string>; // contents by name
+inline const Files noFiles;
 
 // Aborts with this text unless it holds.
 void require(bool holds, std::string_view what);
@@ -23,8 +24,9 @@ Files problem(int times = 2);
 // The part of it that pm and olf have, with few variables.
 Files smallProblem(int times = 2);
 
-// Replaces what is in the file system, and what it holds now.
-void setFiles(const Files& files);
+// Sets what the file system holds: `before`, which must outlive the use, with the changed files in
+// place of its own or besides.
+void setFiles(const Files& before, const Files& changed);
 Files files();
 
 // Puts all modules into the state of a program start.
@@ -34,15 +36,16 @@ void reset();
 // of a binary data set.
 bool endsRun(const std::function<void()>& call);
 
-// A whole run over these files; returns its status after these checks: it is 0 or 1, with the words
-// of a normal exit or with a banner. No file stays open but those of a binary data set. Every
-// binary data set of a run with status 0 is readable. One run in eight is made twice and must do
-// the same.
-int run(const Files& files, bool legacyVtk = false);
+// A whole run over the files of `setFiles`; returns its status after these checks: it is 0 or 1,
+// with the words of a normal exit or with a banner. No file stays open but those of a binary data
+// set. Every binary data set of a run with status 0 is readable. One run in eight is made twice and
+// must do the same.
+int run(const Files& before, const Files& changed, bool legacyVtk = false);
 
 // An input for files of a problem: a line with a word and the name of a file, then any number of
 // edits: offset (2 bytes, little-endian), bytes to remove (1), bytes to insert (1), and these. An
-// offset beyond the end is the end; a count of 255 removes all of the rest. Returns the word.
-std::string edit(Files& files, std::string_view input, std::string& name);
+// offset beyond the end is the end; a count of 255 removes all of the rest. Adds the edited file to
+// `changed` and returns the word, which is empty if there is no such file.
+std::string edit(const Files& files, std::string_view input, Files& changed);
 
 } // namespace fuzz

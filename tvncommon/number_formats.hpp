@@ -49,9 +49,9 @@ std::string exponentField(double value, int width, int digits);
 // when the field is one column short.
 char* writeFixedField(double value, int width, int decimals, char* field);
 
-// `digits` significant digits (at most 17), right-aligned in `width` columns: fixed notation with
-// four blanks behind for zero and for magnitudes that round to 0.1 and more, but less than
-// 10^digits; any other as `exponentField`.
+// `digits` significant digits (at most 17), right-aligned in `width` (at least 5) columns: fixed
+// notation with four blanks behind for zero and for magnitudes that round to 0.1 and more, but less
+// than 10^digits; any other as `exponentField`.
 std::string generalField(double value, int width, int digits);
 
 // Right-aligned in `width` columns.
