@@ -12,6 +12,8 @@ using system_calls::OpenMode;
 
 namespace {
 
+constexpr std::int64_t readBytes = 1048576;
+
 // Position behind the auxiliary records, which end where a zone header or the room begins.
 bool findAuxEnd(const DataFile& f, std::string_view bytes, std::int64_t& end) {
     Reader reader{bytes, static_cast<std::size_t>(f.auxAt)};
@@ -91,6 +93,38 @@ int checkData(DataFile& f) {
     return f.dataEnd <= f.size ? ok : damagedData;
 }
 
+// What the last zone holds must be what was written: the checksum that the sidecar has for it. A
+// data set that is to be durable must have been so before.
+int checkLastZone(const DataFile& f, std::uint64_t checksum) {
+    if (checksum == 0) return f.durable ? damagedSidecar : ok;
+    const Zone& zone = f.zones.back();
+    const DataPart part = dataPartOf(zone);
+    const std::int64_t zoneAt = f.dataEnd - part.size;
+    std::int64_t arraysAt = part.nodeMap;
+    std::vector<Checksum> arrays(zone.types.size() + 1);
+    std::vector<char> block(static_cast<std::size_t>(std::min(part.size, readBytes)));
+    const auto add = [&](Checksum& array, std::int64_t at, std::int64_t size) {
+        int status = ok;
+        for (std::int64_t done = 0; done < size && status == ok; done += readBytes) {
+            const std::int64_t n = std::min(size - done, readBytes);
+            status = byte_file::readAt(f.file, zoneAt + at + done, block.data(), n);
+            addBytes(array, block.data(), n);
+        }
+        return status;
+    };
+    int status = ok;
+    for (std::size_t v = 0; v < zone.types.size() && status == ok; ++v) {
+        if (zone.shares[v] > 0) continue;
+        arraysAt = std::min(arraysAt, part.values[v]);
+        status = add(arrays[v], part.values[v], valueCount(zone, v) * valueBytes(zone.types[v]));
+    }
+    if (status == ok) status = add(arrays.back(), part.nodeMap, nodeMapCount(zone) * 4);
+    Bytes begin(static_cast<std::size_t>(arraysAt), '\0');
+    if (status == ok) status = byte_file::readAt(f.file, zoneAt, begin.data(), arraysAt);
+    if (status != ok) return status;
+    return zoneChecksum(begin, arrays) == checksum ? ok : damagedData;
+}
+
 // Nothing is lost of a data set without zones, if that is what the file is.
 int beginAnew(DataFile& f) {
     char found[8];
@@ -105,7 +139,9 @@ int beginAnew(DataFile& f) {
 
 int continueDataFile(DataFile& f) {
     Head there;
-    if (openSidecar(sidecarPath(f.path), f.sidecar, there, f.zones) != ok) return damagedSidecar;
+    std::uint64_t checksum = 0;
+    if (openSidecar(sidecarPath(f.path), f.sidecar, there, f.zones, checksum) != ok)
+        return damagedSidecar;
     int status = byte_file::open(f.path, OpenMode::update, f.file, f.size);
     if (status != ok) return status;
     const bool anyVariables = f.head.variables == std::vector<std::string>{""};
@@ -116,6 +152,7 @@ int continueDataFile(DataFile& f) {
     for (const Zone& zone : f.zones) dataBytes += dataPartOf(zone).size;
     status = checkHeader(f, dataBytes);
     if (status == ok) status = checkData(f);
+    if (status == ok) status = checkLastZone(f, checksum);
     if (status == ok && f.headerIsCut) status = hideHeaders(f, f.headerEnds.size() - 1);
     f.continued = true;
     return status;

@@ -73,7 +73,9 @@ int nameCurrentZone(DataFile& f) {
     }
     f.size = std::max(f.size, f.dataEnd + sizeOf(begin));
     int status = byte_file::writeAt(f.file, f.dataEnd, begin.data(), sizeOf(begin));
-    if (status == ok) status = nameZone(f.sidecar, current.zone);
+    if (status == ok && f.durable) status = byte_file::sync(f.file);
+    const std::uint64_t checksum = f.durable ? zoneChecksum(begin, current.checksums) : 0;
+    if (status == ok) status = nameZone(f.sidecar, current.zone, checksum);
     if (status != ok) return status;
     f.dataEnd += current.part.size;
     f.zones.push_back(std::move(current.zone));
@@ -104,6 +106,21 @@ int writeData(DataFile& f, std::int64_t position, const void* from, std::int64_t
     return status;
 }
 
+// Range and checksum, a block at a time, which stays in the cache for the second.
+void summarize(DataFile& f, std::size_t v, std::int64_t count, const void* values) {
+    constexpr std::int64_t blockValues = 16384;
+    const std::int32_t type = f.current.zone.types[v];
+    const std::int64_t each = valueBytes(type);
+    Range& whole = f.current.ranges[v];
+    for (std::int64_t done = 0; done < count; done += blockValues) {
+        const char* block = static_cast<const char*>(values) + done * each;
+        const std::int64_t n = std::min(count - done, blockValues);
+        const Range range = rangeOf(type, block, n);
+        whole = {std::min(whole.least, range.least), std::max(whole.greatest, range.greatest)};
+        if (f.durable) addBytes(f.current.checksums[v], block, n * each);
+    }
+}
+
 int nameIfComplete(DataFile& f, int status) {
     return status == ok && isComplete(f.current) ? nameCurrentZone(f) : status;
 }
@@ -122,7 +139,9 @@ int beginZone(DataFile& f, Zone zone, std::int32_t& number) {
     status = settle(f, current.part.size);
     if (status != ok) return status;
     current.written.assign(zone.types.size(), notBegun);
-    current.ranges.assign(zone.types.size(), {});
+    current.ranges.clear();
+    for (const std::int32_t type : zone.types) current.ranges.push_back(rangeOf(type, nullptr, 0));
+    current.checksums.assign(zone.types.size() + 1, {});
     current.nodesWritten = notBegun;
     current.zone = std::move(zone);
     number = current.number = static_cast<std::int32_t>(f.zones.size()) + 1;
@@ -147,14 +166,9 @@ int writeValues(DataFile& f, std::size_t v, std::int64_t count, const void* valu
     const std::int64_t all = valueCount(current.zone, v);
     std::int64_t& written = current.written[v];
     if (current.zone.shares[v] != unshared || written == all) return refused;
-    const bool first = written == notBegun;
-    if (first) written = 0;
+    written = std::max<std::int64_t>(written, 0);
     if (count < 0 || count > all - written) return refused;
-    const Range range = rangeOf(current.zone.types[v], values, count);
-    Range& whole = current.ranges[v];
-    whole =
-        first ? range
-              : Range{std::min(whole.least, range.least), std::max(whole.greatest, range.greatest)};
+    summarize(f, v, count, values);
     const std::int64_t each = valueBytes(current.zone.types[v]);
     const int status =
         writeData(f, f.dataEnd + current.part.values[v] + written * each, values, count * each);
@@ -176,6 +190,7 @@ int writeNodes(DataFile& f, std::int64_t count, const std::int32_t* nodes, std::
         const std::int64_t n = std::min(count - done, blockNodes);
         std::transform(nodes + done, nodes + done + n, block.begin(),
                        [firstNode](std::int32_t node) { return node - firstNode; });
+        if (f.durable) addBytes(current.checksums.back(), block.data(), n * 4);
         status = writeData(f, f.dataEnd + current.part.nodeMap + current.nodesWritten * 4,
                            block.data(), n * 4);
         current.nodesWritten += n;

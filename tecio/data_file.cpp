@@ -26,6 +26,18 @@ int write(DataFile& f, std::int64_t position, const Bytes& bytes) {
     return byte_file::writeAt(f.file, position, bytes.data(), sizeOf(bytes));
 }
 
+int syncIfDurable(const DataFile& f) {
+    return f.durable ? byte_file::sync(f.file) : ok;
+}
+
+// Gives a complete file the name of the data set.
+int putInPlace(const DataFile& f, const byte_file::File& file, const std::string& made) {
+    int status = f.durable ? byte_file::sync(file) : ok;
+    if (status == ok) status = byte_file::rename(made, f.path);
+    if (status != ok) byte_file::remove(made);
+    return status == ok && f.durable ? byte_file::syncFolderOf(f.path) : status;
+}
+
 // Writes one page at a time: each must leave the file whole.
 int writePages(DataFile& f, std::int64_t position, const Bytes& bytes, bool lastFirst) {
     const std::int64_t end = position + sizeOf(bytes);
@@ -34,10 +46,12 @@ int writePages(DataFile& f, std::int64_t position, const Bytes& bytes, bool last
         begins.push_back(begins.back() + leftOnPage(begins.back()));
     if (lastFirst) std::reverse(begins.begin(), begins.end());
     int status = ok;
-    for (std::size_t i = 0; i < begins.size() && status == ok; ++i)
+    for (std::size_t i = 0; i < begins.size() && status == ok; ++i) {
         status = write(f, begins[i],
                        bytes.substr(static_cast<std::size_t>(begins[i] - position),
                                     static_cast<std::size_t>(leftOnPage(begins[i]))));
+        if (status == ok) status = syncIfDurable(f);
+    }
     return status;
 }
 
@@ -90,10 +104,12 @@ int replaceWithCopy(DataFile& f, std::int64_t room) {
     if (status == ok && size > 0) status = byte_file::truncate(copy, 0);
     if (status == ok) status = byte_file::writeAt(copy, 0, header.data(), sizeOf(header));
     if (status == ok) status = copyData(f.file, oldDataAt, copy, sizeOf(header), dataBytes);
-    if (status == ok) status = byte_file::rename(made, f.path);
+    if (status == ok)
+        status = putInPlace(f, copy, made);
+    else
+        byte_file::remove(made);
     if (status != ok) {
         byte_file::close(copy);
-        byte_file::remove(made);
         return status;
     }
     byte_file::close(f.file);
@@ -109,9 +125,9 @@ int writeNewHeader(DataFile& f, std::int64_t zoneBytes) {
         std::clamp(zoneBytes / zoneBytesPerRoomByte, leastRoom, mostRoomAtFirst);
     const Bytes header = headerBytes(f, room);
     f.dataAt = f.dataEnd = sizeOf(header);
-    int status = write(f, 0, header);
-    if (status == ok) status = byte_file::rename(copyPath(f.path), f.path);
-    if (status != ok) byte_file::remove(copyPath(f.path));
+    const int status = write(f, 0, header);
+    if (status == ok) return putInPlace(f, f.file, copyPath(f.path));
+    byte_file::remove(copyPath(f.path));
     return status;
 }
 
@@ -209,6 +225,7 @@ int dropZones(DataFile& f, std::size_t count) {
 
 int finish(DataFile& f) {
     int status = flush(f);
+    if (status == ok) status = byte_file::sync(f.file);
     if (status == ok) status = byte_file::close(f.file);
     if (status == ok) status = byte_file::remove(sidecarPath(f.path));
     return status;

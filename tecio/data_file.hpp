@@ -4,14 +4,26 @@
 #include <string>
 #include <vector>
 
+#include "tecio/checksum.hpp"
 #include "tecio/layout.hpp"
 #include "tecio/sidecar.hpp"
 #include "tvncommon/byte_file.hpp"
 
-// An unfinished data set. The order of writes never lets a reader, or a run that comes after one
-// that was killed, see a zone that is not there: values and node lists go behind the data that
-// count, then the zone's data head and ranges, then the sidecar names the zone, and at a flush its
-// header takes the place of room.
+// An unfinished data set. The order of writes never shows a zone that does not exist, to a reader
+// or to a later run after a kill:
+//
+//     create        sidecar without zones; then, with the first zone, the data set's header
+//     write a zone  values and node lists after the data that count, its data head and ranges last
+//     end a zone    the sidecar names it: its entry, then the sidecar's size and checksum
+//     flush         zone headers replace padding, page by page from the first
+//     drop zones    padding replaces their headers, page by page from the last; then the sidecar
+//                   names them no more; only then may other data replace theirs
+//     finish        flush, then the sidecar is removed
+//
+// A file or a copy that replaces another is complete before its rename. In a durable data set each
+// step, and each page of headers, is on the disk before the next one, and so are new names: a power
+// cut leaves what a kill would. Its caller may rely on each zone that has all its arrays. Any other
+// data set is on the disk once, before its sidecar is removed.
 namespace tecio {
 
 // Least and greatest value, NaN left out; the least is above the greatest when there is none.
@@ -27,13 +39,15 @@ struct CurrentZone {
     std::vector<std::int64_t> written; // values of each variable that are in the file
     std::vector<Range> ranges;
     std::int64_t nodesWritten = 0;
-    bool begun = false; // something was written
+    std::vector<Checksum> checksums; // of each variable and of the node lists, if it is durable
+    bool begun = false;              // something was written
 };
 
 struct DataFile {
     std::string path;
     byte_file::File file;
     Sidecar sidecar;
+    bool durable = false;
     bool failed = false;
 
     Head head;

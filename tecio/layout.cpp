@@ -217,6 +217,10 @@ float readFloat(Reader& reader) {
     return take<float>(reader);
 }
 
+std::uint64_t readWord(Reader& reader) {
+    return take<std::uint64_t>(reader);
+}
+
 std::string readText(Reader& reader) {
     std::string text;
     for (;;) {

@@ -94,6 +94,7 @@ struct Reader {
 };
 std::int32_t readInt(Reader& reader);
 float readFloat(Reader& reader);
+std::uint64_t readWord(Reader& reader);
 std::string readText(Reader& reader);
 Head readHead(Reader& reader);
 Zone readZone(Reader& reader, std::size_t variables); // zone header, then data head

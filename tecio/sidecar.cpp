@@ -13,7 +13,7 @@ using system_calls::OpenMode;
 
 namespace {
 
-constexpr std::string_view magic = "#!TVNSHD";
+constexpr std::string_view magic = "#!TVNSH2";
 constexpr std::int64_t markAt = 8;
 constexpr std::int64_t contentsAt = 24;
 constexpr Mark nothing{contentsAt, 14695981039346656037U};
@@ -30,8 +30,13 @@ Mark extended(Mark mark, std::string_view bytes) {
     return mark;
 }
 
+int writeDurably(const Sidecar& sidecar, std::int64_t at, const void* from, std::int64_t size) {
+    const int status = byte_file::writeAt(sidecar.file, at, from, size);
+    return status == ok && sidecar.durable ? byte_file::sync(sidecar.file) : status;
+}
+
 int writeMark(const Sidecar& sidecar) {
-    return byte_file::writeAt(sidecar.file, markAt, &sidecar.marks.back(), sizeof(Mark));
+    return writeDurably(sidecar, markAt, &sidecar.marks.back(), sizeof(Mark));
 }
 
 // The bytes that count; `damagedSidecar` when the file does not hold them.
@@ -62,13 +67,14 @@ int createSidecar(const std::string& path, const Head& head, Sidecar& sidecar) {
     std::int64_t size = 0;
     int status = byte_file::open(made, OpenMode::update, sidecar.file, size);
     if (status == ok && size > 0) status = byte_file::truncate(sidecar.file, 0);
-    if (status == ok) status = byte_file::writeAt(sidecar.file, 0, all.data(), sizeOf(all));
+    if (status == ok) status = writeDurably(sidecar, 0, all.data(), sizeOf(all));
     if (status == ok) status = byte_file::rename(made, path);
     if (status != ok) byte_file::remove(made);
-    return status;
+    return status == ok && sidecar.durable ? byte_file::syncFolderOf(path) : status;
 }
 
-int openSidecar(const std::string& path, Sidecar& sidecar, Head& head, std::vector<Zone>& zones) {
+int openSidecar(const std::string& path, Sidecar& sidecar, Head& head, std::vector<Zone>& zones,
+                std::uint64_t& checksum) {
     std::int64_t size = 0;
     int status = byte_file::open(path, OpenMode::update, sidecar.file, size);
     if (status != ok) return status;
@@ -81,6 +87,7 @@ int openSidecar(const std::string& path, Sidecar& sidecar, Head& head, std::vect
     while (reader.good && reader.position < contents.size()) {
         const std::size_t begin = reader.position;
         zones.push_back(readZone(reader, head.variables.size()));
+        checksum = readWord(reader);
         // A zone takes only what an earlier one has.
         const auto number = static_cast<std::int64_t>(zones.size());
         reader.good = reader.good && greatestShare(zones.back()) < number;
@@ -90,10 +97,11 @@ int openSidecar(const std::string& path, Sidecar& sidecar, Head& head, std::vect
     return reader.good ? ok : damagedSidecar;
 }
 
-int nameZone(Sidecar& sidecar, const Zone& zone) {
-    const Bytes bytes = zoneHeaderBytes(zone) + dataHeadBytes(zone);
+int nameZone(Sidecar& sidecar, const Zone& zone, std::uint64_t checksum) {
+    Bytes bytes = zoneHeaderBytes(zone) + dataHeadBytes(zone);
+    bytes.append(reinterpret_cast<const char*>(&checksum), sizeof checksum);
     const Mark& mark = sidecar.marks.back();
-    const int status = byte_file::writeAt(sidecar.file, mark.size, bytes.data(), sizeOf(bytes));
+    const int status = writeDurably(sidecar, mark.size, bytes.data(), sizeOf(bytes));
     if (status != ok) return status;
     sidecar.marks.push_back(extended(mark, bytes));
     return writeMark(sidecar);

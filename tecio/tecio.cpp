@@ -1,6 +1,7 @@
 #include "tecio/tecio.h"
 
 #include "tecio/data_file.hpp"
+#include "tecio/durability.hpp"
 #include "tecio/status.hpp"
 #include "tvncommon/io_layer.hpp"
 
@@ -17,6 +18,7 @@ namespace {
 // The data sets that are open. One that a run left open goes when its name is opened again.
 struct State {
     std::vector<std::unique_ptr<DataFile>> open;
+    bool durable = false; // those to come
 };
 State state;
 
@@ -104,6 +106,10 @@ int32_t writeValues(void* handle, int32_t zone, int32_t var, int32_t partition, 
 
 } // namespace
 
+void tecio::setDurable(bool durable) {
+    state.durable = durable;
+}
+
 int32_t tecFileWriterOpen(const char* fileName, const char* dataSetTitle, const char* variableList,
                           int32_t fileFormat, int32_t fileType, int32_t, void* gridFileHandle,
                           void** fileHandle) {
@@ -113,6 +119,7 @@ int32_t tecFileWriterOpen(const char* fileName, const char* dataSetTitle, const 
     try {
         auto file = std::make_unique<DataFile>();
         file->path = std::string(fileName) + ".szplt";
+        file->durable = file->sidecar.durable = state.durable;
         forget(file->path);
         status = openDataSet(*file, dataSetTitle, variableList);
         state.open.push_back(std::move(file));

@@ -1,3 +1,4 @@
+#include "tests/power_cut.hpp"
 #include "tests/runs.hpp"
 #include "tools/data_set_file.hpp"
 #include "tvncommon/system_calls.hpp"
@@ -240,6 +241,44 @@ TEST(Append, AnyCallMayBeTheLast) {
         }
 }
 
+// After a power cut at any call of a first run, of one that continues, of one that begins a data
+// set beside another and of one that takes zones back, the next run finds all that was recorded.
+TEST(Append, PowerCutAtAnyCall) {
+    constexpr int times = 4;
+    const Sets whole = wholeSets(times);
+    for (const auto& [before, recorded, interval, withOlf] :
+         {std::tuple{0, 0, 1, true}, {2, 2, 3, true}, {2, 2, 1, false}, {3, 1, 3, true}}) {
+        const Folder folder;
+        if (before > 0) {
+            putControl("", "", withOlf);
+            runOver(before);
+            put(indexFile, integerRecord({recorded}));
+        }
+        putControl("tecplot binary flush interval\n" + std::to_string(interval) + "\n");
+        system_calls::table = power_cut::recording(runs::keepingTable());
+        runOver(times);
+        system_calls::table = system_calls::systemTable();
+        const std::vector<power_cut::Files> states = power_cut::statesLeft(longTests());
+        EXPECT_GT(states.size(), 200);
+        for (std::size_t i = 0; i < states.size() && !HasFailure(); ++i) {
+            SCOPED_TRACE(testing::Message() << "before " << before << ", recorded " << recorded
+                                            << ", state " << i << " of " << states.size());
+            for (const auto& [name, contents] : power_cut::recordedFiles())
+                std::filesystem::remove(name);
+            write(states[i]);
+            system_calls::table = runs::keepingTable();
+            system_calls::table.sync = [](int) { return 0; };
+            runOver(times);
+            system_calls::table = system_calls::systemTable();
+            expectSameContents(pmSet, whole);
+            if (withOlf)
+                expectSameContents(olfSet, whole);
+            else
+                EXPECT_THAT(timesOf(olfSet), ElementsAre(20, 30));
+        }
+    }
+}
+
 // A larger problem, and the program itself, killed at instants that fall as they may.
 TEST(Append, KilledAtAnyInstant) {
     const Folder home;
@@ -272,6 +311,26 @@ TEST(Append, KilledAtAnyInstant) {
         }
         EXPECT_EQ(lastIndex(), 12);
         for (const auto& [file, set] : whole) expectSameContents(file, whole);
+    }
+}
+
+// Also without the option to append: the data must be on the disk before the sidecar is removed.
+TEST(Append, AFailedSyncEndsTheRun) {
+    for (const char* option : {"tecplot binary append\n", ""}) {
+        const Folder folder;
+        putTimes(2);
+        put("t.plot.control",
+            Bytes("tecplot binary mode\n") + option + "end\nwrite pm domain file\nend\n");
+        system_calls::table = runs::keepingTable();
+        system_calls::table.sync = [](int) {
+            errno = EIO;
+            return -1;
+        };
+        const Ran ran = runs::runHere();
+        system_calls::table = system_calls::systemTable();
+        runs::expectFailure(ran, {"HALTING EXECUTION", pmSet});
+        EXPECT_TRUE(*option != 0 || std::filesystem::exists(pmSet + ".szhdr"));
+        EXPECT_FALSE(std::filesystem::exists(indexFile));
     }
 }
 
@@ -352,7 +411,7 @@ TEST_F(Refused, DamagedFiles) {
     expectRefusedChanged(sidecar, 0, sidecarSize, 5);
     expectRefusedChanged(pmSet, 0, 24, 8);
     expectRefusedChanged(pmSet, header - 4, header + 1200, 20);
-    expectRefusedChanged(pmSet, data, data + 101, 4);
+    expectRefusedChanged(pmSet, data, size, 7);
 }
 
 TEST_F(Refused, ARunThatDoesNotFit) {

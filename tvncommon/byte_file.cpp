@@ -65,7 +65,7 @@ int reserve(const File& file, std::int64_t position, std::int64_t size) {
 
 int sync(const File& file) {
     for (;;) {
-        if (table.sync(file.descriptor) == 0) return ok;
+        if (table.sync(file.descriptor) == 0 || errno == EINVAL || errno == ENOSYS) return ok;
         if (errno != EINTR) return io_layer::writeFailed;
     }
 }

@@ -29,7 +29,7 @@ int truncate(const File& file, std::int64_t size);
 int reserve(const File& file, std::int64_t position, std::int64_t size);
 
 // Returns once all that was written is on the disk; `syncFolderOf` does it for the names in the
-// folder of `path`, which a rename changed.
+// folder of `path`, which a rename changed. Fine on a file system that has no such thing.
 int sync(const File& file);
 int syncFolderOf(const std::string& path);
 

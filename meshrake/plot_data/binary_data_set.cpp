@@ -1,6 +1,7 @@
 #include "meshrake/plot_data/binary_data_set.hpp"
 
 #include "meshrake/model/run_state.hpp"
+#include "tecio/durability.hpp"
 #include "tecio/tecio.h"
 #include "tvncommon/StringHelpers.hpp"
 #include "tvncommon/byte_file.hpp"
@@ -105,6 +106,7 @@ void showZonesOfEarlierRun(const Domain& domain) {
     const std::string name = model::problemFile(domain.name);
     if (!file_units::exists(name + ".szplt") || !file_units::exists(name + ".szplt.szhdr")) return;
     void* handle = nullptr;
+    if constexpr (MESHRAKE_OWN_TECIO) tecio::setDurable(true);
     if (tecFileWriterOpen(name.c_str(), "", "", 1, 0, 0, nullptr, &handle) == 0)
         tecFileWriterFlush(handle, 0, nullptr);
 }
@@ -158,6 +160,8 @@ void fileOpen(std::string_view name, std::string_view title, Domain& domain) {
     const std::string path = std::string(name) + ".szplt";
     checkNames(domain);
     prepareOpen(path);
+    // A later run that appends relies on the zones of the output times that this one records.
+    if constexpr (MESHRAKE_OWN_TECIO) tecio::setDurable(run.tecplotAppend);
     const std::int32_t status =
         tecFileWriterOpen(std::string(name).c_str(), trimmed(title).c_str(),
                           set.varNameList.c_str(), 1, 0, 0, nullptr, &set.handle);
