@@ -11,9 +11,9 @@ target_compile_definitions(meshrake_tests PRIVATE
   LOCATE_IN_MESH_PROGRAM="$<TARGET_FILE:locate_in_mesh>")
 add_dependencies(meshrake_tests locate_in_mesh)
 
-set(installed_flags "")
+set(installed_flags "${CMAKE_CXX_FLAGS}")
 if(MESHRAKE_SANITIZE)
-  set(installed_flags "-fsanitize=address,undefined")
+  string(APPEND installed_flags " -fsanitize=address,undefined")
 endif()
 add_test(NAME installed_library COMMAND ${CMAKE_COMMAND}
   -DBUILD=${PROJECT_BINARY_DIR} -DFOLDER=${CMAKE_CURRENT_BINARY_DIR}/installed_library

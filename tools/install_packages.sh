@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Sees to the packages that a build needs: installs what is missing, or says what to install.
 #
-#   tools/install_packages.sh [tests] [bench] [fuzz]
+#   tools/install_packages.sh [tests] [bench] [fuzz] [valgrind]
 #
 # Nothing is touched where all of it is there. It installs as root, or with sudo where that asks for
 # no password; else it ends with status 1.
@@ -38,6 +38,7 @@ missing_packages() {
                 echo "libclang-rt-$(clang++ -dumpversion | cut -d. -f1)-dev"
             fi
             ;;
+        valgrind) has_command valgrind || echo valgrind ;;
         *)
             echo "install_packages.sh: no group of packages \"$group\"" >&2
             exit 2
