@@ -35,9 +35,15 @@ void startFresh() {
     warning_messages::reset();
 }
 
+// The lock of the echo file keeps other runs from the files of this prefix.
 void openEchoFile() {
-    run.echoUnit =
-        file_units::openTextReplace(model::problemFile("meshrake.eco"), io_layer::Flush::everyLine);
+    const std::string name = model::problemFile("meshrake.eco");
+    run.echoUnit = file_units::getUnit();
+    const int status =
+        io_layer::openTextLocked(run.echoUnit, name, io_layer::Flush::everyLine, false);
+    if (status == io_layer::lockedElsewhere)
+        error::fatalError("Another run is using " + run.problemPrefix);
+    error::checkFileOpen(status, name);
     error::setErrorLoggingFileUnit(run.echoUnit);
     warning_messages::clearCurrentCmd();
     warning_messages::warnNow();

@@ -153,7 +153,7 @@ system_calls::Table strickenTable() {
     table.open = [](const char* path, OpenMode mode) {
         if (mode != OpenMode::read && strikes(false)) return -1;
         const int descriptor = real.open(path, mode);
-        if (path == indexFile + ".new") mishap.index = descriptor;
+        if (path == indexFile + ".unfinished") mishap.index = descriptor;
         return descriptor;
     };
     table.write = [](int d, const void* from, std::size_t size) {
@@ -334,6 +334,27 @@ TEST(Append, AFailedSyncEndsTheRun) {
     }
 }
 
+TEST(Append, TwoRunsAtOnce) {
+    const Sets whole = wholeSets(4);
+    for (int pair = 0; pair < (longTests() ? 40 : 5); ++pair) {
+        const Folder folder;
+        putControl();
+        putTimes(4);
+        const int status =
+            std::system("one() { " MESHRAKE_PROGRAM " >$1.screen 2>$1.errors; echo $? >$1; }\n"
+                        "one a & one b; wait");
+        EXPECT_EQ(status, 0);
+        EXPECT_TRUE(get("a") == "0\n" || get("b") == "0\n");
+        for (const std::string name : {"a", "b"}) {
+            if (get(name) == "0\n") continue;
+            EXPECT_EQ(get(name), "1\n");
+            EXPECT_THAT(get(name + ".errors"), HasSubstr("\nAnother run is using t\n"));
+        }
+        EXPECT_EQ(lastIndex(), 4);
+        for (const auto& [file, set] : whole) expectSameContents(file, whole);
+    }
+}
+
 // Without the wish to append, a data set that was left unfinished is replaced, with a warning.
 TEST(Append, AnotherRunReplaces) {
     const Folder folder;
@@ -426,6 +447,11 @@ TEST_F(Refused, ARunThatDoesNotFit) {
     expectRefused("Failed to open file: to.pm.szplt.szhdr");
     std::filesystem::create_directory(sidecar);
     expectRefused("Failed to open file: to.pm.szplt.szhdr");
+    std::filesystem::remove(sidecar);
+    std::filesystem::remove(indexFile);
+    std::filesystem::create_directory(indexFile);
+    expectRefused("Failed to open file: to.tec_append\nError detail: Unknown error encountered "
+                  "opening file\nError number: 30");
 }
 
 } // namespace

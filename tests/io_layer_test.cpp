@@ -202,6 +202,11 @@ TEST_F(IoLayer, InterruptedAndShortCalls) {
     std::string back(999, '?');
     EXPECT_EQ(readRecord(file_units::openRecordsRead("file"), back.data(), 999), ok);
     EXPECT_EQ(back, payload);
+    // A file that has become shorter since it was opened.
+    system_calls::table.read = [](int, void*, std::size_t) { return std::ptrdiff_t{0}; };
+    const int cut = file_units::openRecordsRead("file");
+    EXPECT_EQ(beginRecord(cut), readFailed);
+    EXPECT_EQ(readLine(cut, back), readFailed);
     system_calls::table.write = [](int, const void*, std::size_t) { return std::ptrdiff_t{0}; };
     EXPECT_EQ(writeLine(file_units::openTextReplace("third", Flush::everyLine), "x"), writeFailed);
 }
@@ -212,9 +217,14 @@ TEST_F(IoLayer, RoomTakenAhead) {
     static std::int64_t roomEnd, cutAt;
     static int answer;
     system_calls::table.reserve = [](int, std::int64_t position, std::int64_t size) {
+        errno = ENOSPC;
         return roomEnd = position + size, answer;
     };
-    system_calls::table.truncate = [](int, std::int64_t size) { return cutAt = size, 0; };
+    system_calls::table.truncate = [](int, std::int64_t size) {
+        cutAt = size;
+        errno = EIO;
+        return answer;
+    };
     const std::string block(1048576, 'x');
     for (const int refused : {0, -1})
         for (const int blocks : {2, 80}) {
@@ -223,7 +233,7 @@ TEST_F(IoLayer, RoomTakenAhead) {
             const int unit = file_units::openTextReplace("file", Flush::inBlocks);
             for (int i = 0; i < blocks; ++i)
                 ASSERT_EQ(writeBlock(unit, block.data(), block.size()), ok);
-            EXPECT_EQ(releaseUnit(unit), ok);
+            EXPECT_EQ(releaseUnit(unit), blocks == 80 && refused != 0 ? writeFailed : ok);
             const std::int64_t size = blocks * std::int64_t{1048576};
             EXPECT_EQ(std::filesystem::file_size("file"), static_cast<std::uintmax_t>(size));
             EXPECT_EQ(cutAt, blocks == 2 ? 0 : size);

@@ -41,11 +41,6 @@ bool isRecorded(const std::string& name) {
     return name.find(".szplt") != std::string::npos || name.find("tec_append") != std::string::npos;
 }
 
-// A system that orders a rename after the writes of a file replaced by it does so without a sync.
-bool isSmall(const std::string& name) {
-    return name.find("tec_append") != std::string::npos;
-}
-
 int openFile(const char* path, OpenMode mode) {
     Recorder& r = recorder;
     const int descriptor = r.table.open(path, mode);
@@ -114,7 +109,6 @@ void renameIn(Names& names, const std::string& from, const std::string& to) {
 int rename(const char* from, const char* to) {
     const int status = recorder.table.rename(from, to);
     if (status == 0 && isRecorded(from)) {
-        if (isSmall(from)) recorder.calls.push_back({Kind::sync, recorder.names[from]});
         renameIn(recorder.names, from, to);
         recorder.calls.push_back({Kind::rename, 0, 0, {}, from, to});
     }

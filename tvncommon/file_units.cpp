@@ -40,6 +40,11 @@ void freeUnit(int unit) {
     error::checkFileWrite(io_layer::releaseUnit(unit), path);
 }
 
+void commitUnit(int unit) {
+    const std::string path = io_layer::pathOf(unit);
+    error::checkFileWrite(io_layer::commitUnit(unit), path);
+}
+
 void freeUnitAll() {
     std::string path;
     const int status = io_layer::releaseAll(path);
@@ -63,6 +68,12 @@ int openTextRead(const std::string& path) {
 int openTextReplace(const std::string& path, io_layer::Flush flush) {
     const int unit = getUnit();
     error::checkFileOpen(io_layer::openTextReplace(unit, path, flush), path);
+    return unit;
+}
+
+int openTextBeside(const std::string& path) {
+    const int unit = getUnit();
+    error::checkFileOpen(io_layer::openTextBeside(unit, path), path);
     return unit;
 }
 

@@ -19,6 +19,9 @@ int getUnit();
 // and when what was still held cannot be written.
 void freeUnit(int unit);
 
+// The same for a unit of `openTextBeside` or `openRecordsBeside`, whose file takes its place.
+void commitUnit(int unit);
+
 // The same for all units of the range.
 void freeUnitAll();
 
@@ -30,6 +33,7 @@ bool exists(const std::string& path);
 // free. A failed open ends the run.
 int openTextRead(const std::string& path);
 int openTextReplace(const std::string& path, io_layer::Flush flush);
+int openTextBeside(const std::string& path);
 int openRecordsRead(const std::string& path);
 
 // The same with a word of its own for a file that is not there: text, and records.

@@ -56,7 +56,7 @@ int open(int unit, const std::string& path, OpenMode mode, Form form,
     c.path = path;
     c.form = form;
     c.flushing = flushing;
-    c.writing = mode == OpenMode::replace;
+    c.writing = mode != OpenMode::read;
     system_calls::FileFacts facts;
     // Only a regular file is sure to come to an end; a device can be written all the same.
     const bool usable = table.facts(c.descriptor, facts) == 0 &&
@@ -66,8 +66,79 @@ int open(int unit, const std::string& path, OpenMode mode, Form form,
         return openFailed;
     }
     c.size = facts.size;
+    c.regular = facts.kind == system_calls::FileKind::regular;
     state.connections[unit] = std::move(c);
     return ok;
+}
+
+// A regular file's new name is that of the target, for messages.
+int openBeside(int unit, const std::string& path, Form form) {
+    Connection c;
+    c.path = path;
+    c.form = form;
+    c.writing = true;
+    const int status = file_replacement::begin(path, file_replacement::InPlace::permitted,
+                                               c.replacement, c.descriptor);
+    c.regular = !c.replacement.made.empty();
+    if (status == ok) state.connections[unit] = std::move(c);
+    return status;
+}
+
+int truncate(int descriptor, std::int64_t size) {
+    for (;;) {
+        if (table.truncate(descriptor, size) == 0) return ok;
+        if (errno != EINTR) return writeFailed;
+    }
+}
+
+int lock(int descriptor, bool wait) {
+    for (;;) {
+        if (table.lock(descriptor, wait) == 0) return ok;
+        switch (errno) {
+        case EINTR:
+            continue;
+        case EWOULDBLOCK:
+            return lockedElsewhere;
+        case EOPNOTSUPP:
+        case ENOSYS:
+        case ENOLCK:
+        case EINVAL:
+            return ok; // a file system without locks
+        default:
+            return openFailed;
+        }
+    }
+}
+
+// Whether the open file is still the one of this name: while its lock was waited for, another
+// process may have removed or replaced it.
+int compareIdentity(const std::string& path, const system_calls::FileFacts& facts, bool& same) {
+    system_calls::FileFacts named;
+    const bool found = table.namedFacts(path.c_str(), named) == 0;
+    same = found && named.device == facts.device && named.number == facts.number;
+    return found || errno == ENOENT ? ok : statusOfOpen(errno);
+}
+
+// One attempt; `done` when the file of this name is locked and empty, or needs no lock.
+int openLocked(Connection& c, bool wait, bool& done) {
+    system_calls::FileFacts facts;
+    if (table.facts(c.descriptor, facts) != 0) return openFailed;
+    done = facts.kind != system_calls::FileKind::regular;
+    if (done) return ok;
+    int status = lock(c.descriptor, wait);
+    if (status == ok) status = compareIdentity(c.path, facts, done);
+    if (status != ok || !done) return status;
+    const bool emptied = table.facts(c.descriptor, facts) == 0 &&
+                         (facts.size == 0 || truncate(c.descriptor, 0) == ok);
+    return emptied ? ok : openFailed;
+}
+
+// Text and records are on the disk before their name is. A device has none.
+int sync(int descriptor) {
+    for (;;) {
+        if (table.sync(descriptor) == 0 || errno == EINVAL || errno == ENOSYS) return ok;
+        if (errno != EINTR) return writeFailed;
+    }
 }
 
 int writeAll(Connection& c, const char* from, std::size_t size) {
@@ -86,9 +157,11 @@ int writeAll(Connection& c, const char* from, std::size_t size) {
 // is refused is the last one; the writes themselves tell whether the disk is full.
 void takeRoom(Connection& c, std::size_t size) {
     const std::int64_t end = c.written + static_cast<std::int64_t>(size);
-    if (c.written < roomFrom || end <= c.roomEnd) return;
+    if (!c.regular || c.written < roomFrom || end <= c.roomEnd) return;
     const std::int64_t begin = std::max(c.written, c.roomEnd);
-    const bool taken = table.reserve(c.descriptor, begin, roomStep) == 0;
+    bool taken = false;
+    do taken = table.reserve(c.descriptor, begin, roomStep) == 0;
+    while (!taken && errno == EINTR);
     c.roomEnd = taken ? begin + roomStep : unbounded;
 }
 
@@ -115,6 +188,7 @@ std::ptrdiff_t readSome(const Connection& c, char* into, std::int64_t size, std:
     if (room <= 0) return 0;
     for (;;) {
         const std::ptrdiff_t n = table.read(c.descriptor, into, static_cast<std::size_t>(room));
+        if (n == 0 && c.size != unbounded) return -1; // the file has been cut since the open
         if (n >= 0 || errno != EINTR) return n;
     }
 }
@@ -182,9 +256,24 @@ int releaseUnit(int unit) {
     if (!c) return ok;
     int status = c->writing ? flushHeld(*c) : ok;
     // Gives the room back that was not needed; the size of the file stays.
-    if (c->roomEnd > c->written) table.truncate(c->descriptor, c->written);
+    if (c->roomEnd > c->written && truncate(c->descriptor, c->written) != ok) status = writeFailed;
     if (table.close(c->descriptor) != 0 && c->writing && status == ok) status = writeFailed;
+    file_replacement::discard(c->replacement);
     state.connections.erase(unit);
+    return status;
+}
+
+int commitUnit(int unit) {
+    Connection* c = find(unit);
+    if (!c) return writeFailed;
+    int status = flushHeld(*c);
+    if (status == ok) status = sync(c->descriptor);
+    file_replacement::Replacement replacement = std::move(c->replacement);
+    c->replacement = {};
+    const int released = releaseUnit(unit);
+    if (status == ok) status = released;
+    if (status == ok) return file_replacement::commit(replacement);
+    file_replacement::discard(replacement);
     return status;
 }
 
@@ -221,6 +310,27 @@ int openRecordsRead(int unit, const std::string& path) {
 
 int openRecordsReplace(int unit, const std::string& path) {
     return open(unit, path, OpenMode::replace, Form::unformatted);
+}
+
+int openTextBeside(int unit, const std::string& path) {
+    return openBeside(unit, path, Form::formatted);
+}
+
+int openRecordsBeside(int unit, const std::string& path) {
+    return openBeside(unit, path, Form::unformatted);
+}
+
+int openTextLocked(int unit, const std::string& path, Flush flushing, bool wait) {
+    for (;;) {
+        int status = open(unit, path, OpenMode::write, Form::formatted, flushing);
+        if (status != ok) return status;
+        bool done = false;
+        status = openLocked(*find(unit), wait, done);
+        if (status == ok && done) return ok;
+        table.close(find(unit)->descriptor);
+        state.connections.erase(unit);
+        if (status != ok) return status;
+    }
 }
 
 Form formOf(int unit) {

@@ -33,6 +33,7 @@ inline constexpr int invalidPath = 43;
 inline constexpr int invalidData = 59;
 inline constexpr int invalidCharacter = 64;
 inline constexpr int tooManyOpenFiles = 603;
+inline constexpr int lockedElsewhere = 604; // another process holds the lock of the file
 
 // When text leaves the process: at every line, for what a person follows while the run goes on, or
 // in blocks.
@@ -55,8 +56,12 @@ int exists(const std::string& path, bool& found);
 // Units. `takeUnit` returns the lowest free number of the range, or 0 when none is left.
 int takeUnit();
 bool unitTaken(int unit);
-// Writes what is still held, closes the file and frees the number; fine for an unconnected unit.
+// Writes what is still held, closes the file and frees the number; fine for an unconnected unit. A
+// new file that was not committed is removed.
 int releaseUnit(int unit);
+// The same for a unit of `openTextBeside` or `openRecordsBeside`, whose new file, once it is on the
+// disk, takes the place of the old one. A failure keeps the old file.
+int commitUnit(int unit);
 // Releases all units and returns the first failure, with the file's name in `path`.
 int releaseAll(std::string& path);
 // Name under which the unit's file was opened, for messages.
@@ -66,6 +71,16 @@ int openTextRead(int unit, const std::string& path);
 int openTextReplace(int unit, const std::string& path, Flush flush);
 int openRecordsRead(int unit, const std::string& path);
 int openRecordsReplace(int unit, const std::string& path);
+
+// Open a new file that takes the place of `path` at `commitUnit`; until then `path` stays as it is.
+// A device, a pipe, and a file whose folder takes no new file, are written in place.
+int openTextBeside(int unit, const std::string& path);
+int openRecordsBeside(int unit, const std::string& path);
+
+// Opens a text for writing and takes an exclusive advisory lock, which ends with the unit, before
+// it empties the file. Without `wait` the status is `lockedElsewhere` if another process holds it.
+// What is no regular file, or is on a file system without locks, is opened without one.
+int openTextLocked(int unit, const std::string& path, Flush flush, bool wait);
 
 // What a unit is open for: lines of text, records, or nothing.
 enum class Form { unconnected, formatted, unformatted };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tvncommon/file_replacement.hpp"
 #include "tvncommon/io_layer.hpp"
 
 #include <limits>
@@ -22,6 +23,7 @@ struct Connection {
     int descriptor = -1;
     std::string path;
     bool writing = false;
+    bool regular = false; // a file on a disk, whose space can be reserved
     Form form = Form::formatted;
     Flush flushing = Flush::inBlocks;
     std::string held;             // text that is not written yet
@@ -32,14 +34,15 @@ struct Connection {
     std::int64_t position = 0; // bytes taken by the reader
     std::int64_t written = 0;  // bytes handed to the file
     std::int64_t roomEnd = 0;  // end of the room taken on the disk ahead of the writes
+    file_replacement::Replacement replacement; // of a file that takes its place when committed
     OpenRecord record;
 };
 
 // The unit's file, null when it has none.
 Connection* find(int unit);
 
-// What one call gets of the file from `position` on, 0 at its end, below 0 for a failure. A file
-// that grows while it is read ends where it ended at the open.
+// What one call gets of the file from `position` on, 0 at its end, below 0 for a failure. The file
+// ends where it ended at the open: one that grows is cut there, one that has become shorter fails.
 std::ptrdiff_t readSome(const Connection& c, char* into, std::int64_t size, std::int64_t position);
 
 // Fills the empty buffer; it stays empty at the end of the file.

@@ -20,6 +20,10 @@ int accessOf(OpenMode mode) {
     switch (mode) {
     case OpenMode::replace:
         return O_WRONLY | O_CREAT | O_TRUNC;
+    case OpenMode::write:
+        return O_WRONLY | O_CREAT;
+    case OpenMode::existing:
+        return O_WRONLY;
     case OpenMode::update:
         return O_RDWR | O_CREAT;
     case OpenMode::create:
@@ -41,14 +45,26 @@ std::int64_t seekFile(int descriptor, std::int64_t position) {
     return ::lseek(descriptor, static_cast<off_t>(position), SEEK_SET);
 }
 
-int factsOf(int descriptor, FileFacts& facts) {
-    struct stat buffer {};
-    if (::fstat(descriptor, &buffer) != 0) return -1;
+int takeFacts(int result, const struct stat& buffer, FileFacts& facts) {
+    if (result != 0) return result;
     facts.size = buffer.st_size;
     facts.kind = S_ISREG(buffer.st_mode)   ? FileKind::regular
                  : S_ISDIR(buffer.st_mode) ? FileKind::folder
                                            : FileKind::other;
+    facts.permissions = buffer.st_mode & 0777U;
+    facts.device = buffer.st_dev;
+    facts.number = buffer.st_ino;
     return 0;
+}
+
+int factsOf(int descriptor, FileFacts& facts) {
+    struct stat buffer {};
+    return takeFacts(::fstat(descriptor, &buffer), buffer, facts);
+}
+
+int factsOfName(const char* path, FileFacts& facts) {
+    struct stat buffer {};
+    return takeFacts(::stat(path, &buffer), buffer, facts);
 }
 
 int existsFile(const char* path) {
@@ -75,6 +91,10 @@ int reserveRoom(int descriptor, std::int64_t position, std::int64_t size) {
     return missing ? 0 : result;
 }
 
+int setPermissionsOf(int descriptor, unsigned permissions) {
+    return ::fchmod(descriptor, permissions);
+}
+
 int lockFile(int descriptor, bool wait) {
     return ::flock(descriptor, wait ? LOCK_EX : LOCK_EX | LOCK_NB);
 }
@@ -93,9 +113,10 @@ void* allocate(std::size_t size) {
 
 namespace {
 
-constexpr Table realCalls{openFile,   ::read,   ::write,  seekFile,     ::close,     factsOf,
-                          existsFile, readAt,   writeAt,  truncateFile, reserveRoom, ::fdatasync,
-                          lockFile,   ::rename, ::unlink, allocate};
+constexpr Table realCalls{openFile,         ::read,      ::write,    seekFile, ::close,
+                          factsOf,          existsFile,  readAt,     writeAt,  truncateFile,
+                          reserveRoom,      ::fdatasync, lockFile,   ::rename, ::unlink,
+                          setPermissionsOf, factsOfName, ::readlink, allocate};
 
 // More than any chain of calls of a run takes.
 constexpr std::size_t stackBytes = 262144;

@@ -8,15 +8,18 @@
 // table, so that a test can make any of them fail.
 namespace system_calls {
 
-// `update` reads and writes an existing file without changing it, and creates one that is missing;
-// `create` does so only for a name that nothing has yet, not even a link. `read` also opens a
-// folder.
-enum class OpenMode { read, replace, update, create };
+// `replace` empties a file for writing. `write` leaves its contents, and so does `update`, which
+// also reads; these three create a file that is missing. `existing` is `write` without that.
+// `create` reads and writes a file of a name that nothing has yet, not even a link. `read` also
+// opens a folder.
+enum class OpenMode { read, replace, write, existing, update, create };
 enum class FileKind { regular, folder, other };
 
 struct FileFacts {
     FileKind kind = FileKind::other;
     std::int64_t size = 0;
+    unsigned permissions = 0;             // the nine bits of owner, group and others
+    std::uint64_t device = 0, number = 0; // together, the identity of the file
 };
 
 inline constexpr std::size_t largePage = 2097152; // bytes
@@ -43,6 +46,10 @@ struct Table {
     int (*lock)(int descriptor, bool wait);
     int (*rename)(const char* from, const char* to);
     int (*remove)(const char* path);
+    int (*setPermissions)(int descriptor, unsigned permissions);
+    int (*namedFacts)(const char* path, FileFacts& facts);
+    // What the link of this name holds, without a NUL; EINVAL for what is no link.
+    std::ptrdiff_t (*readLink)(const char* path, char* into, std::size_t size);
     // Memory of every `operator new` of the program, null when there is none; `std::free` takes it
     // back. Blocks from `largePage` on begin at a large page. To make the n-th allocation of a run
     // fail, a test puts a function here that counts its calls, returns null at the n-th and else

@@ -2,7 +2,6 @@
 
 #include "meshrake/model/result_files.hpp"
 #include "meshrake/model/run_state.hpp"
-#include "tvncommon/byte_file.hpp"
 #include "tvncommon/error.hpp"
 #include "tvncommon/file_units.hpp"
 #include "tvncommon/io_layer.hpp"
@@ -24,12 +23,11 @@ std::int32_t firstIndexInWindow() {
     }
 }
 
-bool canBeWritten(const std::string& name) {
-    byte_file::File file;
-    std::int64_t size = 0;
-    const int status = byte_file::open(name, system_calls::OpenMode::update, file, size);
-    byte_file::close(file);
-    return status == io_layer::ok;
+void warnOfIndex(const std::string& name) {
+    if (run.appendIndexWarned) return;
+    run.appendIndexWarned = true;
+    write_string("Warning: Failed to open file " + name +
+                 " for writing, a later run will not append after this one");
 }
 
 } // namespace
@@ -47,8 +45,11 @@ void initTecplotAppend() {
 
 std::int32_t readTecplotAppend() {
     std::int32_t index = 0;
+    const std::string name = problemFile(stem);
     const int unit = file_units::getUnit();
-    if (io_layer::openRecordsRead(unit, problemFile(stem)) == io_layer::ok) {
+    const int status = io_layer::openRecordsRead(unit, name);
+    if (status != io_layer::fileNotFound) {
+        error::checkFileOpen(status, name);
         if (io_layer::bytesLeft(unit) != fileBytes)
             file_units::badContents(unit, "It must have " + std::to_string(fileBytes) + " bytes.");
         index = file_units::readInteger(unit);
@@ -62,13 +63,13 @@ std::int32_t readTecplotAppend() {
 
 void writeTecplotAppend(std::int32_t index) {
     const std::string name = problemFile(stem);
-    const std::string made = problemFile(stem + ".new");
-    if (file_units::exists(name) && !canBeWritten(name)) return;
     const int unit = file_units::getUnit();
-    const bool opened = io_layer::openRecordsReplace(unit, made) == io_layer::ok;
-    if (opened) error::checkFileWrite(io_layer::writeRecord(unit, &index, sizeof index), made);
-    file_units::freeUnit(unit);
-    if (opened) error::checkFileWrite(byte_file::rename(made, name), name);
+    if (io_layer::openRecordsBeside(unit, name) != io_layer::ok) {
+        file_units::freeUnit(unit);
+        return warnOfIndex(name);
+    }
+    error::checkFileWrite(io_layer::writeRecord(unit, &index, sizeof index), name);
+    file_units::commitUnit(unit);
 }
 
 } // namespace model

@@ -11,11 +11,13 @@ namespace model {
 // is damaged.
 void initTecplotAppend();
 
-// Index of the last finished output time, 0 when the file cannot be opened.
+// Index of the last finished output time, 0 when there is no file. One that cannot be opened or is
+// damaged ends the run.
 std::int32_t readTecplotAppend();
 
 // Records the last finished output time: the file holds the old index or the new one at any moment.
-// A failed open is passed over; a failed write ends the run.
+// The first failed open brings a warning; a failed write ends the run. Where the folder takes no
+// new file the index is written in place.
 void writeTecplotAppend(std::int32_t index);
 
 } // namespace model

@@ -29,6 +29,7 @@ struct RunState {
     std::int32_t firstTimeIndex = 1;   // output time of the first pass
     std::int32_t startTimeIndex = 1;   // output time at which the loop starts
     std::int32_t appendFirstIndex = 1; // first output time in the time window
+    bool appendIndexWarned = false;    // the index could not be written, and a warning was given
     std::string currentTimeText;       // time stamp of the output time, at most 60 characters
     std::string lastTimeText;          // time stamp of the last completed output time
     std::string timeSuffix;            // timeIndex with leading zeros, suffixDigits characters

@@ -118,10 +118,9 @@ void obs_points_shape(const Domain& domain) {
     model::writeEcho(" Evaluating shape functions at XYZ observation locations");
     ElementSearch search;
     prepare(search, domain);
-    // Only now: a run without the memory for the search leaves no empty file to the next one.
-    const int unit = file_units::openTextReplace(name, io_layer::Flush::inBlocks);
+    const int unit = file_units::openTextBeside(name);
     searchElements(search, unit);
-    file_units::freeUnit(unit);
+    file_units::commitUnit(unit);
 }
 
 } // namespace observation_compare

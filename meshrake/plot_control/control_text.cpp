@@ -3,7 +3,6 @@
 #include "tvncommon/StringHelpers.hpp"
 #include "tvncommon/error.hpp"
 #include "tvncommon/file_units.hpp"
-#include "tvncommon/io_layer.hpp"
 
 namespace plot_control {
 
@@ -12,10 +11,10 @@ namespace {
 constexpr std::size_t lineLimit = 256;
 constexpr std::string_view includeWord = "include";
 
-// Next line that is no comment, without its leading blanks; false at the end or at a failed read.
+// Next line that is no comment, without its leading blanks; false at the end.
 bool nextLine(int unit, std::string& line) {
     std::string raw;
-    while (io_layer::readLine(unit, raw) == io_layer::ok) {
+    while (file_units::readLine(unit, raw)) {
         line = StringHelpers::trimLeft(StringHelpers::cut(raw, lineLimit));
         if (!line.empty() && line.front() != '!') return true;
     }

@@ -29,6 +29,9 @@ std::string trimmed(std::string_view text) {
     return std::string(StringHelpers::trimRight(text));
 }
 
+// Statuses above are those of the I/O layer.
+constexpr std::int32_t greatestOwnStatus = 5;
+
 // As tecio.h tells it; 1 for any failure of another library.
 std::int32_t ownStatus(std::int32_t status) {
     return MESHRAKE_OWN_TECIO || status == 0 ? status : 1;
@@ -99,7 +102,7 @@ std::int32_t zoneTypeCode(std::string_view zoneType) {
 
 // A run that was cut short, after its last output time was recorded, may have left zones that a
 // reader of the file does not see yet. Where no further time has come, this run writes no zone; it
-// shows those. A file that cannot be opened for it stays as it is.
+// shows those. A data set that cannot be continued stays as it is.
 void showZonesOfEarlierRun(const Domain& domain) {
     if (!MESHRAKE_OWN_TECIO || !continuesOutput()) return;
     if (!domain.exists || !domain.writeDomain.enabled) return;
@@ -107,8 +110,9 @@ void showZonesOfEarlierRun(const Domain& domain) {
     if (!file_units::exists(name + ".szplt") || !file_units::exists(name + ".szplt.szhdr")) return;
     void* handle = nullptr;
     if constexpr (MESHRAKE_OWN_TECIO) tecio::setDurable(true);
-    if (tecFileWriterOpen(name.c_str(), "", "", 1, 0, 0, nullptr, &handle) == 0)
-        tecFileWriterFlush(handle, 0, nullptr);
+    const std::int32_t status = tecFileWriterOpen(name.c_str(), "", "", 1, 0, 0, nullptr, &handle);
+    if (status > greatestOwnStatus) error::checkFileOpen(status, name + ".szplt");
+    if (status == 0) error::checkFileWrite(tecFileWriterFlush(handle, 0, nullptr), name + ".szplt");
 }
 
 double timeOf(std::string_view text, const Domain& domain) {

@@ -17,30 +17,42 @@ namespace {
 
 const std::string scratchFile = "scratch_plot";
 
-void stripControlFile(const std::string& name) {
-    const int scratch = file_units::openTextReplace(scratchFile, io_layer::Flush::inBlocks);
-    const int control = file_units::openTextRead(name);
-    plot_control::strip_comments(control, scratch);
-    file_units::freeUnit(control);
-    file_units::freeUnit(scratch);
+// All runs in a folder share the file: each has it locked from the first write to the last read.
+int openScratchFile() {
+    const int unit = file_units::getUnit();
+    const auto open = [unit](bool wait) {
+        return io_layer::openTextLocked(unit, scratchFile, io_layer::Flush::inBlocks, wait);
+    };
+    int status = open(false);
+    if (status == io_layer::lockedElsewhere) {
+        model::write_string("Waiting for another run that uses " + scratchFile);
+        status = open(true);
+    }
+    error::checkFileOpen(status, scratchFile);
+    return unit;
 }
 
 void readControl(const std::string& name, Domains& domains) {
-    stripControlFile(name);
+    const int scratch = openScratchFile();
+    const int control = file_units::openTextRead(name);
+    plot_control::strip_comments(control, scratch);
+    file_units::freeUnit(control);
     error::checkFileOpen(io_layer::openTextRead(run.controlUnit, scratchFile), scratchFile);
     plot_control::readPlotControlInit();
     for (model::Domain* domain : processingOrder(domains)) plot_control::readPlotControl(*domain);
     plot_control::readPlotControl(domains.addition);
+    file_units::freeUnit(run.controlUnit);
+    file_units::freeUnit(scratch);
 }
 
 void writeTemplate(const std::string& name, Domains& domains) {
-    error::checkFileOpen(
-        io_layer::openTextReplace(run.controlUnit, name, io_layer::Flush::inBlocks), name);
+    error::checkFileOpen(io_layer::openTextBeside(run.controlUnit, name), name);
     plot_control::writePlotControlInit();
     for (const model::Domain* domain : processingOrder(domains))
         plot_control::writePlotControl(*domain);
     plot_control::writePlotControl(domains.addition);
     plot_control::writePlotControlEnd();
+    file_units::commitUnit(run.controlUnit);
 }
 
 } // namespace
@@ -53,7 +65,6 @@ void processControlFile(Domains& domains) {
         readControl(name, domains);
     else
         writeTemplate(name, domains);
-    file_units::freeUnit(run.controlUnit);
     if (run.makePlotControl)
         normalExitStop("Generate " + run.problemPrefix + ".plot.control file and terminate...");
 }

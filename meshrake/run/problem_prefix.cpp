@@ -69,11 +69,12 @@ bool isProblem(const std::string& prefix, std::string_view extension) {
 
 void writeBatchFile(const std::string& prefix) {
     const int unit = file_units::getUnit();
-    if (io_layer::openTextReplace(unit, batchFile, io_layer::Flush::inBlocks) != io_layer::ok)
+    if (io_layer::openTextBeside(unit, batchFile) != io_layer::ok) {
         writeScreen("Failed to generate batch.pfx file with prefix " + prefix);
-    else
-        file_units::writeLine(unit, prefix);
-    file_units::freeUnit(unit);
+        return file_units::freeUnit(unit);
+    }
+    file_units::writeLine(unit, prefix);
+    file_units::commitUnit(unit);
 }
 
 } // namespace

@@ -1,0 +1,111 @@
+#include "tvncommon/file_replacement.hpp"
+
+#include "tvncommon/io_layer.hpp"
+#include "tvncommon/system_calls.hpp"
+
+#include <cerrno>
+#include <utility>
+
+namespace file_replacement {
+
+namespace {
+
+using io_layer::ok;
+using system_calls::FileFacts;
+using system_calls::FileKind;
+using system_calls::OpenMode;
+using system_calls::table;
+
+constexpr int mostLinks = 40; // as many as the system follows
+constexpr std::size_t longestLink = 4096;
+
+// Replaces `name` by what it links to, also where that does not exist.
+int followLinks(std::string& name) {
+    for (int links = 0; links <= mostLinks; ++links) {
+        std::string target(longestLink, '\0');
+        const std::ptrdiff_t n = table.readLink(name.c_str(), target.data(), target.size());
+        if (n < 0) { // EINVAL: the name is no link
+            const bool final = errno == EINVAL || errno == ENOENT || errno == ENOTDIR;
+            return final ? ok : io_layer::statusOfOpen(errno);
+        }
+        target.resize(static_cast<std::size_t>(n));
+        const std::size_t folder = target.starts_with('/') ? 0 : name.rfind('/') + 1;
+        name = name.substr(0, folder) + target;
+    }
+    return io_layer::openFailed;
+}
+
+// The folder takes no new file, or none of so long a name or with these permissions.
+bool refusedByFolder(int error) {
+    return error == EACCES || error == EPERM || error == EROFS || error == ENAMETOOLONG;
+}
+
+// The new file, with the permissions of the `old` one if there is one; -1 with `errno` on failure.
+int create(const std::string& made, const FileFacts* old) {
+    if (table.remove(made.c_str()) != 0 && errno != ENOENT) return -1;
+    const int descriptor = table.open(made.c_str(), OpenMode::create);
+    if (descriptor < 0 || !old) return descriptor;
+    FileFacts facts;
+    if (table.facts(descriptor, facts) == 0 &&
+        (facts.permissions == old->permissions ||
+         table.setPermissions(descriptor, old->permissions) == 0))
+        return descriptor;
+    const int error = errno;
+    table.close(descriptor);
+    table.remove(made.c_str());
+    errno = error;
+    return -1;
+}
+
+// Takes over the descriptor of the target. A file has become empty then; others have no size.
+int openInPlace(Replacement& replacement, int target, FileKind kind, int& descriptor) {
+    replacement.made.clear();
+    if (kind == FileKind::regular && table.truncate(target, 0) != 0) return io_layer::openFailed;
+    descriptor = target;
+    return ok;
+}
+
+int beginWith(Replacement& replacement, InPlace inPlace, int target, int& descriptor) {
+    FileFacts old;
+    if (target >= 0 && table.facts(target, old) != 0) return io_layer::openFailed;
+    const bool special = target >= 0 && old.kind != FileKind::regular;
+    if (special && inPlace == InPlace::refused) return io_layer::openFailed;
+    if (!special) {
+        descriptor = create(replacement.made, target >= 0 ? &old : nullptr);
+        if (descriptor >= 0) return ok;
+        if (target < 0 || inPlace == InPlace::refused || !refusedByFolder(errno))
+            return io_layer::statusOfOpen(errno);
+    }
+    return openInPlace(replacement, target, old.kind, descriptor);
+}
+
+} // namespace
+
+int begin(const std::string& path, InPlace inPlace, Replacement& replacement, int& descriptor) {
+    descriptor = -1;
+    replacement = {path, ""};
+    if (!io_layer::canBeName(path)) return io_layer::invalidPath;
+    int status = followLinks(replacement.target);
+    if (status != ok) return status;
+    replacement.made = replacement.target + ".unfinished";
+    const int target = table.open(replacement.target.c_str(), OpenMode::existing);
+    if (target < 0 && errno != ENOENT) return io_layer::statusOfOpen(errno);
+    status = beginWith(replacement, inPlace, target, descriptor);
+    if (target >= 0 && descriptor != target) table.close(target);
+    if (status != ok) replacement.made.clear();
+    return status;
+}
+
+int commit(Replacement& replacement) {
+    const std::string made = std::exchange(replacement.made, "");
+    if (made.empty() || table.rename(made.c_str(), replacement.target.c_str()) == 0) return ok;
+    table.remove(made.c_str());
+    return io_layer::writeFailed;
+}
+
+void discard(Replacement& replacement) {
+    if (!replacement.made.empty()) table.remove(replacement.made.c_str());
+    replacement.made.clear();
+}
+
+} // namespace file_replacement
