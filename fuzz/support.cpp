@@ -81,7 +81,8 @@ int openFile(const char* path, OpenMode mode) {
     const bool isFolder = name == "." || name.ends_with('/');
     if (isFolder && mode != OpenMode::read) return failure(EISDIR);
     Bytes bytes = find(name);
-    if (!bytes && mode == OpenMode::read && !isFolder) return failure(ENOENT);
+    const bool mustExist = mode == OpenMode::read || mode == OpenMode::existing;
+    if (!bytes && mustExist && !isFolder) return failure(ENOENT);
     if (bytes && mode == OpenMode::create) return failure(EEXIST);
     if (mode != OpenMode::read) bytes = findToChange(name);
     if (mode == OpenMode::replace) bytes->clear();
@@ -178,6 +179,14 @@ system_calls::Table memoryTable() {
         if (!find(path)) return failure(ENOENT);
         disk.changed[path] = nullptr;
         return 0;
+    };
+    table.setPermissions = [](int d, unsigned) { return findOpen(d) ? 0 : -1; };
+    table.namedFacts = [](const char* path, FileFacts& facts) {
+        facts = {};
+        return find(path) ? 0 : failure(ENOENT);
+    };
+    table.readLink = [](const char* path, char*, std::size_t) -> std::ptrdiff_t {
+        return failure(find(path) ? EINVAL : ENOENT);
     };
     return table;
 }

@@ -303,7 +303,8 @@ TEST(Append, KilledAtAnyInstant) {
         std::filesystem::copy(home.path, folder.path);
         for (bool finished = false; !finished;) {
             const std::string seconds = std::to_string(kills < wanted ? instant(random) : 0);
-            const Ran ran = runs::runProgram("", "", "exec timeout -s KILL " + seconds);
+            const Ran ran =
+                runs::runProgram("", "", "exec timeout --foreground -s KILL " + seconds);
             EXPECT_NE(ran.status, 1) << ran.errors;
             finished = ran.status == 0;
             kills += !finished;

@@ -21,6 +21,8 @@ constexpr std::int64_t roomFrom = 8388608; // size from which a file grows by st
 constexpr std::int64_t roomStep = 67108864;
 constexpr std::size_t longestLine = 1048576;
 constexpr std::size_t longestName = 300;
+// On a file system that numbers a file differently each time, no attempt finds it again.
+constexpr int mostAttempts = 100;
 
 struct State {
     std::array<bool, lastUnit - firstUnit + 1> taken{};
@@ -119,15 +121,17 @@ int compareIdentity(const std::string& path, const system_calls::FileFacts& fact
     return found || errno == ENOENT ? ok : statusOfOpen(errno);
 }
 
-// One attempt; `done` when the file of this name is locked and empty, or needs no lock.
-int openLocked(Connection& c, bool wait, bool& done) {
+// One attempt; `done` when the file of this name is locked and empty, or needs no lock. The last
+// attempt takes any file.
+int openLocked(Connection& c, bool wait, bool last, bool& done) {
     system_calls::FileFacts facts;
     if (table.facts(c.descriptor, facts) != 0) return openFailed;
     done = facts.kind != system_calls::FileKind::regular;
     if (done) return ok;
     int status = lock(c.descriptor, wait);
     if (status == ok) status = compareIdentity(c.path, facts, done);
-    if (status != ok || !done) return status;
+    if (status != ok || (!done && !last)) return status;
+    done = true;
     const bool emptied = table.facts(c.descriptor, facts) == 0 &&
                          (facts.size == 0 || truncate(c.descriptor, 0) == ok);
     return emptied ? ok : openFailed;
@@ -321,11 +325,11 @@ int openRecordsBeside(int unit, const std::string& path) {
 }
 
 int openTextLocked(int unit, const std::string& path, Flush flushing, bool wait) {
-    for (;;) {
+    for (int attempt = 1;; ++attempt) {
         int status = open(unit, path, OpenMode::write, Form::formatted, flushing);
         if (status != ok) return status;
         bool done = false;
-        status = openLocked(*find(unit), wait, done);
+        status = openLocked(*find(unit), wait, attempt == mostAttempts, done);
         if (status == ok && done) return ok;
         table.close(find(unit)->descriptor);
         state.connections.erase(unit);
