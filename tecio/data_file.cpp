@@ -99,9 +99,7 @@ int replaceWithCopy(DataFile& f, std::int64_t room) {
     const std::int64_t oldDataAt = f.dataAt;
     const Bytes header = headerBytes(f, room);
     byte_file::File copy;
-    std::int64_t size = 0;
-    int status = byte_file::open(made, OpenMode::update, copy, size);
-    if (status == ok && size > 0) status = byte_file::truncate(copy, 0);
+    int status = byte_file::create(made, copy);
     if (status == ok) status = byte_file::writeAt(copy, 0, header.data(), sizeOf(header));
     if (status == ok) status = copyData(f.file, oldDataAt, copy, sizeOf(header), dataBytes);
     if (status == ok)
@@ -165,9 +163,7 @@ int createDataFile(DataFile& f) {
     bool found = false;
     if (status == ok) status = io_layer::exists(f.path, found);
     if (status == ok && found) status = byte_file::open(f.path, OpenMode::update, f.file, f.size);
-    if (status == ok) status = byte_file::open(copyPath(f.path), OpenMode::update, f.file, f.size);
-    // The truncation of an empty file would make its close wait for the disk.
-    if (status == ok && f.size > 0) status = byte_file::truncate(f.file, 0);
+    if (status == ok) status = byte_file::create(copyPath(f.path), f.file);
     f.size = 0;
     return status;
 }

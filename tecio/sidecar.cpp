@@ -64,9 +64,7 @@ int createSidecar(const std::string& path, const Head& head, Sidecar& sidecar) {
     Bytes all(magic);
     all.append(reinterpret_cast<const char*>(&sidecar.marks.back()), sizeof(Mark));
     all += contents;
-    std::int64_t size = 0;
-    int status = byte_file::open(made, OpenMode::update, sidecar.file, size);
-    if (status == ok && size > 0) status = byte_file::truncate(sidecar.file, 0);
+    int status = byte_file::create(made, sidecar.file);
     if (status == ok) status = writeDurably(sidecar, 0, all.data(), sizeOf(all));
     if (status == ok) status = byte_file::rename(made, path);
     if (status != ok) byte_file::remove(made);

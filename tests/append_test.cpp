@@ -301,6 +301,7 @@ TEST(Append, KilledAtAnyInstant) {
     for (int kills = 0; kills < wanted && !HasFailure();) {
         const Folder folder;
         std::filesystem::copy(home.path, folder.path);
+        // In the foreground, timeout ends after the run that it kills, whose lock is then released.
         for (bool finished = false; !finished;) {
             const std::string seconds = std::to_string(kills < wanted ? instant(random) : 0);
             const Ran ran =
@@ -354,6 +355,19 @@ TEST(Append, TwoRunsAtOnce) {
         EXPECT_EQ(lastIndex(), 4);
         for (const auto& [file, set] : whole) expectSameContents(file, whole);
     }
+}
+
+// A file of the user must not be written through a link that has the name of a temporary file.
+TEST(Append, TemporaryNamesFollowNoLink) {
+    const Folder folder;
+    putControl();
+    put("precious", "mine");
+    for (const std::string& name : {pmSet + ".new", pmSet + ".szhdr.new"})
+        std::filesystem::create_symlink("precious", name);
+    runOver(2);
+    EXPECT_TRUE(get("precious") == "mine");
+    EXPECT_FALSE(std::filesystem::is_symlink(pmSet));
+    EXPECT_EQ(timesOf(pmSet).size(), 2U);
 }
 
 // Without the wish to append, a data set that was left unfinished is replaced, with a warning.

@@ -24,6 +24,12 @@ int open(const std::string& path, system_calls::OpenMode mode, File& file, std::
     return ok;
 }
 
+int create(const std::string& path, File& file) {
+    std::int64_t size = 0;
+    const int status = remove(path);
+    return status == ok ? open(path, system_calls::OpenMode::create, file, size) : status;
+}
+
 int readAt(const File& file, std::int64_t position, void* into, std::int64_t size) {
     char* target = static_cast<char*>(into);
     while (size > 0) {

@@ -17,6 +17,9 @@ struct File {
 // Opens a regular file and tells its size; anything else of that name fails.
 int open(const std::string& path, system_calls::OpenMode mode, File& file, std::int64_t& size);
 
+// Creates a file. Whatever has its name, a link too, is removed before and not followed.
+int create(const std::string& path, File& file);
+
 // All of the bytes, at once: the end of the file within them is a failure.
 int readAt(const File& file, std::int64_t position, void* into, std::int64_t size);
 int writeAt(const File& file, std::int64_t position, const void* from, std::int64_t size);
