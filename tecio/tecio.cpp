@@ -97,7 +97,7 @@ int32_t writeValues(void* handle, int32_t zone, int32_t var, int32_t partition, 
                     const T* values, std::int32_t type) {
     return withZone(handle, zone, partition, [&](DataFile& file) -> int {
         const std::vector<std::int32_t>& types = file.current.zone.types;
-        if (var < 1 || var > static_cast<std::int32_t>(types.size()) || count < 0) return refused;
+        if (var < 1 || var > static_cast<std::int32_t>(types.size())) return refused;
         const auto v = static_cast<std::size_t>(var - 1);
         if (types[v] != type) return refused;
         return tecio::writeValues(file, v, count, values);
@@ -116,17 +116,19 @@ int32_t tecFileWriterOpen(const char* fileName, const char* dataSetTitle, const 
     *fileHandle = nullptr;
     if (fileFormat != 1 || fileType != 0 || gridFileHandle) return refused;
     int status = io_layer::outOfMemory;
+    std::string path;
     try {
-        auto file = std::make_unique<DataFile>();
-        file->path = std::string(fileName) + ".szplt";
-        file->durable = file->sidecar.durable = state.durable;
-        forget(file->path);
-        status = openDataSet(*file, dataSetTitle, variableList);
-        state.open.push_back(std::move(file));
-        if (status == io_layer::ok) *fileHandle = state.open.back().get();
+        path = std::string(fileName) + ".szplt";
+        forget(path);
+        state.open.push_back(std::make_unique<DataFile>());
+        DataFile& file = *state.open.back();
+        file.path = path;
+        file.durable = file.sidecar.durable = state.durable;
+        status = openDataSet(file, dataSetTitle, variableList);
+        if (status == io_layer::ok) *fileHandle = &file;
     } catch (const std::bad_alloc&) {
     }
-    if (status != io_layer::ok) forget(std::string(fileName) + ".szplt");
+    if (status != io_layer::ok) forget(path);
     return status;
 }
 
