@@ -7,8 +7,8 @@
 
 namespace tecio {
 
+using file_replacement::Replacement;
 using io_layer::ok;
-using system_calls::OpenMode;
 
 namespace {
 
@@ -31,11 +31,13 @@ int syncIfDurable(const DataFile& f) {
 }
 
 // Gives a complete file the name of the data set.
-int putInPlace(const DataFile& f, const byte_file::File& file, const std::string& made) {
+int putInPlace(const DataFile& f, const byte_file::File& file, Replacement& replacement) {
     int status = f.durable ? byte_file::sync(file) : ok;
-    if (status == ok) status = byte_file::rename(made, f.path);
-    if (status != ok) byte_file::remove(made);
-    return status == ok && f.durable ? byte_file::syncFolderOf(f.path) : status;
+    if (status == ok)
+        status = file_replacement::commit(replacement);
+    else
+        file_replacement::discard(replacement);
+    return status == ok && f.durable ? byte_file::syncFolderOf(replacement.target) : status;
 }
 
 // Writes one page at a time: each must leave the file whole.
@@ -94,18 +96,18 @@ int copyData(const byte_file::File& from, std::int64_t fromAt, const byte_file::
 
 // Puts a copy with other records or more room in the place of the file, at once.
 int replaceWithCopy(DataFile& f, std::int64_t room) {
-    const std::string made = copyPath(f.path);
     const std::int64_t dataBytes = f.dataEnd - f.dataAt;
     const std::int64_t oldDataAt = f.dataAt;
     const Bytes header = headerBytes(f, room);
     byte_file::File copy;
-    int status = byte_file::create(made, copy);
+    Replacement replacement;
+    int status = byte_file::openBeside(f.path, copy, replacement);
     if (status == ok) status = byte_file::writeAt(copy, 0, header.data(), sizeOf(header));
     if (status == ok) status = copyData(f.file, oldDataAt, copy, sizeOf(header), dataBytes);
     if (status == ok)
-        status = putInPlace(f, copy, made);
+        status = putInPlace(f, copy, replacement);
     else
-        byte_file::remove(made);
+        file_replacement::discard(replacement);
     if (status != ok) {
         byte_file::close(copy);
         return status;
@@ -124,8 +126,8 @@ int writeNewHeader(DataFile& f, std::int64_t zoneBytes) {
     const Bytes header = headerBytes(f, room);
     f.dataAt = f.dataEnd = sizeOf(header);
     const int status = write(f, 0, header);
-    if (status == ok) return putInPlace(f, f.file, copyPath(f.path));
-    byte_file::remove(copyPath(f.path));
+    if (status == ok) return putInPlace(f, f.file, f.replacement);
+    file_replacement::discard(f.replacement);
     return status;
 }
 
@@ -153,17 +155,9 @@ std::string sidecarPath(const std::string& path) {
     return path + ".szhdr";
 }
 
-std::string copyPath(const std::string& path) {
-    return path + ".new";
-}
-
 int createDataFile(DataFile& f) {
     int status = createSidecar(sidecarPath(f.path), f.head, f.sidecar);
-    // What is there now, and is replaced later, must be a file that can be written.
-    bool found = false;
-    if (status == ok) status = io_layer::exists(f.path, found);
-    if (status == ok && found) status = byte_file::open(f.path, OpenMode::update, f.file, f.size);
-    if (status == ok) status = byte_file::create(copyPath(f.path), f.file);
+    if (status == ok) status = byte_file::openBeside(f.path, f.file, f.replacement);
     f.size = 0;
     return status;
 }

@@ -46,6 +46,7 @@ struct CurrentZone {
 struct DataFile {
     std::string path;
     byte_file::File file;
+    file_replacement::Replacement replacement; // by a file whose header is not complete
     Sidecar sidecar;
     bool durable = false;
     bool failed = false;
@@ -67,9 +68,8 @@ struct DataFile {
     CurrentZone current;
 };
 
-// Names of the sidecar of a data set, and of a file in the making that is to replace it.
+// Name of the sidecar of a data set.
 std::string sidecarPath(const std::string& path);
-std::string copyPath(const std::string& path);
 
 // All of the following return a status.
 

@@ -58,17 +58,20 @@ int readContents(const byte_file::File& file, std::int64_t size, Bytes& contents
 } // namespace
 
 int createSidecar(const std::string& path, const Head& head, Sidecar& sidecar) {
-    const std::string made = path + ".new";
     const Bytes contents = headBytes(head);
     sidecar.marks = {extended(nothing, contents)};
     Bytes all(magic);
     all.append(reinterpret_cast<const char*>(&sidecar.marks.back()), sizeof(Mark));
     all += contents;
-    int status = byte_file::create(made, sidecar.file);
+    file_replacement::Replacement replacement;
+    int status = byte_file::openBeside(path, sidecar.file, replacement);
     if (status == ok) status = writeDurably(sidecar, 0, all.data(), sizeOf(all));
-    if (status == ok) status = byte_file::rename(made, path);
-    if (status != ok) byte_file::remove(made);
-    return status == ok && sidecar.durable ? byte_file::syncFolderOf(path) : status;
+    if (status == ok)
+        status = file_replacement::commit(replacement);
+    else
+        file_replacement::discard(replacement);
+    const bool syncs = status == ok && sidecar.durable;
+    return syncs ? byte_file::syncFolderOf(replacement.target) : status;
 }
 
 int openSidecar(const std::string& path, Sidecar& sidecar, Head& head, std::vector<Zone>& zones,

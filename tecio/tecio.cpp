@@ -26,6 +26,7 @@ void forget(const std::string& path) {
     const auto gone = [&](const std::unique_ptr<DataFile>& file) {
         if (file->path != path) return false;
         byte_file::close(file->file);
+        file_replacement::discard(file->replacement);
         byte_file::close(file->sidecar.file);
         return true;
     };

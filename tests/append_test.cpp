@@ -338,7 +338,7 @@ TEST(Append, AFailedSyncEndsTheRun) {
 
 TEST(Append, TwoRunsAtOnce) {
     const Sets whole = wholeSets(4);
-    for (int pair = 0; pair < (longTests() ? 40 : 5); ++pair) {
+    for (int pair = 0; pair < 40; ++pair) {
         const Folder folder;
         putControl();
         putTimes(4);
@@ -355,19 +355,6 @@ TEST(Append, TwoRunsAtOnce) {
         EXPECT_EQ(lastIndex(), 4);
         for (const auto& [file, set] : whole) expectSameContents(file, whole);
     }
-}
-
-// A file of the user must not be written through a link that has the name of a temporary file.
-TEST(Append, TemporaryNamesFollowNoLink) {
-    const Folder folder;
-    putControl();
-    put("precious", "mine");
-    for (const std::string& name : {pmSet + ".new", pmSet + ".szhdr.new"})
-        std::filesystem::create_symlink("precious", name);
-    runOver(2);
-    EXPECT_TRUE(get("precious") == "mine");
-    EXPECT_FALSE(std::filesystem::is_symlink(pmSet));
-    EXPECT_EQ(timesOf(pmSet).size(), 2U);
 }
 
 // Without the wish to append, a data set that was left unfinished is replaced, with a warning.

@@ -187,6 +187,18 @@ TEST_F(RunFiles, OldOnesStayUntilNewOnesAreWhole) {
             }
 }
 
+TEST_F(RunFiles, LinksToDataSetsStay) {
+    put("t.plot.control", "tecplot binary mode\nend\nwrite pm domain file\n");
+    for (const char* name : {"elsewhere", "other"}) put(name, name);
+    std::filesystem::create_symlink("elsewhere", "to.pm.szplt");
+    for (const std::string made : {"elsewhere.unfinished", "to.pm.szplt.szhdr.unfinished"})
+        std::filesystem::create_symlink("other", made);
+    EXPECT_EQ(runs::runHere().status, 0);
+    EXPECT_EQ(std::filesystem::read_symlink("to.pm.szplt"), "elsewhere");
+    EXPECT_TRUE(get("elsewhere").starts_with("#!TDV112"));
+    EXPECT_EQ(get("other"), "other");
+}
+
 // A lock as another run holds it, until the end of the scope.
 struct Lock {
     explicit Lock(const char* name) : descriptor(open(name, O_RDWR | O_CREAT | O_CLOEXEC, 0666)) {

@@ -59,7 +59,7 @@ TEST(TecioResume, TheRoomForZonesGrows) {
         const DataSet found = data_set_file::read("s.szplt");
         EXPECT_EQ(found.title, "t");
         EXPECT_EQ(found.aux.at("k"), opening == 5000 ? "1" : "2801");
-        EXPECT_FALSE(std::filesystem::exists("s.szplt.new"));
+        EXPECT_FALSE(std::filesystem::exists("s.szplt.unfinished"));
     }
 }
 
@@ -335,7 +335,7 @@ TEST(TecioResume, AnyCallMayFail) {
         addZone(1);
         addZone(2);
         EXPECT_EQ(flush(), 0);
-        sample_files::put("s.szplt.new", "left over");
+        sample_files::put("s.szplt.unfinished", "left over");
         callsLeft = call;
         system_calls::table = failingTable();
         const int status =

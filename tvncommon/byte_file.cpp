@@ -24,10 +24,10 @@ int open(const std::string& path, system_calls::OpenMode mode, File& file, std::
     return ok;
 }
 
-int create(const std::string& path, File& file) {
-    std::int64_t size = 0;
-    const int status = remove(path);
-    return status == ok ? open(path, system_calls::OpenMode::create, file, size) : status;
+int openBeside(const std::string& path, File& file, file_replacement::Replacement& replacement) {
+    close(file);
+    return file_replacement::begin(path, file_replacement::InPlace::refused, replacement,
+                                   file.descriptor);
 }
 
 int readAt(const File& file, std::int64_t position, void* into, std::int64_t size) {
@@ -92,10 +92,6 @@ int close(File& file) {
     const int status = table.close(file.descriptor) == 0 ? ok : io_layer::writeFailed;
     file.descriptor = -1;
     return status;
-}
-
-int rename(const std::string& from, const std::string& to) {
-    return table.rename(from.c_str(), to.c_str()) == 0 ? ok : io_layer::writeFailed;
 }
 
 int remove(const std::string& path) {

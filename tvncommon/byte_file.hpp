@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 
+#include "tvncommon/file_replacement.hpp"
 #include "tvncommon/system_calls.hpp"
 
 // Files as bytes at positions, for a layout whose parts are not written in their order. Nothing is
@@ -17,8 +18,9 @@ struct File {
 // Opens a regular file and tells its size; anything else of that name fails.
 int open(const std::string& path, system_calls::OpenMode mode, File& file, std::int64_t& size);
 
-// Creates a file. Whatever has its name, a link too, is removed before and not followed.
-int create(const std::string& path, File& file);
+// Opens a new file that takes the place of `path` at `file_replacement::commit`; until then `path`
+// stays as it is. What has that name must be a regular file that can be written, or a link to one.
+int openBeside(const std::string& path, File& file, file_replacement::Replacement& replacement);
 
 // All of the bytes, at once: the end of the file within them is a failure.
 int readAt(const File& file, std::int64_t position, void* into, std::int64_t size);
@@ -39,8 +41,7 @@ int syncFolderOf(const std::string& path);
 // Fine for a closed file.
 int close(File& file);
 
-// Puts a file in the place of another, or takes one away, if it is there.
-int rename(const std::string& from, const std::string& to);
+// Removes a file, if it exists.
 int remove(const std::string& path);
 
 } // namespace byte_file
