@@ -2,10 +2,11 @@
 # Fuzzes the targets, one after the other, with what earlier runs have found.
 #
 #   fuzz/run.sh MINUTES [TARGET]...   MINUTES for each TARGET, all of them unless named
-#   fuzz/run.sh merge [TARGET]...     puts what was found into the corpus, as few inputs as cover it
+#   fuzz/run.sh merge [TARGET]...     puts into the corpus the inputs that reach further edges
 #
 # It prints the executions, the edges that were reached and the findings of each target, and ends
-# with status 1 if there is a finding. The inputs of findings are kept in build-fuzz/findings.
+# with status 1 if there is a finding. The inputs of findings are kept in build-fuzz/findings. Give
+# such an input a name of its own in the corpus: a merge keeps all but those named by a hash.
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 build=$root/build-fuzz
@@ -38,8 +39,9 @@ merge() {
     local -r target=$1 corpus=$root/fuzz/corpus/$1
     local merged
     merged=$(mktemp -d "$build/merged.XXXX")
-    "$build/fuzz/fuzz_$target" -merge=1 -rss_limit_mb=1024 "$merged" "$build/corpus/$target" "$corpus" \
-        >"$build/merge_$target.log" 2>&1
+    "$build/fuzz/fuzz_$target" -merge=1 -use_counters=0 -rss_limit_mb=1024 "$merged" \
+        "$build/corpus/$target" "$corpus" >"$build/merge_$target.log" 2>&1
+    find "$corpus" -regextype egrep -type f ! -regex '.*/[0-9a-f]{40}' -exec mv -t "$merged" {} +
     rm -rf "$corpus"
     mv "$merged" "$corpus"
     chmod 755 "$corpus"
