@@ -33,4 +33,16 @@ TEST(ShapeFunctions, LocalCoordinatesOfAnElementAlone) {
     }
 }
 
+// Anticlockwise over the lower face, then over the upper one.
+TEST(ShapeFunctions, EachIsOneAtItsOwnCorner) {
+    constexpr double corners[8][3] = {{-1, -1, -1}, {1, -1, -1}, {1, 1, -1}, {-1, 1, -1},
+                                      {-1, -1, 1},  {1, -1, 1},  {1, 1, 1},  {-1, 1, 1}};
+    for (std::size_t k = 0; k < 8; ++k) {
+        observation_compare::Shape shape, expected{};
+        observation_compare::br8shp(0, corners[k], shape);
+        expected[k] = 1;
+        EXPECT_EQ(shape, expected) << k;
+    }
+}
+
 } // namespace
