@@ -78,6 +78,10 @@ TEST_F(Search, FindsThePointsOfAllElements) {
             // A mean of three corners of each face lies inside, whatever the weights.
             std::vector<double> xs(nodes), ys(nodes), zs(nodes);
             elementCoords3D(e, xs, ys, zs);
+            std::vector<double> planX(nodes / 2), planY(nodes / 2);
+            elementCoords2D(e, planX, planY);
+            EXPECT_TRUE(std::ranges::equal(planX, std::span(xs).first(nodes / 2)));
+            EXPECT_TRUE(std::ranges::equal(planY, std::span(ys).first(nodes / 2)));
             const double a = share(random), b = share(random) * (1 - a), c = 1 - a - b;
             const auto mean = [&](const std::vector<double>& of, std::size_t first = 0) {
                 return a * of[first] + b * of[first + 1] + c * of[first + 2];

@@ -205,6 +205,9 @@ TEST(FixedResolutionGrid, MeshesWithoutExtent) {
     FixedResGrid grid;
     grid.init(5, 5, 0, 8, {}, {}, {});
     EXPECT_EQ(grid.findElement(0, 0), 0);
+    grid.destroy();
+    EXPECT_TRUE(grid.empty());
+    EXPECT_EQ(grid.findElement(0, 0), 0);
     std::array<double, 4> box{1, 2, 3, 4};
     getBoundingBox({}, {}, box);
     EXPECT_EQ(box, (std::array<double, 4>{}));

@@ -52,8 +52,15 @@ TEST(StringHelpers, NumbersAndTexts) {
         EXPECT_EQ(toString_i4(given.first, given.second, &iostat), expected) << given.second;
         EXPECT_EQ(iostat, 0);
     }
-    for (const char* format :
-         {"(F8.3)", "(I3.4)", "(I-1)", "(I5", "(I)", "(I5.2x)", "(I9999999999)"}) {
+    EXPECT_EQ(toString_i4(7), "7");
+    float value = 0;
+    str2r4("2.5", value, &iostat);
+    EXPECT_EQ(std::pair(value, iostat), std::pair(2.5F, 0));
+    std::string rest = "a,,b", token;
+    EXPECT_TRUE(chomp(rest, ",", false, token));
+    EXPECT_EQ(std::pair(token, rest), std::pair(std::string("a"), std::string(",b")));
+    for (const char* format : {"(F8.3)", "(I3.4)", "(I-1)", "(I5", "(I)", "(I5x2)", "(I5.x)",
+                               "(I5.2x)", "(I257)", "(I9999999999)"}) {
         EXPECT_EQ(toString_i4(1, format, &iostat), "");
         EXPECT_EQ(iostat, 38) << format;
         expectBanner([&] { toString_i4(1, format); }, format);
@@ -76,13 +83,28 @@ TEST(ArrayHelpers, PushbackGrowsByHalf) {
     EXPECT_EQ(texts[1], texts[0]);
 }
 
+TEST(ArrayHelpers, ArraysOfTheSameSizeKeepWhatIsNotFilled) {
+    Integers a{1, 2};
+    ArrayHelpers::allocate(2, a);
+    EXPECT_EQ(a, (Integers{1, 2}));
+    ArrayHelpers::allocate(2, a, 7);
+    EXPECT_EQ(a, (Integers{7, 7}));
+    ArrayHelpers::allocate(-1, a);
+    EXPECT_TRUE(a.empty());
+}
+
 TEST(ArrayHelpers, FailedAllocationsNameTheArray) {
     constexpr std::int64_t tooMany = std::int64_t{1} << 61;
     Integers i4;
+    std::vector<float> r4;
+    std::vector<double> r8;
     Texts texts;
     const std::map<std::string, std::function<void()>> cases = {
         {"allocateArray: integer(4) array", [&] { ArrayHelpers::allocate(tooMany, i4); }},
         {"resizeArray: integer(4) array", [&] { ArrayHelpers::resize(tooMany, i4); }},
+        {"allocateArray: real(4) array", [&] { ArrayHelpers::allocate(tooMany, r4); }},
+        {"resizeArray: real(8) array", [&] { ArrayHelpers::resize(tooMany, r8); }},
+        {"resizeArray: character string array", [&] { ArrayHelpers::resize(tooMany, texts); }},
         {"of mine", [&] { ArrayHelpers::resize(tooMany, texts, "x", "of mine"); }},
         {"of yours", [&] { ArrayHelpers::allocateArray(i4, tooMany, "of yours"); }}};
     for (const auto& [name, run] : cases)

@@ -67,6 +67,7 @@ TEST_F(BinaryFile, HeadersThatAreNot) {
     const std::map<std::string, std::string> cases = {
         {std::string(79, 'x'), "Binary file header is too short. Expected at least 80 characters "
                                "but found only 79.\nFile: file\n"},
+        {padded(""), invalid + "missing or malformed.\nFile: file\n"},
         {newer(std::string(54, ' ') + "1", "001LER08010000000001"),
          invalid + "missing or malformed.\nFile: file\n"},
         {newer(std::string(54, '1'), "001LER08010000000001"),
@@ -225,6 +226,22 @@ TEST_F(BinaryFile, OneComponentOfAKnownLength) {
     expectEnd("INPUT", "Error reading header data from file cut\n", [] { numVals_r8_1d("cut"); });
     expectEnd("FATAL", "Error writing values to file r\nValues 10 to 11 of an array of 10\n",
               [&] { write_r8_1d("r", "0", 10, 11, reals); });
+
+    expectEnd("FATAL", "Error writing values to file r\nValues 0 to 1 of an array of 10\n",
+              [&] { write_r8_1d("r", "0", 0, 1, reals); });
+    // The first write is that of the length before the header, the third that of the values.
+    static int writesLeft;
+    system_calls::table.write = [](int descriptor, const void* from, std::size_t size) {
+        const bool fails = descriptor > 2 && --writesLeft < 0;
+        return fails ? -1 : runs::keepingTable().write(descriptor, from, size);
+    };
+    for (const char* what : {"header", "header", "values"}) {
+        static int passed = 0;
+        writesLeft = passed++;
+        expectEnd("FATAL", std::string("Error writing ") + what + " to file full\n",
+                  [&] { write_r8_1d("full", "0", 1, 10, reals); });
+    }
+    system_calls::table = system_calls::systemTable();
 
     // A long record goes on where its length is negative.
     Bytes file = sample_files::header("0", "I04", 1, 3),

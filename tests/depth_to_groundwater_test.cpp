@@ -113,6 +113,8 @@ TEST(DepthToGroundwater, SweepsEqualWalks) {
 
 TEST(DepthToGroundwater, SheetsThatCannotBeFormedEndTheRun) {
     Values depth(3);
+    depth2gwtDomain(0, 0, true, depth, depth, depth); // no node, no sheet to form
+    depth2gwt2dDomain(0, 0, true, depth, depth, depth);
     for (const std::int32_t sheetCount : {0, -1, 4, 2147483647, -2147483647 - 1}) {
         testing::internal::CaptureStderr();
         EXPECT_THROW(depth2gwtDomain(3, sheetCount, true, depth, depth, depth), error::RunEnded);

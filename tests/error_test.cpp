@@ -66,6 +66,9 @@ TEST_F(Banners, StandToTheLetter) {
         {[] { check_alloc(41, "some array "); },
          allocation + "Allocation failed: some array\n"
                       "Error detail: Insufficient virtual memory\nError number: 41\n\n"},
+        {[] { check_alloc(100, "some array"); },
+         allocation + "Allocation failed: some array\nError number: 100\n\n"},
+        {[] { check_alloc(0, "some array"); }, "", false},
         {[] { checkFileOpen(0, "name"); }, "", false},
         {[] { user_size_check(12, 11, "nodes "); },
          frame(std::string(45, '*'), "*** DIMENSIONING ERROR, HALTING EXECUTION ***") +

@@ -162,6 +162,9 @@ TEST(IHashTable, NewKeysStandInFrontOfTheirList) {
 TEST(IHashTable, NumbersOfNoBucketEndTheRun) {
     const std::string none = "IHashTable: there is no bucket ";
     IHashTable::Table table;
+    erase(table, 1);
+    EXPECT_FALSE(holds(table, 1));
+    EXPECT_EQ(loadFactor(table), 0);
     expectEnd(none + "1 among 0", [&] { insert(table, 1, 1); });
     init(table, 5);
     for (const std::int32_t entries : {0, 1}) {

@@ -261,6 +261,23 @@ TEST_F(IoLayer, StatusOfAnOpen) {
     }
 }
 
+TEST_F(IoLayer, UnitsThatAreNotOpenOrOnlyRead) {
+    put("file", "line\n");
+    const int none = takeUnit(), reading = file_units::openTextRead("file");
+    std::string line;
+    EXPECT_EQ(readLine(none, line), readFailed);
+    EXPECT_EQ(beginRecord(none), readFailed);
+    EXPECT_EQ(rewind(none), readFailed);
+    EXPECT_EQ(bytesLeft(none), 0);
+    for (const int unit : {none, reading}) {
+        EXPECT_EQ(writeLine(unit, "x"), writeFailed);
+        EXPECT_EQ(writeBlock(unit, "x", 1), writeFailed);
+        EXPECT_EQ(flush(unit), writeFailed);
+    }
+    EXPECT_EQ(openTextRead(takeUnit(), "file"s + '\0'), invalidPath);
+    EXPECT_EQ(readLine(reading, line), ok);
+}
+
 TEST_F(IoLayer, UnitsRunOut) {
     for (int unit = 1100; unit <= 20000; ++unit) ASSERT_EQ(file_units::getUnit(), unit);
     file_units::freeUnit(1101);

@@ -27,6 +27,7 @@ TEST(WideReal, Layout) {
         {Limits::denorm_min(), "  0.49406564584124654E-323"},
         {Limits::quiet_NaN(), "                       NaN"},
         {-Limits::infinity(), "                 -Infinity"},
+        {Limits::infinity(), "                  Infinity"},
         // The form follows the rounded value.
         {std::nextafter(1e17, 0), "   99999999999999984.     "},
         {1e17, "  0.10000000000000000E+018"},

@@ -183,6 +183,8 @@ TEST(NarrowFields, AreRoundedOnceBeforeTheirForm) {
     EXPECT_EQ(fixedField(0.5, 5, 4), ".5000"); // one column short of the zero
     EXPECT_EQ(fixedField(-99999.99996, 10, 4), "**********");
     EXPECT_EQ(fixedField(-infinity, 10, 4), " -Infinity");
+    EXPECT_EQ(fixedField(1e16, 19, 0), " 10000000000000000.");
+    EXPECT_EQ(fixedField(0.5, 3, 0), " 0.");
     Random random;
     for (int i = 0; i < 200000; ++i) {
         const double value = std::ldexp(random.part() - 0.5, random.below(80) - 40);

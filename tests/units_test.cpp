@@ -22,6 +22,7 @@ TEST_F(Units, SystemsByHandle) {
         UnitSystem system;
         init(system, h);
         EXPECT_EQ(handle(system), h);
+        EXPECT_TRUE(equalsComp(system, {h}) && notEqualsComp(system, {h + 1}));
         setBaseUnits(h);
         // What the name says must be what the labels show.
         const std::string name = toString(system), length = getDerivedUnit("L");
@@ -57,6 +58,7 @@ TEST_F(Units, Labels) {
         {"", "", ""},
         {" 1 ", "(-)", "(-)"},
         {"l*m*t", "(m kg s)", "(cm kg d)"},
+        {"N * L^ * K", "(mol m K)", "(mol cm K)"},
         {"L^-1/3 * T", "(m^-1/3 s)", "(cm^-1/3 d)"},
         {"Nc * L^-2\t* T^-1", "(Nc m^-2 s^-1)", "(Nc cm^-2 d^-1)"},
         {"M ** L", "(kg m)", "(kg cm)"},
@@ -75,6 +77,8 @@ TEST_F(Units, Labels) {
     }
     setTempUnitsToC();
     EXPECT_EQ(parseUnits("K^-1 * L"), "(deg C^-1 cm)");
+    setTempUnitsToK();
+    EXPECT_EQ(parseUnits("K"), "(K)");
 }
 
 TEST_F(Units, LabelsGrowByOneFactor) {
