@@ -1,17 +1,14 @@
+#include "tests/data_set.hpp"
 #include "tests/power_cut.hpp"
 #include "tests/runs.hpp"
 #include "tools/data_set_file.hpp"
-#include "tvncommon/system_calls.hpp"
 
 #include <gmock/gmock.h>
 
-#include <cerrno>
 #include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <random>
-#include <sys/wait.h>
-#include <unistd.h>
 
 // Runs that go on from the binary data sets of earlier ones, also of such as were killed.
 namespace {
@@ -79,26 +76,10 @@ Sets wholeSets(int times) {
     return readSets();
 }
 
-// Whatever a zone shares, it must have what the data set of one run over all times has.
 void expectSameContents(const std::string& file, const Sets& wholes) {
-    const DataSet set = data_set_file::read(file);
-    const DataSet& whole = wholes.at(file);
-    EXPECT_EQ(std::tie(set.title, set.variables, set.units),
-              std::tie(whole.title, whole.variables, whole.units));
-    EXPECT_EQ(set.trailing, 0);
-    ASSERT_EQ(set.zones.size(), whole.zones.size());
-    const auto sourceOf = [](const DataSet& s, std::size_t zone, std::int32_t share) {
-        return s.zones[share > 0 ? static_cast<std::size_t>(share - 1) : zone];
-    };
-    for (std::size_t z = 0; z < set.zones.size(); ++z) {
-        EXPECT_EQ(set.zones[z].time, whole.zones[z].time);
-        for (std::size_t v = 0; v < set.variables.size(); ++v)
-            EXPECT_EQ(sourceOf(set, z, set.zones[z].shares[v]).values[v],
-                      sourceOf(whole, z, whole.zones[z].shares[v]).values[v])
-                << "zone " << z + 1 << " " << set.variables[v];
-        EXPECT_EQ(sourceOf(set, z, set.zones[z].connectivityShare).elementNodes,
-                  sourceOf(whole, z, whole.zones[z].connectivityShare).elementNodes);
-    }
+    EXPECT_TRUE(data_set::contentsOf(data_set_file::read(file)) ==
+                data_set::contentsOf(wholes.at(file)))
+        << file;
 }
 
 TEST(Append, RunsInTurnEqualOneRun) {
@@ -126,118 +107,11 @@ TEST(Append, RunsInTurnEqualOneRun) {
     }
 }
 
-// What befalls a run at one of its calls that change a file: it is killed, or the disk is full.
-struct Mishap {
-    bool kill = false;
-    int countdown = 0;
-    bool met = false;
-    int index = -1; // descriptor of the file with the index
-};
-Mishap mishap;
-
-// True when this call is to fail. `begin` is what it does ahead of a kill.
-bool strikes(bool growing, const std::function<void()>& begin = {}) {
-    if (mishap.met) return growing; // a disk that is full stays so
-    if (--mishap.countdown != 0) return false;
-    if (mishap.kill && begin) begin();
-    if (mishap.kill) _exit(0);
-    mishap.met = true;
-    errno = ENOSPC;
-    return true;
-}
-
-system_calls::Table strickenTable() {
-    using namespace system_calls;
-    static const Table real = runs::keepingTable();
-    Table table = real;
-    table.open = [](const char* path, OpenMode mode) {
-        if (mode != OpenMode::read && strikes(false)) return -1;
-        const int descriptor = real.open(path, mode);
-        if (path == indexFile + ".unfinished") mishap.index = descriptor;
-        return descriptor;
-    };
-    table.write = [](int d, const void* from, std::size_t size) {
-        const auto half = [&] { real.write(d, from, size / 2); };
-        return d == mishap.index && strikes(true, half) ? -1 : real.write(d, from, size);
-    };
-    table.writeAt = [](int d, const void* from, std::size_t size, std::int64_t to) {
-        // The system stops at the end of a page.
-        const std::int64_t end = (to + static_cast<std::int64_t>(size) / 2) / 4096 * 4096;
-        const auto some = [&] {
-            if (end > to) real.writeAt(d, from, static_cast<std::size_t>(end - to), to);
-        };
-        return strikes(true, some) ? -1 : real.writeAt(d, from, size, to);
-    };
-    table.truncate = [](int d, std::int64_t size) {
-        return strikes(false) ? -1 : real.truncate(d, size);
-    };
-    table.reserve = [](int d, std::int64_t at, std::int64_t size) {
-        return strikes(true) ? -1 : real.reserve(d, at, size);
-    };
-    table.rename = [](const char* from, const char* to) {
-        return strikes(false) ? -1 : real.rename(from, to);
-    };
-    table.remove = [](const char* path) { return strikes(false) ? -1 : real.remove(path); };
-    return table;
-}
-
-// A run that meets a mishap at this call; false when it has fewer calls.
-bool runInto(bool kill, int call) {
-    mishap = {kill, call};
-    const pid_t child = kill ? fork() : 0;
-    int status = 0;
-    if (child > 0) return waitpid(child, &status, 0) == child && WEXITSTATUS(status) == 0;
-    system_calls::table = strickenTable();
-    const Ran ran = runs::runHere();
-    if (kill) _exit(1);
-    system_calls::table = system_calls::systemTable();
-    EXPECT_EQ(ran.status != 0, ran.errors.find("HALTING EXECUTION") != std::string::npos);
-    return mishap.met;
-}
-
 // A file that is there can be read at any time.
 void expectReadable() {
     for (const std::string& name : {pmSet, olfSet})
         if (std::filesystem::exists(name)) {
             EXPECT_NO_THROW(data_set_file::read(name)) << name;
-        }
-}
-
-// Each call in turn meets the mishap, in a first run, in one that continues, in one that begins a
-// data set beside another and in one that takes zones back. The next run puts all in order.
-TEST(Append, AnyCallMayBeTheLast) {
-    constexpr int times = 4;
-    const Sets whole = wholeSets(times);
-    for (const auto& [before, recorded, withOlf] :
-         {std::tuple{0, 0, true}, {2, 2, true}, {2, 2, false}, {3, 1, true}})
-        for (const bool kill : {true, false}) {
-            const Folder home;
-            if (before > 0) {
-                putControl("", "", withOlf);
-                runOver(before);
-                put(indexFile, integerRecord({recorded}));
-                if (!withOlf) put(olfSet + ".szhdr", "left over");
-            }
-            putTimes(times);
-            putControl("tecplot binary flush interval\n3\n");
-            int calls = 0;
-            for (bool met = true; met; ++calls) {
-                SCOPED_TRACE(testing::Message() << "before " << before << ", recorded " << recorded
-                                                << ", kill " << kill << ", call " << calls + 1);
-                const Folder folder;
-                std::filesystem::copy(home.path, folder.path);
-                met = runInto(kill, calls + 1);
-                expectReadable();
-                runOver(times);
-                EXPECT_EQ(lastIndex(), times);
-                expectSameContents(pmSet, whole);
-                if (withOlf)
-                    expectSameContents(olfSet, whole);
-                else
-                    EXPECT_THAT(timesOf(olfSet), ElementsAre(20, 30));
-                if (HasFailure()) return;
-            }
-            EXPECT_GT(calls, 40);
         }
 }
 

@@ -110,4 +110,25 @@ std::string summaryOf(const std::string& text) {
     return summary;
 }
 
+std::string contentsOf(const data_set_file::DataSet& set) {
+    std::ostringstream out;
+    out << set.title << '\n' << set.trailing << std::hexfloat;
+    for (const std::string& name : set.variables) out << '\n' << name;
+    for (const auto& [number, unit] : set.units) out << '\n' << number << unit;
+    for (const auto& zone : set.zones) {
+        const auto sourceOf = [&](std::int32_t share) -> const data_set_file::Zone& {
+            return share > 0 ? set.zones[static_cast<std::size_t>(share - 1)] : zone;
+        };
+        out << "\nzone " << zone.time;
+        for (std::size_t v = 0; v < set.variables.size(); ++v) {
+            out << "\n" << set.variables[v];
+            for (const double value : sourceOf(zone.shares[v]).values[v]) out << ' ' << value;
+        }
+        out << "\nnodes";
+        for (const std::int32_t node : sourceOf(zone.connectivityShare).elementNodes)
+            out << ' ' << node;
+    }
+    return out.str();
+}
+
 } // namespace data_set

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tools/data_set_file.hpp"
+
 #include <map>
 #include <string>
 #include <vector>
@@ -35,5 +37,8 @@ std::string summaryOf(const std::string& text);
 // the parts between the commas of a list.
 std::string between(const std::string& text, const std::string& first, const std::string& last);
 std::vector<std::string> split(const std::string& list);
+
+// What a binary data set has, whatever its zones share: two are equal if these bytes are.
+std::string contentsOf(const data_set_file::DataSet& set);
 
 } // namespace data_set

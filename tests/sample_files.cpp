@@ -141,6 +141,16 @@ Problem brickProblem(const Grid& g) {
     return problem;
 }
 
+Problem twoTimes() {
+    Problem problem = brickProblem({1, 1, 1, 2});
+    problem["t.plot.control"] =
+        "tecplot mode\nend\nwrite pm domain file\ninclude more\nend\nwrite olf domain file\n";
+    problem["more"] = "truncate pm domain\n0 1\n0 1\n0 1\n";
+    problem["to.sat_pm.0001"] =
+        resultFile("0.0", {std::vector<float>(12, 0.5F)}); // longer than is asked for
+    return problem;
+}
+
 void patch(Bytes& file, int number, int index, std::int32_t value) {
     std::size_t at = 0;
     std::int32_t length = 0;

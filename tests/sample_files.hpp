@@ -43,6 +43,9 @@ struct Grid {
 };
 Problem brickProblem(const Grid& grid);
 
+// One column over two output times, with a control file that includes another.
+Problem twoTimes();
+
 // Files of a domain that lies on the top sheet: its own nodes in the order of the sheet, with
 // global numbers behind `nodesAhead`. `further` stands behind the records that all domains have.
 void addSheetDomain(Problem& problem, const Grid& grid, const std::string& tag, int nodesAhead,
