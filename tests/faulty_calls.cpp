@@ -162,6 +162,9 @@ const Kind allKinds[] = {
     {"fdatasync", Effect::none, true, {EIO, ENOSPC, EDQUOT}, Entry<&Table::sync>::wrap},
     {"flock", Effect::none, true, {ENOLCK, EIO}, Entry<&Table::lock>::wrap},
     {"unlink", Effect::change, false, {EIO, EACCES, EPERM}, Entry<&Table::remove>::wrap},
+    {"chmod", Effect::change, false, {EPERM, EIO, EROFS}, Entry<&Table::setPermissions>::wrap},
+    {"lstat", Effect::none, false, {EIO, ESTALE, EACCES}, Entry<&Table::namedFacts>::wrap},
+    {"readlink", Effect::none, false, {EIO, ELOOP, EACCES}, Entry<&Table::readLink>::wrap},
     {"allocation", Effect::none, false, {ENOMEM}, Entry<&Table::allocate>::wrap}};
 
 } // namespace

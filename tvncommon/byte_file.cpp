@@ -7,12 +7,13 @@
 namespace byte_file {
 
 using io_layer::ok;
+using system_calls::restart;
 using system_calls::table;
 
 int open(const std::string& path, system_calls::OpenMode mode, File& file, std::int64_t& size) {
     close(file);
     if (!io_layer::canBeName(path)) return io_layer::invalidPath;
-    file.descriptor = table.open(path.c_str(), mode);
+    file.descriptor = restart([&] { return table.open(path.c_str(), mode); });
     if (file.descriptor < 0) return io_layer::statusOfOpen(errno);
     system_calls::FileFacts facts;
     const bool known = table.facts(file.descriptor, facts) == 0;
@@ -59,28 +60,27 @@ int writeAt(const File& file, std::int64_t position, const void* from, std::int6
 }
 
 int truncate(const File& file, std::int64_t size) {
-    return table.truncate(file.descriptor, size) == 0 ? ok : io_layer::writeFailed;
+    const int result = restart([&] { return table.truncate(file.descriptor, size); });
+    return result == 0 ? ok : io_layer::writeFailed;
 }
 
 int reserve(const File& file, std::int64_t position, std::int64_t size) {
-    for (;;) {
-        if (size == 0 || table.reserve(file.descriptor, position, size) == 0) return ok;
-        if (errno != EINTR) return io_layer::writeFailed;
-    }
+    if (size == 0) return ok;
+    const int result = restart([&] { return table.reserve(file.descriptor, position, size); });
+    return result == 0 ? ok : io_layer::writeFailed;
 }
 
 int sync(const File& file) {
-    for (;;) {
-        if (table.sync(file.descriptor) == 0 || errno == EINVAL || errno == ENOSYS) return ok;
-        if (errno != EINTR) return io_layer::writeFailed;
-    }
+    const bool synced = restart([&] { return table.sync(file.descriptor); }) == 0;
+    return synced || errno == EINVAL || errno == ENOSYS ? ok : io_layer::writeFailed;
 }
 
 int syncFolderOf(const std::string& path) {
     const std::size_t slash = path.rfind('/');
     const std::string folder = slash == std::string::npos ? "." : path.substr(0, slash + 1);
     File file;
-    file.descriptor = table.open(folder.c_str(), system_calls::OpenMode::read);
+    file.descriptor =
+        restart([&] { return table.open(folder.c_str(), system_calls::OpenMode::read); });
     if (file.descriptor < 0) return io_layer::writeFailed;
     const int status = sync(file);
     close(file);

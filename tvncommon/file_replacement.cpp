@@ -14,6 +14,7 @@ using io_layer::ok;
 using system_calls::FileFacts;
 using system_calls::FileKind;
 using system_calls::OpenMode;
+using system_calls::restart;
 using system_calls::table;
 
 constexpr int mostLinks = 40; // as many as the system follows
@@ -43,7 +44,7 @@ bool refusedByFolder(int error) {
 // The new file, with the permissions of the `old` one if there is one; -1 with `errno` on failure.
 int create(const std::string& made, const FileFacts* old) {
     if (table.remove(made.c_str()) != 0 && errno != ENOENT) return -1;
-    const int descriptor = table.open(made.c_str(), OpenMode::create);
+    const int descriptor = restart([&] { return table.open(made.c_str(), OpenMode::create); });
     if (descriptor < 0 || !old) return descriptor;
     FileFacts facts;
     if (table.facts(descriptor, facts) == 0 &&
@@ -60,7 +61,8 @@ int create(const std::string& made, const FileFacts* old) {
 // Takes over the descriptor of the target. A file has become empty then; others have no size.
 int openInPlace(Replacement& replacement, int target, FileKind kind, int& descriptor) {
     replacement.made.clear();
-    if (kind == FileKind::regular && table.truncate(target, 0) != 0) return io_layer::openFailed;
+    if (kind == FileKind::regular && restart([=] { return table.truncate(target, 0); }) != 0)
+        return io_layer::openFailed;
     descriptor = target;
     return ok;
 }
@@ -88,7 +90,8 @@ int begin(const std::string& path, InPlace inPlace, Replacement& replacement, in
     int status = followLinks(replacement.target);
     if (status != ok) return status;
     replacement.made = replacement.target + ".unfinished";
-    const int target = table.open(replacement.target.c_str(), OpenMode::existing);
+    const int target =
+        restart([&] { return table.open(replacement.target.c_str(), OpenMode::existing); });
     if (target < 0 && errno != ENOENT) return io_layer::statusOfOpen(errno);
     status = beginWith(replacement, inPlace, target, descriptor);
     if (target >= 0 && descriptor != target) table.close(target);

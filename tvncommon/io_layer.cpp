@@ -14,6 +14,7 @@ namespace io_layer {
 namespace {
 
 using system_calls::OpenMode;
+using system_calls::restart;
 using system_calls::table;
 
 constexpr std::size_t writeBufferSize = 32768;
@@ -53,7 +54,7 @@ int open(int unit, const std::string& path, OpenMode mode, Form form,
          Flush flushing = Flush::inBlocks) {
     if (!canBeName(path)) return invalidPath;
     Connection c;
-    c.descriptor = table.open(path.c_str(), mode);
+    c.descriptor = restart([&] { return table.open(path.c_str(), mode); });
     if (c.descriptor < 0) return statusOfOpen(errno);
     c.path = path;
     c.form = form;
@@ -87,28 +88,21 @@ int openBeside(int unit, const std::string& path, Form form) {
 }
 
 int truncate(int descriptor, std::int64_t size) {
-    for (;;) {
-        if (table.truncate(descriptor, size) == 0) return ok;
-        if (errno != EINTR) return writeFailed;
-    }
+    return restart([=] { return table.truncate(descriptor, size); }) == 0 ? ok : writeFailed;
 }
 
 int lock(int descriptor, bool wait) {
-    for (;;) {
-        if (table.lock(descriptor, wait) == 0) return ok;
-        switch (errno) {
-        case EINTR:
-            continue;
-        case EWOULDBLOCK:
-            return lockedElsewhere;
-        case EOPNOTSUPP:
-        case ENOSYS:
-        case ENOLCK:
-        case EINVAL:
-            return ok; // a file system without locks
-        default:
-            return openFailed;
-        }
+    if (restart([=] { return table.lock(descriptor, wait); }) == 0) return ok;
+    switch (errno) {
+    case EWOULDBLOCK:
+        return lockedElsewhere;
+    case EOPNOTSUPP:
+    case ENOSYS:
+    case ENOLCK:
+    case EINVAL:
+        return ok; // a file system without locks
+    default:
+        return openFailed;
     }
 }
 
@@ -139,10 +133,8 @@ int openLocked(Connection& c, bool wait, bool last, bool& done) {
 
 // Text and records are on the disk before their name is. A device has none.
 int sync(int descriptor) {
-    for (;;) {
-        if (table.sync(descriptor) == 0 || errno == EINVAL || errno == ENOSYS) return ok;
-        if (errno != EINTR) return writeFailed;
-    }
+    const bool synced = restart([=] { return table.sync(descriptor); }) == 0;
+    return synced || errno == EINVAL || errno == ENOSYS ? ok : writeFailed;
 }
 
 int writeAll(Connection& c, const char* from, std::size_t size) {
@@ -163,9 +155,7 @@ void takeRoom(Connection& c, std::size_t size) {
     const std::int64_t end = c.written + static_cast<std::int64_t>(size);
     if (!c.regular || c.written < roomFrom || end <= c.roomEnd) return;
     const std::int64_t begin = std::max(c.written, c.roomEnd);
-    bool taken = false;
-    do taken = table.reserve(c.descriptor, begin, roomStep) == 0;
-    while (!taken && errno == EINTR);
+    const bool taken = restart([&] { return table.reserve(c.descriptor, begin, roomStep); }) == 0;
     c.roomEnd = taken ? begin + roomStep : unbounded;
 }
 

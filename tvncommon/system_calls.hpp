@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cerrno>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -61,6 +62,15 @@ struct Table {
 // The table in use; assigning `systemTable()` puts back the real calls.
 extern Table table;
 Table systemTable();
+
+// The result of a call of the table, made again as long as a signal interrupts it.
+template<class Call>
+auto restart(Call call) {
+    for (;;) {
+        const auto result = call();
+        if (result >= 0 || errno != EINTR) return result;
+    }
+}
 
 // Makes the process fit for the run: a reader that goes away and a file size limit are failures of
 // a write, not the end of it, a standard stream that was closed leaves its number to no file, and
