@@ -272,6 +272,6 @@ TEST_P(EveryCall, IsInterruptedOrCutShort) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Faults, EveryCall, testing::ValuesIn(scenarios),
-                         [](const auto& info) { return std::string(info.param.name); });
+                         [](const auto& row) { return std::string(row.param.name); });
 
 } // namespace

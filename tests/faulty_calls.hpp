@@ -35,7 +35,7 @@ struct Fault {
     int countdown = 0; // calls up to the one that fails
     std::size_t most = 0;
     bool met = false;
-    std::string path;       // of the file that the call was for
+    std::string path{};     // of the file that the call was for
     bool echoBegun = false; // had been written by then
 };
 
