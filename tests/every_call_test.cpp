@@ -262,7 +262,7 @@ TEST_P(EveryCall, IsTheLast) {
 }
 
 TEST_P(EveryCall, IsInterruptedOrCutShort) {
-    for (const std::size_t most : {0, 1, 7, 4095}) {
+    for (const std::size_t most : {0U, 1U, 7U, 4095U}) {
         SCOPED_TRACE(most);
         const Folder folder;
         write(given);
