@@ -189,6 +189,20 @@ TEST(KDTree, DefaultsAndLimits) {
     }
 }
 
+TEST(KDTree, TheFirstOfEqualDistancesComesFirst) {
+    KDTree2D tree;
+    const std::vector<double> points{3, 0, 1, 0, 0, -1, -1, 0, 0, 1};
+    tree.init2(points, {}, 0); // a single leaf, so that the order is that of the points
+    std::array<double, 3> distances;
+    std::array<std::int32_t, 3> indices;
+    std::int32_t found = 0;
+    double distance = 0;
+    tree.nearestNNeighborSearch({0, 0}, 3, distances, indices, found);
+    EXPECT_EQ(indices, (std::array{2, 3, 4}));
+    tree.nearestNeighborSearch({0, 0}, found, distance);
+    EXPECT_EQ(found, 2);
+}
+
 TEST(KDTree, PivotsComeFromTheirRange) {
     std::vector<double> points(4000, 4.5);
     for (std::size_t i = 0; i < 10; ++i) points[2 * (995 + i)] = 2 * static_cast<double>(i);

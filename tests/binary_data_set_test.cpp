@@ -180,6 +180,27 @@ TEST(BinaryDataSet, IsTheTextDataSet) {
     }
 }
 
+// The zones that a viewer finds when the run opens the heads of each output time.
+TEST(BinaryDataSet, FlushIntervalsCountFromTheFirstTimeOfTheRun) {
+    const Folder folder;
+    write(brickProblem({1, 1, 1, 5}));
+    put("t.plot.control", "tecplot binary mode\ntecplot binary flush interval\n3\n"
+                          "truncate time domain\n10 1e20\nend\nwrite pm domain file\n");
+    static std::map<std::string, std::size_t> zones;
+    zones.clear();
+    system_calls::table = runs::keepingTable();
+    system_calls::table.open = [](const char* path, system_calls::OpenMode mode) {
+        if (std::filesystem::exists("to.pm.szplt") && std::string(path).starts_with("to.head_pm"))
+            zones[path] = data_set_file::read("to.pm.szplt").zones.size();
+        return system_calls::systemTable().open(path, mode);
+    };
+    EXPECT_EQ(runs::runHere().status, 0);
+    system_calls::table = system_calls::systemTable();
+    EXPECT_EQ(zones, (std::map<std::string, std::size_t>{
+                         {"to.head_pm.0003", 0}, {"to.head_pm.0004", 0}, {"to.head_pm.0005", 3}}));
+    EXPECT_EQ(data_set_file::read("to.pm.szplt").zones.size(), 4U);
+}
+
 // A run that cannot give a variable as many values as the zone has, or that names one in a way that
 // the writer cannot take, ends.
 TEST(BinaryDataSet, EndsWhereTextWouldGoWrong) {

@@ -192,27 +192,31 @@ TEST_F(RunFiles, TwoRunsOfOnePrefix) {
 }
 
 // The file is not touched while another run has it; a run that has waited for one that is gone
-// takes the new one.
+// takes the new one, which a third run may have made.
 TEST_F(RunFiles, TheScratchFileIsWaitedFor) {
-    put("t.plot.control", "end\nwrite olf domain file\n");
-    auto lock = std::make_unique<Lock>("scratch_plot");
-    put("scratch_plot", "of the other run");
-    const std::string waits = "\nWaiting for another run that uses scratch_plot\n";
-    auto waiting =
-        std::async(std::launch::async, [] { return runs::runProgram("", "", "exec timeout 20"); });
-    while (get(".screen").find(waits) == std::string::npos &&
-           waiting.wait_for(std::chrono::milliseconds(10)) != std::future_status::ready) {
+    for (const bool replaced : {false, true}) {
+        std::filesystem::remove(".screen");
+        put("t.plot.control", "end\nwrite olf domain file\n");
+        auto lock = std::make_unique<Lock>("scratch_plot");
+        put("scratch_plot", "of the other run");
+        const std::string waits = "\nWaiting for another run that uses scratch_plot\n";
+        auto waiting = std::async(std::launch::async,
+                                  [] { return runs::runProgram("", "", "exec timeout 20"); });
+        while (get(".screen").find(waits) == std::string::npos &&
+               waiting.wait_for(std::chrono::milliseconds(10)) != std::future_status::ready) {
+        }
+        EXPECT_EQ(get("scratch_plot"), "of the other run");
+        std::filesystem::rename("scratch_plot", "kept");
+        if (replaced) put("scratch_plot", "of a third run");
+        lock.reset();
+        const Ran ran = waiting.get();
+        EXPECT_EQ(ran.status, 0) << ran.errors;
+        EXPECT_THAT(ran.screen, HasSubstr(waits));
+        EXPECT_EQ(get("kept"), "of the other run");
+        EXPECT_EQ(get("scratch_plot"), "end\nwrite olf domain file\n");
+        EXPECT_TRUE(std::filesystem::exists("to.olf.dat"));
+        EXPECT_FALSE(std::filesystem::exists("to.pm.dat"));
     }
-    EXPECT_EQ(get("scratch_plot"), "of the other run");
-    std::filesystem::rename("scratch_plot", "kept");
-    lock.reset();
-    const Ran ran = waiting.get();
-    EXPECT_EQ(ran.status, 0) << ran.errors;
-    EXPECT_THAT(ran.screen, HasSubstr(waits));
-    EXPECT_EQ(get("kept"), "of the other run");
-    EXPECT_EQ(get("scratch_plot"), "end\nwrite olf domain file\n");
-    EXPECT_TRUE(std::filesystem::exists("to.olf.dat"));
-    EXPECT_FALSE(std::filesystem::exists("to.pm.dat"));
 }
 
 } // namespace
