@@ -135,6 +135,10 @@ TEST_F(Search, PointsOutsideAreErrorsOrAreMoved) {
         return "\npoint: " + pointToString3D(x, y, z);
     };
     EXPECT_EQ(findElement2DUnchecked(-1, 0.5), 0);
+    const std::string outside = "findElement2D: point outside mesh" + place2(-1, 0.5);
+    EXPECT_EQ(interpElementTopNoIndex(-1, 0.5, values), 0);
+    EXPECT_EQ(interpElement2DNoIndex(-1, 0.5, values), 0);
+    expectMessages({outside, outside}, {});
     EXPECT_EQ(findNearestElement2D(1, 1), 1); // of four
     const std::string nearest = ": using nearest element", layers = ": using nearest layer";
     check([] { return findElement2D(9, 1.8); }, "findElement2D: point outside mesh", nearest,

@@ -112,6 +112,12 @@ TEST(ArrayHelpers, FailedAllocationsNameTheArray) {
                               "\nError detail: Insufficient virtual memory\nError number: 41\n");
 }
 
+TEST(Utils, NumbersWiderThanAnyFormatEndTheRun) {
+    EXPECT_EQ(utils::zeroPaddedIntString(7, 256), std::string(255, '0') + "7");
+    expectBanner([] { utils::zeroPaddedIntString(7, 257); },
+                 "Zero padded integer string conversion failed.\n");
+}
+
 TEST(Utils, TimestampIsLocalWithItsOffset) {
     const char* const given = std::getenv("TZ");
     const std::string before = given ? given : "";

@@ -1,6 +1,7 @@
 #include "tvncommon/io_layer.hpp"
 
 #include "tests/runs.hpp"
+#include "tvncommon/byte_file.hpp"
 #include "tvncommon/file_units.hpp"
 #include "tvncommon/system_calls.hpp"
 
@@ -255,7 +256,13 @@ TEST_F(IoLayer, UnitsThatAreNotOpenOrOnlyRead) {
         EXPECT_EQ(writeBlock(unit, "x", 1), writeFailed);
         EXPECT_EQ(flush(unit), writeFailed);
     }
-    EXPECT_EQ(openTextRead(takeUnit(), "file"s + '\0'), invalidPath);
+    EXPECT_EQ(commitUnit(none), writeFailed);
+    const std::string noName = "file"s + '\0';
+    byte_file::File file;
+    std::int64_t size = 0;
+    EXPECT_EQ(openTextRead(takeUnit(), noName), invalidPath);
+    EXPECT_EQ(openTextBeside(takeUnit(), noName), invalidPath);
+    EXPECT_EQ(byte_file::open(noName, system_calls::OpenMode::read, file, size), invalidPath);
     EXPECT_EQ(readLine(reading, line), ok);
 }
 
@@ -265,8 +272,10 @@ TEST_F(IoLayer, UnitsRunOut) {
     EXPECT_EQ(file_units::getUnit(), 1101);
     expectEnd("FATAL", "No free file units, range exhausted: [1100,20000]\n\n",
               file_units::getUnit);
-    expectEnd("FATAL", "File unit 20001 outside of range [1100,20000]\n\n",
-              [] { file_units::freeUnit(20001); });
+    for (const int unit : {1099, 20001})
+        expectEnd("FATAL",
+                  "File unit " + std::to_string(unit) + " outside of range [1100,20000]\n\n",
+                  [=] { file_units::freeUnit(unit); });
     expectEnd("FATAL", "File unit 1100 already free\n\n", [] { file_units::freeUnit(1100); });
 }
 

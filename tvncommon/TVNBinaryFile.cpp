@@ -115,7 +115,7 @@ BinaryHeader parseTVNBinFileHeader(std::string_view header, const std::string& f
                           inFile(filename));
     const std::size_t blank =
         StringHelpers::findFirstOf(header, " ", static_cast<std::int64_t>(begin));
-    if (blank < 2 || blank >= magicOffset)
+    if (blank >= magicOffset)
         error::fatalError("Invalid binary file header format. Timestamp not terminated by space." +
                           inFile(filename));
     parsed.timestamp = std::string(header.substr(0, blank - 1));

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cmath>
 #include <limits>
 
 namespace free_form {
@@ -138,7 +137,7 @@ int parse(std::string_view text, Real& value) {
         if (error == std::errc::result_out_of_range) {
             if (isTooLarge(number)) return invalidData;
             magnitude = 0;
-        } else if (error != std::errc() || std::isinf(magnitude)) {
+        } else if (error != std::errc()) {
             return invalidData;
         }
     } else {

@@ -33,7 +33,7 @@ run_ctest() {
 run_tests() { run_ctest -E "$slow" && run_ctest -R "$slow"; }
 
 first_failure() {
-    sed -nE 's/^ *[0-9]+\/[0-9]+ Test +#[0-9]+: ([^ ]+) \.*\**(Failed|Exception|Timeout|Not Run).*/\1/p' \
+    sed -nE 's/^ *[0-9]+\/[0-9]+ Test +#[0-9]+: ([^ ]+) .*\*\*\*.*/\1/p' \
         "$folder/test.log" | head -n 1
 }
 
