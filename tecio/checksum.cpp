@@ -70,7 +70,7 @@ std::uint64_t zoneChecksum(std::string_view begin, const std::vector<Checksum>& 
     addBytes(first, begin.data(), static_cast<std::int64_t>(begin.size()));
     std::uint64_t result = resultOf(first);
     for (const Checksum& array : arrays) result = mixed(result, resultOf(array), 0);
-    return result | 1; // 0 is for none
+    return result | 1; // 0 means none
 }
 
 } // namespace tecio

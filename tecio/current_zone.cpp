@@ -16,7 +16,7 @@ namespace {
 constexpr std::int64_t notBegun = -1;
 constexpr std::int64_t unshared = 0;
 
-// A variable goes by its own array, or by one that has the same type, place and number of values.
+// A variable can share an array of the same type, location and number of values.
 bool shareFits(const Zone& zone, const Zone& source, std::size_t v) {
     return source.types[v] == zone.types[v] && source.locations[v] == zone.locations[v] &&
            valueCount(source, v) == valueCount(zone, v);
@@ -27,14 +27,15 @@ bool meshFits(const Zone& zone, const Zone& source) {
            source.nodes == zone.nodes;
 }
 
-// Zones behind the first new one of a continued data set are to share with zone 1.
+// Zones after the first new one of a resumed data set share with zone 1.
 bool fitsFirstZone(const Zone& zone, const Zone& first) {
     bool fits = meshFits(zone, first);
     for (std::size_t v = 0; fits && v < zone.types.size(); ++v) fits = shareFits(zone, first, v);
     return fits;
 }
 
-// Replaces a source that shares itself by the zone that has the values: some readers go no further.
+// Replaces a source that is itself shared by the zone that has the values: some readers do not
+// follow a second share.
 bool resolveShares(const std::vector<Zone>& zones, Zone& zone) {
     const auto earlier = static_cast<std::int32_t>(zones.size());
     const auto sourceOf = [&](std::int32_t number) -> const Zone& {
@@ -54,7 +55,7 @@ bool resolveShares(const std::vector<Zone>& zones, Zone& zone) {
     return meshFits(zone, source);
 }
 
-// Every array must have been handed over, one without values too.
+// Every array must have been written, also one without values.
 bool isComplete(const CurrentZone& current) {
     const Zone& zone = current.zone;
     for (std::size_t v = 0; v < zone.types.size(); ++v)
@@ -62,7 +63,7 @@ bool isComplete(const CurrentZone& current) {
     return zone.connectivityShare > 0 || current.nodesWritten == nodeMapCount(zone);
 }
 
-int nameCurrentZone(DataFile& f) {
+int commitCurrentZone(DataFile& f) {
     CurrentZone& current = f.current;
     Bytes begin = dataHeadBytes(current.zone);
     for (std::size_t v = 0; v < current.ranges.size(); ++v) {
@@ -75,16 +76,16 @@ int nameCurrentZone(DataFile& f) {
     int status = byte_file::writeAt(f.file, f.dataEnd, begin.data(), sizeOf(begin));
     if (status == ok && f.durable) status = byte_file::sync(f.file);
     const std::uint64_t checksum = f.durable ? zoneChecksum(begin, current.checksums) : 0;
-    if (status == ok) status = nameZone(f.sidecar, current.zone, checksum);
+    if (status == ok) status = commitZone(f.sidecar, current.zone, checksum);
     if (status != ok) return status;
     f.dataEnd += current.part.size;
     f.zones.push_back(std::move(current.zone));
-    f.continued = false;
+    f.resumed = false;
     current = {};
     return ok;
 }
 
-// Takes back a zone with this time, and those behind it.
+// Drops the zone with this time, and all after it.
 int dropZonesFrom(DataFile& f, double time, std::int32_t strand) {
     const auto same = std::find_if(f.zones.rbegin(), f.zones.rend(), [=](const Zone& zone) {
         return zone.time == time && zone.strand == strand;
@@ -101,12 +102,12 @@ int writeData(DataFile& f, std::int64_t position, const void* from, std::int64_t
     f.current.begun = true;
     if (status == ok) status = byte_file::writeAt(f.file, position, from, bytes);
     if (status == ok) f.size = std::max(f.size, position + bytes);
-    // What was reserved, or written in part, goes back to a full disk.
+    // Frees what was reserved or partly written: the disk may be full.
     if (status != ok) byte_file::truncate(f.file, f.size);
     return status;
 }
 
-// Range and checksum, a block at a time, which stays in the cache for the second.
+// Updates range and checksum, a block at a time: it stays in the cache for the second pass.
 void summarize(DataFile& f, std::size_t v, std::int64_t count, const void* values) {
     constexpr std::int64_t blockValues = 16384;
     const std::int32_t type = f.current.zone.types[v];
@@ -121,8 +122,8 @@ void summarize(DataFile& f, std::size_t v, std::int64_t count, const void* value
     }
 }
 
-int nameIfComplete(DataFile& f, int status) {
-    return status == ok && isComplete(f.current) ? nameCurrentZone(f) : status;
+int commitIfComplete(DataFile& f, int status) {
+    return status == ok && isComplete(f.current) ? commitCurrentZone(f) : status;
 }
 
 } // namespace
@@ -131,12 +132,12 @@ static_assert(sizeof(Range) == rangeBytes);
 
 int beginZone(DataFile& f, Zone zone, std::int32_t& number) {
     int status = endZone(f);
-    if (status == ok && f.continued && !fitsFirstZone(zone, f.zones[0])) status = otherZones;
+    if (status == ok && f.resumed && !fitsFirstZone(zone, f.zones[0])) status = otherZones;
     if (status == ok && !resolveShares(f.zones, zone)) status = refused;
     if (status != ok) return status;
     CurrentZone& current = f.current;
     current.part = dataPartOf(zone);
-    status = settle(f, current.part.size);
+    status = writeHeader(f, current.part.size);
     if (status != ok) return status;
     current.written.assign(zone.types.size(), notBegun);
     current.ranges.clear();
@@ -153,12 +154,12 @@ int setTime(DataFile& f, double time, std::int32_t strand) {
     if (current.begun) return refused;
     current.zone.time = time;
     current.zone.strand = strand;
-    if (f.continued) {
+    if (f.resumed) {
         const int status = dropZonesFrom(f, time, strand);
         if (status != ok) return status;
     }
-    f.continued = false;
-    return nameIfComplete(f, ok);
+    f.resumed = false;
+    return commitIfComplete(f, ok);
 }
 
 int writeValues(DataFile& f, std::size_t v, std::int64_t count, const void* values) {
@@ -173,7 +174,7 @@ int writeValues(DataFile& f, std::size_t v, std::int64_t count, const void* valu
     const int status =
         writeData(f, f.dataEnd + current.part.values[v] + written * each, values, count * each);
     written += count;
-    return nameIfComplete(f, status);
+    return commitIfComplete(f, status);
 }
 
 int writeNodes(DataFile& f, std::int64_t count, const std::int32_t* nodes, std::int32_t firstNode) {
@@ -196,12 +197,12 @@ int writeNodes(DataFile& f, std::int64_t count, const std::int32_t* nodes, std::
         current.nodesWritten += n;
         done += n;
     }
-    return nameIfComplete(f, status);
+    return commitIfComplete(f, status);
 }
 
 int endZone(DataFile& f) {
     if (f.current.number == 0) return ok;
-    return isComplete(f.current) ? nameCurrentZone(f) : refused;
+    return isComplete(f.current) ? commitCurrentZone(f) : refused;
 }
 
 } // namespace tecio

@@ -12,12 +12,12 @@ using io_layer::ok;
 
 namespace {
 
-// Room for the headers of zones to come. Large zones get more of it: to make room later means to
-// copy them all.
-constexpr std::int64_t leastRoom = 65536;
-constexpr std::int64_t mostRoomAtFirst = 262144;
-constexpr std::int64_t zoneBytesPerRoomByte = 16;
-constexpr std::int64_t roomGrowth = 4;
+// Padding for the headers of later zones. Large zones get more of it, since more padding later
+// means a copy of all data.
+constexpr std::int64_t leastPadding = 65536;
+constexpr std::int64_t mostPaddingAtFirst = 262144;
+constexpr std::int64_t zoneBytesPerPaddingByte = 16;
+constexpr std::int64_t paddingGrowth = 4;
 
 constexpr std::int64_t copyBytes = 1048576;
 
@@ -40,7 +40,7 @@ int putInPlace(const DataFile& f, const byte_file::File& file, Replacement& repl
     return status == ok && f.durable ? byte_file::syncFolderOf(replacement.target) : status;
 }
 
-// Writes one page at a time: each must leave the file whole.
+// Writes one page at a time; the file is valid after each.
 int writePages(DataFile& f, std::int64_t position, const Bytes& bytes, bool lastFirst) {
     const std::int64_t end = position + sizeOf(bytes);
     std::vector<std::int64_t> begins{position};
@@ -57,27 +57,27 @@ int writePages(DataFile& f, std::int64_t position, const Bytes& bytes, bool last
     return status;
 }
 
-// Headers of the zones that are not shown yet, in pages for the place behind those that are.
-Bytes pagesToShow(DataFile& f) {
+// Headers of the zones that have none in the file yet, for the position after those that have.
+Bytes pagesToPublish(DataFile& f) {
     const std::int64_t at = headersEnd(f, f.headerEnds.size());
     Bytes out;
     for (std::size_t z = f.headerEnds.size(); z < f.zones.size(); ++z) {
         addHeader(out, at, zoneHeaderBytes(f.zones[z]));
         f.headerEnds.push_back(at + sizeOf(out));
     }
-    endPage(out, at);
+    padPage(out, at);
     return out;
 }
 
-// Everything in front of the data, with at least `room` bytes for more, and its positions.
-Bytes headerBytes(DataFile& f, std::int64_t room) {
+// Everything before the data, with at least `padding` bytes for more headers; sets the positions.
+Bytes headerBytes(DataFile& f, std::int64_t padding) {
     Bytes out = headBytes(f.head);
     f.auxAt = sizeOf(out);
     out += f.aux;
     f.zonesAt = sizeOf(out);
     f.headerEnds.clear();
-    out += pagesToShow(f);
-    addRoom(out, 0, sizeOf(out) + room);
+    out += pagesToPublish(f);
+    addPadding(out, 0, sizeOf(out) + padding);
     return out + headersEndBytes();
 }
 
@@ -94,11 +94,11 @@ int copyData(const byte_file::File& from, std::int64_t fromAt, const byte_file::
     return ok;
 }
 
-// Puts a copy with other records or more room in the place of the file, at once.
-int replaceWithCopy(DataFile& f, std::int64_t room) {
+// Replaces the file by a copy with other records or more padding.
+int replaceWithCopy(DataFile& f, std::int64_t padding) {
     const std::int64_t dataBytes = f.dataEnd - f.dataAt;
     const std::int64_t oldDataAt = f.dataAt;
-    const Bytes header = headerBytes(f, room);
+    const Bytes header = headerBytes(f, padding);
     byte_file::File copy;
     Replacement replacement;
     int status = byte_file::openBeside(f.path, copy, replacement);
@@ -119,11 +119,11 @@ int replaceWithCopy(DataFile& f, std::int64_t room) {
     return ok;
 }
 
-// A new file takes its place when its header is whole.
+// A new file gets its name when its header is complete.
 int writeNewHeader(DataFile& f, std::int64_t zoneBytes) {
-    const std::int64_t room =
-        std::clamp(zoneBytes / zoneBytesPerRoomByte, leastRoom, mostRoomAtFirst);
-    const Bytes header = headerBytes(f, room);
+    const std::int64_t padding =
+        std::clamp(zoneBytes / zoneBytesPerPaddingByte, leastPadding, mostPaddingAtFirst);
+    const Bytes header = headerBytes(f, padding);
     f.dataAt = f.dataEnd = sizeOf(header);
     const int status = write(f, 0, header);
     if (status == ok) return putInPlace(f, f.file, f.replacement);
@@ -131,8 +131,9 @@ int writeNewHeader(DataFile& f, std::int64_t zoneBytes) {
     return status;
 }
 
-// Whether, of texts as long as the others, some can be written and some not.
-bool canMix(const Bytes& some, const Bytes& others) {
+// True if any mixture of pages of both, which an interrupted write leaves, is a valid sequence of
+// texts: the texts end at the same positions.
+bool canPatchInPlace(const Bytes& some, const Bytes& others) {
     const auto endsText = [](const Bytes& bytes, std::size_t at) {
         return bytes.compare(at, 4, "\0\0\0\0", 4) == 0;
     };
@@ -142,10 +143,10 @@ bool canMix(const Bytes& some, const Bytes& others) {
     return can;
 }
 
-int renewAux(DataFile& f) {
+int updateAux(DataFile& f) {
     if (f.aux.empty()) f.aux = f.auxInFile;
     if (f.aux == f.auxInFile) return ok;
-    if (canMix(f.aux, f.auxInFile)) return write(f, f.auxAt, f.aux);
+    if (canPatchInPlace(f.aux, f.auxInFile)) return write(f, f.auxAt, f.aux);
     return replaceWithCopy(f, f.dataAt - headersEnd(f, f.headerEnds.size()));
 }
 
@@ -162,24 +163,24 @@ int createDataFile(DataFile& f) {
     return status;
 }
 
-int settle(DataFile& f, std::int64_t zoneBytes) {
-    if (f.settled) return ok;
-    f.settled = true;
-    return f.continued ? renewAux(f) : writeNewHeader(f, zoneBytes);
+int writeHeader(DataFile& f, std::int64_t zoneBytes) {
+    if (f.headerWritten) return ok;
+    f.headerWritten = true;
+    return f.resumed ? updateAux(f) : writeNewHeader(f, zoneBytes);
 }
 
 int flush(DataFile& f) {
     int status = endZone(f);
-    if (status == ok) status = settle(f, 0);
+    if (status == ok) status = writeHeader(f, 0);
     if (status != ok) return status;
     if (f.headerEnds.size() < f.zones.size()) {
         const std::int64_t at = headersEnd(f, f.headerEnds.size());
-        const Bytes pages = pagesToShow(f);
+        const Bytes pages = pagesToPublish(f);
         const bool fits = at + sizeOf(pages) + sizeOf(headersEndBytes()) <= f.dataAt;
         status = fits ? writePages(f, at, pages, false)
-                      : replaceWithCopy(f, (f.dataAt - f.zonesAt) * roomGrowth);
+                      : replaceWithCopy(f, (f.dataAt - f.zonesAt) * paddingGrowth);
     }
-    // What an interrupted run, or a longer zone that was replaced, left behind.
+    // Left over from an interrupted run, or from a longer zone that was replaced.
     if (status == ok && f.size > f.dataEnd) {
         status = byte_file::truncate(f.file, f.dataEnd);
         f.size = f.dataEnd;
@@ -191,23 +192,23 @@ std::int64_t headersEnd(const DataFile& f, std::size_t count) {
     return count == 0 ? f.zonesAt : f.headerEnds[count - 1];
 }
 
-// The padding begins where the last header that stays ends: the padding before a header that began
-// its page is no part of that header. The last page comes first, so that none is missing before
-// one that a reader still finds.
+// The padding begins at the end of the last header that is kept, which may be on an earlier page:
+// padding before a header is no part of it. The last page is written first, so that a reader never
+// misses a header before one that it finds.
 int hideHeaders(DataFile& f, std::size_t count) {
     if (f.headerEnds.size() <= count) return ok;
     const std::int64_t begin = headersEnd(f, count), end = f.headerEnds.back();
     Bytes lastPadding, padding;
-    endPage(lastPadding, end);
-    addRoom(padding, begin, end + sizeOf(lastPadding));
+    padPage(lastPadding, end);
+    addPadding(padding, begin, end + sizeOf(lastPadding));
     f.headerEnds.resize(count);
     return writePages(f, begin, padding, true);
 }
 
-// The headers go first: as long as the sidecar names a zone, its data stay as they are.
+// The headers are removed first: the data of a zone in the sidecar must stay as they are.
 int dropZones(DataFile& f, std::size_t count) {
     int status = hideHeaders(f, count);
-    if (status == ok) status = unnameZones(f.sidecar, count);
+    if (status == ok) status = rollbackZones(f.sidecar, count);
     if (status != ok) return status;
     for (; f.zones.size() > count; f.zones.pop_back()) f.dataEnd -= dataPartOf(f.zones.back()).size;
     return ok;

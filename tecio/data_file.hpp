@@ -9,37 +9,37 @@
 #include "tecio/sidecar.hpp"
 #include "tvncommon/byte_file.hpp"
 
-// An unfinished data set. The order of writes never shows a zone that does not exist, to a reader
-// or to a later run after a kill:
+// An unfinished data set. In this order of writes neither a reader nor a later run after a kill
+// finds a zone whose data are missing:
 //
 //     create        sidecar without zones; then, with the first zone, the data set's header
-//     write a zone  values and node lists after the data that count, its data head and ranges last
-//     end a zone    the sidecar names it: its entry, then the sidecar's size and checksum
+//     write a zone  values and node lists after the committed data, then its data head and ranges
+//     commit it     its entry in the sidecar, then the sidecar's size and hash
 //     flush         zone headers replace padding, page by page from the first
-//     drop zones    padding replaces their headers, page by page from the last; then the sidecar
-//                   names them no more; only then may other data replace theirs
+//     drop zones    padding replaces their headers, page by page from the last; then size and hash
+//                   of the sidecar exclude them; only then may other data overwrite theirs
 //     finish        flush, then the sidecar is removed
 //
-// A file or a copy that replaces another is complete before its rename. In a durable data set each
-// step, and each page of headers, is on the disk before the next one, and so are new names: a power
-// cut leaves what a kill would. Its caller may rely on each zone that has all its arrays. Any other
-// data set is on the disk once, before its sidecar is removed.
+// A new file or copy is complete before it is renamed. In a durable data set each step, each page
+// of headers and each rename is on the disk before the next one, so a power cut does no more harm
+// than a kill. A zone is committed by the call that completes its last array. Any other data set is
+// synced once, before its sidecar is removed.
 namespace tecio {
 
-// Least and greatest value, NaN left out; the least is above the greatest when there is none.
+// Least and greatest value, without NaN; the least is above the greatest if there is no other.
 struct Range {
     double least, greatest;
 };
 
-// The zone that values go to.
+// The zone that is being written.
 struct CurrentZone {
-    std::int32_t number = 0; // as its caller knows it, 0: no zone
+    std::int32_t number = 0; // from 1, 0: no zone
     Zone zone;
     DataPart part;
     std::vector<std::int64_t> written; // values of each variable that are in the file
     std::vector<Range> ranges;
     std::int64_t nodesWritten = 0;
-    std::vector<Checksum> checksums; // of each variable and of the node lists, if it is durable
+    std::vector<Checksum> checksums; // of the variables and the node lists, if durable
     bool begun = false;              // something was written
 };
 
@@ -52,19 +52,19 @@ struct DataFile {
     bool failed = false;
 
     Head head;
-    Bytes aux;                // auxiliary records, as they are to be
-    bool settled = false;     // head and auxiliary records in the file are those of this opening
-    bool continued = false;   // zones of an earlier run are there, none of this one
-    Bytes auxInFile;          // the records that a continued file has
-    std::int64_t auxAt = 0;   // positions in the file: the records,
-    std::int64_t zonesAt = 0; // the first zone header,
-    std::int64_t dataAt = 0;  // the data of zone 1,
-    std::int64_t dataEnd = 0; // the end of the data that count,
-    std::int64_t size = 0;    // the end of the file
+    Bytes aux;                  // auxiliary records of this opening
+    bool headerWritten = false; // head and auxiliary records of this opening are in the file
+    bool resumed = false;       // the file has zones of an earlier opening, none of this one
+    Bytes auxInFile;            // auxiliary records of a resumed file
+    std::int64_t auxAt = 0;     // positions in the file: auxiliary records,
+    std::int64_t zonesAt = 0;   // first zone header,
+    std::int64_t dataAt = 0;    // data of zone 1,
+    std::int64_t dataEnd = 0;   // end of the committed data,
+    std::int64_t size = 0;      // end of the file
 
-    std::vector<Zone> zones;              // all complete ones
-    std::vector<std::int64_t> headerEnds; // of the zones whose headers are in the file
-    bool headerIsCut = false;             // the last of these is there in part
+    std::vector<Zone> zones;              // committed
+    std::vector<std::int64_t> headerEnds; // of those whose headers are in the file
+    bool headerIsCut = false;             // the last of these is incomplete
     CurrentZone current;
 };
 
@@ -73,16 +73,17 @@ std::string sidecarPath(const std::string& path);
 
 // All of the following return a status.
 
-// Begins the data set `file.path` anew, with the title and variables of `file.head`.
+// Creates or replaces the data set `file.path`, with the title and variables of `file.head`.
 int createDataFile(DataFile& file);
 
-// Goes on with a data set that has a sidecar and the variables of `file.head`; keeps its title.
-int continueDataFile(DataFile& file);
+// Resumes an unfinished data set. Its sidecar must exist and list the variables of `file.head`; the
+// title on disk is kept.
+int resumeDataFile(DataFile& file);
 
-// Puts head and auxiliary records into the file; the room suits zones of this size.
-int settle(DataFile& file, std::int64_t zoneBytes);
+// Writes the file header and auxiliary records, with padding sized for zones of `zoneBytes`.
+int writeHeader(DataFile& file, std::int64_t zoneBytes);
 
-// Puts the headers of all complete zones into the file.
+// Commits the current zone, and writes the headers of all zones.
 int flush(DataFile& file);
 
 // End of the first `count` headers in the file.
@@ -97,7 +98,7 @@ int dropZones(DataFile& file, std::size_t count);
 // Flushes and ends the data set.
 int finish(DataFile& file);
 
-// Makes `zone` the current one; a shared variable comes from the zone that has the values.
+// Makes `zone` the current one. A share is replaced by the zone that has the values.
 int beginZone(DataFile& file, Zone zone, std::int32_t& number);
 int setTime(DataFile& file, double time, std::int32_t strand);
 
@@ -107,8 +108,7 @@ int writeValues(DataFile& file, std::size_t variable, std::int64_t count, const 
 int writeNodes(DataFile& file, std::int64_t count, const std::int32_t* nodes,
                std::int32_t firstNode);
 
-// Names the current zone if all of it is in the file, and ends it; `refused` for one that is not
-// complete.
+// Commits the current zone, if there is one; returns `refused` while arrays are missing.
 int endZone(DataFile& file);
 
 } // namespace tecio

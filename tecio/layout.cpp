@@ -4,16 +4,16 @@
 #include <bit>
 #include <cstring>
 
-static_assert(std::endian::native == std::endian::little, "numbers are written as they stand");
+static_assert(std::endian::native == std::endian::little, "numbers are written as they are");
 
 namespace tecio {
 
 namespace {
 
 constexpr std::string_view magic = "#!TDV112";
-constexpr std::string_view roomName = "_";
-constexpr std::int64_t emptyRoomBytes = 20;
-constexpr std::int64_t leastRoomBytes = emptyRoomBytes + 4; // a value is never empty
+constexpr std::string_view paddingName = "_";
+constexpr std::int64_t emptyPaddingBytes = 20;
+constexpr std::int64_t leastPaddingBytes = emptyPaddingBytes + 4; // a value is never empty
 
 // By zone type.
 constexpr std::int64_t nodesPerElement[] = {0, 2, 3, 4, 4, 8};
@@ -174,11 +174,11 @@ Bytes dataHeadBytes(const Zone& zone) {
     return out;
 }
 
-Bytes roomFrom(std::int64_t at) {
+Bytes paddingAt(std::int64_t at) {
     const std::int64_t left = leftOnPage(at);
-    const std::int64_t size = left < leastRoomBytes ? left + pageBytes : left;
-    return auxBytes(roomName,
-                    std::string(static_cast<std::size_t>((size - emptyRoomBytes) / 4), ' '));
+    const std::int64_t size = left < leastPaddingBytes ? left + pageBytes : left;
+    return auxBytes(paddingName,
+                    std::string(static_cast<std::size_t>((size - emptyPaddingBytes) / 4), ' '));
 }
 
 Bytes headersEndBytes() {
@@ -193,20 +193,20 @@ std::int64_t leftOnPage(std::int64_t at) {
 
 void addHeader(Bytes& out, std::int64_t at, const Bytes& header) {
     const std::int64_t left = leftOnPage(at + sizeOf(out)) - sizeOf(header);
-    if (left != 0 && left < leastRoomBytes) endPage(out, at);
+    if (left != 0 && left < leastPaddingBytes) padPage(out, at);
     out += header;
 }
 
-void addRoom(Bytes& out, std::int64_t at, std::int64_t end) {
-    while (at + sizeOf(out) < end) out += roomFrom(at + sizeOf(out));
+void addPadding(Bytes& out, std::int64_t at, std::int64_t end) {
+    while (at + sizeOf(out) < end) out += paddingAt(at + sizeOf(out));
 }
 
-void endPage(Bytes& out, std::int64_t at) {
-    if ((at + sizeOf(out)) % pageBytes != 0) out += roomFrom(at + sizeOf(out));
+void padPage(Bytes& out, std::int64_t at) {
+    if ((at + sizeOf(out)) % pageBytes != 0) out += paddingAt(at + sizeOf(out));
 }
 
 std::int64_t pagesOf(const Bytes& header) {
-    return (sizeOf(header) + leastRoomBytes - 1) / pageBytes + 1;
+    return (sizeOf(header) + leastPaddingBytes - 1) / pageBytes + 1;
 }
 
 std::int32_t readInt(Reader& reader) {

@@ -6,19 +6,18 @@
 #include <vector>
 
 // The bytes of a data set. All numbers are little-endian, all texts have 4 bytes for each character
-// and a 0 behind them. A file is
+// and a 0 after them. A file is
 //
 //     head       "#!TDV112", byte order 1, file type 0, title, number of variables, their names
 //     records    799.0 for each value of the data set, 899.0 for each of a variable
 //     headers    299.0 for each zone, and
-//     room       799.0 records whose values are blanks: zone headers to come take their place
+//     padding    799.0 records whose values are blanks, which later zone headers replace
 //     357.0      end of the headers
 //     data       299.0 for each zone, in the order of the headers
 //
-// Nothing tells a position: all of them follow from the headers. No zone header lies on two pages
-// of the file unless it is as long as one, and room fills each of these pages up. So any of them
-// can be written anew while the file stays whole, and the system writes one page at once: a kill
-// does not cut it in two.
+// No position is stored: all of them follow from the headers. A zone header is on one page of the
+// file unless it is about as long as one, and padding fills each of these pages. So one page can be
+// rewritten while the file stays valid. The system writes a page at once: a kill does not cut it.
 namespace tecio {
 
 inline constexpr float zoneMarker = 299.0F;
@@ -52,11 +51,11 @@ inline constexpr std::int64_t rangeBytes = 16; // least and greatest value of a 
 std::int64_t valueBytes(std::int32_t type);
 std::int64_t valueCount(const Zone& zone, std::size_t variable);
 std::int64_t nodeMapCount(const Zone& zone);  // 0 when it is shared
-std::int32_t greatestShare(const Zone& zone); // of all zones that it takes something from
+std::int32_t greatestShare(const Zone& zone); // of all zones whose arrays it shares
 
 // Positions in the data of a zone, from its marker on.
 struct DataPart {
-    std::int64_t ranges = 0;          // those of the variables with values of their own
+    std::int64_t ranges = 0;          // of the variables that are not shared
     std::vector<std::int64_t> values; // of each variable; 0 for a shared one
     std::int64_t nodeMap = 0;
     std::int64_t size = 0;
@@ -67,26 +66,26 @@ Bytes headBytes(const Head& head);
 Bytes auxBytes(std::string_view name, std::string_view value);
 Bytes variableAuxBytes(std::int32_t variable, std::string_view name, std::string_view value);
 Bytes zoneHeaderBytes(const Zone& zone);
-Bytes dataHeadBytes(const Zone& zone); // what stands in front of the ranges
+Bytes dataHeadBytes(const Zone& zone); // the bytes before the ranges
 
 inline constexpr std::int64_t pageBytes = 4096;
 std::int64_t leftOnPage(std::int64_t at); // bytes from `at` to the end of its page
 
-// The record of room at this place of the file: up to the end of the page, or of the next one where
-// a page has too little left.
-Bytes roomFrom(std::int64_t at);
+// The padding record at this position: up to the end of the page, or of the next one if the page
+// has too few bytes left for a record.
+Bytes paddingAt(std::int64_t at);
 Bytes headersEndBytes();
 
-// All of these add to bytes that begin at `at` of the file: a zone header, behind room if it would
-// not fit on its page; room up to `end`; room up to the end of a page, unless they end there.
+// Append to `out`, which begins at `at` in the file: a zone header, after padding if it does not
+// fit on its page; padding up to `end`; padding up to the end of the page, unless `out` ends there.
 void addHeader(Bytes& out, std::int64_t at, const Bytes& header);
-void addRoom(Bytes& out, std::int64_t at, std::int64_t end);
-void endPage(Bytes& out, std::int64_t at);
+void addPadding(Bytes& out, std::int64_t at, std::int64_t end);
+void padPage(Bytes& out, std::int64_t at);
 
-// Pages that a header takes, with the padding after it, at most; 1 for all but very long ones.
+// Upper bound of the pages that a header and the padding after it take; 1 for all but long headers.
 std::int64_t pagesOf(const Bytes& header);
 
-// Takes bytes apart. A read that fails leaves `good` false and gives zeros and empty texts.
+// Reads values from bytes. A read that fails sets `good` to false and returns 0 or an empty text.
 struct Reader {
     std::string_view bytes;
     std::size_t position = 0;

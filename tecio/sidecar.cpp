@@ -14,20 +14,20 @@ using system_calls::OpenMode;
 namespace {
 
 constexpr std::string_view magic = "#!TVNSH2";
-constexpr std::int64_t markAt = 8;
+constexpr std::int64_t checkpointAt = 8;
 constexpr std::int64_t contentsAt = 24;
-constexpr Mark nothing{contentsAt, 14695981039346656037U};
+constexpr Checkpoint nothing{contentsAt, 14695981039346656037U};
 
-static_assert(sizeof(Mark) == contentsAt - markAt);
+static_assert(sizeof(Checkpoint) == contentsAt - checkpointAt);
 
-// The FNV-1a hash: one byte more needs no look at those before it.
-Mark extended(Mark mark, std::string_view bytes) {
-    mark.size += static_cast<std::int64_t>(bytes.size());
+// The FNV-1a hash, which can be extended without the bytes before.
+Checkpoint extended(Checkpoint checkpoint, std::string_view bytes) {
+    checkpoint.size += static_cast<std::int64_t>(bytes.size());
     for (const char c : bytes) {
-        mark.checksum ^= static_cast<unsigned char>(c);
-        mark.checksum *= 1099511628211U;
+        checkpoint.checksum ^= static_cast<unsigned char>(c);
+        checkpoint.checksum *= 1099511628211U;
     }
-    return mark;
+    return checkpoint;
 }
 
 int writeDurably(const Sidecar& sidecar, std::int64_t at, const void* from, std::int64_t size) {
@@ -35,33 +35,33 @@ int writeDurably(const Sidecar& sidecar, std::int64_t at, const void* from, std:
     return status == ok && sidecar.durable ? byte_file::sync(sidecar.file) : status;
 }
 
-int writeMark(const Sidecar& sidecar) {
-    return writeDurably(sidecar, markAt, &sidecar.marks.back(), sizeof(Mark));
+int writeCheckpoint(const Sidecar& sidecar) {
+    return writeDurably(sidecar, checkpointAt, &sidecar.checkpoints.back(), sizeof(Checkpoint));
 }
 
-// The bytes that count; `damagedSidecar` when the file does not hold them.
+// Reads the valid contents; returns `damagedSidecar` if the hash differs.
 int readContents(const byte_file::File& file, std::int64_t size, Bytes& contents) {
     char begin[contentsAt];
-    Mark mark;
+    Checkpoint checkpoint;
     if (size < contentsAt) return damagedSidecar;
     int status = byte_file::readAt(file, 0, begin, sizeof begin);
     if (status != ok) return status;
-    std::memcpy(&mark, begin + markAt, sizeof mark);
+    std::memcpy(&checkpoint, begin + checkpointAt, sizeof checkpoint);
     if (std::string_view(begin, magic.size()) != magic) return damagedSidecar;
-    if (mark.size < contentsAt || mark.size > size) return damagedSidecar;
-    contents.resize(static_cast<std::size_t>(mark.size - contentsAt));
-    status = byte_file::readAt(file, contentsAt, contents.data(), mark.size - contentsAt);
+    if (checkpoint.size < contentsAt || checkpoint.size > size) return damagedSidecar;
+    contents.resize(static_cast<std::size_t>(checkpoint.size - contentsAt));
+    status = byte_file::readAt(file, contentsAt, contents.data(), checkpoint.size - contentsAt);
     if (status != ok) return status;
-    return extended(nothing, contents).checksum == mark.checksum ? ok : damagedSidecar;
+    return extended(nothing, contents).checksum == checkpoint.checksum ? ok : damagedSidecar;
 }
 
 } // namespace
 
 int createSidecar(const std::string& path, const Head& head, Sidecar& sidecar) {
     const Bytes contents = headBytes(head);
-    sidecar.marks = {extended(nothing, contents)};
+    sidecar.checkpoints = {extended(nothing, contents)};
     Bytes all(magic);
-    all.append(reinterpret_cast<const char*>(&sidecar.marks.back()), sizeof(Mark));
+    all.append(reinterpret_cast<const char*>(&sidecar.checkpoints.back()), sizeof(Checkpoint));
     all += contents;
     file_replacement::Replacement replacement;
     int status = byte_file::openBeside(path, sidecar.file, replacement);
@@ -84,33 +84,33 @@ int openSidecar(const std::string& path, Sidecar& sidecar, Head& head, std::vect
     if (status != ok) return status;
     Reader reader{contents};
     head = readHead(reader);
-    sidecar.marks = {extended(nothing, reader.bytes.substr(0, reader.position))};
+    sidecar.checkpoints = {extended(nothing, reader.bytes.substr(0, reader.position))};
     while (reader.good && reader.position < contents.size()) {
         const std::size_t begin = reader.position;
         zones.push_back(readZone(reader, head.variables.size()));
         checksum = readWord(reader);
-        // A zone takes only what an earlier one has.
+        // A zone shares only arrays of earlier ones.
         const auto number = static_cast<std::int64_t>(zones.size());
         reader.good = reader.good && greatestShare(zones.back()) < number;
         const std::string_view bytes = reader.bytes.substr(begin, reader.position - begin);
-        sidecar.marks.push_back(extended(sidecar.marks.back(), bytes));
+        sidecar.checkpoints.push_back(extended(sidecar.checkpoints.back(), bytes));
     }
     return reader.good ? ok : damagedSidecar;
 }
 
-int nameZone(Sidecar& sidecar, const Zone& zone, std::uint64_t checksum) {
+int commitZone(Sidecar& sidecar, const Zone& zone, std::uint64_t checksum) {
     Bytes bytes = zoneHeaderBytes(zone) + dataHeadBytes(zone);
     bytes.append(reinterpret_cast<const char*>(&checksum), sizeof checksum);
-    const Mark& mark = sidecar.marks.back();
-    const int status = writeDurably(sidecar, mark.size, bytes.data(), sizeOf(bytes));
+    const Checkpoint& checkpoint = sidecar.checkpoints.back();
+    const int status = writeDurably(sidecar, checkpoint.size, bytes.data(), sizeOf(bytes));
     if (status != ok) return status;
-    sidecar.marks.push_back(extended(mark, bytes));
-    return writeMark(sidecar);
+    sidecar.checkpoints.push_back(extended(checkpoint, bytes));
+    return writeCheckpoint(sidecar);
 }
 
-int unnameZones(Sidecar& sidecar, std::size_t count) {
-    sidecar.marks.resize(count + 1);
-    return writeMark(sidecar);
+int rollbackZones(Sidecar& sidecar, std::size_t count) {
+    sidecar.checkpoints.resize(count + 1);
+    return writeCheckpoint(sidecar);
 }
 
 } // namespace tecio

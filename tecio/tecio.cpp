@@ -15,14 +15,14 @@ using tecio::refused;
 
 namespace {
 
-// The data sets that are open. One that a run left open goes when its name is opened again.
+// Open data sets. One that a run left open is discarded when its name is opened again.
 struct State {
     std::vector<std::unique_ptr<DataFile>> open;
-    bool durable = false; // those to come
+    bool durable = false; // for data sets opened later
 };
 State state;
 
-void forget(const std::string& path) {
+void closeAndDiscard(const std::string& path) {
     const auto gone = [&](const std::unique_ptr<DataFile>& file) {
         if (file->path != path) return false;
         byte_file::close(file->file);
@@ -39,7 +39,7 @@ DataFile* find(const void* handle) {
     return it == state.open.end() ? nullptr : it->get();
 }
 
-// Every call on a handle: remembers a failure, after which nothing more is written.
+// Runs a step of a call on a handle. After a failure nothing more is written.
 template<class Step>
 int32_t with(void* handle, Step step) {
     DataFile* file = find(handle);
@@ -77,12 +77,12 @@ int openDataSet(DataFile& file, const char* title, const char* variableList) {
     int status = io_layer::exists(tecio::sidecarPath(file.path), sidecarFound);
     if (status == io_layer::ok) status = io_layer::exists(file.path, found);
     if (status != io_layer::ok) return status;
-    return sidecarFound && found ? tecio::continueDataFile(file) : tecio::createDataFile(file);
+    return sidecarFound && found ? tecio::resumeDataFile(file) : tecio::createDataFile(file);
 }
 
 template<class Record>
 int addAux(DataFile& file, const char* value, Record record) {
-    if (file.settled) return refused;
+    if (file.headerWritten) return refused;
     const std::string_view text = value;
     if (text.find_first_not_of(' ') != std::string_view::npos) file.aux += record(text);
     return io_layer::ok;
@@ -120,7 +120,7 @@ int32_t tecFileWriterOpen(const char* fileName, const char* dataSetTitle, const 
     std::string path;
     try {
         path = std::string(fileName) + ".szplt";
-        forget(path);
+        closeAndDiscard(path);
         state.open.push_back(std::make_unique<DataFile>());
         DataFile& file = *state.open.back();
         file.path = path;
@@ -129,7 +129,7 @@ int32_t tecFileWriterOpen(const char* fileName, const char* dataSetTitle, const 
         if (status == io_layer::ok) *fileHandle = &file;
     } catch (const std::bad_alloc&) {
     }
-    if (status != io_layer::ok) forget(path);
+    if (status != io_layer::ok) closeAndDiscard(path);
     return status;
 }
 
@@ -139,7 +139,7 @@ int32_t tecFileWriterFlush(void* fileHandle, int32_t, const int32_t*) {
 
 int32_t tecFileWriterClose(void** fileHandle) {
     const int32_t status = with(*fileHandle, tecio::finish);
-    if (const DataFile* file = find(*fileHandle)) forget(std::string(file->path));
+    if (const DataFile* file = find(*fileHandle)) closeAndDiscard(std::string(file->path));
     *fileHandle = nullptr;
     return status;
 }

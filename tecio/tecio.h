@@ -3,39 +3,39 @@
 #include <stdint.h>
 
 /* Writes finite-element data sets for Tecplot. A data set NAME is the file NAME.szplt, in the
-   classic binary layout; while it is unfinished NAME.szplt.szhdr stands beside it and names all
-   zones that are complete, so that a later writer can go on from there.
+   classic binary layout; while it is unfinished NAME.szplt.szhdr beside it lists all complete
+   zones, with which a later writer resumes it.
 
    Texts end with a NUL byte. All functions return 0 when all is well, else a status of the I/O
    layer or one of these: 1 for arguments that do not fit what was said before, 2 for a NAME.szplt
    on disk that is damaged or none of ours, 3 for such a NAME.szplt.szhdr, 4 for a data set on disk
-   whose variables are others, 5 for one whose zone 1 has not the mesh, types and locations of the
-   first new zone. After a failure only the close may follow. */
+   with other variables, 5 for one whose zone 1 has another mesh, other types or other locations than
+   the first new zone. After a failure only the close may follow. */
 
 #ifdef __cplusplus
 extern "C" {
 #endif
 
 /* Opens the data set `fileName`, a name without extension. One with a NAME.szplt.szhdr is
-   continued: it keeps title and variables, and the data of its zones; a first new zone takes the
-   place of one with the same time and of all behind that. Any other is replaced. `variableList` has
-   the names with commas between them; an empty one stands for those that a continued data set has.
+   resumed: it keeps title, variables and zones. The first new zone replaces one with the same time
+   and all after that. Any other data set is replaced. `variableList` has the names with commas
+   between them; an empty one means those of the resumed data set.
    `fileFormat` is 1, `fileType` 0 (grid and solution in one), `gridFileHandle` null. */
 int32_t tecFileWriterOpen(const char* fileName, const char* dataSetTitle, const char* variableList,
                           int32_t fileFormat, int32_t fileType, int32_t defaultVarType,
                           void* gridFileHandle, void** fileHandle);
 
-/* Shows a reader of the file all zones so far. The zone at hand must be complete. */
+/* Writes the headers of all zones so far, for readers. The current zone must be complete. */
 int32_t tecFileWriterFlush(void* fileHandle, int32_t numZonesToRetain,
                            const int32_t* zonesToRetain);
 
-/* Flushes, cuts the file to its length, takes NAME.szplt.szhdr away and clears the handle. After a
+/* Flushes, cuts the file to its length, removes NAME.szplt.szhdr and clears the handle. After a
    failure, of an earlier call or in this one, the data set stays unfinished, as the last flush left
    it. */
 int32_t tecFileWriterClose(void** fileHandle);
 
 /* A name and a value of the data set, of a variable (from 1). Before the first new zone only; they
-   replace those that a continued data set has. A blank value is left out. */
+   replace those of a resumed data set. A blank value is left out. */
 int32_t tecDataSetAddAuxData(void* fileHandle, const char* name, const char* value);
 int32_t tecVarAddAuxData(void* fileHandle, int32_t var, const char* name, const char* value);
 
@@ -50,15 +50,15 @@ int32_t tecZoneCreateFE(void* fileHandle, const char* zoneTitle, int32_t zoneTyp
                         const int32_t* passiveVarList, int32_t connectivityShareZone,
                         int64_t numFaceConnections, int32_t faceNeighborMode, int32_t* zone);
 
-/* Time and strand of the zone at hand, ahead of its values. A zone without is static. */
+/* Time and strand of the current zone, before its values. A zone without is static. */
 int32_t tecZoneSetUnsteadyOptions(void* fileHandle, int32_t zone, double solutionTime,
                                   int32_t strand);
 
-/* The next node numbers of the zone at hand, element by element. */
+/* The next node numbers of the current zone, element by element. */
 int32_t tecZoneNodeMapWrite32(void* fileHandle, int32_t zone, int32_t partition,
                               int32_t nodesAreOneBased, int64_t count, const int32_t* nodes);
 
-/* The next values of a variable (from 1) of the zone at hand. `partition` is 0. */
+/* The next values of a variable (from 1) of the current zone. `partition` is 0. */
 int32_t tecZoneVarWriteFloatValues(void* fileHandle, int32_t zone, int32_t var, int32_t partition,
                                    int64_t count, const float* values);
 int32_t tecZoneVarWriteDoubleValues(void* fileHandle, int32_t zone, int32_t var, int32_t partition,

@@ -6,7 +6,7 @@
 
 namespace tecio {
 
-// Least and greatest of values of a type: 1 float, 2 double, 3 32-bit integer. NaN is left out.
+// Least and greatest value of an array of a type: 1 float, 2 double, 3 int32_t. NaN is left out.
 Range rangeOf(std::int32_t type, const void* values, std::int64_t count);
 
 } // namespace tecio

@@ -1,4 +1,5 @@
 #include "tecio/durability.hpp"
+#include "tests/power_cut.hpp"
 #include "tests/tecio_calls.hpp"
 #include "tools/data_set_file.hpp"
 #include "tvncommon/system_calls.hpp"
@@ -6,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <set>
@@ -351,6 +353,36 @@ TEST(TecioResume, AnyCallMayFail) {
         }
         ASSERT_NO_FATAL_FAILURE(expectTimes(2));
     }
+}
+
+// After a power cut while zones on several pages of headers are replaced, the next writer finds
+// those that were not, and can replace the others again.
+TEST(TecioResume, PowerCutWhileZonesAreReplaced) {
+    const Durable durable;
+    for (const std::size_t titleLength : {300U, 2500U}) {
+        title = std::string(titleLength, 'z');
+        const Folder folder;
+        open("V");
+        for (int time = 1; time <= 8; ++time) addZone(time);
+        EXPECT_EQ(flush(), 0);
+        system_calls::table = power_cut::recording(system_calls::systemTable());
+        open("V");
+        for (int time = 2; time <= 8; ++time) addZone(time);
+        EXPECT_EQ(flush(), 0);
+        system_calls::table.sync = [](int) { return 0; };
+        const std::vector<power_cut::Files> states =
+            power_cut::statesLeft(std::getenv("MESHRAKE_LONG_TESTS") != nullptr);
+        EXPECT_GT(states.size(), 10U);
+        for (std::size_t i = 0; i < states.size() && !HasFailure(); ++i) {
+            SCOPED_TRACE(testing::Message() << titleLength << ", state " << i);
+            for (const auto& [name, contents] : states[i]) sample_files::put(name, contents);
+            open("V");
+            for (int time = 2; time <= 8; ++time) addZone(time);
+            finish(8);
+        }
+        system_calls::table = system_calls::systemTable();
+    }
+    title = "z";
 }
 
 } // namespace

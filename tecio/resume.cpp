@@ -14,12 +14,12 @@ namespace {
 
 constexpr std::int64_t readBytes = 1048576;
 
-// Position behind the auxiliary records, which end where a zone header or the room begins.
+// End of the auxiliary records, which is where a zone header or padding begins.
 bool findAuxEnd(const DataFile& f, std::string_view bytes, std::int64_t& end) {
     Reader reader{bytes, static_cast<std::size_t>(f.auxAt)};
     for (;;) {
         end = static_cast<std::int64_t>(reader.position);
-        if (bytes.substr(reader.position).starts_with(roomFrom(end))) return true;
+        if (bytes.substr(reader.position).starts_with(paddingAt(end))) return true;
         const float marker = readFloat(reader);
         if (marker == zoneMarker) return true;
         if (marker == variableAuxMarker) readInt(reader);
@@ -31,9 +31,9 @@ bool findAuxEnd(const DataFile& f, std::string_view bytes, std::int64_t& end) {
     }
 }
 
-// There must be the headers of the first zones, and padding as it is written. Pages of one long
-// header, and of the padding at both ends of it, may be of neither kind where a run was killed
-// while it wrote or hid it: they count as a header. Finds the beginning of the data.
+// Requires the headers of the first zones, then padding, and finds the beginning of the data. A run
+// that was killed while it wrote or hid a header of several pages left pages of neither kind. They
+// count as an incomplete header.
 bool compareHeaders(DataFile& f, std::string_view bytes) {
     f.headerEnds.clear();
     f.headerIsCut = false;
@@ -49,7 +49,7 @@ bool compareHeaders(DataFile& f, std::string_view bytes) {
         const std::size_t zone = f.headerEnds.size();
         if (!f.headerIsCut && zone < f.zones.size() && take(zoneHeaderBytes(f.zones[zone]))) {
             f.headerEnds.push_back(at);
-        } else if (!take(roomFrom(at))) {
+        } else if (!take(paddingAt(at))) {
             const bool ends = take(headersEndBytes());
             f.dataAt = at;
             if (ends || longest == 1 || cutPages++ > longest) return ends;
@@ -61,7 +61,7 @@ bool compareHeaders(DataFile& f, std::string_view bytes) {
     }
 }
 
-// Reads as much of the file's begin as its headers take, which only they tell.
+// The length of the header region is known only after it was parsed: reads more until it fits.
 int checkHeader(DataFile& f, std::int64_t dataBytes) {
     const Bytes head = headBytes(f.head);
     f.auxAt = sizeOf(head);
@@ -79,7 +79,7 @@ int checkHeader(DataFile& f, std::int64_t dataBytes) {
     return ok;
 }
 
-// The data of each zone must begin as the sidecar says.
+// Compares the beginning of each zone's data with the sidecar.
 int checkData(DataFile& f) {
     f.dataEnd = f.dataAt;
     for (const Zone& zone : f.zones) {
@@ -93,8 +93,8 @@ int checkData(DataFile& f) {
     return f.dataEnd <= f.size ? ok : damagedData;
 }
 
-// What the last zone holds must be what was written: the checksum that the sidecar has for it. A
-// data set that is to be durable must have been so before.
+// Compares the data of the last zone with their checksum in the sidecar. A durable data set must
+// have been durable before.
 int checkLastZone(const DataFile& f, std::uint64_t checksum) {
     if (checksum == 0) return f.durable ? damagedSidecar : ok;
     const Zone& zone = f.zones.back();
@@ -125,8 +125,8 @@ int checkLastZone(const DataFile& f, std::uint64_t checksum) {
     return zoneChecksum(begin, arrays) == checksum ? ok : damagedData;
 }
 
-// Nothing is lost of a data set without zones, if that is what the file is.
-int beginAnew(DataFile& f) {
+// A data set without zones is replaced, since nothing is lost, if the file is one.
+int recreate(DataFile& f) {
     char found[8];
     if (f.size < std::int64_t{sizeof found}) return damagedData;
     const int status = byte_file::readAt(f.file, 0, found, sizeof found);
@@ -137,7 +137,7 @@ int beginAnew(DataFile& f) {
 
 } // namespace
 
-int continueDataFile(DataFile& f) {
+int resumeDataFile(DataFile& f) {
     Head there;
     std::uint64_t checksum = 0;
     if (openSidecar(sidecarPath(f.path), f.sidecar, there, f.zones, checksum) != ok)
@@ -145,7 +145,7 @@ int continueDataFile(DataFile& f) {
     int status = byte_file::open(f.path, OpenMode::update, f.file, f.size);
     if (status != ok) return status;
     const bool anyVariables = f.head.variables == std::vector<std::string>{""};
-    if (f.zones.empty()) return anyVariables ? refused : beginAnew(f);
+    if (f.zones.empty()) return anyVariables ? refused : recreate(f);
     if (!anyVariables && f.head.variables != there.variables) return otherVariables;
     f.head = there;
     std::int64_t dataBytes = 0;
@@ -154,7 +154,7 @@ int continueDataFile(DataFile& f) {
     if (status == ok) status = checkData(f);
     if (status == ok) status = checkLastZone(f, checksum);
     if (status == ok && f.headerIsCut) status = hideHeaders(f, f.headerEnds.size() - 1);
-    f.continued = true;
+    f.resumed = true;
     return status;
 }
 
