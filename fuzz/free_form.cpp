@@ -17,7 +17,7 @@ namespace {
 
 using fuzz::require;
 
-// As strtod spells it; empty for what is no number.
+// As strtod spells it; empty for any other text.
 std::string respelled(const std::string& text) {
     static const std::regex number(
         "([+-]?)(([0-9]+\\.?[0-9]*|\\.[0-9]+)([eEdD]([+-]?[0-9]+)|"
@@ -39,7 +39,7 @@ void compareReal(const std::string& text, Real (*convert)(const char*, char**)) 
     const bool good = !spelled.empty() && (named || std::isfinite(wanted));
     require((status == io_layer::ok) == good, "another status for " + text);
     if (!good)
-        require(value == 7, "a value of no number: " + text);
+        require(value == 7, "a value from an invalid number: " + text);
     else if (std::isnan(wanted))
         require(std::isnan(value), "a number for " + text);
     else

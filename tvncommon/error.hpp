@@ -38,8 +38,8 @@ void checkFileOpen(int iostat, std::string_view filename);
 void checkFileRead(int iostat, std::string_view filename);
 void checkFileWrite(int iostat, std::string_view filename);
 
-// Ends the run with the allocation banner when `stat` is not 0; `name` tells the array. Takes no
-// memory itself.
+// Ends the run with the allocation banner when `stat` is not 0; `name` is that of the array. Takes
+// no memory itself.
 void check_alloc(int stat, std::string_view name);
 
 // Writes a banner and returns, for a process that cannot end its run in order: the allocation

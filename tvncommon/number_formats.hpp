@@ -50,7 +50,7 @@ std::string exponentField(double value, int width, int digits);
 char* writeFixedField(double value, int width, int decimals, char* field);
 
 // `digits` significant digits (at most 17), right-aligned in `width` (at least 5) columns: fixed
-// notation with four blanks behind for zero and for magnitudes that round to 0.1 and more, but less
+// notation followed by four blanks for zero and for magnitudes that round to 0.1 and more, but less
 // than 10^digits; any other as `exponentField`.
 std::string generalField(double value, int width, int digits);
 

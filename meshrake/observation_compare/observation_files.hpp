@@ -3,7 +3,7 @@
 #include "meshrake/model/domain.hpp"
 
 // Field measurements from text files of free-form numbers: how many there are, then each on a line
-// of its own, or on several. What follows behind the last number of a measurement on its line is
+// of its own, or on several. What follows the last number of a measurement on its line is
 // passed over. Each reader builds the observation set of the run anew and, for pm with bricks of
 // eight nodes, locates its points in the elements. A count that the file cannot hold, a file that
 // ends too soon and what is no number end the run with the file's name.
