@@ -118,7 +118,7 @@ int digitCount(std::uint64_t number) {
 }
 
 // size * 10^decimals as the nearest integer, a tie to the even one. The product must be below
-// 9e15, so `size` is below 2^53 and has a last bit below 1.
+// 9e15, so `size` is below 2^53 and its last bit is 1 at most.
 std::uint64_t scaledInteger(double size, int decimals) {
     const auto bits = std::bit_cast<std::uint64_t>(size);
     const auto biased = static_cast<int>(bits >> 52);
@@ -127,6 +127,7 @@ std::uint64_t scaledInteger(double size, int decimals) {
     const int shift = 1075 - (biased > 0 ? biased : 1);
     wide_real_tables::uint128 product = significand;
     product *= powersOfTen[static_cast<std::size_t>(decimals)];
+    if (shift == 0) return static_cast<std::uint64_t>(product); // an integer from 2^52 on
     if (shift > 100) return 0;
     const auto whole = static_cast<std::uint64_t>(product >> shift);
     const wide_real_tables::uint128 half = wide_real_tables::uint128{1} << (shift - 1);
