@@ -157,10 +157,10 @@ std::string sidecarPath(const std::string& path) {
 }
 
 int createDataFile(DataFile& f) {
-    int status = createSidecar(sidecarPath(f.path), f.head, f.sidecar);
-    if (status == ok) status = byte_file::openBeside(f.path, f.file, f.replacement);
+    const int status = createSidecar(sidecarPath(f.path), f.head, f.sidecar);
+    f.sidecarFailed = status != ok;
     f.size = 0;
-    return status;
+    return status == ok ? byte_file::openBeside(f.path, f.file, f.replacement) : status;
 }
 
 int writeHeader(DataFile& f, std::int64_t zoneBytes) {

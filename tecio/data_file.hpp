@@ -50,6 +50,7 @@ struct DataFile {
     Sidecar sidecar;
     bool durable = false;
     bool failed = false;
+    bool sidecarFailed = false; // the sidecar could not be opened, read or created
 
     Head head;
     Bytes aux;                  // auxiliary records of this opening

@@ -4,6 +4,7 @@
 #include "tvncommon/io_layer.hpp"
 
 #include <algorithm>
+#include <utility>
 
 namespace tecio {
 
@@ -62,10 +63,10 @@ bool compareHeaders(DataFile& f, std::string_view bytes) {
 }
 
 // The length of the header region is known only after it was parsed: reads more until it fits.
-int checkHeader(DataFile& f, std::int64_t dataBytes) {
+// It has at most `most` bytes.
+int checkHeader(DataFile& f, std::int64_t most) {
     const Bytes head = headBytes(f.head);
     f.auxAt = sizeOf(head);
-    const std::int64_t most = f.size - dataBytes;
     Bytes bytes;
     for (std::int64_t size = 1048576;; size *= 4) {
         bytes.resize(static_cast<std::size_t>(std::max<std::int64_t>(std::min(size, most), 0)));
@@ -96,7 +97,7 @@ int checkData(DataFile& f) {
 // Compares the data of the last zone with their checksum in the sidecar. A durable data set must
 // have been durable before.
 int checkLastZone(const DataFile& f, std::uint64_t checksum) {
-    if (checksum == 0) return f.durable ? damagedSidecar : ok;
+    if (checksum == 0) return f.durable ? notDurable : ok;
     const Zone& zone = f.zones.back();
     const DataPart part = dataPartOf(zone);
     const std::int64_t zoneAt = f.dataEnd - part.size;
@@ -125,14 +126,19 @@ int checkLastZone(const DataFile& f, std::uint64_t checksum) {
     return zoneChecksum(begin, arrays) == checksum ? ok : damagedData;
 }
 
-// A data set without zones is replaced, since nothing is lost, if the file is one.
-int recreate(DataFile& f) {
-    char found[8];
-    if (f.size < std::int64_t{sizeof found}) return damagedData;
-    const int status = byte_file::readAt(f.file, 0, found, sizeof found);
+// A data set without zones is replaced, since nothing is lost. One with zones is not that of its
+// sidecar: the run that created the sidecar was killed before it replaced the data set.
+int recreate(DataFile& f, bool anyVariables) {
+    Bytes bytes(static_cast<std::size_t>(std::min(f.size, readBytes)), 0);
+    int status = byte_file::readAt(f.file, 0, bytes.data(), sizeOf(bytes));
     if (status != ok) return status;
-    const bool ours = headBytes(f.head).starts_with(std::string_view(found, sizeof found));
-    return ours ? createDataFile(f) : damagedData;
+    Reader reader{bytes};
+    Head wanted = std::exchange(f.head, readHead(reader));
+    if (!reader.good) return damagedData;
+    status = checkHeader(f, sizeOf(bytes));
+    f.head = std::move(wanted);
+    if (status != ok) return status == damagedData ? damagedSidecar : status;
+    return anyVariables ? refused : createDataFile(f);
 }
 
 } // namespace
@@ -140,17 +146,17 @@ int recreate(DataFile& f) {
 int resumeDataFile(DataFile& f) {
     Head there;
     std::uint64_t checksum = 0;
-    if (openSidecar(sidecarPath(f.path), f.sidecar, there, f.zones, checksum) != ok)
-        return damagedSidecar;
-    int status = byte_file::open(f.path, OpenMode::update, f.file, f.size);
+    int status = openSidecar(sidecarPath(f.path), f.sidecar, there, f.zones, checksum);
+    f.sidecarFailed = status != ok;
+    if (status == ok) status = byte_file::open(f.path, OpenMode::update, f.file, f.size);
     if (status != ok) return status;
     const bool anyVariables = f.head.variables == std::vector<std::string>{""};
-    if (f.zones.empty()) return anyVariables ? refused : recreate(f);
+    if (f.zones.empty()) return recreate(f, anyVariables);
     if (!anyVariables && f.head.variables != there.variables) return otherVariables;
     f.head = there;
     std::int64_t dataBytes = 0;
     for (const Zone& zone : f.zones) dataBytes += dataPartOf(zone).size;
-    status = checkHeader(f, dataBytes);
+    status = checkHeader(f, f.size - dataBytes);
     if (status == ok) status = checkData(f);
     if (status == ok) status = checkLastZone(f, checksum);
     if (status == ok && f.headerIsCut) status = hideHeaders(f, f.headerEnds.size() - 1);

@@ -8,5 +8,6 @@ inline constexpr int damagedData = 2;
 inline constexpr int damagedSidecar = 3;
 inline constexpr int otherVariables = 4;
 inline constexpr int otherZones = 5;
+inline constexpr int notDurable = 6;
 
 } // namespace tecio

@@ -2,6 +2,7 @@
 
 #include "tecio/data_file.hpp"
 #include "tecio/durability.hpp"
+#include "tecio/open_failure.hpp"
 #include "tecio/status.hpp"
 #include "tvncommon/io_layer.hpp"
 
@@ -19,6 +20,7 @@ namespace {
 struct State {
     std::vector<std::unique_ptr<DataFile>> open;
     bool durable = false; // for data sets opened later
+    bool sidecarFailed = false;
 };
 State state;
 
@@ -111,10 +113,15 @@ void tecio::setDurable(bool durable) {
     state.durable = durable;
 }
 
+bool tecio::sidecarFailed() {
+    return state.sidecarFailed;
+}
+
 int32_t tecFileWriterOpen(const char* fileName, const char* dataSetTitle, const char* variableList,
                           int32_t fileFormat, int32_t fileType, int32_t, void* gridFileHandle,
                           void** fileHandle) {
     *fileHandle = nullptr;
+    state.sidecarFailed = false;
     if (fileFormat != 1 || fileType != 0 || gridFileHandle) return refused;
     int status = io_layer::outOfMemory;
     std::string path;
@@ -126,6 +133,7 @@ int32_t tecFileWriterOpen(const char* fileName, const char* dataSetTitle, const 
         file.path = path;
         file.durable = file.sidecar.durable = state.durable;
         status = openDataSet(file, dataSetTitle, variableList);
+        state.sidecarFailed = file.sidecarFailed;
         if (status == io_layer::ok) *fileHandle = &file;
     } catch (const std::bad_alloc&) {
     }

@@ -246,15 +246,18 @@ TEST(Append, AnotherRunReplaces) {
     EXPECT_FALSE(std::filesystem::exists(pmSet + ".szhdr"));
 }
 
-// A first run over two times, and a second over three once the folder was changed. The second must
-// say what is wrong and leave all as it is.
+// A first run over two times, and a second, over two or three, once the folder was changed. The
+// second must say what is wrong and leave all as it is.
 class Refused : public testing::Test {
 protected:
     Refused() {
         putControl("", "", false);
         runOver(2);
-        putTimes(3);
         for (const std::string& name : {pmSet, sidecar, indexFile}) files[name] = get(name);
+        putTimes(3);
+        for (const auto& entry : std::filesystem::directory_iterator("."))
+            if (entry.path().extension() == ".0003")
+                thirdTime[entry.path().filename()] = get(entry.path());
     }
 
     void expectRefused(const std::string& banner) {
@@ -267,10 +270,21 @@ protected:
         for (const auto& [name, contents] : before) EXPECT_TRUE(get(name) == contents) << name;
     }
 
+    // Also by a run that finds no new output time.
+    void expectRefusedWithAnyTimes(const std::string& banner) {
+        for (const auto& [name, contents] : thirdTime) std::filesystem::remove(name);
+        expectRefused(banner);
+        write(thirdTime);
+        expectRefused(banner);
+    }
+
     void expectRefusedWith(const std::string& name, const Bytes& contents) {
         write(files);
         put(name, contents);
-        expectRefused(name);
+        const std::string damaged = "\nThe file is damaged: no zone can be appended to ";
+        expectRefusedWithAnyTimes(name == sidecar ? name + damaged + "its data set."
+                                  : name == pmSet ? name + damaged + "it."
+                                                  : name);
     }
 
     // With a bit of one byte in `step` changed.
@@ -286,7 +300,7 @@ protected:
 
     const std::string sidecar = pmSet + ".szhdr";
     const Folder folder;
-    Problem files;
+    Problem files, thirdTime;
 };
 
 TEST_F(Refused, DamagedFiles) {
@@ -309,6 +323,60 @@ TEST_F(Refused, DamagedFiles) {
     expectRefusedChanged(pmSet, 0, 24, 8);
     expectRefusedChanged(pmSet, header - 4, header + 1200, 20);
     expectRefusedChanged(pmSet, data, size, 7);
+}
+
+// What the system refuses is not damaged.
+TEST_F(Refused, ASidecarThatCannotBeRead) {
+    static int openError, readError, descriptor;
+    const std::string banner = "Failed to open file: to.pm.szplt.szhdr\nError detail: ";
+    for (const auto& [failsAtOpen, failsAtRead, detail] :
+         {std::tuple{EACCES, 0, "Permission to access file denied\nError number: 9"},
+          {EIO, 0, "Unknown error encountered opening file\nError number: 30"},
+          {0, EIO, "Error encountered during read statement\nError number: 39"}}) {
+        openError = failsAtOpen;
+        readError = failsAtRead;
+        system_calls::table = runs::keepingTable();
+        system_calls::table.open = [](const char* path, system_calls::OpenMode mode) {
+            const bool isSidecar = std::string_view(path).ends_with(".szhdr");
+            if (isSidecar && (errno = openError) != 0) return -1;
+            const int opened = system_calls::systemTable().open(path, mode);
+            descriptor = isSidecar ? opened : descriptor == opened ? -1 : descriptor;
+            return opened;
+        };
+        system_calls::table.readAt = [](int d, void* into, std::size_t size, std::int64_t from) {
+            if (d != descriptor) return system_calls::systemTable().readAt(d, into, size, from);
+            errno = readError;
+            return std::ptrdiff_t{-1};
+        };
+        expectRefusedWithAnyTimes(banner + detail);
+        system_calls::table = system_calls::systemTable();
+    }
+}
+
+// A run without append replaced the data set and was killed, before its first zone or after it.
+TEST_F(Refused, ADataSetOfARunWithoutAppend) {
+    const Bytes control = get("t.plot.control");
+    static bool beforeFirstZone;
+    for (const bool before : {true, false}) {
+        write(files);
+        write(thirdTime);
+        put("t.plot.control", "tecplot binary mode\nend\nwrite pm domain file\nend\n");
+        beforeFirstZone = before;
+        system_calls::table = runs::keepingTable();
+        system_calls::table.rename = [](const char* from, const char* to) {
+            const bool fails = beforeFirstZone && std::string_view(to).ends_with(".szplt");
+            return fails ? -1 : system_calls::systemTable().rename(from, to);
+        };
+        system_calls::table.sync = [](int) { return -1; };
+        EXPECT_EQ(runs::runHere().status, 1);
+        system_calls::table = system_calls::systemTable();
+        put("t.plot.control", control);
+        EXPECT_EQ(get(pmSet) == files[pmSet], before);
+        expectRefusedWithAnyTimes(
+            before ? sidecar + "\nThe file is damaged: no zone can be appended to its data set."
+                   : sidecar + "\nThe data set was left unfinished by a run without the option to "
+                               "append: no zone can be appended to it.");
+    }
 }
 
 TEST_F(Refused, ARunThatDoesNotFit) {

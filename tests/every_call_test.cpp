@@ -93,6 +93,7 @@ const Scenario scenarios[] = {
      }},
     {"Append", true, [] { prepareAppend(0, 0, true); }},
     {"Resume", true, [] { prepareAppend(2, 2, true); }},
+    {"ResumeWithoutNewTimes", true, [] { prepareAppend(4, 4, true); }},
     {"ResumeWithAnotherDataSet", true, [] { prepareAppend(2, 2, false); }},
     {"ResumeTakingZonesBack", true, [] { prepareAppend(3, 1, true); }}};
 

@@ -205,8 +205,8 @@ TEST(TecioResume, RefusesAnEditedSidecar) {
     EXPECT_EQ(tecFileWriterClose(&set), 0);
 }
 
-// A sidecar without zones fits the beginning of a data set only; one without a data set is
-// replaced.
+// A sidecar without zones fits a data set without zones only: any other is one that a writer was to
+// replace when it was killed. A sidecar without a data set is replaced.
 TEST(TecioResume, RecreatesADataSetWithoutZones) {
     const Folder folder;
     open("V");
@@ -216,12 +216,19 @@ TEST(TecioResume, RecreatesADataSetWithoutZones) {
     for (const std::string contents : {"", "short", "not a data set"}) {
         sample_files::put("s.szplt", contents);
         EXPECT_EQ(tryOpen("V"), 2);
+        EXPECT_EQ(tryOpen(""), 2);
         EXPECT_EQ(sample_files::get("s.szplt"), contents);
     }
     sample_files::put("s.szplt", begun);
+    open("W", "another title");
     open("V");
     addZone(1);
     EXPECT_EQ(flush(), 0);
+    const Bytes whole = sample_files::get("s.szplt");
+    std::filesystem::remove(sidecar);
+    open("V"); // as one that replaces the data set
+    for (const char* variables : {"V", ""}) EXPECT_EQ(tryOpen(variables), 3);
+    EXPECT_TRUE(sample_files::get("s.szplt") == whole);
     std::filesystem::remove("s.szplt");
     open("W");
     addZone(1);
@@ -288,7 +295,7 @@ TEST(TecioResume, ComparesTheLastZone) {
     addZone(1);
     EXPECT_EQ(flush(), 0);
     const Durable durable;
-    EXPECT_EQ(tryOpen("V"), 3); // was not durable
+    EXPECT_EQ(tryOpen("V"), 6); // was not durable
 }
 
 int callsLeft; // the last one fails

@@ -2,6 +2,7 @@
 
 #include "meshrake/model/run_state.hpp"
 #include "tecio/durability.hpp"
+#include "tecio/open_failure.hpp"
 #include "tecio/tecio.h"
 #include "tvncommon/StringHelpers.hpp"
 #include "tvncommon/byte_file.hpp"
@@ -25,12 +26,12 @@ namespace {
 // Every zone with a time belongs to it.
 constexpr std::int32_t strand = 1;
 
+// Status of an open that names no variables.
+constexpr std::int32_t withoutZones = 1;
+
 std::string trimmed(std::string_view text) {
     return std::string(StringHelpers::trimRight(text));
 }
-
-// Statuses above are those of the I/O layer.
-constexpr std::int32_t greatestOwnStatus = 5;
 
 // As tecio.h tells it; 1 for any failure of another library.
 std::int32_t ownStatus(std::int32_t status) {
@@ -77,8 +78,14 @@ std::string openFailure(std::int32_t status, const std::string& path) {
         return path + ".szhdr\nThe file is damaged: no zone can be appended to its data set.";
     case 4:
         return path + "\nThe data set has other variables than this run.";
+    case 6:
+        return path + ".szhdr\nThe data set was left unfinished by a run without the option to "
+                      "append: no zone can be appended to it.";
     default:
-        return path;
+        if constexpr (MESHRAKE_OWN_TECIO)
+            return path + (tecio::sidecarFailed() ? ".szhdr" : "");
+        else
+            return path;
     }
 }
 
@@ -102,17 +109,19 @@ std::int32_t zoneTypeCode(std::string_view zoneType) {
 
 // A run that was cut short, after its last output time was recorded, may have left zones that a
 // reader of the file does not see yet. Where no further time has come, this run writes no zone; it
-// shows those. A data set that cannot be continued stays as it is.
+// shows those. A damaged data set ends the run; one without sidecar, which was finished, or without
+// zones stays as it is.
 void showZonesOfEarlierRun(const Domain& domain) {
     if (!MESHRAKE_OWN_TECIO || !continuesOutput()) return;
     if (!domain.exists || !domain.writeDomain.enabled) return;
-    const std::string name = model::problemFile(domain.name);
-    if (!file_units::exists(name + ".szplt") || !file_units::exists(name + ".szplt.szhdr")) return;
+    const std::string name = model::problemFile(domain.name), path = name + ".szplt";
+    if (!file_units::exists(path) || !file_units::exists(path + ".szhdr")) return;
     void* handle = nullptr;
     if constexpr (MESHRAKE_OWN_TECIO) tecio::setDurable(true);
     const std::int32_t status = tecFileWriterOpen(name.c_str(), "", "", 1, 0, 0, nullptr, &handle);
-    if (status > greatestOwnStatus) error::checkFileOpen(status, name + ".szplt");
-    if (status == 0) error::checkFileWrite(tecFileWriterFlush(handle, 0, nullptr), name + ".szplt");
+    if (status == withoutZones) return;
+    error::checkFileOpen(status, openFailure(status, path));
+    error::checkFileWrite(tecFileWriterFlush(handle, 0, nullptr), path);
 }
 
 double timeOf(std::string_view text, const Domain& domain) {
