@@ -147,6 +147,26 @@ TEST_F(IoLayer, Lines) {
     }
 }
 
+// What is cut off would be lost without a word to a caller that takes the whole line.
+TEST_F(IoLayer, LongLines) {
+    const std::string longest(longestLine, ' ');
+    put("file", longest + "\n" + longest + "1\r\nnext\n");
+    const int unit = file_units::openTextRead("file");
+    std::string line;
+    EXPECT_EQ(readLine(unit, line), ok);
+    EXPECT_EQ(readLine(unit, line, LongLine::cut), ok);
+    EXPECT_EQ(line, longest);
+    EXPECT_EQ(readLine(unit, line, LongLine::cut), ok);
+    EXPECT_EQ(line, "next");
+    EXPECT_EQ(rewind(unit), ok);
+    EXPECT_EQ(readLine(unit, line), ok);
+    EXPECT_EQ(readLine(unit, line), invalidData);
+    EXPECT_EQ(rewind(unit), ok);
+    EXPECT_TRUE(file_units::readLine(unit, line));
+    expectEnd("INPUT", "Error reading file: file\nA line has more than 1048576 characters.",
+              [&] { file_units::readLine(unit, line); });
+}
+
 TEST_F(IoLayer, ScreensShowNoControlCharacters) {
     const std::string text = "\x1b[2J\r\b"s + '\0' + "\x7f\t\n \xC3\xA9\x9b";
     const std::string shown = "?[2J????\t\n \xC3\xA9\x9b";

@@ -105,9 +105,12 @@ void rewind(int unit) {
     checkRead(unit, status);
 }
 
-bool readLine(int unit, std::string& line) {
-    const int status = io_layer::readLine(unit, line);
+bool readLine(int unit, std::string& line, io_layer::LongLine longLine) {
+    const int status = io_layer::readLine(unit, line, longLine);
     if (status == io_layer::endOfFile) return false;
+    if (status == io_layer::invalidData)
+        badContents(unit, "A line has more than " + std::to_string(io_layer::longestLine) +
+                              " characters.");
     checkRead(unit, status);
     return true;
 }

@@ -45,7 +45,8 @@ void writeBlock(int unit, const char* block, std::size_t size);
 void rewind(int unit);
 
 // Next line into `line`; false at the end of the file.
-bool readLine(int unit, std::string& line);
+bool readLine(int unit, std::string& line,
+              io_layer::LongLine longLine = io_layer::LongLine::refused);
 
 // The first bytes of one record into an array or a single value.
 void readRecord(int unit, void* into, std::int64_t size);

@@ -20,7 +20,6 @@ using system_calls::table;
 constexpr std::size_t writeBufferSize = 32768;
 constexpr std::int64_t roomFrom = 8388608; // size from which a file grows by steps
 constexpr std::int64_t roomStep = 67108864;
-constexpr std::size_t longestLine = 1048576;
 constexpr std::size_t longestName = 300;
 // On a file system that numbers a file differently each time, no attempt finds it again.
 constexpr int mostAttempts = 100;
@@ -332,7 +331,7 @@ Form formOf(int unit) {
     return c ? c->form : Form::unconnected;
 }
 
-int readLine(int unit, std::string& line) {
+int readLine(int unit, std::string& line, LongLine longLine) {
     line.clear();
     Connection* c = find(unit);
     if (!c) return readFailed;
@@ -348,8 +347,9 @@ int readLine(int unit, std::string& line) {
         const void* lineFeed = std::memchr(begin, '\n', held);
         const std::size_t n =
             lineFeed ? static_cast<std::size_t>(static_cast<const char*>(lineFeed) - begin) : held;
-        line.append(begin, std::min(n, longestLine - line.size()));
-        if (line.size() == longestLine && c->size == unbounded) return readFailed;
+        const std::size_t kept = std::min(n, longestLine - line.size());
+        if (kept < n && (longLine == LongLine::refused || c->size == unbounded)) return invalidData;
+        line.append(begin, kept);
         c->readBegin += n + (lineFeed ? 1 : 0);
         c->position += static_cast<std::int64_t>(n + (lineFeed ? 1 : 0));
         if (lineFeed) break;

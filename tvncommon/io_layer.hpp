@@ -19,6 +19,7 @@ inline constexpr int screen = -1;
 inline constexpr int standardError = 0;
 inline constexpr int firstUnit = 1100;
 inline constexpr int lastUnit = 20000;
+inline constexpr std::size_t longestLine = 1048576; // bytes
 
 // Status numbers of this layer.
 inline constexpr int ok = 0;
@@ -86,10 +87,14 @@ int openTextLocked(int unit, const std::string& path, Flush flush, bool wait);
 enum class Form { unconnected, formatted, unformatted };
 Form formOf(int unit);
 
-// Next line without its line end; `endOfFile` when there is none. A last line without a line feed
-// counts. A carriage return in front of the line feed is dropped, and so is what goes beyond a
-// mebibyte; on the standard input, which need not end, so long a line fails.
-int readLine(int unit, std::string& line);
+// A line of more than a mebibyte: an error, or cut there for a caller that takes fewer columns. The
+// standard input, which need not end, always refuses it.
+enum class LongLine { refused, cut };
+
+// Next line without its line end; `endOfFile` when there is none, `invalidData` for a line that is
+// refused. A last line without a line feed counts. A carriage return in front of the line feed is
+// dropped.
+int readLine(int unit, std::string& line, LongLine longLine = LongLine::refused);
 // Standard output and standard error show `?` for each ASCII control character other than line feed
 // and tab; files take all bytes as they are.
 int writeText(int unit, std::string_view text);

@@ -49,7 +49,7 @@ bool addUp(std::span<const double> shape) {
 int readCacheLine(int unit, std::int32_t& element, std::span<double> shape) {
     std::string text;
     const std::int64_t begin = io_layer::bytesLeft(unit);
-    const int status = io_layer::readLine(unit, text);
+    const int status = io_layer::readLine(unit, text, io_layer::LongLine::cut);
     if (status != io_layer::ok) return status;
     const bool isShort = text.size() < lineWidth;
     if (isShort && StringHelpers::trimRight(text).size() != trimmedWidth)

@@ -24,7 +24,7 @@ constexpr std::size_t mostNames = 1000;
 constexpr std::size_t nameLengthLimit = 300;
 
 bool nextLine(int unit, std::string& line) {
-    if (!file_units::readLine(unit, line)) return false;
+    if (!file_units::readLine(unit, line, io_layer::LongLine::cut)) return false;
     line = StringHelpers::cut(line, lineLength);
     return true;
 }

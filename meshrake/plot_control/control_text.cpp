@@ -3,6 +3,7 @@
 #include "tvncommon/StringHelpers.hpp"
 #include "tvncommon/error.hpp"
 #include "tvncommon/file_units.hpp"
+#include "tvncommon/io_layer.hpp"
 
 namespace plot_control {
 
@@ -14,7 +15,7 @@ constexpr std::string_view includeWord = "include";
 // Next line that is no comment, without its leading blanks; false at the end.
 bool nextLine(int unit, std::string& line) {
     std::string raw;
-    while (file_units::readLine(unit, raw)) {
+    while (file_units::readLine(unit, raw, io_layer::LongLine::cut)) {
         line = StringHelpers::trimLeft(StringHelpers::cut(raw, lineLimit));
         if (!line.empty() && line.front() != '!') return true;
     }
