@@ -143,6 +143,7 @@ int factsOf(int descriptor, FileFacts& facts) {
     if (!f) return -1;
     facts.kind = f->bytes ? FileKind::regular : FileKind::folder;
     facts.size = f->bytes ? static_cast<std::int64_t>(f->bytes->size()) : 0;
+    facts.number = std::hash<std::string>()(f->name);
     return 0;
 }
 
@@ -183,6 +184,7 @@ system_calls::Table memoryTable() {
     table.setPermissions = [](int d, unsigned) { return findOpen(d) ? 0 : -1; };
     table.namedFacts = [](const char* path, FileFacts& facts) {
         facts = {};
+        facts.number = std::hash<std::string>()(path);
         return find(path) ? 0 : failure(ENOENT);
     };
     table.readLink = [](const char* path, char*, std::size_t) -> std::ptrdiff_t {

@@ -95,6 +95,22 @@ TEST(StrangeFiles, InThePlaceOfOutput) {
         }
 }
 
+// The scratch file is emptied before the control file is read.
+TEST(StrangeFiles, AScratchFileThatIsTheControlFile) {
+    for (const bool symbolic : {false, true}) {
+        const Folder folder;
+        write(twoTimes());
+        const Bytes before = get("t.plot.control");
+        if (symbolic)
+            std::filesystem::create_symlink("t.plot.control", "scratch_plot");
+        else
+            std::filesystem::create_hard_link("t.plot.control", "scratch_plot");
+        const Ran ran = runs::runProgram("", "", "exec timeout 20");
+        runs::expectFailure(ran, {"\nFailed to open file: scratch_plot\n"});
+        EXPECT_EQ(get("t.plot.control"), before);
+    }
+}
+
 TEST(StrangeFiles, WhatTheRunCanDoWithout) {
     const Folder folder;
     write(twoTimes());

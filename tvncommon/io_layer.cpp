@@ -69,6 +69,8 @@ int open(int unit, const std::string& path, OpenMode mode, Form form,
     }
     c.size = facts.size;
     c.regular = facts.kind == system_calls::FileKind::regular;
+    c.device = facts.device;
+    c.number = facts.number;
     state.connections[unit] = std::move(c);
     return ok;
 }
@@ -114,6 +116,14 @@ int compareIdentity(const std::string& path, const system_calls::FileFacts& fact
     return found || errno == ENOENT ? ok : statusOfOpen(errno);
 }
 
+// A link may give one file two names: that of the input and that of the output.
+bool isInput(const system_calls::FileFacts& facts) {
+    return std::any_of(state.connections.begin(), state.connections.end(), [&](const auto& entry) {
+        const Connection& c = entry.second;
+        return c.regular && !c.writing && c.device == facts.device && c.number == facts.number;
+    });
+}
+
 // One attempt; `done` when the file of this name is locked and empty, or needs no lock. The last
 // attempt takes any file.
 int openLocked(Connection& c, bool wait, bool last, bool& done) {
@@ -124,6 +134,7 @@ int openLocked(Connection& c, bool wait, bool last, bool& done) {
     int status = lock(c.descriptor, wait);
     if (status == ok) status = compareIdentity(c.path, facts, done);
     if (status != ok || (!done && !last)) return status;
+    if (isInput(facts)) return openFailed;
     done = true;
     const bool emptied = table.facts(c.descriptor, facts) == 0 &&
                          (facts.size == 0 || truncate(c.descriptor, 0) == ok);

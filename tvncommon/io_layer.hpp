@@ -80,7 +80,8 @@ int openRecordsBeside(int unit, const std::string& path);
 
 // Opens a text for writing and takes an exclusive advisory lock, which ends with the unit, before
 // it empties the file. Without `wait` the status is `lockedElsewhere` if another process holds it.
-// What is no regular file, or is on a file system without locks, is opened without one.
+// What is no regular file, or is on a file system without locks, is opened without one. Fails for a
+// file that another unit reads.
 int openTextLocked(int unit, const std::string& path, Flush flush, bool wait);
 
 // What a unit is open for: lines of text, records, or nothing.

@@ -23,7 +23,8 @@ struct Connection {
     int descriptor = -1;
     std::string path;
     bool writing = false;
-    bool regular = false; // a file on a disk, whose space can be reserved
+    bool regular = false;                 // a file on a disk, whose space can be reserved
+    std::uint64_t device = 0, number = 0; // identity of the file
     Form form = Form::formatted;
     Flush flushing = Flush::inBlocks;
     std::string held;             // text that is not written yet

@@ -33,8 +33,9 @@ int openScratchFile() {
 }
 
 void readControl(const std::string& name, Domains& domains) {
-    const int scratch = openScratchFile();
+    // Opened first, so that a scratch file that is a link to it is refused.
     const int control = file_units::openTextRead(name);
+    const int scratch = openScratchFile();
     plot_control::strip_comments(control, scratch);
     file_units::freeUnit(control);
     error::checkFileOpen(io_layer::openTextRead(run.controlUnit, scratchFile), scratchFile);
