@@ -78,11 +78,14 @@ void runMeshrake(int argc, const char* const* argv, bool legacyVtk) {
     run.paraviewMode = run.bcLocationOutput = legacyVtk;
     header(io_layer::screen);
     readCommandLine(argc, argv);
-    run.problemPrefix = getModelPrefix(".skiv");
+    bool answered = false;
+    run.problemPrefix = getModelPrefix(".skiv", answered);
 
     // From here on every banner stands in the echo file too.
     openEchoFile();
     header(run.echoUnit);
+    // Only now: a run that is refused because another one holds the lock changes no file.
+    if (answered) writeBatchFile(run.problemPrefix);
     error::warningMsg("Meshrake has been deprecated and will be removed in a future release.\n"
                       "We recommend using tvn2vtu for post-processing going forward.");
 

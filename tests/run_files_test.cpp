@@ -165,10 +165,11 @@ struct Lock {
 TEST_F(RunFiles, TwoRunsOfOnePrefix) {
     put("to.meshrake.eco", "of the other run");
     put("t.plot.control", "end\nwrite pm domain file\n");
-    const Problem before = files();
-    {
+    for (const char* batch : {"nosuch\n", "t\n"}) {
+        put("batch.pfx", batch);
+        const Problem before = files();
         const Lock lock("to.meshrake.eco");
-        const Ran ran = runs::runProgram("", "", "exec timeout 20");
+        const Ran ran = runs::runProgram("", "t\n", "exec timeout 20");
         runs::expectFailure(ran, {"ERROR, HALTING EXECUTION ***\n", "\nAnother run is using t\n"});
         EXPECT_EQ(get("to.meshrake.eco"), "of the other run");
         EXPECT_EQ(files(), before);
@@ -189,6 +190,36 @@ TEST_F(RunFiles, TwoRunsOfOnePrefix) {
         EXPECT_THAT(ran.errors,
                     HasSubstr(status == 0 ? "" : "Failed to open file: to.meshrake.eco"));
     }
+}
+
+// A run that answers the prompt replaces the file that all prefixes of the folder share.
+TEST_F(RunFiles, TwoPrefixesAtOnce) {
+    put("t.plot.control", "end\n");
+    for (const auto& [name, contents] : Problem(files()))
+        if (name.starts_with("t")) put("u" + name.substr(1), contents);
+    for (int pair = 0; pair < 20; ++pair) {
+        std::filesystem::remove("batch.pfx");
+        const int status = std::system("one() { echo $1 | timeout 20 " MESHRAKE_PROGRAM
+                                       " >$1.screen 2>$1.errors; echo $? >$1; }\n"
+                                       "one t & one u & wait");
+        EXPECT_EQ(status, 0);
+        for (const std::string name : {"t", "u"}) {
+            if (get(name) == "0\n") continue;
+            // One that begins late finds the prefix of the other in the file.
+            EXPECT_EQ(get(name), "1\n");
+            EXPECT_THAT(get(name + ".errors"), HasSubstr("\nAnother run is using "));
+        }
+        EXPECT_THAT(get("batch.pfx"), testing::AnyOf("t\n", "u\n"));
+    }
+    // Another run that is still writing the new file.
+    put("batch.pfx", "nosuch\n");
+    put("batch.pfx.unfinished", "of the other run");
+    const Lock lock("batch.pfx.unfinished");
+    const Ran ran = runs::runProgram("", "t\n", "exec timeout 20");
+    EXPECT_EQ(ran.status, 0) << ran.errors;
+    EXPECT_THAT(ran.screen, HasSubstr("\nFailed to generate batch.pfx file with prefix t\n"));
+    EXPECT_EQ(get("batch.pfx"), "nosuch\n");
+    EXPECT_EQ(get("batch.pfx.unfinished"), "of the other run");
 }
 
 // The file is not touched while another run has it; a run that has waited for one that is gone

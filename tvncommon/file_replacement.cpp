@@ -19,6 +19,7 @@ using system_calls::table;
 
 constexpr int mostLinks = 40; // as many as the system follows
 constexpr std::size_t longestLink = 4096;
+constexpr int mostAttempts = 100; // to create a file that other processes remove or lock
 
 // Replaces `name` by what it links to, also where that does not exist.
 int followLinks(std::string& name) {
@@ -41,10 +42,51 @@ bool refusedByFolder(int error) {
     return error == EACCES || error == EPERM || error == EROFS || error == ENAMETOOLONG;
 }
 
+// Locks the open file. False if another process has the lock, or has removed or renamed the file.
+// Where the file system has no locks only the name counts.
+bool own(int descriptor, const std::string& name) {
+    const bool locked = restart([=] { return table.lock(descriptor, false); }) == 0;
+    if (!locked && errno == EWOULDBLOCK) return false;
+    FileFacts opened, named;
+    return table.facts(descriptor, opened) == 0 && table.namedFacts(name.c_str(), named) == 0 &&
+           opened.device == named.device && opened.number == named.number;
+}
+
+// What an open for writing says of a folder, a pipe, a link to nothing or to itself, and of a file
+// that is not this user's: it cannot be locked, and is removed if the system permits it.
+bool cannotBeLocked(int error) {
+    return error == ENOENT || error == EISDIR || error == ENXIO || error == ELOOP ||
+           error == EACCES;
+}
+
+// Removes what has the name of the new file, unless another process holds its lock.
+int removeLeftOver(const std::string& made) {
+    const int descriptor = restart([&] { return table.open(made.c_str(), OpenMode::existing); });
+    if (descriptor < 0 && !cannotBeLocked(errno)) return -1;
+    const bool removable = descriptor < 0 || own(descriptor, made);
+    const int result = removable ? table.remove(made.c_str()) : 0;
+    const int error = errno;
+    if (descriptor >= 0) table.close(descriptor);
+    errno = error;
+    return result == 0 || error == ENOENT ? 0 : -1;
+}
+
+// Runs of several problems in one folder share `batch.pfx`. The lock keeps the new file of one from
+// the others until it has its final name; it fails with EEXIST while another process holds it.
+int createLocked(const std::string& made) {
+    for (int attempt = 1;; ++attempt) {
+        const int descriptor = restart([&] { return table.open(made.c_str(), OpenMode::create); });
+        if (descriptor >= 0 && own(descriptor, made)) return descriptor;
+        if (descriptor >= 0) table.close(descriptor);
+        if (descriptor < 0 && errno != EEXIST) return -1;
+        if (attempt == mostAttempts) return errno = EEXIST, -1;
+        if (removeLeftOver(made) != 0) return -1;
+    }
+}
+
 // The new file, with the permissions of the `old` one if there is one; -1 with `errno` on failure.
 int create(const std::string& made, const FileFacts* old) {
-    if (table.remove(made.c_str()) != 0 && errno != ENOENT) return -1;
-    const int descriptor = restart([&] { return table.open(made.c_str(), OpenMode::create); });
+    const int descriptor = createLocked(made);
     if (descriptor < 0 || !old) return descriptor;
     FileFacts facts;
     if (table.facts(descriptor, facts) == 0 &&

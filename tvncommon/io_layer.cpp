@@ -125,7 +125,7 @@ bool isInput(const system_calls::FileFacts& facts) {
 }
 
 // One attempt; `done` when the file of this name is locked and empty, or needs no lock. The last
-// attempt takes any file.
+// attempt takes any file. A file that is open for reading is not emptied.
 int openLocked(Connection& c, bool wait, bool last, bool& done) {
     system_calls::FileFacts facts;
     if (table.facts(c.descriptor, facts) != 0) return openFailed;
@@ -261,8 +261,8 @@ int releaseUnit(int unit) {
     int status = c->writing ? flushHeld(*c) : ok;
     // Gives the room back that was not needed; the size of the file stays.
     if (c->roomEnd > c->written && truncate(c->descriptor, c->written) != ok) status = writeFailed;
+    file_replacement::discard(c->replacement); // its lock ends with the descriptor
     if (table.close(c->descriptor) != 0 && c->writing && status == ok) status = writeFailed;
-    file_replacement::discard(c->replacement);
     state.connections.erase(unit);
     return status;
 }
@@ -272,13 +272,10 @@ int commitUnit(int unit) {
     if (!c) return writeFailed;
     int status = flushHeld(*c);
     if (status == ok) status = sync(c->descriptor);
-    file_replacement::Replacement replacement = std::move(c->replacement);
-    c->replacement = {};
+    // The data are on the disk: the close has nothing more to report.
+    if (status == ok) status = file_replacement::commit(c->replacement);
     const int released = releaseUnit(unit);
-    if (status == ok) status = released;
-    if (status == ok) return file_replacement::commit(replacement);
-    file_replacement::discard(replacement);
-    return status;
+    return status == ok ? released : status;
 }
 
 int releaseAll(std::string& path) {

@@ -61,7 +61,7 @@ bool unitTaken(int unit);
 // new file that was not committed is removed.
 int releaseUnit(int unit);
 // The same for a unit of `openTextBeside` or `openRecordsBeside`, whose new file, once it is on the
-// disk, takes the place of the old one. A failure keeps the old file.
+// disk, takes the place of the old one. A failure up to then keeps the old file.
 int commitUnit(int unit);
 // Releases all units and returns the first failure, with the file's name in `path`.
 int releaseAll(std::string& path);

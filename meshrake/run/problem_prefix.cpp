@@ -67,21 +67,12 @@ bool isProblem(const std::string& prefix, std::string_view extension) {
     return false;
 }
 
-void writeBatchFile(const std::string& prefix) {
-    const int unit = file_units::getUnit();
-    if (io_layer::openTextBeside(unit, batchFile) != io_layer::ok) {
-        writeScreen("Failed to generate batch.pfx file with prefix " + prefix);
-        return file_units::freeUnit(unit);
-    }
-    file_units::writeLine(unit, prefix);
-    file_units::commitUnit(unit);
-}
-
 } // namespace
 
-std::string getModelPrefix(std::string_view extension) {
+std::string getModelPrefix(std::string_view extension, bool& answered) {
     std::string prefix;
-    if (readBatchFile(prefix) && isProblem(prefix, extension)) return prefix;
+    answered = !readBatchFile(prefix) || !isProblem(prefix, extension);
+    if (!answered) return prefix;
     writeScreen("Switching to interactive mode");
     for (int lines = 0;;) {
         writeScreen("Enter prefix of problem filename...");
@@ -90,8 +81,17 @@ std::string getModelPrefix(std::string_view extension) {
         if (isProblem(prefix, extension)) break;
         writeScreen("Please try again...");
     }
-    writeBatchFile(prefix);
     return prefix;
+}
+
+void writeBatchFile(const std::string& prefix) {
+    const int unit = file_units::getUnit();
+    if (io_layer::openTextBeside(unit, batchFile) != io_layer::ok) {
+        writeScreen("Failed to generate batch.pfx file with prefix " + prefix);
+        return file_units::freeUnit(unit);
+    }
+    file_units::writeLine(unit, prefix);
+    file_units::commitUnit(unit);
 }
 
 } // namespace run_driver
