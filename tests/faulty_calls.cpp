@@ -163,7 +163,7 @@ const Kind allKinds[] = {
     {"flock", Effect::none, true, {ENOLCK, EIO}, Entry<&Table::lock>::wrap},
     {"unlink", Effect::change, false, {EIO, EACCES, EPERM}, Entry<&Table::remove>::wrap},
     {"chmod", Effect::change, false, {EPERM, EIO, EROFS}, Entry<&Table::setPermissions>::wrap},
-    {"lstat", Effect::none, false, {EIO, ESTALE, EACCES}, Entry<&Table::namedFacts>::wrap},
+    {"stat (facts)", Effect::none, false, {EIO, ESTALE, EACCES}, Entry<&Table::namedFacts>::wrap},
     {"readlink", Effect::none, false, {EIO, ELOOP, EACCES}, Entry<&Table::readLink>::wrap},
     {"allocation", Effect::none, false, {ENOMEM}, Entry<&Table::allocate>::wrap}};
 

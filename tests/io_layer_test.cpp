@@ -252,6 +252,14 @@ TEST_F(IoLayer, StatusOfAnOpen) {
         EXPECT_EQ(openTextReplace(takeUnit(), path, Flush::inBlocks),
                   path == "missing" ? ok : status);
     }
+    for (const auto& [length, status] : std::map<std::size_t, int>{{300, ok}, {301, invalidPath}}) {
+        const std::string path = "." + std::string(length - 5, '/') + "file";
+        bool found = false;
+        EXPECT_EQ(exists(path, found), status);
+        EXPECT_EQ(found, status == ok);
+        EXPECT_EQ(openTextRead(takeUnit(), path), status);
+        EXPECT_EQ(openTextBeside(takeUnit(), path), status);
+    }
     static int reason;
     system_calls::table.open = [](const char*, system_calls::OpenMode) {
         return errno = reason, -1;
