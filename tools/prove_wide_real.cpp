@@ -7,7 +7,8 @@
 // each group of eight digits comes out as it should. The others compare whole fields with
 // std::to_chars: powers of two and ten with their neighbours, ties, random bit patterns, usual
 // sizes and, with --floats, each 32-bit pattern. It prints its steps and ends with status 1 at the
-// first fault. The tests run it with few patterns, also in the form without 16-byte registers.
+// first fault. The tests run it with few patterns, in the form of digit_words.hpp that
+// MESHRAKE_PORTABLE_DIGITS selects.
 
 #include "tests/wide_real_reference.hpp"
 #include "tvncommon/digit_words.hpp"

@@ -4,7 +4,7 @@
 #include <bit>
 #include <cstdint>
 #include <cstring>
-// MESHRAKE_PORTABLE_DIGITS selects the form for other machines on every machine.
+// The CMake option MESHRAKE_PORTABLE_DIGITS selects the form for other machines on every machine.
 #if defined(__SSE2__) && !defined(MESHRAKE_PORTABLE_DIGITS)
 #define MESHRAKE_SSE2_DIGITS
 #include <emmintrin.h>
