@@ -8,31 +8,43 @@ namespace tecio {
 
 namespace {
 
-// Two words enter for each multiplication, the slowest step. Given one word, the result differs
-// for each value of the other. The rotation of a word keeps the sign bits of two equal values from
-// cancelling; that of the lane carries high bits down, which a product only moves up. The factor is
-// 2^64 divided by the golden ratio, made odd.
-std::uint64_t mixed(std::uint64_t lane, std::uint64_t first, std::uint64_t second) {
-    constexpr std::uint64_t factor = 0x9E3779B97F4A7C15U;
-    return std::rotl(((lane + first) ^ std::rotl(second, 32)) * factor, 29);
-}
-
 std::uint64_t wordAt(const char* bytes) {
     std::uint64_t word = 0;
     std::memcpy(&word, bytes, sizeof word);
     return word;
 }
 
-// The lanes are independent, so that their multiplications overlap.
+// Two words enter a lane with each block, the second one between two linear maps of the 64 bits.
+// Each map takes few instructions, for several lanes at once in a wide register; multiplications
+// would take twice the time. Linear means that only the bits that changed decide whether a change
+// is noticed:
+//
+// - Both maps in turn have an irreducible characteristic polynomial, of order (2^64 - 1) / 3. So a
+//   lane is a cyclic redundancy check of 64 bits: a change of one word lasts whatever follows, and
+//   the same change of block after block does not cancel itself.
+// - The first map changes each word, so that equal changes of both words do not cancel each other.
+//   A rotation would keep a word of ones, a single shift the bits that it drops.
+// - The second map keeps only words below 2^11. Changes of any one of the bits 11 to 63, for
+//   instance of the sign, are noticed in any combination of 32 words of a lane in a row.
 void addBlocks(Checksum& checksum, const char* bytes, std::int64_t size) {
-    auto [a, b, c, d] = checksum.lanes;
+    constexpr std::size_t n = Checksum::laneCount;
+    auto lanes = checksum.lanes;
     for (const char* end = bytes + size; bytes < end; bytes += Checksum::blockBytes) {
-        a = mixed(a, wordAt(bytes), wordAt(bytes + 8));
-        b = mixed(b, wordAt(bytes + 16), wordAt(bytes + 24));
-        c = mixed(c, wordAt(bytes + 32), wordAt(bytes + 40));
-        d = mixed(d, wordAt(bytes + 48), wordAt(bytes + 56));
+        for (std::size_t i = 0; i < n; ++i) {
+            const std::uint64_t first = lanes[i] ^ wordAt(bytes + 8 * i);
+            const std::uint64_t second =
+                (first << 15) ^ (first >> 17) ^ wordAt(bytes + 8 * (n + i));
+            lanes[i] = second ^ (second >> 11);
+        }
     }
-    checksum.lanes = {a, b, c, d};
+    checksum.lanes = lanes;
+}
+
+// The result differs for each value of `word`. The rotation carries high bits down, which a product
+// only moves up. The factor is 2^64 divided by the golden ratio, made odd.
+std::uint64_t mixed(std::uint64_t hash, std::uint64_t word) {
+    constexpr std::uint64_t factor = 0x9E3779B97F4A7C15U;
+    return std::rotl((hash + word) * factor, 29);
 }
 
 std::uint64_t resultOf(Checksum checksum) {
@@ -42,7 +54,7 @@ std::uint64_t resultOf(Checksum checksum) {
         std::fill(checksum.partialBlock.begin() + partial, checksum.partialBlock.end(), '\0');
         addBlocks(checksum, checksum.partialBlock.data(), Checksum::blockBytes);
     }
-    for (const std::uint64_t lane : checksum.lanes) result = mixed(result, lane, 0);
+    for (const std::uint64_t lane : checksum.lanes) result = mixed(result, lane);
     return result;
 }
 
@@ -69,7 +81,7 @@ std::uint64_t zoneChecksum(std::string_view begin, const std::vector<Checksum>& 
     Checksum first;
     addBytes(first, begin.data(), static_cast<std::int64_t>(begin.size()));
     std::uint64_t result = resultOf(first);
-    for (const Checksum& array : arrays) result = mixed(result, resultOf(array), 0);
+    for (const Checksum& array : arrays) result = mixed(result, resultOf(array));
     return result | 1; // 0 means none
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 #include <vector>
@@ -11,8 +12,9 @@ namespace tecio {
 
 // State for one array, whose bytes may come in pieces of any length.
 struct Checksum {
-    static constexpr std::int64_t blockBytes = 64; // two 8-byte words for each lane
-    std::array<std::uint64_t, 4> lanes{};
+    static constexpr std::size_t laneCount = 16;
+    static constexpr std::int64_t blockBytes = 256; // two 8-byte words for each lane
+    std::array<std::uint64_t, laneCount> lanes{};
     std::array<char, blockBytes> partialBlock{};
     std::int64_t size = 0; // bytes so far
 };

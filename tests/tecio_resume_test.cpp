@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -296,6 +297,48 @@ TEST(TecioResume, ComparesTheLastZone) {
     EXPECT_EQ(flush(), 0);
     const Durable durable;
     EXPECT_EQ(tryOpen("V"), 6); // was not durable
+}
+
+// What a disk may make of a sector: it is lost, erased or old, or another one is in its place.
+// Equal values and changes of their signs alone do not cancel each other, wherever the sector
+// begins.
+TEST(TecioResume, NoticesADamagedSector) {
+    constexpr std::size_t count = 640, sector = 512;
+    using Damage = void (*)(Bytes&, std::size_t);
+    const Damage damages[] = {
+        [](Bytes& bytes, std::size_t at) { std::fill_n(&bytes[at], sector, '\0'); },
+        [](Bytes& bytes, std::size_t at) { std::fill_n(&bytes[at], sector, '\xff'); },
+        [](Bytes& bytes, std::size_t at) {
+            for (std::size_t i = at + 7; i < at + sector; i += 8)
+                bytes[i] = static_cast<char>(bytes[i] ^ 128);
+        },
+        [](Bytes& bytes, std::size_t at) {
+            std::swap_ranges(&bytes[at], &bytes[at + sector], &bytes[at + sector]);
+        },
+        [](Bytes& bytes, std::size_t at) { std::copy_n(&bytes[at + sector], sector, &bytes[at]); }};
+    std::vector<Reals> cases(4, Reals(count));
+    cases[1].assign(count, 2);
+    for (std::size_t i = 0; i < count; ++i) cases[2][i] = i < count / 2 ? 1 : -1;
+    for (std::size_t i = 0; i < count; ++i) cases[3][i] = static_cast<double>(i) / 7;
+    for (const Reals& values : cases) {
+        const Durable durable;
+        const Folder folder;
+        open("V");
+        beginNodes(1, count, {2});
+        EXPECT_EQ(reals(1, values) + flush(), 0);
+        const Bytes whole = sample_files::get("s.szplt");
+        const std::size_t begin = whole.size() - count * 8;
+        for (std::size_t at = begin; at + 2 * sector <= whole.size(); at += 64)
+            for (const Damage damage : damages) {
+                Bytes damaged = whole;
+                damage(damaged, at);
+                if (damaged == whole) continue;
+                sample_files::put("s.szplt", damaged);
+                EXPECT_EQ(tryOpen("V"), 2) << at;
+            }
+        sample_files::put("s.szplt", whole);
+        open("V");
+    }
 }
 
 int callsLeft; // the last one fails
