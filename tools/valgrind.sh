@@ -100,7 +100,7 @@ make_problem "${everything[@]}" --times 3 "$folder/append"
 cd "$folder/append"
 mkdir later
 mv ./*.0003 later
-binary_control 'tecplot binary append' >catchment.plot.control
+binary_control $'tecplot binary mode\ntecplot binary append' >catchment.plot.control
 check "binary append, new"
 mv later/* .
 check "binary append, resumed"
