@@ -85,13 +85,18 @@ int commitCurrentZone(DataFile& f) {
     return ok;
 }
 
-// Drops the zone with this time, and all after it.
+bool isAt(const Zone& zone, double time, std::int32_t strand) {
+    return zone.time == time && zone.strand == strand;
+}
+
+// Drops the first zone with this time that is not kept, and all after it.
 int dropZonesFrom(DataFile& f, double time, std::int32_t strand) {
-    const auto same = std::find_if(f.zones.rbegin(), f.zones.rend(), [=](const Zone& zone) {
-        return zone.time == time && zone.strand == strand;
+    std::int32_t others = f.zonesKept;
+    const auto same = std::find_if(f.zones.begin(), f.zones.end(), [&](const Zone& zone) {
+        return isAt(zone, time, strand) && others-- <= 0;
     });
-    if (same == f.zones.rend()) return ok;
-    const std::size_t kept = static_cast<std::size_t>(f.zones.rend() - same) - 1;
+    if (same == f.zones.end()) return ok;
+    const auto kept = static_cast<std::size_t>(same - f.zones.begin());
     if (greatestShare(f.current.zone) > static_cast<std::int64_t>(kept)) return refused;
     return dropZones(f, kept);
 }
@@ -147,6 +152,13 @@ int beginZone(DataFile& f, Zone zone, std::int32_t& number) {
     current.zone = std::move(zone);
     number = current.number = static_cast<std::int32_t>(f.zones.size()) + 1;
     return ok;
+}
+
+std::int32_t resumedZonesAt(const DataFile& f, double time, std::int32_t strand) {
+    if (!f.resumed) return 0;
+    return static_cast<std::int32_t>(
+        std::count_if(f.zones.begin(), f.zones.end(),
+                      [=](const Zone& zone) { return isAt(zone, time, strand); }));
 }
 
 int setTime(DataFile& f, double time, std::int32_t strand) {

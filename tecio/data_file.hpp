@@ -56,6 +56,7 @@ struct DataFile {
     Bytes aux;                  // auxiliary records of this opening
     bool headerWritten = false; // head and auxiliary records of this opening are in the file
     bool resumed = false;       // the file has zones of an earlier opening, none of this one
+    std::int32_t zonesKept = 0; // of those with the time of the first new zone
     Bytes auxInFile;            // auxiliary records of a resumed file
     std::int64_t auxAt = 0;     // positions in the file: auxiliary records,
     std::int64_t zonesAt = 0;   // first zone header,
@@ -102,6 +103,9 @@ int finish(DataFile& file);
 // Makes `zone` the current one. A share is replaced by the zone that has the values.
 int beginZone(DataFile& file, Zone zone, std::int32_t& number);
 int setTime(DataFile& file, double time, std::int32_t strand);
+
+// Zones with this time that a first new zone would replace; 0 if there is one already.
+std::int32_t resumedZonesAt(const DataFile& file, double time, std::int32_t strand);
 
 // The next values of a variable (from 0), of its type, or the next node numbers, which count from
 // `firstNode`.

@@ -3,6 +3,7 @@
 #include "tecio/data_file.hpp"
 #include "tecio/durability.hpp"
 #include "tecio/open_failure.hpp"
+#include "tecio/repeated_times.hpp"
 #include "tecio/status.hpp"
 #include "tvncommon/io_layer.hpp"
 
@@ -115,6 +116,15 @@ void tecio::setDurable(bool durable) {
 
 bool tecio::sidecarFailed() {
     return state.sidecarFailed;
+}
+
+std::int32_t tecio::resumedZonesAt(const void* fileHandle, double time, std::int32_t strand) {
+    const DataFile* file = find(fileHandle);
+    return file ? resumedZonesAt(*file, time, strand) : 0;
+}
+
+void tecio::keepZones(void* fileHandle, std::int32_t count) {
+    if (DataFile* file = find(fileHandle)) file->zonesKept = count;
 }
 
 int32_t tecFileWriterOpen(const char* fileName, const char* dataSetTitle, const char* variableList,

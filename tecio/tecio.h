@@ -17,9 +17,9 @@ extern "C" {
 #endif
 
 /* Opens the data set `fileName`, a name without extension. One with a NAME.szplt.szhdr is
-   resumed: it keeps title, variables and zones. The first new zone replaces one with the same time
-   and all after that. Any other data set is replaced. `variableList` has the names with commas
-   between them; an empty one means those of the resumed data set.
+   resumed: it keeps title, variables and zones. The first new zone replaces the first one with the
+   same time and all after that. Any other data set is replaced. `variableList` has the names with
+   commas between them; an empty one means those of the resumed data set.
    `fileFormat` is 1, `fileType` 0 (grid and solution in one), `gridFileHandle` null. */
 int32_t tecFileWriterOpen(const char* fileName, const char* dataSetTitle, const char* variableList,
                           int32_t fileFormat, int32_t fileType, int32_t defaultVarType,

@@ -107,6 +107,34 @@ TEST(Append, RunsInTurnEqualOneRun) {
     }
 }
 
+// Output times may have the same time, next to each other or not. A later run neither drops zones
+// of those before it nor writes one twice.
+TEST(Append, TimesMayRepeat) {
+    const auto runOverRepeated = [](int times) {
+        putTimes(times);
+        const char* const texts[] = {"0.0", "10.0", "10.0", "0.0", "10.0", "20.0"};
+        for (int t = 1; t <= times; ++t)
+            put("to.head_olf.000" + std::to_string(t),
+                resultFile(texts[t - 1], {Reals(6, 0.5 * t)}));
+        EXPECT_EQ(runs::runHere().status, 0);
+    };
+    const Folder home;
+    putControl();
+    runOverRepeated(6);
+    ASSERT_THAT(timesOf(olfSet), ElementsAre(0, 10, 10, 0, 10, 20));
+    const Sets whole = readSets();
+    for (int before = 1; before <= 6; ++before)
+        for (int recorded = 1; recorded <= before; ++recorded) {
+            SCOPED_TRACE(testing::Message() << before << " " << recorded);
+            const Folder folder;
+            putControl();
+            runOverRepeated(before);
+            put(indexFile, integerRecord({recorded}));
+            runOverRepeated(6);
+            for (const auto& [file, set] : whole) expectSameContents(file, whole);
+        }
+}
+
 // A file that is there can be read at any time.
 void expectReadable() {
     for (const std::string& name : {pmSet, olfSet})

@@ -72,4 +72,19 @@ void writeTecplotAppend(std::int32_t index) {
     file_units::commitUnit(unit);
 }
 
+std::int32_t earlierOutputTimesAt(double time) {
+    const std::string currentFile = run.timeFile, currentText = run.currentTimeText;
+    std::int32_t count = 0;
+    for (std::int32_t index = run.timeIndex - 1; index > 0; --index) {
+        bool found = false;
+        getTimestamp("." + outputTimeIndex(index), found);
+        if (!found) break;
+        if (currentTime() == time) ++count;
+    }
+    run.timeFile = currentFile;
+    run.timeFileKnown = true;
+    run.currentTimeText = currentText;
+    return count;
+}
+
 } // namespace model

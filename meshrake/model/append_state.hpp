@@ -15,9 +15,13 @@ void initTecplotAppend();
 // damaged ends the run.
 std::int32_t readTecplotAppend();
 
-// Records the last finished output time: the file holds the old index or the new one at any moment.
-// The first failed open brings a warning; a failed write ends the run. Where the folder takes no
-// new file the index is written in place.
+// Records the last finished output time: the file holds the old index or the new one at any moment,
+// unless the folder takes no new file and the index is written in place. The first failed open
+// brings a warning; a failed write ends the run.
 void writeTecplotAppend(std::int32_t index);
+
+// Number of output times before the current one that have the same time. Looks back as far as there
+// are result files; one that is damaged ends the run.
+std::int32_t earlierOutputTimesAt(double time);
 
 } // namespace model

@@ -1,8 +1,10 @@
 #include "meshrake/plot_data/binary_data_set.hpp"
 
+#include "meshrake/model/append_state.hpp"
 #include "meshrake/model/run_state.hpp"
 #include "tecio/durability.hpp"
 #include "tecio/open_failure.hpp"
+#include "tecio/repeated_times.hpp"
 #include "tecio/tecio.h"
 #include "tvncommon/StringHelpers.hpp"
 #include "tvncommon/byte_file.hpp"
@@ -144,6 +146,14 @@ std::vector<std::int32_t> marked(const std::vector<std::int32_t>& variables, std
     return list;
 }
 
+// A run that was cut short may have left the zone of this output time, which is replaced. Those of
+// other output times with the same time stay.
+void keepZonesOfEarlierTimes(double time, const DataSet& set) {
+    if constexpr (MESHRAKE_OWN_TECIO)
+        if (tecio::resumedZonesAt(set.handle, time, strand) > 0)
+            tecio::keepZones(set.handle, model::earlierOutputTimesAt(time));
+}
+
 std::string_view typeText(std::int32_t type) {
     constexpr std::string_view texts[] = {"real(4)", "real(8)", "integer(4)"};
     return texts[type - 1];
@@ -209,9 +219,10 @@ void writeZoneFE(std::string_view title, std::string_view solutionTime, int conn
                           varShare.data(), set.varLocation.data(), varPassive.data(),
                           connectivityShareZone, 0, 0, &set.zoneNumber),
           "Create new zone in", domain);
-    if (hasTime)
-        check(tecZoneSetUnsteadyOptions(set.handle, set.zoneNumber, time, strand),
-              "Write solution time in", domain);
+    if (!hasTime) return;
+    keepZonesOfEarlierTimes(time, set);
+    check(tecZoneSetUnsteadyOptions(set.handle, set.zoneNumber, time, strand),
+          "Write solution time in", domain);
 }
 
 void writeValues(std::int32_t varNumber, std::int64_t count, const float* values, Domain& domain) {
