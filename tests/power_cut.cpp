@@ -99,18 +99,13 @@ int sync(int descriptor) {
     return 0; // the test's own files need not be on the disk
 }
 
-void renameIn(Names& names, const std::string& from, const std::string& to) {
-    const auto file = names.find(from);
-    if (file == names.end()) return;
-    names[to] = file->second;
-    names.erase(from);
-}
-
 int rename(const char* from, const char* to) {
     const int status = recorder.table.rename(from, to);
     if (status == 0 && isRecorded(from)) {
-        renameIn(recorder.names, from, to);
-        recorder.calls.push_back({Kind::rename, 0, 0, {}, from, to});
+        const std::size_t file = recorder.names.at(from);
+        recorder.names.erase(from);
+        recorder.names[to] = file;
+        recorder.calls.push_back({Kind::rename, file, 0, {}, from, to});
     }
     return status;
 }
@@ -136,8 +131,8 @@ void apply(Bytes& contents, const Call& call, bool asZeros = false) {
 
 void apply(Names& names, const Call& call) {
     if (call.kind == Kind::link) names[call.name] = call.file;
-    if (call.kind == Kind::rename) renameIn(names, call.name, call.newName);
-    if (call.kind == Kind::remove) names.erase(call.name);
+    if (call.kind == Kind::rename) names[call.newName] = call.file;
+    if (call.kind == Kind::remove || call.kind == Kind::rename) names.erase(call.name);
 }
 
 // What is on the disk, and what may be.
@@ -176,7 +171,7 @@ void add(Disk& disk, const Call& call) {
 enum class Fate { missing, zeros, kept };
 
 Files filesLeft(const Disk& disk, const std::function<Fate(std::size_t)>& fateOf,
-                std::size_t namesKept) {
+                const std::function<bool(std::size_t)>& keepsName) {
     std::vector<Bytes> contents = disk.contents;
     Names names = disk.names;
     for (std::size_t i = 0; i < disk.pending.size(); ++i) {
@@ -184,7 +179,8 @@ Files filesLeft(const Disk& disk, const std::function<Fate(std::size_t)>& fateOf
         if (fate != Fate::missing)
             apply(contents[disk.pending[i].file], disk.pending[i], fate == Fate::zeros);
     }
-    for (std::size_t i = 0; i < namesKept; ++i) apply(names, disk.pendingNames[i]);
+    for (std::size_t i = 0; i < disk.pendingNames.size(); ++i)
+        if (keepsName(i)) apply(names, disk.pendingNames[i]);
     Files files;
     for (const auto& [name, file] : names) files[name] = contents[file];
     return files;
@@ -225,22 +221,27 @@ std::vector<Files> statesLeft(bool many) {
     std::mt19937 numbers(1);
     Disk disk{recorder.begin, recorder.namesAtFirst, {}, {}};
     for (std::size_t call = 0; call <= recorder.calls.size(); ++call) {
-        const std::size_t allNames = disk.pendingNames.size();
-        const auto put = [&](const std::function<Fate(std::size_t)>& fateOf, std::size_t names) {
-            states.insert(filesLeft(disk, fateOf, names));
+        const std::size_t names = disk.pendingNames.size();
+        const auto put = [&](const auto& fateOf, const auto& keepsName) {
+            states.insert(filesLeft(disk, fateOf, keepsName));
         };
-        for (const Fate fate : {Fate::missing, Fate::zeros, Fate::kept})
-            for (std::size_t names = 0; names <= allNames; ++names)
-                put([=](std::size_t) { return fate; }, names);
+        const auto all = [](std::size_t) { return true; };
+        for (const Fate fate : {Fate::missing, Fate::zeros, Fate::kept}) {
+            const auto same = [=](std::size_t) { return fate; };
+            for (std::size_t one = 0; one <= names; ++one) {
+                put(same, [=](std::size_t i) { return i < one; });
+                put(same, [=](std::size_t i) { return i != one; });
+            }
+        }
         const std::size_t step = many ? 1 : 1 + disk.pending.size() / 6;
         for (std::size_t one = call % step; one < disk.pending.size(); one += step) {
-            put([=](std::size_t i) { return i == one ? Fate::kept : Fate::missing; }, allNames);
+            put([=](std::size_t i) { return i == one ? Fate::kept : Fate::missing; }, all);
             for (const Fate fate : {Fate::missing, Fate::zeros})
-                put([=](std::size_t i) { return i == one ? fate : Fate::kept; }, allNames);
+                put([=](std::size_t i) { return i == one ? fate : Fate::kept; }, all);
         }
         for (int i = 0; i < (many ? 40 : 2) && !disk.pending.empty(); ++i)
             put([&](std::size_t) { return static_cast<Fate>(numbers() % 3); },
-                numbers() % (allNames + 1));
+                [&](std::size_t) { return numbers() % 2 == 0; });
         if (call < recorder.calls.size()) add(disk, recorder.calls[call]);
     }
     return {states.begin(), states.end()};

@@ -20,11 +20,12 @@ Files recordedFiles();
 // now is on the disk; a sync is recorded and not done.
 system_calls::Table recording(const system_calls::Table& calls);
 
-// The different contents that these files may have after any of the calls: what was synced is
-// there; of other writes, page by page, any may be missing, or have left zeros where they extended
-// the file; other changes of names are there up to any of them. For each call, all of the writes
-// and none, single ones alone and missing, and random choices, the same each time; without `many`
-// only about six single ones and two choices.
+// The different contents that these files may have after any of the calls. What was synced is on
+// the disk. Of the other writes, page by page, any may be missing, or have left zeros where they
+// extended the file. Until their folder is synced, any new, changed or removed names may be missing
+// too. Taken are, for each call, all of the writes and none, single ones alone and missing; of the
+// names the first ones and all but one; and random choices, the same each time. Without `many`
+// only about six single writes and two choices.
 std::vector<Files> statesLeft(bool many);
 
 } // namespace power_cut

@@ -405,18 +405,20 @@ TEST(TecioResume, AnyCallMayFail) {
     }
 }
 
-// After a power cut while zones on several pages of headers are replaced, the next writer finds
-// those that were not, and can replace the others again.
+// After a power cut while the file is copied for a longer record and zones on several pages of
+// headers are replaced, the next writer finds those that were not, and can replace the others.
 TEST(TecioResume, PowerCutWhileZonesAreReplaced) {
     const Durable durable;
     for (const std::size_t titleLength : {300U, 2500U}) {
         title = std::string(titleLength, 'z');
         const Folder folder;
         open("V");
+        EXPECT_EQ(aux("k", "1"), 0);
         for (int time = 1; time <= 8; ++time) addZone(time);
         EXPECT_EQ(flush(), 0);
         system_calls::table = power_cut::recording(system_calls::systemTable());
         open("V");
+        EXPECT_EQ(aux("k", "longer"), 0);
         for (int time = 2; time <= 8; ++time) addZone(time);
         EXPECT_EQ(flush(), 0);
         system_calls::table.sync = [](int) { return 0; };
