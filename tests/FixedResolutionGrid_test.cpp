@@ -208,9 +208,11 @@ TEST(FixedResolutionGrid, MeshesWithoutExtent) {
     grid.destroy();
     EXPECT_TRUE(grid.empty());
     EXPECT_EQ(grid.findElement(0, 0), 0);
-    std::array<double, 4> box{1, 2, 3, 4};
-    getBoundingBox({}, {}, box);
-    EXPECT_EQ(box, (std::array<double, 4>{}));
+    for (const std::vector<double>& xs : {std::vector<double>{}, same}) {
+        std::array<double, 4> box{1, 2, 3, 4};
+        getBoundingBox(xs, {}, box);
+        EXPECT_EQ(box, (std::array<double, 4>{}));
+    }
 }
 
 TEST(FixedResolutionGrid, WhatItCannotDoEndsTheRun) {

@@ -55,7 +55,7 @@ TEST(FreeForm, RealsInAllSpellings) {
 
 TEST(FreeForm, WhatIsNoNumberLeavesTheValue) {
     std::istringstream texts(
-        "x 1x . 1.2.3 1e 1e5.0 --1 +-1 0x10 1e400 -1d9999999999 *3 0*3 1;2 inff "
+        "x 1x . 1.2.3 1e 1e5.0 --1 +-1 0x10 1e400 .001e+400 -1d9999999999 *3 0*3 1;2 inff "
         "-1*3 1*+* 2*3*4 '1' 99999999999*1 nan(1) \" \xff\xfe 1-");
     for (std::string text; texts >> text;) EXPECT_EQ(real(text, invalidData), -77);
     EXPECT_EQ(real("1\0"sv, invalidData), -77);

@@ -204,9 +204,17 @@ TEST_F(IoLayer, WritesAroundTheSizeOfTheBuffer) {
 TEST_F(IoLayer, CallsThatDoNothing) {
     put("file", "text\n");
     const int cut = file_units::openRecordsRead("file");
-    // A file that has become shorter since it was opened.
-    system_calls::table.read = [](int, void*, std::size_t) { return std::ptrdiff_t{0}; };
-    std::string line;
+    std::string line, block(100000, ' ');
+    put("large", sample_files::record(block + block));
+    const int large = file_units::openRecordsRead("large");
+    EXPECT_EQ(beginRecord(large), ok);
+    // Files that have become shorter since they were opened, or cannot be read any more.
+    for (const bool fails : {true, false}) {
+        static std::ptrdiff_t answer;
+        answer = fails ? -1 : 0;
+        system_calls::table.read = [](int, void*, std::size_t) { return errno = EIO, answer; };
+        EXPECT_EQ(readInRecord(large, block.data(), 100000), readFailed);
+    }
     EXPECT_EQ(beginRecord(cut), readFailed);
     EXPECT_EQ(readLine(cut, line), readFailed);
     system_calls::table.write = [](int, const void*, std::size_t) { return std::ptrdiff_t{0}; };
@@ -246,11 +254,18 @@ TEST_F(IoLayer, RoomTakenAhead) {
 TEST_F(IoLayer, StatusOfAnOpen) {
     put("file", "");
     std::filesystem::create_directory("folder");
-    for (const auto& [path, status] : std::map<std::string, int>{
-             {"missing", fileNotFound}, {"folder", openFailed}, {"file/x", invalidPath}}) {
+    std::filesystem::create_symlink("loop", "loop");
+    for (const auto& [path, status] : std::map<std::string, int>{{"missing", fileNotFound},
+                                                                 {"folder", openFailed},
+                                                                 {"loop", openFailed},
+                                                                 {"file/x", invalidPath}}) {
+        byte_file::File file;
+        std::int64_t size = 0;
         EXPECT_EQ(openRecordsRead(takeUnit(), path), status) << path;
-        EXPECT_EQ(openTextReplace(takeUnit(), path, Flush::inBlocks),
-                  path == "missing" ? ok : status);
+        EXPECT_EQ(byte_file::open(path, system_calls::OpenMode::read, file, size), status) << path;
+        const int written = path == "missing" ? ok : status;
+        EXPECT_EQ(openTextBeside(takeUnit(), path), written) << path;
+        EXPECT_EQ(openTextReplace(takeUnit(), path, Flush::inBlocks), written) << path;
     }
     for (const auto& [length, status] : std::map<std::size_t, int>{{300, ok}, {301, invalidPath}}) {
         const std::string path = "." + std::string(length - 5, '/') + "file";

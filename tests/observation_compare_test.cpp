@@ -185,6 +185,7 @@ TEST(NarrowFields, AreRoundedOnceBeforeTheirForm) {
     EXPECT_EQ(fixedField(-infinity, 10, 4), " -Infinity");
     EXPECT_EQ(fixedField(1e16, 19, 0), " 10000000000000000.");
     EXPECT_EQ(fixedField(0.5, 3, 0), " 0.");
+    EXPECT_EQ(fixedField(-4503599627370497.0, 18, 0), "-4503599627370497."); // no bit to round off
     Random random;
     for (int i = 0; i < 200000; ++i) {
         const double value = std::ldexp(random.part() - 0.5, random.below(80) - 40);

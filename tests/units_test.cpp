@@ -68,6 +68,7 @@ TEST_F(Units, Labels) {
         {"L^/2", "(m^/2)", "(cm^/2)"},
         {"^2", "(^2)", "(^2)"},
         {R"(\m * \L^2 * \Lx * \)", R"((m L^2 \Lx \))", R"((m L^2 \Lx \))"},
+        {R"(\x)", R"((\x))", R"((\x))"},
         {"L/T", "(L/T)", "(L/T)"}};
     for (const auto& [expression, meterSecond, centimeterDay] : labels) {
         setBaseUnits(0);

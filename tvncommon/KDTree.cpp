@@ -15,15 +15,14 @@ namespace {
 constexpr double farthest = std::numeric_limits<double>::max();
 
 // Keeps the nearest ones in ascending order; among equals the one that came first stays in front.
+// If there is no room left, the distance must be below the last one.
 void insertPriority(double distance, std::int32_t index, std::span<double> distances,
                     std::span<std::int32_t> indices, std::int32_t& found) {
     auto place = static_cast<std::size_t>(found);
-    if (place == distances.size()) {
-        if (!(distance < distances.back())) return;
+    if (place == distances.size())
         --place;
-    } else {
+    else
         ++found;
-    }
     for (; place > 0 && distances[place - 1] > distance; --place) {
         distances[place] = distances[place - 1];
         indices[place] = indices[place - 1];
