@@ -1,10 +1,9 @@
 #!/usr/bin/env bash
 # Measures a whole run in binary mode on problems of about a million nodes, with few output times and
-# with more, against cp of the files that it wrote, which syncs nothing: the times of the run are
-# without its syncs, which have a line of their own. Then the same with append, whose CPU time, again
-# without the syncs, is held against that of the run without it. All files are in the page cache;
-# runs and copies take turns. Takes 4 GB in the folder for temporary files and ends with status 1
-# where a limit is missed.
+# with more, against cp of the files that it wrote. As cp makes no syncs, the run is measured without
+# its own; another run gives their number and time. Then the same with append, whose CPU time is
+# compared with that of the run without it. All files are in the page cache; runs and copies take
+# turns. Takes 4 GB in the folder for temporary files and ends with status 1 where a limit is missed.
 #
 #   bench/binary_whole_run.sh BUILD_FOLDER [MAKE_PROBLEM_OPTION...]
 #
@@ -34,25 +33,33 @@ measured() {
 median() { sort -n "$1" | awk '{ line[NR] = $0 } END { print line[int((NR + 1) / 2)] }'; }
 least() { sort -n "$1" | head -n 1; }
 
-# run_without_syncs KIND: a run with the control file of plain or append. Adds its time by the clock
-# and its CPU time, both without the syncs, and their time to KIND.run, KIND.cpu and KIND.sync.
-run_without_syncs() {
-    local numbers elapsed user kernel calls sync_elapsed sync_cpu
+# run_meshrake KIND [NAME=VALUE]: a run with the control file of plain or append and with
+# sync_times.cpp. Prints what run_measured does.
+run_meshrake() {
     # A run that meets its own files would first have to take their pages apart.
     rm -rf "$copy" "$problem"/largeo.*.szplt* "$problem/largeo.tec_append"
+    sync # pages that wait to be written slow down the writing of others
     cp "$folder/$1.control" "$problem/large.plot.control"
-    numbers=$(measured "$problem" env LD_PRELOAD="$build/bench/libsync_times.so" \
-        MESHRAKE_SYNC_TIMES="$folder/syncs" "$build/meshrake/meshrake")
-    read -r elapsed user kernel _ <<<"$numbers"
-    read -r calls sync_elapsed sync_cpu <"$folder/syncs"
+    measured "$problem" env LD_PRELOAD="$build/bench/libsync_times.so" "${@:2}" \
+        "$build/meshrake/meshrake"
+}
+
+# run_both_ways KIND: adds the time of the syncs to KIND.sync, and the times by the clock and of the
+# CPU of a run without them to KIND.run and KIND.cpu.
+run_both_ways() {
+    local numbers elapsed user kernel calls
+    run_meshrake "$1" MESHRAKE_SYNC_TIMES="$folder/syncs" >/dev/null
+    read -r calls elapsed <"$folder/syncs"
     if [ "$calls" -eq 0 ]; then
         echo "binary_whole_run.sh: the run made no sync that sync_times.cpp replaces" >&2
         return 1
     fi
-    awk -v a="$elapsed" -v b="$sync_elapsed" 'BEGIN { printf "%.4f\n", a - b }' >>"$folder/$1.run"
-    awk -v a="$user" -v b="$kernel" -v c="$sync_cpu" 'BEGIN { printf "%.4f\n", a + b - c }' >>"$folder/$1.cpu"
-    echo "$sync_elapsed" >>"$folder/$1.sync"
     echo "$calls" >"$folder/$1.calls"
+    echo "$elapsed" >>"$folder/$1.sync"
+    numbers=$(run_meshrake "$1")
+    read -r elapsed user kernel _ <<<"$numbers"
+    echo "$elapsed" >>"$folder/$1.run"
+    awk -v a="$user" -v b="$kernel" 'BEGIN { printf "%.4f\n", a + b }' >>"$folder/$1.cpu"
 }
 
 # table_rows MEASURE KIND: against cp, and the syncs.
@@ -66,7 +73,7 @@ table_rows() {
 
 # measure MEASURE MAKE_PROBLEM_OPTION...: the rows of one problem.
 measure() {
-    local numbers append plain repetitions=7 i
+    local numbers append plain repetitions=9 i
     rm -rf "$problem"
     "$build/examples/make_problem" --prefix large "${@:2}" "$problem" >/dev/null
     (cd "$problem" && "$build/meshrake/meshrake" --make_plot_control >/dev/null 2>&1)
@@ -77,8 +84,8 @@ measure() {
     for ((i = 0; i <= repetitions; ++i)); do
         # The first turn warms up.
         [ "$i" -ne 1 ] || rm "$folder"/*.{run,cpu,sync}
-        run_without_syncs append
-        run_without_syncs plain
+        run_both_ways append
+        run_both_ways plain
         mkdir "$copy"
         numbers=$(measured "$folder" cp "$problem"/largeo.*.szplt "$copy")
         echo "${numbers%% *}" >>"$folder/copy.run"

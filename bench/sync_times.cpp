@@ -1,6 +1,6 @@
 // Measures the syncs of the program that it is preloaded into (LD_PRELOAD). When the program ends,
-// writes their number, their time by the clock and their CPU time (seconds) in one line into the
-// file that MESHRAKE_SYNC_TIMES names.
+// writes their number and their time by the clock (seconds) in one line into the file that
+// MESHRAKE_SYNC_TIMES names. Without that variable no sync is made.
 
 #include <cstdio>
 #include <cstdlib>
@@ -10,21 +10,24 @@
 
 namespace {
 
-double secondsOf(clockid_t clock) {
+double now() {
     timespec time{};
-    clock_gettime(clock, &time);
+    clock_gettime(CLOCK_MONOTONIC, &time);
     return static_cast<double>(time.tv_sec) + 1.0e-9 * static_cast<double>(time.tv_nsec);
+}
+
+const char* resultPath() {
+    return std::getenv("MESHRAKE_SYNC_TIMES");
 }
 
 struct SyncTimes {
     long calls = 0;
-    double elapsed = 0, cpu = 0;
+    double elapsed = 0;
 
     ~SyncTimes() {
-        const char* path = std::getenv("MESHRAKE_SYNC_TIMES");
-        std::FILE* file = path ? std::fopen(path, "w") : nullptr;
+        std::FILE* file = resultPath() ? std::fopen(resultPath(), "w") : nullptr;
         if (!file) return;
-        std::fprintf(file, "%ld %.4f %.4f\n", calls, elapsed, cpu);
+        std::fprintf(file, "%ld %.4f\n", calls, elapsed);
         std::fclose(file);
     }
 };
@@ -35,10 +38,10 @@ SyncTimes times;
 
 // In place of the function of the C library.
 extern "C" int fdatasync(int descriptor) {
-    const double elapsed = secondsOf(CLOCK_MONOTONIC), cpu = secondsOf(CLOCK_THREAD_CPUTIME_ID);
+    if (!resultPath()) return 0;
+    const double begin = now();
     const auto result = syscall(SYS_fdatasync, descriptor);
-    times.elapsed += secondsOf(CLOCK_MONOTONIC) - elapsed;
-    times.cpu += secondsOf(CLOCK_THREAD_CPUTIME_ID) - cpu;
+    times.elapsed += now() - begin;
     ++times.calls;
     return static_cast<int>(result);
 }
