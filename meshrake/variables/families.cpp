@@ -85,12 +85,12 @@ void declareMember(Domain& domain, const VariableRow& row, const Member& member,
 void familyInit(Domain& domain, const VariableRow& row, OutputVar& var) {
     const std::vector<Member> members = membersOf(domain, row);
     if (members.empty()) return;
+    std::string first = currentFile(members.front());
+    var.firstExists = plot_data::checkFileInit(first);
+    if (!var.firstExists) return;
     for (const Member& member : members) {
         std::string name = currentFile(member);
         var.exists = plot_data::checkFileInit(name);
-        // The first file decides for all.
-        if (&member == &members.front()) var.firstExists = var.exists;
-        if (!var.firstExists) return;
         Column& column = var.columns.emplace_back(plot_data::columnOf(row, member.label));
         plot_data::allocateColumn(domain, column, row.arrayText);
         declareMember(domain, row, member, column);
