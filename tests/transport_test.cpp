@@ -139,6 +139,23 @@ TEST(Families, ComeAndGo) {
         }
 }
 
+// A continued run that begins without files warns of each, before the number of its column; of the
+// first one also when it decides for the family.
+TEST(Families, FallBackToTheFirstIndex) {
+    const Folder folder;
+    Problem problem = baseProblem();
+    for (std::size_t member = 0; member < families[0].size(); ++member)
+        add(problem, families[0], member, 1);
+    problem["t.plot.control"] =
+        "tecplot binary mode\ntecplot binary append\n" + problem["t.plot.control"];
+    problem["to.tec_append"] = integerRecord({2});
+    write(problem);
+    const std::string warning = "Warning: file not found -> appending at time index 0001\n";
+    EXPECT_THAT(runHere().screen,
+                HasSubstr("Thickness\n" + warning + warning + "   8     Heat\n" + warning +
+                          "   9     Virus\n" + warning + "  10     Ca salt\n"));
+}
+
 // One column, filled by the files of all mobile species in turn.
 TEST(Redox, LastFileHasTheLastWord) {
     struct Case {

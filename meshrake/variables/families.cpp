@@ -85,6 +85,7 @@ void declareMember(Domain& domain, const VariableRow& row, const Member& member,
 void familyInit(Domain& domain, const VariableRow& row, OutputVar& var) {
     const std::vector<Member> members = membersOf(domain, row);
     if (members.empty()) return;
+    // Tested here and again as a member: in a continued run its fallback brings two warnings.
     std::string first = currentFile(members.front());
     var.firstExists = plot_data::checkFileInit(first);
     if (!var.firstExists) return;
