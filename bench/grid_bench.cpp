@@ -1,5 +1,5 @@
 #include "bench/side_by_side.hpp"
-#include "tvncommon/FixedResolutionGrid.hpp"
+#include "tvncommon/search/FixedResolutionGrid.hpp"
 
 #include <array>
 #include <cstddef>

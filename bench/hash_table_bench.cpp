@@ -1,5 +1,5 @@
 #include "bench/side_by_side.hpp"
-#include "tvncommon/IHashTable.hpp"
+#include "tvncommon/hash/IHashTable.hpp"
 
 #include <algorithm>
 #include <cstddef>

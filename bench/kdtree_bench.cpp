@@ -1,5 +1,5 @@
 #include "bench/side_by_side.hpp"
-#include "tvncommon/KDTree.hpp"
+#include "tvncommon/search/KDTree.hpp"
 
 #include <cstddef>
 #include <cstdint>

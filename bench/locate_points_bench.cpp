@@ -8,9 +8,9 @@
 #include "meshrake/observation_compare/element_search.hpp"
 #include "meshrake/observation_compare/node_search.hpp"
 #include "meshrake/observation_compare/shape_cache.hpp"
-#include "tvncommon/file_units.hpp"
-#include "tvncommon/io_layer.hpp"
-#include "tvncommon/system_calls.hpp"
+#include "tvncommon/io/file_units.hpp"
+#include "tvncommon/io/io_layer.hpp"
+#include "tvncommon/io/system_calls.hpp"
 
 #include <benchmark/benchmark.h>
 

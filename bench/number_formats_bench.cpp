@@ -1,6 +1,6 @@
-#include "tvncommon/number_formats.hpp"
+#include "tvncommon/text/number_formats.hpp"
 
-#include "tests/wide_real_reference.hpp"
+#include "tests/tvncommon/text/wide_real_reference.hpp"
 
 #include <benchmark/benchmark.h>
 

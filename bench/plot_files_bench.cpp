@@ -5,8 +5,8 @@
 #include "bench/bench_files.hpp"
 #include "meshrake/plot_data/array_writing.hpp"
 #include "meshrake/plot_data/connectivity.hpp"
-#include "tvncommon/file_units.hpp"
-#include "tvncommon/io_layer.hpp"
+#include "tvncommon/io/file_units.hpp"
+#include "tvncommon/io/io_layer.hpp"
 
 #include <benchmark/benchmark.h>
 

@@ -2,9 +2,9 @@
 // same bytes into the same array. The file is in the page cache.
 
 #include "bench/bench_files.hpp"
-#include "tvncommon/TVNBinaryFile.hpp"
-#include "tvncommon/file_units.hpp"
-#include "tvncommon/io_layer.hpp"
+#include "tvncommon/io/TVNBinaryFile.hpp"
+#include "tvncommon/io/file_units.hpp"
+#include "tvncommon/io/io_layer.hpp"
 
 #include <benchmark/benchmark.h>
 

@@ -8,10 +8,10 @@
 //
 //   c++ -std=c++20 locate_in_mesh.cpp -ltvncommon
 
-#include "tvncommon/ElementSearch.hpp"
-#include "tvncommon/TVNBinaryFile.hpp"
-#include "tvncommon/error.hpp"
-#include "tvncommon/file_units.hpp"
+#include "tvncommon/diagnostics/error.hpp"
+#include "tvncommon/io/TVNBinaryFile.hpp"
+#include "tvncommon/io/file_units.hpp"
+#include "tvncommon/search/ElementSearch.hpp"
 
 #include <cstddef>
 #include <cstdint>

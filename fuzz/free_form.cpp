@@ -1,7 +1,7 @@
 #include "fuzz/support.hpp"
 
-#include "tvncommon/free_form.hpp"
-#include "tvncommon/io_layer.hpp"
+#include "tvncommon/io/io_layer.hpp"
+#include "tvncommon/text/free_form.hpp"
 
 #include <algorithm>
 #include <bit>

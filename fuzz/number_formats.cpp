@@ -1,8 +1,8 @@
 #include "fuzz/support.hpp"
 
-#include "tests/wide_real_reference.hpp"
-#include "tvncommon/free_form.hpp"
-#include "tvncommon/number_formats.hpp"
+#include "tests/tvncommon/text/wide_real_reference.hpp"
+#include "tvncommon/text/free_form.hpp"
+#include "tvncommon/text/number_formats.hpp"
 
 #include <array>
 #include <cmath>

@@ -1,8 +1,8 @@
 #include "fuzz/support.hpp"
 
-#include "tvncommon/TVNBinaryFile.hpp"
-#include "tvncommon/TVNBinaryFile_readers.hpp"
-#include "tvncommon/io_layer.hpp"
+#include "tvncommon/io/TVNBinaryFile.hpp"
+#include "tvncommon/io/TVNBinaryFile_readers.hpp"
+#include "tvncommon/io/io_layer.hpp"
 
 #include <algorithm>
 #include <cstring>

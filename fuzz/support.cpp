@@ -3,11 +3,11 @@
 #include "meshrake/meshrake.hpp"
 #include "meshrake/model/run_state.hpp"
 #include "tools/data_set_file.hpp"
-#include "tvncommon/error.hpp"
-#include "tvncommon/io_layer.hpp"
-#include "tvncommon/system_calls.hpp"
-#include "tvncommon/units.hpp"
-#include "tvncommon/warning_messages.hpp"
+#include "tvncommon/diagnostics/error.hpp"
+#include "tvncommon/diagnostics/warning_messages.hpp"
+#include "tvncommon/io/io_layer.hpp"
+#include "tvncommon/io/system_calls.hpp"
+#include "tvncommon/units/units.hpp"
 
 #include <algorithm>
 #include <cerrno>

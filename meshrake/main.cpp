@@ -1,7 +1,7 @@
 #include "meshrake/meshrake.hpp"
 
-#include "tvncommon/error.hpp"
-#include "tvncommon/system_calls.hpp"
+#include "tvncommon/diagnostics/error.hpp"
+#include "tvncommon/io/system_calls.hpp"
 
 int main(int argc, char** argv) {
     if (!system_calls::prepareProcess()) {

@@ -1,5 +1,5 @@
-#include "tvncommon/error.hpp"
-#include "tvncommon/system_calls.hpp"
+#include "tvncommon/diagnostics/error.hpp"
+#include "tvncommon/io/system_calls.hpp"
 
 #include <cstdlib>
 #include <cxxabi.h>

@@ -1,7 +1,5 @@
 #include "meshrake/meshrake.hpp"
 
-#include "meshrake/mesh_shaping/depth_plot.hpp"
-#include "meshrake/mesh_shaping/isopach_plot.hpp"
 #include "meshrake/model/problem_description.hpp"
 #include "meshrake/model/run_state.hpp"
 #include "meshrake/observation_compare/comparisons.hpp"
@@ -13,11 +11,13 @@
 #include "meshrake/run/domains.hpp"
 #include "meshrake/run/problem_prefix.hpp"
 #include "meshrake/run/time_loop.hpp"
-#include "tvncommon/error.hpp"
-#include "tvncommon/file_units.hpp"
-#include "tvncommon/io_layer.hpp"
-#include "tvncommon/units.hpp"
-#include "tvncommon/warning_messages.hpp"
+#include "meshrake/surface_plots/depth_plot.hpp"
+#include "meshrake/surface_plots/isopach_plot.hpp"
+#include "tvncommon/diagnostics/error.hpp"
+#include "tvncommon/diagnostics/warning_messages.hpp"
+#include "tvncommon/io/file_units.hpp"
+#include "tvncommon/io/io_layer.hpp"
+#include "tvncommon/units/units.hpp"
 
 #include <exception>
 #include <new>

@@ -2,7 +2,7 @@
 
 #include "tecio/status.hpp"
 #include "tecio/value_range.hpp"
-#include "tvncommon/io_layer.hpp"
+#include "tvncommon/io/io_layer.hpp"
 
 #include <algorithm>
 #include <array>

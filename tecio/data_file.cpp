@@ -1,7 +1,7 @@
 #include "tecio/data_file.hpp"
 
 #include "tecio/status.hpp"
-#include "tvncommon/io_layer.hpp"
+#include "tvncommon/io/io_layer.hpp"
 
 #include <algorithm>
 

@@ -7,7 +7,7 @@
 #include "tecio/checksum.hpp"
 #include "tecio/layout.hpp"
 #include "tecio/sidecar.hpp"
-#include "tvncommon/byte_file.hpp"
+#include "tvncommon/io/byte_file.hpp"
 
 // An unfinished data set. In this order of writes neither a reader nor a later run after a kill
 // finds a zone whose data are missing:

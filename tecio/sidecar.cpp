@@ -1,7 +1,7 @@
 #include "tecio/sidecar.hpp"
 
 #include "tecio/status.hpp"
-#include "tvncommon/io_layer.hpp"
+#include "tvncommon/io/io_layer.hpp"
 
 #include <algorithm>
 #include <cstring>

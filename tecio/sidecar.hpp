@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "tecio/layout.hpp"
-#include "tvncommon/byte_file.hpp"
+#include "tvncommon/io/byte_file.hpp"
 
 // The file beside an unfinished data set with which a later run resumes it. It lists all committed
 // zones, also those whose headers are not in the data set yet:

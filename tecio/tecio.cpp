@@ -5,7 +5,7 @@
 #include "tecio/open_failure.hpp"
 #include "tecio/repeated_times.hpp"
 #include "tecio/status.hpp"
-#include "tvncommon/io_layer.hpp"
+#include "tvncommon/io/io_layer.hpp"
 
 #include <algorithm>
 #include <cmath>

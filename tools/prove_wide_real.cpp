@@ -10,10 +10,10 @@
 // first fault. The tests run it with few patterns, in the form of digit_words.hpp that
 // MESHRAKE_PORTABLE_DIGITS selects.
 
-#include "tests/wide_real_reference.hpp"
-#include "tvncommon/digit_words.hpp"
-#include "tvncommon/number_formats.hpp"
-#include "tvncommon/wide_real_tables.hpp"
+#include "tests/tvncommon/text/wide_real_reference.hpp"
+#include "tvncommon/text/digit_words.hpp"
+#include "tvncommon/text/number_formats.hpp"
+#include "tvncommon/text/wide_real_tables.hpp"
 
 #include <algorithm>
 #include <array>

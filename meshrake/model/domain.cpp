@@ -2,9 +2,9 @@
 
 #include "meshrake/model/mesh_reading.hpp"
 #include "meshrake/model/run_state.hpp"
-#include "tvncommon/error.hpp"
-#include "tvncommon/file_units.hpp"
-#include "tvncommon/io_layer.hpp"
+#include "tvncommon/diagnostics/error.hpp"
+#include "tvncommon/io/file_units.hpp"
+#include "tvncommon/io/io_layer.hpp"
 
 #include <algorithm>
 #include <utility>

@@ -1,6 +1,6 @@
 #include "meshrake/model/domain_options.hpp"
 
-#include "tvncommon/StringHelpers.hpp"
+#include "tvncommon/text/StringHelpers.hpp"
 
 namespace model {
 

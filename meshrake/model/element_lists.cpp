@@ -1,7 +1,7 @@
 #include "meshrake/model/mesh_reading.hpp"
 
 #include "meshrake/model/run_state.hpp"
-#include "tvncommon/file_units.hpp"
+#include "tvncommon/io/file_units.hpp"
 
 #include <algorithm>
 #include <limits>

@@ -2,11 +2,11 @@
 
 #include "meshrake/model/run_state.hpp"
 #include "meshrake/model/version.hpp"
-#include "tvncommon/StringHelpers.hpp"
-#include "tvncommon/error.hpp"
-#include "tvncommon/file_units.hpp"
-#include "tvncommon/io_layer.hpp"
-#include "tvncommon/units_conversion.hpp"
+#include "tvncommon/diagnostics/error.hpp"
+#include "tvncommon/io/file_units.hpp"
+#include "tvncommon/io/io_layer.hpp"
+#include "tvncommon/text/StringHelpers.hpp"
+#include "tvncommon/units/units_conversion.hpp"
 
 #include <algorithm>
 

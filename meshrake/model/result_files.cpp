@@ -1,14 +1,14 @@
 #include "meshrake/model/result_files.hpp"
 
 #include "meshrake/model/run_state.hpp"
-#include "tvncommon/StringHelpers.hpp"
-#include "tvncommon/TVNBinaryFile.hpp"
-#include "tvncommon/error.hpp"
-#include "tvncommon/file_units.hpp"
-#include "tvncommon/free_form.hpp"
-#include "tvncommon/io_layer.hpp"
-#include "tvncommon/number_formats.hpp"
-#include "tvncommon/utils.hpp"
+#include "tvncommon/diagnostics/error.hpp"
+#include "tvncommon/io/TVNBinaryFile.hpp"
+#include "tvncommon/io/file_units.hpp"
+#include "tvncommon/io/io_layer.hpp"
+#include "tvncommon/text/StringHelpers.hpp"
+#include "tvncommon/text/free_form.hpp"
+#include "tvncommon/text/number_formats.hpp"
+#include "tvncommon/text/utils.hpp"
 
 #include <array>
 #include <cmath>

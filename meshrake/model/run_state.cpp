@@ -1,8 +1,8 @@
 #include "meshrake/model/run_state.hpp"
 
-#include "tvncommon/StringHelpers.hpp"
-#include "tvncommon/file_units.hpp"
-#include "tvncommon/io_layer.hpp"
+#include "tvncommon/io/file_units.hpp"
+#include "tvncommon/io/io_layer.hpp"
+#include "tvncommon/text/StringHelpers.hpp"
 
 namespace model {
 

@@ -2,10 +2,10 @@
 
 #include "meshrake/model/run_state.hpp"
 #include "meshrake/plot_data/data_set.hpp"
-#include "tvncommon/file_units.hpp"
-#include "tvncommon/io_layer.hpp"
-#include "tvncommon/number_formats.hpp"
-#include "tvncommon/units.hpp"
+#include "tvncommon/io/file_units.hpp"
+#include "tvncommon/io/io_layer.hpp"
+#include "tvncommon/text/number_formats.hpp"
+#include "tvncommon/units/units.hpp"
 
 #include <initializer_list>
 

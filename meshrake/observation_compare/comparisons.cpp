@@ -1,12 +1,12 @@
 #include "meshrake/observation_compare/comparisons.hpp"
 
-#include "meshrake/mesh_shaping/topography.hpp"
+#include "meshrake/derived_columns/topography.hpp"
 #include "meshrake/model/run_state.hpp"
 #include "meshrake/observation_compare/comparison_files.hpp"
 #include "meshrake/observation_compare/node_search.hpp"
 #include "meshrake/observation_compare/shape_functions.hpp"
-#include "tvncommon/StringHelpers.hpp"
-#include "tvncommon/error.hpp"
+#include "tvncommon/diagnostics/error.hpp"
+#include "tvncommon/text/StringHelpers.hpp"
 
 #include <algorithm>
 

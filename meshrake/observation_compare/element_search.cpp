@@ -1,6 +1,6 @@
 #include "meshrake/observation_compare/element_search.hpp"
 
-#include "tvncommon/ArrayHelpers.hpp"
+#include "tvncommon/diagnostics/ArrayHelpers.hpp"
 
 #include <algorithm>
 #include <cmath>

@@ -2,7 +2,7 @@
 
 #include "meshrake/model/domain.hpp"
 #include "meshrake/observation_compare/shape_functions.hpp"
-#include "tvncommon/box_tree.hpp"
+#include "tvncommon/search/box_tree.hpp"
 
 #include <cstdint>
 #include <vector>

@@ -1,8 +1,8 @@
 #include "meshrake/observation_compare/node_search.hpp"
 
 #include "meshrake/model/run_state.hpp"
-#include "tvncommon/ArrayHelpers.hpp"
-#include "tvncommon/number_formats.hpp"
+#include "tvncommon/diagnostics/ArrayHelpers.hpp"
+#include "tvncommon/text/number_formats.hpp"
 
 #include <algorithm>
 #include <cmath>

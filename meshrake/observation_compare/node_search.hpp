@@ -2,7 +2,7 @@
 
 #include "meshrake/model/domain.hpp"
 #include "meshrake/plot_data/text_block.hpp"
-#include "tvncommon/box_tree.hpp"
+#include "tvncommon/search/box_tree.hpp"
 
 #include <cstdint>
 #include <span>

@@ -2,11 +2,11 @@
 
 #include "meshrake/model/run_state.hpp"
 #include "meshrake/observation_compare/shape_cache.hpp"
-#include "tvncommon/ArrayHelpers.hpp"
-#include "tvncommon/error.hpp"
-#include "tvncommon/file_units.hpp"
-#include "tvncommon/free_form.hpp"
-#include "tvncommon/io_layer.hpp"
+#include "tvncommon/diagnostics/ArrayHelpers.hpp"
+#include "tvncommon/diagnostics/error.hpp"
+#include "tvncommon/io/file_units.hpp"
+#include "tvncommon/io/io_layer.hpp"
+#include "tvncommon/text/free_form.hpp"
 
 #include <string>
 

@@ -3,12 +3,12 @@
 #include "meshrake/model/run_state.hpp"
 #include "meshrake/observation_compare/element_search.hpp"
 #include "meshrake/plot_data/text_block.hpp"
-#include "tvncommon/StringHelpers.hpp"
-#include "tvncommon/error.hpp"
-#include "tvncommon/file_units.hpp"
-#include "tvncommon/free_form.hpp"
-#include "tvncommon/io_layer.hpp"
-#include "tvncommon/number_formats.hpp"
+#include "tvncommon/diagnostics/error.hpp"
+#include "tvncommon/io/file_units.hpp"
+#include "tvncommon/io/io_layer.hpp"
+#include "tvncommon/text/StringHelpers.hpp"
+#include "tvncommon/text/free_form.hpp"
+#include "tvncommon/text/number_formats.hpp"
 
 #include <algorithm>
 #include <cmath>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tvncommon/box_tree.hpp"
+#include "tvncommon/search/box_tree.hpp"
 
 #include <array>
 #include <cstdint>

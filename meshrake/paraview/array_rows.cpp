@@ -1,7 +1,7 @@
 #include "meshrake/paraview/array_rows.hpp"
 
-#include "tvncommon/file_units.hpp"
-#include "tvncommon/number_formats.hpp"
+#include "tvncommon/io/file_units.hpp"
+#include "tvncommon/text/number_formats.hpp"
 
 #include <array>
 #include <cmath>

@@ -2,9 +2,9 @@
 
 #include "meshrake/model/result_files.hpp"
 #include "meshrake/model/run_state.hpp"
-#include "tvncommon/file_units.hpp"
-#include "tvncommon/io_layer.hpp"
-#include "tvncommon/number_formats.hpp"
+#include "tvncommon/io/file_units.hpp"
+#include "tvncommon/io/io_layer.hpp"
+#include "tvncommon/text/number_formats.hpp"
 
 namespace plot_control {
 

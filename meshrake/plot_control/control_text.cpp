@@ -1,9 +1,9 @@
 #include "meshrake/plot_control/control_text.hpp"
 
-#include "tvncommon/StringHelpers.hpp"
-#include "tvncommon/error.hpp"
-#include "tvncommon/file_units.hpp"
-#include "tvncommon/io_layer.hpp"
+#include "tvncommon/diagnostics/error.hpp"
+#include "tvncommon/io/file_units.hpp"
+#include "tvncommon/io/io_layer.hpp"
+#include "tvncommon/text/StringHelpers.hpp"
 
 namespace plot_control {
 

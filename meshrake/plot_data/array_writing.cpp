@@ -3,8 +3,8 @@
 #include "meshrake/model/run_state.hpp"
 #include "meshrake/plot_data/binary_data_set.hpp"
 #include "meshrake/plot_data/text_block.hpp"
-#include "tvncommon/StringHelpers.hpp"
-#include "tvncommon/number_formats.hpp"
+#include "tvncommon/text/StringHelpers.hpp"
+#include "tvncommon/text/number_formats.hpp"
 
 #include <algorithm>
 #include <array>

@@ -6,12 +6,12 @@
 #include "tecio/open_failure.hpp"
 #include "tecio/repeated_times.hpp"
 #include "tecio/tecio.h"
-#include "tvncommon/StringHelpers.hpp"
-#include "tvncommon/byte_file.hpp"
-#include "tvncommon/error.hpp"
-#include "tvncommon/file_units.hpp"
-#include "tvncommon/free_form.hpp"
-#include "tvncommon/io_layer.hpp"
+#include "tvncommon/diagnostics/error.hpp"
+#include "tvncommon/io/byte_file.hpp"
+#include "tvncommon/io/file_units.hpp"
+#include "tvncommon/io/io_layer.hpp"
+#include "tvncommon/text/StringHelpers.hpp"
+#include "tvncommon/text/free_form.hpp"
 
 #include <algorithm>
 #include <cmath>

@@ -4,8 +4,8 @@
 #include "meshrake/model/run_state.hpp"
 #include "meshrake/plot_data/binary_data_set.hpp"
 #include "meshrake/plot_data/text_block.hpp"
-#include "tvncommon/ArrayHelpers.hpp"
-#include "tvncommon/number_formats.hpp"
+#include "tvncommon/diagnostics/ArrayHelpers.hpp"
+#include "tvncommon/text/number_formats.hpp"
 
 #include <algorithm>
 #include <array>

@@ -3,13 +3,13 @@
 #include "meshrake/model/run_state.hpp"
 #include "meshrake/model/version.hpp"
 #include "meshrake/plot_data/binary_data_set.hpp"
-#include "tvncommon/StringHelpers.hpp"
-#include "tvncommon/error.hpp"
-#include "tvncommon/file_units.hpp"
-#include "tvncommon/io_layer.hpp"
-#include "tvncommon/number_formats.hpp"
-#include "tvncommon/units.hpp"
-#include "tvncommon/utils.hpp"
+#include "tvncommon/diagnostics/error.hpp"
+#include "tvncommon/io/file_units.hpp"
+#include "tvncommon/io/io_layer.hpp"
+#include "tvncommon/text/StringHelpers.hpp"
+#include "tvncommon/text/number_formats.hpp"
+#include "tvncommon/text/utils.hpp"
+#include "tvncommon/units/units.hpp"
 
 #include <utility>
 

@@ -2,8 +2,8 @@
 
 #include "meshrake/model/run_state.hpp"
 #include "meshrake/plot_data/binary_data_set.hpp"
-#include "tvncommon/StringHelpers.hpp"
-#include "tvncommon/file_units.hpp"
+#include "tvncommon/io/file_units.hpp"
+#include "tvncommon/text/StringHelpers.hpp"
 
 namespace plot_data {
 

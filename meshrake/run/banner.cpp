@@ -2,9 +2,9 @@
 
 #include "meshrake/model/run_state.hpp"
 #include "meshrake/model/version.hpp"
-#include "tvncommon/error.hpp"
-#include "tvncommon/file_units.hpp"
-#include "tvncommon/io_layer.hpp"
+#include "tvncommon/diagnostics/error.hpp"
+#include "tvncommon/io/file_units.hpp"
+#include "tvncommon/io/io_layer.hpp"
 
 #include <string>
 

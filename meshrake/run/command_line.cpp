@@ -1,7 +1,7 @@
 #include "meshrake/run/command_line.hpp"
 
 #include "meshrake/model/run_state.hpp"
-#include "tvncommon/StringHelpers.hpp"
+#include "tvncommon/text/StringHelpers.hpp"
 
 namespace run_driver {
 

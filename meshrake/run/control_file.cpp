@@ -5,9 +5,9 @@
 #include "meshrake/plot_control/control_template.hpp"
 #include "meshrake/plot_control/control_text.hpp"
 #include "meshrake/run/banner.hpp"
-#include "tvncommon/error.hpp"
-#include "tvncommon/file_units.hpp"
-#include "tvncommon/io_layer.hpp"
+#include "tvncommon/diagnostics/error.hpp"
+#include "tvncommon/io/file_units.hpp"
+#include "tvncommon/io/io_layer.hpp"
 
 namespace run_driver {
 

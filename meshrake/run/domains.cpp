@@ -1,10 +1,10 @@
 #include "meshrake/run/domains.hpp"
 
-#include "meshrake/mesh_shaping/common_truncation.hpp"
-#include "meshrake/mesh_shaping/multi_truncation.hpp"
 #include "meshrake/model/run_state.hpp"
 #include "meshrake/paraview/multi_paraview.hpp"
 #include "meshrake/plot_data/data_set.hpp"
+#include "meshrake/truncation/common_truncation.hpp"
+#include "meshrake/truncation/multi_truncation.hpp"
 #include "meshrake/variables/passes.hpp"
 
 #include <algorithm>

@@ -1,11 +1,11 @@
 #include "meshrake/run/problem_prefix.hpp"
 
 #include "meshrake/model/run_state.hpp"
-#include "tvncommon/StringHelpers.hpp"
-#include "tvncommon/error.hpp"
-#include "tvncommon/file_units.hpp"
-#include "tvncommon/free_form.hpp"
-#include "tvncommon/io_layer.hpp"
+#include "tvncommon/diagnostics/error.hpp"
+#include "tvncommon/io/file_units.hpp"
+#include "tvncommon/io/io_layer.hpp"
+#include "tvncommon/text/StringHelpers.hpp"
+#include "tvncommon/text/free_form.hpp"
 
 namespace run_driver {
 

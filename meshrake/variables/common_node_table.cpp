@@ -1,8 +1,8 @@
 #include "meshrake/variables/common_node_table.hpp"
 
-#include "meshrake/variables/lent_columns.hpp"
+#include "meshrake/variables/common_node_columns.hpp"
 #include "meshrake/variables/variable_table.hpp"
-#include "tvncommon/error.hpp"
+#include "tvncommon/diagnostics/error.hpp"
 
 #include <algorithm>
 #include <array>

@@ -3,9 +3,9 @@
 #include "meshrake/model/run_state.hpp"
 #include "meshrake/plot_data/data_set.hpp"
 #include "meshrake/plot_data/unit_labels.hpp"
-#include "tvncommon/StringHelpers.hpp"
-#include "tvncommon/file_units.hpp"
-#include "tvncommon/io_layer.hpp"
+#include "tvncommon/io/file_units.hpp"
+#include "tvncommon/io/io_layer.hpp"
+#include "tvncommon/text/StringHelpers.hpp"
 
 namespace variables {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "meshrake/plot_data/variable_road.hpp"
+#include "meshrake/plot_data/variable_io.hpp"
 
 // Variables with a file and a column for each species or mixing fraction. In the first pass the
 // first file decides for all of the family, and the others must be there too. Later each file that

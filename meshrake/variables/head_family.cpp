@@ -1,8 +1,8 @@
-#include "meshrake/variables/own_ways.hpp"
+#include "meshrake/variables/special_variables.hpp"
 
-#include "meshrake/mesh_shaping/topography.hpp"
-#include "tvncommon/file_units.hpp"
-#include "tvncommon/io_layer.hpp"
+#include "meshrake/derived_columns/topography.hpp"
+#include "tvncommon/io/file_units.hpp"
+#include "tvncommon/io/io_layer.hpp"
 
 #include <algorithm>
 #include <cmath>

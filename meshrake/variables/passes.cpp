@@ -8,9 +8,9 @@
 #include "meshrake/variables/common_node_table.hpp"
 #include "meshrake/variables/families.hpp"
 #include "meshrake/variables/variable_table.hpp"
-#include "tvncommon/error.hpp"
-#include "tvncommon/file_units.hpp"
-#include "tvncommon/io_layer.hpp"
+#include "tvncommon/diagnostics/error.hpp"
+#include "tvncommon/io/file_units.hpp"
+#include "tvncommon/io/io_layer.hpp"
 
 namespace variables {
 

@@ -1,7 +1,7 @@
-#include "meshrake/variables/own_ways.hpp"
+#include "meshrake/variables/special_variables.hpp"
 
-#include "tvncommon/file_units.hpp"
-#include "tvncommon/io_layer.hpp"
+#include "tvncommon/io/file_units.hpp"
+#include "tvncommon/io/io_layer.hpp"
 
 #include <array>
 

@@ -1,10 +1,10 @@
 #include "meshrake/variables/variable_table.hpp"
 
-#include "meshrake/mesh_shaping/depth_to_table.hpp"
-#include "meshrake/mesh_shaping/mesh_columns.hpp"
-#include "meshrake/mesh_shaping/topography.hpp"
+#include "meshrake/derived_columns/depth_to_table.hpp"
+#include "meshrake/derived_columns/mesh_columns.hpp"
+#include "meshrake/derived_columns/topography.hpp"
 #include "meshrake/variables/families.hpp"
-#include "meshrake/variables/own_ways.hpp"
+#include "meshrake/variables/special_variables.hpp"
 
 #include <array>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "meshrake/plot_data/variable_road.hpp"
+#include "meshrake/plot_data/variable_io.hpp"
 
 #include <span>
 

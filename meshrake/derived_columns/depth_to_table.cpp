@@ -1,0 +1,70 @@
+#include "meshrake/derived_columns/depth_to_table.hpp"
+
+#include "meshrake/derived_columns/depth_to_groundwater.hpp"
+#include "meshrake/derived_columns/topography.hpp"
+#include "meshrake/model/run_state.hpp"
+#include "tvncommon/diagnostics/error.hpp"
+
+#include <algorithm>
+
+namespace mesh_shaping {
+
+using model::Domain;
+using model::OutputVar;
+using model::run;
+using plot_data::VariableRow;
+
+namespace {
+
+using Depths = decltype(&depth_to_groundwater::depth2gwtDomain);
+
+// The arrays are allocated at their first use, which for a mesh of tetrahedra is a later time: such
+// a mesh has no column declared and yet gets the values of later times.
+void compute(Domain& domain, const VariableRow& row, OutputVar& var, Depths depths) {
+    if (run.sheetCount < 1 || run.sheetCount > std::max(domain.nodeCount, 1))
+        error::fatalError("Depth to groundwater: " + std::to_string(domain.nodeCount) +
+                          " nodes in " + std::to_string(run.sheetCount) +
+                          " sheets\nFile: " + model::problemFile("coordinates_pm"));
+    if (var.columns[0].real8.empty())
+        plot_data::allocateColumn(domain, var.columns[0], row.arrayText);
+    depths(domain.nodeCount, run.sheetCount, run.interpolateDepthToTable, elevation(domain),
+           model::outputVar(domain, "head").columns[0].real8, var.columns[0].real8);
+}
+
+void init(Domain& domain, const VariableRow& row, OutputVar& var, Depths depths) {
+    var.firstExists = model::outputVar(domain, "head").firstExists;
+    if (!var.firstExists) return;
+    var.columns = plot_data::columnsOf(row);
+    if (domain.nodesPerElement == 4) return;
+    var.exists = true;
+    plot_data::declareColumn(domain, var.columns[0], row.columns[0].name, row.unit);
+    compute(domain, row, var, depths);
+}
+
+void read(Domain& domain, const VariableRow& row, OutputVar& var, Depths depths) {
+    var.exists = model::outputVar(domain, "head").exists;
+    if (var.exists)
+        compute(domain, row, var, depths);
+    else
+        plot_data::shareColumns(var.columns);
+}
+
+} // namespace
+
+void depth2gwtInit(Domain& domain, const VariableRow& row, OutputVar& var) {
+    init(domain, row, var, depth_to_groundwater::depth2gwtDomain);
+}
+
+void depth2gwtRead(Domain& domain, const VariableRow& row, OutputVar& var) {
+    read(domain, row, var, depth_to_groundwater::depth2gwtDomain);
+}
+
+void depth2gwt2dInit(Domain& domain, const VariableRow& row, OutputVar& var) {
+    init(domain, row, var, depth_to_groundwater::depth2gwt2dDomain);
+}
+
+void depth2gwt2dRead(Domain& domain, const VariableRow& row, OutputVar& var) {
+    read(domain, row, var, depth_to_groundwater::depth2gwt2dDomain);
+}
+
+} // namespace mesh_shaping

@@ -1,0 +1,89 @@
+#include "meshrake/derived_columns/topography.hpp"
+
+#include "meshrake/model/run_state.hpp"
+#include "tvncommon/io/file_units.hpp"
+#include "tvncommon/io/io_layer.hpp"
+
+namespace mesh_shaping {
+
+using model::run;
+
+namespace {
+
+constexpr std::string_view key = "tvTopo";
+
+// A continued run falls back to the first output time in the window.
+bool findFirst(const Domain& domain, std::string_view stem, std::string& name) {
+    name = plot_data::variableFile(domain, stem);
+    return plot_data::checkFileInit(name, run.appendFirstIndex);
+}
+
+void readElevations(Domain& domain, const VariableRow& row, OutputVar& topography,
+                    const std::string& name) {
+    if (topography.columns.empty()) {
+        topography.columns.resize(1);
+        plot_data::allocateColumn(domain, topography.columns[0], row.arrayText);
+    }
+    plot_data::readColumns(domain, std::span(topography.columns).first(1), name);
+}
+
+// A lowered node gives a positive value.
+void computeChange(const Domain& domain, OutputVar& var) {
+    if (domain.tag != model::tags::pm) return;
+    const std::vector<double>& current = var.columns[0].real8;
+    std::vector<double>& change = var.columns[1].real8;
+    for (std::size_t i = 0; i < change.size(); ++i) change[i] = domain.z[i] - current[i];
+}
+
+} // namespace
+
+const std::vector<double>& elevation(const Domain& domain) {
+    const OutputVar* topography = model::findOutputVar(domain, key);
+    return topography && topography->firstExists ? topography->columns[0].real8 : domain.z;
+}
+
+void tvTopoPreInit(Domain& domain, const VariableRow& row, OutputVar& var) {
+    OutputVar& topography = model::outputVar(domain, key);
+    std::string name;
+    var.firstExists = topography.firstExists = findFirst(domain, row.stem, name);
+    if (var.firstExists) readElevations(domain, row, topography, name);
+}
+
+void tvTopoPreRead(Domain& domain, const VariableRow& row, OutputVar&) {
+    const std::string name = plot_data::variableFile(domain, row.stem);
+    if (file_units::exists(name)) readElevations(domain, row, model::outputVar(domain, key), name);
+}
+
+void tvTopoInit(Domain& domain, const VariableRow& row, OutputVar& var) {
+    std::string name;
+    var.firstExists = var.exists = findFirst(domain, row.stem, name);
+    if (!var.firstExists) return;
+    readElevations(domain, row, var, name);
+    plot_data::declareColumn(domain, var.columns[0], row.columns[0].name, row.unit);
+    var.columns[0].label = row.columns[0].label;
+    if (domain.tag != model::tags::pm) return;
+    var.columns.push_back(plot_data::columnOf(row, row.columns[1].label));
+    plot_data::allocateColumn(domain, var.columns[1], "time varying topography z change array");
+    plot_data::declareColumn(domain, var.columns[1], row.columns[1].name, row.unit);
+    computeChange(domain, var);
+}
+
+void tvTopoRead(Domain& domain, const VariableRow& row, OutputVar& var) {
+    const std::string name = plot_data::variableFile(domain, row.stem);
+    var.exists = file_units::exists(name);
+    if (!var.exists) return plot_data::shareColumns(var.columns);
+    readElevations(domain, row, var, name);
+    computeChange(domain, var);
+}
+
+void tvTopoZoneInit(Domain& domain, const VariableRow& row, OutputVar& var) {
+    std::string name;
+    var.firstExists = var.exists = findFirst(domain, row.stem, name);
+    if (!var.firstExists) return;
+    var.columns = plot_data::columnsOf(row);
+    plot_data::allocateColumn(domain, var.columns[0], row.arrayText);
+    plot_data::declareColumn(domain, var.columns[0], row.columns[0].name, row.unit);
+    plot_data::readColumns(domain, var.columns, name);
+}
+
+} // namespace mesh_shaping

@@ -1,0 +1,177 @@
+#include "meshrake/plot_data/variable_io.hpp"
+
+#include "meshrake/model/result_files.hpp"
+#include "meshrake/model/run_state.hpp"
+#include "meshrake/plot_data/array_writing.hpp"
+#include "meshrake/plot_data/data_set.hpp"
+#include "meshrake/plot_data/unit_labels.hpp"
+#include "tvncommon/diagnostics/ArrayHelpers.hpp"
+#include "tvncommon/io/TVNBinaryFile.hpp"
+#include "tvncommon/io/file_units.hpp"
+#include "tvncommon/io/io_layer.hpp"
+
+#include <algorithm>
+
+namespace plot_data {
+
+using model::run;
+
+namespace {
+
+std::string fileWithSuffix(const Domain& domain, std::string_view stem, const std::string& suffix) {
+    const bool ofDomain = stem.ends_with('_');
+    return model::problemFile(std::string(stem) + (ofDomain ? domain.name + "." : "") + suffix);
+}
+
+std::int32_t valueCount(const Domain& domain, const Column& column) {
+    return column.location == Location::node ? domain.nodeCount : domain.elementCount;
+}
+
+} // namespace
+
+std::size_t columnCount(const VariableRow& row) {
+    const auto unused = std::find_if(row.columns.begin(), row.columns.end(),
+                                     [](const ColumnText& c) { return c.name.empty(); });
+    return static_cast<std::size_t>(unused - row.columns.begin());
+}
+
+std::string variableFile(const Domain& domain, std::string_view stem) {
+    return fileWithSuffix(domain, stem, run.timeSuffix);
+}
+
+bool checkFileInit(std::string& name, std::int32_t fallback) {
+    if (file_units::exists(name)) return true;
+    if (!run.tecplotAppend) return false;
+    const std::string suffix = model::outputTimeIndex(fallback);
+    name = model::fileName(name.substr(0, name.rfind('.') + 1) + suffix);
+    if (!file_units::exists(name)) return false;
+    model::write_string("Warning: file not found -> appending at time index " + suffix);
+    return true;
+}
+
+std::string firstFile(const Domain& domain, const VariableRow& row) {
+    if (row.timing == Timing::property) {
+        const std::string name = fileWithSuffix(domain, row.stem, model::outputTimeIndex(1));
+        return file_units::exists(name) ? name : "";
+    }
+    std::string name = variableFile(domain, row.stem);
+    return checkFileInit(name) ? name : "";
+}
+
+Column columnOf(const VariableRow& row, std::string_view label) {
+    Column column;
+    column.type = row.type;
+    column.location = row.location;
+    column.label = label;
+    return column;
+}
+
+std::vector<Column> columnsOf(const VariableRow& row) {
+    std::vector<Column> columns;
+    for (std::size_t c = 0; c < columnCount(row); ++c)
+        columns.push_back(columnOf(row, row.columns[c].label));
+    return columns;
+}
+
+void declareColumn(Domain& domain, Column& column, std::string_view name, std::string_view unit) {
+    column.varNumber = tecplotVarAdd(name, domain);
+    tecplotDataType(column.type, domain);
+    if (!unit.empty()) tecplotVarUnitsAdd(name, column.varNumber, unit, domain);
+    if (column.location == Location::element) tecplotVarLocCCAdd(column.varNumber);
+}
+
+void allocateColumn(const Domain& domain, Column& column, std::string_view arrayText) {
+    const std::int32_t n = valueCount(domain, column);
+    switch (column.type) {
+    case DataType::single:
+        return ArrayHelpers::allocateArray(column.real4, n, arrayText);
+    case DataType::real8:
+        return ArrayHelpers::allocateArray(column.real8, n, arrayText);
+    case DataType::longInt:
+        return ArrayHelpers::allocateArray(column.int4, n, arrayText);
+    }
+}
+
+void readColumns(const Domain& domain, std::span<Column> columns, const std::string& name) {
+    const std::int32_t n = valueCount(domain, columns[0]);
+    const auto components = static_cast<int>(columns.size());
+    float* real4[maximumColumns];
+    double* real8[maximumColumns];
+    for (std::size_t c = 0; c < columns.size(); ++c) {
+        real4[c] = columns[c].real4.data();
+        real8[c] = columns[c].real8.data();
+    }
+    switch (columns[0].type) {
+    case DataType::single:
+        if (components == 1) return TVNBinaryFile::read_r4_1d(name, n, real4[0]);
+        return TVNBinaryFile::read_r4_components(name, n, components, real4);
+    case DataType::real8:
+        if (components == 1) return TVNBinaryFile::read_r8_1d(name, n, real8[0]);
+        return TVNBinaryFile::read_r8_components(name, n, components, real8);
+    case DataType::longInt:
+        return TVNBinaryFile::read_i4_1d(name, n, columns[0].int4.data());
+    }
+}
+
+void shareColumns(std::span<const Column> columns) {
+    for (const Column& column : columns) tecplotVarShareAdd(column.varNumber);
+}
+
+void markColumns(std::span<const Column> columns) {
+    for (const Column& column : columns)
+        if (column.location == Location::element) tecplotVarLocCCAdd(column.varNumber);
+}
+
+void writeColumn(Domain& domain, const Column& column) {
+    const bool nodal = column.location == Location::node;
+    const std::int32_t n = valueCount(domain, column);
+    const std::vector<std::uint8_t>& nodes =
+        model::hasOwnNodes(domain) ? domain.nodeIncluded : domain.domainNodeIncluded;
+    const Packing packing{domain.truncateEnabled, (nodal ? nodes : domain.elementIncluded).data()};
+    switch (column.type) {
+    case DataType::single:
+        return tecplotWriteArrayReal4(column.varNumber, n, column.real4.data(), packing,
+                                      column.label, domain);
+    case DataType::real8:
+        return tecplotWriteArrayReal8(column.varNumber, n, column.real8.data(), packing,
+                                      column.label, domain);
+    case DataType::longInt:
+        return tecplotWriteArrayInt4(column.varNumber, n, column.int4.data(), packing, column.label,
+                                     domain);
+    }
+}
+
+void plainInit(Domain& domain, const VariableRow& row, OutputVar& var) {
+    const std::string name = firstFile(domain, row);
+    var.firstExists = var.exists = !name.empty();
+    if (!var.firstExists) return;
+    if (var.columns.empty()) var.columns = columnsOf(row);
+    for (std::size_t c = 0; c < var.columns.size(); ++c) {
+        allocateColumn(domain, var.columns[c], row.arrayText);
+        declareColumn(domain, var.columns[c], row.columns[c].name, row.unit);
+    }
+    readColumns(domain, var.columns, name);
+}
+
+void plainRead(Domain& domain, const VariableRow& row, OutputVar& var) {
+    if (row.timing != Timing::everyTime) return constantRead(domain, row, var);
+    std::string name = variableFile(domain, row.stem);
+    var.exists = row.laterFallback ? checkFileInit(name) : file_units::exists(name);
+    if (var.exists)
+        readColumns(domain, var.columns, name);
+    else
+        shareColumns(var.columns);
+    markColumns(var.columns);
+}
+
+void plainWrite(Domain& domain, const VariableRow&, OutputVar& var) {
+    for (const Column& column : var.columns) writeColumn(domain, column);
+}
+
+void constantRead(Domain&, const VariableRow&, OutputVar& var) {
+    var.exists = false;
+    shareColumns(var.columns);
+    markColumns(var.columns);
+}
+
+} // namespace plot_data

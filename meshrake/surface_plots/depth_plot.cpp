@@ -1,0 +1,68 @@
+#include "meshrake/surface_plots/depth_plot.hpp"
+
+#include "meshrake/derived_columns/mesh_columns.hpp"
+#include "meshrake/model/run_state.hpp"
+#include "meshrake/plot_data/array_writing.hpp"
+#include "meshrake/plot_data/connectivity.hpp"
+#include "meshrake/plot_data/data_set.hpp"
+#include "meshrake/plot_data/unit_labels.hpp"
+#include "meshrake/plot_data/zone.hpp"
+#include "meshrake/surface_plots/plot_parts.hpp"
+#include "tvncommon/diagnostics/ArrayHelpers.hpp"
+#include "tvncommon/diagnostics/error.hpp"
+
+namespace mesh_shaping {
+
+using model::Domain;
+using model::run;
+using plot_data::Packing;
+
+namespace {
+
+constexpr std::string_view plot = "plot pm depth below ground surface";
+
+// The column that the run wrote or, where it had none, `computed`.
+const std::vector<double>& depthOf(const Domain& olf, const Domain& pm,
+                                   std::vector<double>& computed) {
+    const model::OutputVar* var = model::findOutputVar(pm, "depth2Surf");
+    if (var && var->firstExists) return var->columns[0].real8;
+    ArrayHelpers::allocateArray(computed, pm.nodeCount, "Depth to surface array");
+    const auto sheetNodes = static_cast<std::size_t>(olf.nodeCount);
+    computeDepthBelowTop(pm, sheetNodes, computed.size() / sheetNodes, computed);
+    return computed;
+}
+
+} // namespace
+
+void plot_pmdepth_grndsurf(const Domain& olf, Domain& pm) {
+    checkSurface(olf, plot);
+    if (olf.nodeCount > pm.nodeCount)
+        error::input_error("The " + std::string(plot) +
+                           " finds fewer nodes in pm than in olf.\nFile: " +
+                           model::problemFile("coordinates_olf"));
+    truncateForPlot(pm, pm);
+    std::vector<double> computed;
+    const std::vector<double>& depth = depthOf(olf, pm, computed);
+
+    const std::string name = announcePlot(plot, "pm_DepthToSurf");
+    plot_data::tecplotInit(pm);
+    for (const std::string_view variable : {"X", "Y", "Z", "DepthToSurf"})
+        declareLength(variable, pm);
+    plot_data::tecplotFileOpen(name, run.titleLines.front(), pm);
+    plot_data::tecplotVarUnitsWrite(pm);
+    plot_data::tecplotWriteZoneFE("DepthToSurf", "", 0, pm);
+    std::int32_t variable = 0;
+    const auto write = [&](const std::vector<double>& values, std::string_view label) {
+        plot_data::tecplotWriteArrayReal8(++variable, pm.nodeCount, values.data(),
+                                          Packing{pm.truncateEnabled, pm.nodeIncluded.data()},
+                                          label, pm);
+    };
+    write(pm.x, "x");
+    write(pm.y, "y");
+    write(pm.z, "z");
+    write(depth, "DepthToSurf");
+    plot_data::tecplotWriteConnectivity(pm);
+    plot_data::tecplotFileClose(pm);
+}
+
+} // namespace mesh_shaping

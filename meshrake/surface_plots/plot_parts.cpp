@@ -1,0 +1,49 @@
+#include "meshrake/surface_plots/plot_parts.hpp"
+
+#include "meshrake/model/run_state.hpp"
+#include "meshrake/plot_data/data_set.hpp"
+#include "meshrake/plot_data/unit_labels.hpp"
+#include "meshrake/truncation/common_truncation.hpp"
+#include "meshrake/truncation/multi_truncation.hpp"
+#include "tvncommon/diagnostics/error.hpp"
+
+namespace mesh_shaping {
+
+using model::Domain;
+using model::run;
+using model::write_string;
+
+void checkSurface(const Domain& olf, std::string_view plot) {
+    if (olf.nodeCount > 0 && olf.elementCount > 0) return;
+    error::input_error("The " + std::string(plot) +
+                       " divides by the nodes and elements of the olf domain, which has " +
+                       std::to_string(olf.nodeCount) + " nodes and " +
+                       std::to_string(olf.elementCount) + " elements.\nFile: " +
+                       model::problemFile(olf.nodeCount > 0 ? "elements_olf" : "coordinates_olf"));
+}
+
+void truncateForPlot(Domain& domain, const Domain& pm) {
+    if (!domain.nodeIncluded.empty()) return;
+    if (model::hasOwnNodes(domain))
+        multiTruncate(domain, pm);
+    else
+        commonTruncate(domain, pm);
+}
+
+std::string announcePlot(std::string_view plot, std::string_view file) {
+    const std::string name = model::problemFile(file);
+    write_string(" ");
+    write_string(std::string(48, '-'));
+    write_string(plot);
+    write_string("Creating Tecplot file " + name + (run.tecplotBinary ? ".szplt" : ".dat"));
+    return name;
+}
+
+std::int32_t declareLength(std::string_view name, Domain& domain) {
+    const std::int32_t number = plot_data::tecplotVarAdd(name, domain);
+    plot_data::tecplotDataType(model::DataType::real8, domain);
+    plot_data::tecplotVarUnitsAdd(name, number, "L", domain);
+    return number;
+}
+
+} // namespace mesh_shaping

@@ -1,0 +1,72 @@
+#include "meshrake/truncation/truncation_parts.hpp"
+
+#include "meshrake/model/run_state.hpp"
+#include "tvncommon/diagnostics/error.hpp"
+
+#include <algorithm>
+#include <cmath>
+
+namespace mesh_shaping {
+
+using model::Domain;
+using model::run;
+
+namespace {
+
+bool within(double value, const double* bounds) {
+    return bounds[0] <= value && value <= bounds[1];
+}
+
+} // namespace
+
+Point centroid(const Domain& domain, const Domain& pm, std::size_t element) {
+    const std::int32_t* slots = model::slotsOf(domain, element);
+    Point sum;
+    double count = 0;
+    for (std::int32_t k = 0; k < domain.nodesPerElement; ++k) {
+        if (slots[k] < 1) continue;
+        const auto node = static_cast<std::size_t>(slots[k] - 1);
+        sum.x += pm.x[node];
+        sum.y += pm.y[node];
+        sum.z += pm.z[node];
+        count += 1;
+    }
+    if (count == 0) return {NAN, NAN, NAN};
+    return {sum.x / count, sum.y / count, sum.z / count};
+}
+
+std::int32_t layerSize(const Domain& domain, std::int32_t elementCount) {
+    const std::int32_t n = run.sheetCount > 1 ? elementCount / (run.sheetCount - 1) : elementCount;
+    if (n == 0 && domain.elementCount > 0 && !domain.truncateEnabled &&
+        domain.truncateByLayerEnabled)
+        error::input_error("Truncation of the " + domain.name +
+                           " domain by layer: the mesh has fewer elements than layers\nFile: " +
+                           model::problemFile("elements_" + domain.name));
+    return n;
+}
+
+bool isWanted(const Domain& domain, const Point& centroid, std::size_t element,
+              std::int32_t layerElements) {
+    const double* bounds = domain.truncateBounds.data();
+    if (!within(centroid.x, bounds) || !within(centroid.y, bounds + 2)) return false;
+    if (domain.truncateEnabled) return within(centroid.z, bounds + 4);
+    const std::int32_t layer = static_cast<std::int32_t>(element) / layerElements + 1;
+    return domain.truncateLayers[0] <= layer && layer <= domain.truncateLayers[1];
+}
+
+std::int32_t countIncluded(const std::vector<std::uint8_t>& included) {
+    return static_cast<std::int32_t>(std::count(included.begin(), included.end(), 1));
+}
+
+void reportTruncation(const Domain& domain, bool wholeMesh) {
+    const std::string nodes = "Nodes:    " + std::to_string(domain.nnTruncated);
+    const std::string elements = "Elements: " + std::to_string(domain.neTruncated);
+    model::write_string("");
+    model::write_string("Medium: " + domain.name);
+    model::write_string(wholeMesh ? "Full mesh (no truncation)" : "Truncated mesh");
+    model::write_string(wholeMesh ? nodes : nodes + "/" + std::to_string(domain.nodeCount));
+    model::write_string(wholeMesh ? elements
+                                  : elements + "/" + std::to_string(domain.elementCount));
+}
+
+} // namespace mesh_shaping

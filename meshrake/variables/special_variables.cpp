@@ -1,0 +1,112 @@
+#include "meshrake/variables/special_variables.hpp"
+
+#include "meshrake/model/result_files.hpp"
+#include "meshrake/model/run_state.hpp"
+#include "meshrake/plot_data/array_writing.hpp"
+#include "meshrake/plot_data/data_set.hpp"
+#include "tvncommon/diagnostics/error.hpp"
+#include "tvncommon/io/TVNBinaryFile.hpp"
+#include "tvncommon/io/file_units.hpp"
+#include "tvncommon/io/io_layer.hpp"
+#include "tvncommon/text/free_form.hpp"
+
+#include <limits>
+
+namespace variables {
+
+void zoneInit(Domain& domain, const VariableRow& row, OutputVar& var) {
+    var.firstExists = true;
+    var.exists = true;
+    var.columns = plot_data::columnsOf(row);
+    std::string name = plot_data::variableFile(domain, row.stem);
+    const bool found = plot_data::checkFileInit(name);
+    plot_data::declareColumn(domain, var.columns[0], row.columns[0].name, row.unit);
+    if (found) TVNBinaryFile::read_i4_1d(name, domain.elementCount, domain.elementZone.data());
+}
+
+void zoneRead(Domain& domain, const VariableRow& row, OutputVar& var) {
+    const std::string name = plot_data::variableFile(domain, row.stem);
+    var.exists = file_units::exists(name);
+    if (var.exists)
+        TVNBinaryFile::read_i4_1d(name, domain.elementCount, domain.elementZone.data());
+    else
+        plot_data::shareColumns(var.columns);
+    plot_data::markColumns(var.columns);
+}
+
+void zoneWrite(Domain& domain, const VariableRow& row, OutputVar& var) {
+    plot_data::tecplotWriteArrayInt4(
+        var.columns[0].varNumber, domain.elementCount, domain.elementZone.data(),
+        {domain.truncateEnabled, domain.elementIncluded.data()}, row.columns[0].label, domain);
+}
+
+namespace {
+
+constexpr std::int32_t fullTensor = 3; // message of the header
+
+std::int32_t tensorKind(const std::string& name) {
+    const auto header =
+        TVNBinaryFile::parseTVNBinFileHeader(TVNBinaryFile::readTVNBinFileHeader(name), name);
+    constexpr std::int32_t unread = std::numeric_limits<std::int32_t>::min();
+    std::int32_t kind = unread;
+    int status = free_form::readInteger(header.message, kind);
+    if (kind == unread && status == io_layer::ok) status = io_layer::invalidData;
+    if (status != io_layer::ok)
+        error::input_error_stat(status,
+                                "Error reading file: " + name +
+                                    "\nThe message of its header is no number: " + header.message);
+    return kind;
+}
+
+} // namespace
+
+void elemKInit(Domain& domain, const VariableRow& row, OutputVar& var) {
+    const std::string name = plot_data::firstFile(domain, row);
+    if (name.empty()) return;
+    var.columns = plot_data::columnsOf(row);
+    if (tensorKind(name) != fullTensor) var.columns.resize(3);
+    plot_data::plainInit(domain, row, var);
+}
+
+void pecletRead(Domain& domain, const VariableRow& row, OutputVar& var) {
+    VariableRow atEveryTime = row;
+    atEveryTime.timing = plot_data::Timing::everyTime;
+    plot_data::plainRead(domain, atEveryTime, var);
+}
+
+void diffPecletRead(Domain& domain, const VariableRow& row, OutputVar& var) {
+    pecletRead(domain, row, var);
+}
+
+namespace {
+
+// The simulator writes the first form; where the names of files know no case, both name one file. A
+// continued run may find either at output time 1 alone.
+VariableRow withSpelling(const Domain& domain, const VariableRow& row, std::string_view first,
+                         std::string_view second) {
+    VariableRow spelt = row;
+    spelt.stem = first;
+    for (const std::string& suffix : {model::run.timeSuffix, model::outputTimeIndex(1)})
+        for (const std::string_view stem : {first, second}) {
+            const std::string name = std::string(stem) + domain.name + "." + suffix;
+            if (!file_units::exists(model::problemFile(name))) continue;
+            spelt.stem = stem;
+            return spelt;
+        }
+    return spelt;
+}
+
+constexpr std::string_view firstPassStem = "ETPMEvap3D_";
+constexpr std::string_view laterStem = "ETPmEvap3D_";
+
+} // namespace
+
+void et3dInit(Domain& domain, const VariableRow& row, OutputVar& var) {
+    plot_data::plainInit(domain, withSpelling(domain, row, firstPassStem, laterStem), var);
+}
+
+void et3dRead(Domain& domain, const VariableRow& row, OutputVar& var) {
+    plot_data::plainRead(domain, withSpelling(domain, row, laterStem, firstPassStem), var);
+}
+
+} // namespace variables

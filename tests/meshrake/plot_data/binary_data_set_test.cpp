@@ -1,0 +1,238 @@
+#include "tests/support/data_set.hpp"
+#include "tests/support/runs.hpp"
+#include "tools/data_set_file.hpp"
+
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <filesystem>
+#include <sstream>
+
+// Binary data sets against text ones of the same run.
+namespace {
+
+using namespace sample_files;
+using data_set::between;
+using data_set::split;
+using data_set_file::DataSet;
+using data_set_file::Zone;
+using testing::HasSubstr;
+
+const std::vector<std::string> tags{"pm", "dual", "frac", "olf", "well", "chan", "tile"};
+const std::vector<std::string> plots{"pm_Isopach", "pm_DepthToSurf"};
+
+// Calls back for each number of a list of variables.
+template<class Act>
+void forVariables(const std::string& list, Act act) {
+    for (const std::string& number : split(list)) act(std::stoul(number) - 1);
+}
+
+Zone zoneOf(const std::string& line, std::size_t variables) {
+    static const std::vector<std::string> types{
+        "", "FELINESEG", "FETRIANGLE", "FEQUADRILATERAL", "FETETRAHEDRON", "FEBRICK"};
+    Zone zone;
+    zone.title = between(line, "ZONE T=\"", "\"");
+    const std::string type = between(line, "ZONETYPE=", ",");
+    zone.type =
+        static_cast<std::int32_t>(std::find(types.begin(), types.end(), type) - types.begin());
+    const std::string time = between(line, "SOLUTIONTIME=", ",");
+    zone.strand = time.empty() ? -1 : 1;
+    zone.time = time.empty() ? 0 : std::stod(time);
+    zone.nodes = std::stol(between(line, "NODES=", ","));
+    zone.elements = std::stol(between(line, "ELEMENTS=", ","));
+    zone.centred.assign(variables, false);
+    forVariables(between(line, "VARLOCATION=([", "]"), [&](auto v) { zone.centred[v] = true; });
+    zone.shares.assign(variables, 0);
+    forVariables(between(line, "VARSHARELIST=([", "]"), [&](auto v) { zone.shares[v] = 1; });
+    zone.connectivityShare = line.find("CONNECTIVITYSHAREZONE=1") != std::string::npos;
+    zone.values.resize(variables);
+    return zone;
+}
+
+// The text data set in the record of the binary one.
+DataSet readText(const std::string& path) {
+    DataSet set;
+    std::istringstream in(get(path));
+    std::vector<double>* values = nullptr;
+    std::vector<double> nodes;
+    const auto endZone = [&] { set.zones.back().elementNodes.assign(nodes.begin(), nodes.end()); };
+    for (std::string line; std::getline(in, line);) {
+        if (line.starts_with("TITLE")) {
+            set.title = between(line, "\"", "\"");
+        } else if (line.starts_with("VARIABLES")) {
+            for (const std::string& name : split(line.substr(12)))
+                set.variables.push_back(name.substr(1, name.size() - 2));
+        } else if (line.starts_with("DATASETAUXDATA")) {
+            set.aux[between(line, " ", "=")] = between(line, "\"", "\"");
+        } else if (line.starts_with("VARAUXDATA")) {
+            set.units[std::stoi(line.substr(11))] = between(line, "\"", "\"");
+        } else if (line.starts_with("ZONE")) {
+            if (!set.zones.empty()) endZone();
+            nodes.clear();
+            set.zones.push_back(zoneOf(line + ",", set.variables.size()));
+            values = set.zones.back().values.data() - 1;
+        } else if (line.starts_with("DT=(")) {
+            for (const std::string& word : split(between(line, "(", ")")))
+                set.zones.back().types.push_back(word == "SINGLE" ? 1 : word == "DOUBLE" ? 2 : 3);
+        } else if (line == "# element node lists") {
+            values = &nodes;
+        } else if (line.starts_with("#") && !set.zones.empty()) {
+            const Zone& zone = set.zones.back();
+            do ++values;
+            while (zone.shares[static_cast<std::size_t>(values - zone.values.data())] > 0);
+        } else if (!set.zones.empty()) {
+            std::istringstream row(line);
+            for (std::string value; row >> value;)
+                values->push_back(std::strtod(value.c_str(), nullptr));
+        }
+    }
+    if (!set.zones.empty()) endZone();
+    return set;
+}
+
+void expectSameBits(const std::vector<double>& a, const std::vector<double>& b) {
+    ASSERT_EQ(a.size(), b.size());
+    for (std::size_t i = 0; i < a.size(); ++i)
+        ASSERT_TRUE(a[i] == b[i] || (std::isnan(a[i]) && std::isnan(b[i])))
+            << "value " << i << ": " << a[i] << " and " << b[i];
+}
+
+void expectSame(DataSet binary, DataSet text) {
+    EXPECT_EQ(binary.aux.erase("Date_Created"), text.aux.erase("Date_Created"));
+    EXPECT_EQ(std::tie(binary.title, binary.variables, binary.aux, binary.units),
+              std::tie(text.title, text.variables, text.aux, text.units));
+    EXPECT_EQ(binary.trailing, 0);
+    ASSERT_EQ(binary.zones.size(), text.zones.size());
+    for (std::size_t z = 0; z < binary.zones.size(); ++z) {
+        const Zone& a = binary.zones[z];
+        const Zone& b = text.zones[z];
+        SCOPED_TRACE("zone " + std::to_string(z + 1));
+        EXPECT_EQ(std::tie(a.title, a.type, a.strand, a.time, a.nodes, a.elements, a.types,
+                           a.centred, a.shares, a.connectivityShare, a.elementNodes),
+                  std::tie(b.title, b.type, b.strand, b.time, b.nodes, b.elements, b.types,
+                           b.centred, b.shares, b.connectivityShare, b.elementNodes));
+        for (std::size_t v = 0; v < a.values.size(); ++v) {
+            SCOPED_TRACE(binary.variables[v]);
+            expectSameBits(a.values[v], b.values[v]);
+        }
+    }
+}
+
+// Runs the problem in both forms and compares all data sets; returns how many there are.
+int compareForms(const std::string& topLevel, const std::string& inBlocks) {
+    std::string blocks;
+    for (const std::string& tag : tags) {
+        std::string block = inBlocks;
+        for (std::size_t at; (at = block.find('@')) != std::string::npos;)
+            block.replace(at, 1, tag);
+        blocks += "write " + tag + " domain file\n" + block + "end\n";
+    }
+    for (const char* mode : {"tecplot mode\n", "tecplot binary mode\n"}) {
+        put("t.plot.control", mode + topLevel + "end\n" + blocks +
+                                  "plot pm zone isopach structure\n"
+                                  "plot pm depth below ground surface\n");
+        const runs::Ran ran = runs::runHere();
+        EXPECT_EQ(ran.status, 0) << ran.errors;
+    }
+    int compared = 0;
+    for (const std::vector<std::string>& names : {tags, plots})
+        for (const std::string& name : names) {
+            SCOPED_TRACE(name);
+            const std::string text = "to." + name + ".dat", binary = "to." + name + ".szplt";
+            const bool there = std::filesystem::exists(text);
+            EXPECT_EQ(there, std::filesystem::exists(binary));
+            if (there) expectSame(data_set_file::read(binary), readText(text));
+            compared += there;
+        }
+    return compared;
+}
+
+TEST(BinaryDataSet, IsTheTextDataSet) {
+    struct Case {
+        std::string problem, topLevel, inBlocks;
+        int dataSets;
+    };
+    const std::string size = "--nx 5 --ny 4 --layers 3 --times 3";
+    const std::string all = size + " --variables all --domains olf,frac,chan,well,tile,dual"
+                                   " --species Salt,Heat:heat,Bug:particles,Lime:immobile --hmc 2 ";
+    const std::string window = "truncate time domain\n0.01 1e9\n";
+    for (const Case& c : {
+             Case{size, "", "", 4},
+             {all, "", "", 9},
+             {all + "--elements prism --tensor --walls", "tecplot binary flush interval\n2\n", "",
+              9},
+             {all + "--coupling common", "", "", 9},
+             {all + "--generation older --units 7 --coupling mixed", window, "", 9},
+             {all, "", "truncate @ domain\n0 120\n-1e20 1e20\n-1e20 1e20\n", 9},
+             {all + "--coupling common", "", "truncate @ domain\n0 120\n0 80\n-1e20 1e20\n", 9},
+             {all, "", "truncate @ domain\n-2 -1\n-2 -1\n-2 -1\n", 9}, // nothing is left
+             {size + " --variables all", "", "truncate @ domain by layer\n-1 1e20\n-1 1e20\n2 2\n",
+              4},
+             {"--nx 60 --ny 40 --layers 20 --times 1", "", // more than a block of kept values
+              "truncate @ domain\n0 1e20\n20 1e20\n-1e20 1e20\n", 4},
+         }) {
+        SCOPED_TRACE(c.problem + c.inBlocks);
+        const Folder folder;
+        makeProblem(c.problem);
+        put("batch.pfx", "t\n");
+        EXPECT_EQ(compareForms(c.topLevel, c.inBlocks), c.dataSets);
+    }
+}
+
+// The zones that a viewer finds when the run opens the heads of each output time.
+TEST(BinaryDataSet, FlushIntervalsCountFromTheFirstTimeOfTheRun) {
+    const Folder folder;
+    write(brickProblem({1, 1, 1, 5}));
+    put("t.plot.control", "tecplot binary mode\ntecplot binary flush interval\n3\n"
+                          "truncate time domain\n10 1e20\nend\nwrite pm domain file\n");
+    static std::map<std::string, std::size_t> zones;
+    zones.clear();
+    system_calls::table = runs::keepingTable();
+    system_calls::table.open = [](const char* path, system_calls::OpenMode mode) {
+        if (std::filesystem::exists("to.pm.szplt") && std::string(path).starts_with("to.head_pm"))
+            zones[path] = data_set_file::read("to.pm.szplt").zones.size();
+        return system_calls::systemTable().open(path, mode);
+    };
+    EXPECT_EQ(runs::runHere().status, 0);
+    system_calls::table = system_calls::systemTable();
+    EXPECT_EQ(zones, (std::map<std::string, std::size_t>{
+                         {"to.head_pm.0003", 0}, {"to.head_pm.0004", 0}, {"to.head_pm.0005", 3}}));
+    EXPECT_EQ(data_set_file::read("to.pm.szplt").zones.size(), 4U);
+}
+
+// A run that cannot give a variable as many values as the zone has, or that names one in a way that
+// the writer cannot take, ends.
+TEST(BinaryDataSet, EndsWhereTextWouldGoWrong) {
+    struct Case {
+        std::string name;
+        Bytes contents;
+        std::string banner;
+    };
+    const Problem good = brickProblem({2, 1, 1, 1});
+    Bytes elements = good.at("to.elements_pm");
+    patch(elements, 2, 3, 0); // node 5 is in no element, though the mesh is whole
+    const std::string unfit =
+        "domain.\nArrays of a zone do not fit its variables, nodes and elements: to.";
+    for (const Case& c :
+         {Case{"to.elements_pm", elements,
+               "Writing real(8) data for variable # 1 in pm " + unfit + "pm.szplt\n"},
+          {"to.snowdepth.0001", resultFile("0", {Reals(2, 1.0)}), // snow without its last file
+           "Tecplot flush file for olf " + unfit + "olf.szplt\n"},
+          {"to.head_olf.0001", resultFile("now", {Reals(6, 1.0)}),
+           "The solution time of the pm domain is no number: now\nFile: to.head_olf.0001\n"},
+          {"to.head_olf.0001", resultFile("/", {Reals(6, 1.0)}), "is no number: /"},
+          {"to.head_olf.0001", resultFile("inf", {Reals(6, 1.0)}), "is no number: inf"},
+          {"to.head_olf.0001", resultFile("1e999", {Reals(6, 1.0)}), "is no number: 1e999"}}) {
+        const Folder folder;
+        write(good);
+        put(c.name, c.contents);
+        put("t.plot.control", "tecplot binary mode\nend\nwrite pm domain file\nend\n"
+                              "write olf domain file\n");
+        const runs::Ran ran = runs::runHere();
+        EXPECT_EQ(ran.status, 1);
+        EXPECT_THAT(ran.errors, HasSubstr(c.banner));
+    }
+}
+
+} // namespace

@@ -1,0 +1,249 @@
+#include "meshrake/plot_data/array_writing.hpp"
+#include "meshrake/plot_data/connectivity.hpp"
+#include "meshrake/plot_data/data_set.hpp"
+#include "meshrake/plot_data/unit_labels.hpp"
+#include "meshrake/plot_data/zone.hpp"
+
+#include "meshrake/model/run_state.hpp"
+#include "tests/support/runs.hpp"
+#include "tvncommon/io/file_units.hpp"
+#include "tvncommon/io/io_layer.hpp"
+
+#include <gmock/gmock.h>
+
+#include <limits>
+
+namespace {
+
+using model::Domain;
+using model::run;
+using namespace plot_data;
+using sample_files::Integers;
+
+class PlotData : public runs::PartOfRun {
+protected:
+    PlotData() { openPlot(); }
+
+    void openPlot() {
+        domain.tecplotUnit = file_units::openTextReplace("plot", io_layer::Flush::inBlocks);
+    }
+
+    // What has been written since the last call.
+    std::string take() {
+        file_units::freeUnit(domain.tecplotUnit);
+        const std::string text = sample_files::get("plot");
+        openPlot();
+        return text;
+    }
+
+    Domain domain;
+};
+
+TEST_F(PlotData, FirstZoneSharesNothing) {
+    tecplotVarShareAdd(1);
+    tecplotWriteZoneFE("pm  ", " ", 0, domain);
+    EXPECT_EQ(take(), "ZONE T=\"pm\", DATAPACKING=BLOCK, NODES=0, ELEMENTS=0, ZONETYPE=\n");
+}
+
+TEST_F(PlotData, SaysNothingOfAUnitThatIsEmpty) {
+    tecplotVarUnitsAdd("X", 1, "", domain);
+    tecplotVarUnitsWrite(domain);
+    EXPECT_EQ(take(), "");
+}
+
+TEST_F(PlotData, ListsAndZoneLinesAreCutAt512) {
+    std::string list;
+    for (int v = 1; v <= 200; ++v) {
+        list += (v > 1 ? "," : "") + std::to_string(v);
+        tecplotVarLocCCAdd(v);
+    }
+    tecplotWriteZoneFE("pm", "", 1, domain);
+    const std::string whole =
+        "ZONE T=\"pm\", DATAPACKING=BLOCK, NODES=0, ELEMENTS=0, ZONETYPE=, VARLOCATION=([" + list;
+    EXPECT_EQ(take(), whole.substr(0, 512) + "\n");
+
+    // Cut behind ", VARLOCATION=([1]=CELLCENTERED)," the line loses its last blank, and there is
+    // room for one more character of the next part.
+    const std::string front =
+        ", DATAPACKING=BLOCK, NODES=0, ELEMENTS=0, ZONETYPE=, VARLOCATION=([1]=CELLCENTERED)";
+    const std::string title(510 - front.size() - 9, 'x');
+    tecplotVarLocCCAdd(1);
+    tecplotVarShareAdd(2);
+    tecplotWriteZoneFE(title, "", 1, domain);
+    EXPECT_EQ(take(), "ZONE T=\"" + title + "\"" + front + ",,\n");
+}
+
+// Rows of five fields, for the values that are kept.
+std::string rowsOf(const std::array<std::string, 3>& fields,
+                   const std::vector<std::uint8_t>& kept) {
+    std::string text;
+    int n = 0;
+    for (std::size_t i = 0; i < kept.size(); ++i)
+        if (kept[i]) text += fields[i % 3] + (++n % 5 == 0 ? "\n" : "");
+    return n % 5 == 0 ? text : text + '\n';
+}
+
+// Few values, and counts around blocks of 1048576 bytes: 18724 rows of 56, 8004 rows of 131.
+TEST_F(PlotData, ArraysWholeAndPacked) {
+    const std::array<std::string, 3> realFields{
+        "  0.50000000000000000     ", "  -4.0000000000000000     ", "  0.15625000000000000E-001"};
+    const std::array<std::string, 3> intFields{"          7", "         -4", " 2147483647"};
+    for (const std::size_t count :
+         std::initializer_list<std::size_t>{0, 1, 4, 5, 6, 5001, 40014, 40019, 40020, 40021, 40025,
+                                            60027, 80041, 93615, 93620, 93625, 140430}) {
+        std::vector<double> real8;
+        std::vector<float> real4;
+        Integers int4;
+        std::vector<std::uint8_t> all(count, 1), none(count), some;
+        for (std::size_t i = 0; i < count; ++i) {
+            real8.push_back(i % 3 == 0 ? 0.5 : i % 3 == 1 ? -4 : 0.015625);
+            real4.push_back(static_cast<float>(real8.back()));
+            int4.push_back(i % 3 == 0 ? 7 : i % 3 == 1 ? -4 : 2147483647);
+            some.push_back(i % 3 != 1);
+        }
+        const auto n = static_cast<std::int64_t>(count);
+        const std::pair<Packing, const std::vector<std::uint8_t>*> packings[] = {
+            {{}, &all},
+            {{false, none.data()}, &all},
+            {{true, all.data()}, &all},
+            {{true, some.data()}, &some},
+            {{true, none.data()}, &none}};
+        for (const auto& [packing, kept] : packings) {
+            SCOPED_TRACE(std::to_string(count));
+            const std::string reals = "# v\n" + rowsOf(realFields, *kept);
+            tecplotWriteArrayReal8(1, n, real8.data(), packing, "v ", domain);
+            EXPECT_TRUE(take() == reals);
+            tecplotWriteArrayReal4(1, n, real4.data(), packing, "v", domain);
+            EXPECT_TRUE(take() == reals);
+            tecplotWriteArrayInt4(1, n, int4.data(), packing, "v", domain);
+            EXPECT_TRUE(take() == "# v\n" + rowsOf(intFields, *kept));
+        }
+    }
+    // A comment that leaves one byte less than a row at the end of the block, or none.
+    const std::vector<std::uint8_t> all(100000, 1);
+    for (const std::size_t length : std::initializer_list<std::size_t>{29, 30, 31}) {
+        const std::string label(length, 'x');
+        tecplotWriteArrayInt4(1, 100000, Integers(100000, 7).data(), {}, label, domain);
+        EXPECT_TRUE(take() ==
+                    "# " + label + "\n" + rowsOf({intFields[0], intFields[0], intFields[0]}, all));
+    }
+    const float tenth = 0.1F;
+    tecplotWriteArrayReal4(1, 1, &tenth, {}, "v", domain);
+    EXPECT_EQ(take(), "# v\n  0.10000000149011612     \n");
+}
+
+std::string connectivity(const std::vector<Integers>& rows) {
+    std::string text = "# element node lists\n";
+    char field[16];
+    for (const Integers& row : rows) {
+        for (const std::int32_t node : row) {
+            std::snprintf(field, sizeof field, "%10d ", node);
+            text += field;
+        }
+        text += '\n';
+    }
+    return text;
+}
+
+// Nodes 1 to 8 of pm are written as 11 to 18, but the eighth is not.
+TEST_F(PlotData, ConnectivityPatterns) {
+    domain.tag = model::tags::pm;
+    domain.couplingScheme = 1;
+    domain.nodeRenumber = {11, 12, 13, 14, 15, 16, 17, 0};
+    struct Case {
+        int nodesPerElement;
+        Integers slots;
+        std::vector<Integers> rows;
+    };
+    const Case cases[] = {
+        {2, {1, 2, 7, 8}, {{11, 12}, {17, 0}}},
+        {3, {1, 2, 3, 7, 6, 5}, {{11, 12, 13, 13}, {17, 16, 15, 15}}},
+        {4, {1, 2, 3, 4, 5, 6, 7, 0}, {{11, 12, 13, 14}, {15, 16, 17, 17}}},
+        {6, {1, 2, 3, 4, 5, 6}, {{11, 12, 13, 13, 14, 15, 16, 16}}},
+        {8, {8, 7, 6, 5, 4, 3, 2, 0}, {{0, 17, 16, 15, 14, 13, 12, 0}}},
+        {5, {1, 2, 3, 4, 5}, {}},
+        {1, {1, 2}, {}},
+        {0, {}, {}},
+    };
+    for (const Case& c : cases) {
+        domain.nodesPerElement = c.nodesPerElement;
+        domain.elementNodes = c.slots;
+        domain.elementCount =
+            static_cast<std::int32_t>(c.slots.size()) / std::max(c.nodesPerElement, 1);
+        for (const bool included : {true, false}) {
+            domain.elementIncluded.assign(static_cast<std::size_t>(domain.elementCount), included);
+            tecplotWriteConnectivity(domain);
+            EXPECT_EQ(take(), connectivity(included ? c.rows : std::vector<Integers>{}));
+        }
+    }
+}
+
+TEST_F(PlotData, ConnectivityOverSeveralBlocks) {
+    domain.tag = model::tags::pm;
+    domain.nodesPerElement = 8;
+    std::vector<Integers> rows;
+    for (std::int32_t i = 1; i <= 25000; ++i) {
+        domain.nodeRenumber.push_back(i);
+        Integers row;
+        for (int k = 0; k < 8; ++k) row.push_back((i * 7 + k * 5000) % 25000 + 1);
+        domain.elementNodes.insert(domain.elementNodes.end(), row.begin(), row.end());
+        domain.elementIncluded.push_back(i % 11 != 0);
+        if (domain.elementIncluded.back()) rows.push_back(row);
+    }
+    domain.elementCount = 25000;
+    tecplotWriteConnectivity(domain);
+    EXPECT_TRUE(take() == connectivity(rows));
+}
+
+// Surface of six nodes on pm nodes 1 to 6, global numbers 101 to 106, and of two more behind walls,
+// 107 and 108, for nodes 2 and 5: in elements of layer 1 and 2 the table exchanges them.
+TEST_F(PlotData, QuadrilateralsByTheirOwnLinksAndWalls) {
+    constexpr std::int32_t none = std::numeric_limits<std::int32_t>::min();
+    domain.tag = model::tags::olf;
+    domain.couplingScheme = 1;
+    domain.nodesPerElement = 4;
+    domain.nodeCount = 8;
+    domain.nodeOffset = 100;
+    domain.linkToPm = {1, 2, 3, 4, 5, 6, 2, 5};
+    domain.linkFromPm = {101, 102, 103, 104, 105, 106, 0, none};
+    domain.nodeRenumber = {1, 2, 3, 4, 5, 6, 0, 0};
+    domain.elementNodes = {1, 2, 5, 4, 2, 3, 6, 5, 2, 3, 6, 5, 1, 2, 5, 0, 2, 7, 8, -4, 2, 3, 6, 5};
+    domain.elementCount = 6;
+    domain.elementIncluded.assign(6, 1);
+    domain.nodeIncluded.assign(8, 1);
+    const auto expectRows = [&](const std::vector<Integers>& rows) {
+        tecplotWriteConnectivity(domain);
+        EXPECT_EQ(take(), connectivity(rows));
+    };
+    const std::vector<Integers> plain = {{1, 2, 5, 4}, {2, 3, 6, 5}, {2, 3, 6, 5},
+                                         {1, 2, 5, 5}, {2, 0, 0, 0}, {2, 3, 6, 5}};
+    expectRows(plain);
+
+    run.wallsPresent = true;
+    run.wallLayers = 2;
+    run.wallNodeFlag = {0, -1, 0, 0, 1, 0, 0, 0};
+    run.wallNodeTable = {101,  107, 103, 104, 108, 106, 107, 108, 101, 107, 103, 104,
+                         none, 106, 107, 108, 108, 108, 108, 108, 108, 108, 108, 108};
+    run.wallElementLayer = {0, 1, 2, 1, 1, 3};
+    expectRows(
+        {{1, 2, 5, 4}, {7, 3, 6, 8}, {7, 3, 6, 5}, {1, 2, 5, 5}, {7, 0, 0, 0}, {2, 3, 6, 5}});
+
+    // Truncated: node 1 is not written, nor is 8. All others move up; what 8 stood for stays.
+    domain.truncateEnabled = true;
+    domain.nodeIncluded = {0, 1, 1, 1, 1, 1, 1, 0};
+    domain.nodeRenumber = {0, 1, 2, 3, 4, 5, 0, 0};
+    expectRows(
+        {{0, 1, 4, 3}, {6, 2, 5, 4}, {6, 2, 5, 4}, {0, 1, 4, 4}, {6, 0, 0, 0}, {1, 2, 5, 4}});
+
+    // Walls are the surface's own; a domain that shares the nodes of pm has no links to go by.
+    domain.truncateEnabled = false;
+    domain.nodeRenumber = {1, 2, 3, 4, 5, 6, 0, 0};
+    domain.tag = model::tags::frac;
+    expectRows(plain);
+    domain.couplingScheme = 0;
+    domain.nodeRenumber = {21, 22, 23, 24, 25, 26, 27, 28};
+    domain.elementIncluded = {1, 0, 0, 0, 1, 0};
+    expectRows({{21, 22, 25, 24}, {22, 27, 28, 0}});
+}
+
+} // namespace

@@ -1,0 +1,429 @@
+#include "tests/support/data_set.hpp"
+#include "tests/support/power_cut.hpp"
+#include "tests/support/runs.hpp"
+#include "tools/data_set_file.hpp"
+
+#include <gmock/gmock.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <cstring>
+#include <random>
+
+// Runs that go on from the binary data sets of earlier ones, also of such as were killed.
+namespace {
+
+using namespace sample_files;
+using data_set_file::DataSet;
+using runs::Ran;
+using testing::Each;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Not;
+
+const std::string pmSet = "to.pm.szplt", olfSet = "to.olf.szplt", indexFile = "to.tec_append";
+
+bool longTests() {
+    return std::getenv("MESHRAKE_LONG_TESTS") != nullptr;
+}
+
+void putControl(const std::string& topLevel = "", const std::string& pm = "", bool withOlf = true) {
+    put("t.plot.control", "tecplot binary mode\ntecplot binary append\n" + topLevel +
+                              "end\nwrite pm domain file\n" + pm + "end\n" +
+                              (withOlf ? "write olf domain file\nend\n" : ""));
+}
+
+// The simulator's files up to an output time. Saturations come at every other one.
+void putTimes(int times) {
+    Problem problem = brickProblem({2, 1, 1, times});
+    for (int t = 1; t <= times; t += 2)
+        problem["to.sat_pm.000" + std::to_string(t)] =
+            resultFile("0.0", {std::vector<float>(12, 0.1F * static_cast<float>(t))});
+    write(problem);
+}
+
+Ran runOver(int times) {
+    putTimes(times);
+    Ran ran = runs::runHere();
+    EXPECT_EQ(ran.status, 0) << ran.errors;
+    return ran;
+}
+
+int lastIndex() {
+    const Bytes file = get(indexFile);
+    std::int32_t index = 0;
+    if (file.size() == 12) std::memcpy(&index, file.data() + 4, 4);
+    return index;
+}
+
+std::vector<double> timesOf(const std::string& file) {
+    std::vector<double> times;
+    for (const auto& zone : data_set_file::read(file).zones) times.push_back(zone.time);
+    return times;
+}
+
+using Sets = std::map<std::string, DataSet>;
+
+Sets readSets() {
+    return {{pmSet, data_set_file::read(pmSet)}, {olfSet, data_set_file::read(olfSet)}};
+}
+
+// The data sets of one run over all times.
+Sets wholeSets(int times) {
+    const Folder folder;
+    putControl();
+    runOver(times);
+    return readSets();
+}
+
+void expectSameContents(const std::string& file, const Sets& wholes) {
+    EXPECT_TRUE(data_set::contentsOf(data_set_file::read(file)) ==
+                data_set::contentsOf(wholes.at(file)))
+        << file;
+}
+
+TEST(Append, RunsInTurnEqualOneRun) {
+    const Sets whole = wholeSets(6);
+    for (const std::string interval : {"1", "2", "5"}) {
+        const Folder folder;
+        putControl("tecplot binary flush interval\n" + interval + "\n");
+        for (const int times : {2, 3, 3, 6}) {
+            const int before = lastIndex();
+            const Ran ran = runOver(times);
+            EXPECT_THAT(ran.screen, HasSubstr("\nAppending to Tecplot output\nStarting at time "
+                                              "index 000" +
+                                              std::to_string(before + 1) + "\n\n"));
+            EXPECT_THAT(ran.screen, Not(HasSubstr("Closing tecplot file")));
+            EXPECT_EQ(ran.screen.find("No more data to append") != std::string::npos, before > 0);
+            EXPECT_EQ(lastIndex(), times);
+            const DataSet set = data_set_file::read(olfSet);
+            ASSERT_EQ(set.zones.size(), static_cast<std::size_t>(times));
+            if (times == before) continue;
+            EXPECT_THAT(set.zones[static_cast<std::size_t>(before)].shares, Each(0));
+            EXPECT_EQ(set.zones[static_cast<std::size_t>(before)].connectivityShare, 0);
+        }
+        for (const auto& [file, set] : whole) expectSameContents(file, whole);
+        EXPECT_EQ(data_set_file::read(pmSet).zones[5].connectivityShare, 1);
+    }
+}
+
+// Output times may have the same time, next to each other or not. A later run neither drops zones
+// of those before it nor writes one twice.
+TEST(Append, TimesMayRepeat) {
+    const auto runOverRepeated = [](int times) {
+        putTimes(times);
+        const char* const texts[] = {"0.0", "10.0", "10.0", "0.0", "10.0", "20.0"};
+        for (int t = 1; t <= times; ++t)
+            put("to.head_olf.000" + std::to_string(t),
+                resultFile(texts[t - 1], {Reals(6, 0.5 * t)}));
+        EXPECT_EQ(runs::runHere().status, 0);
+    };
+    const Folder home;
+    putControl();
+    runOverRepeated(6);
+    ASSERT_THAT(timesOf(olfSet), ElementsAre(0, 10, 10, 0, 10, 20));
+    const Sets whole = readSets();
+    for (int before = 1; before <= 6; ++before)
+        for (int recorded = 1; recorded <= before; ++recorded) {
+            SCOPED_TRACE(testing::Message() << before << " " << recorded);
+            const Folder folder;
+            putControl();
+            runOverRepeated(before);
+            put(indexFile, integerRecord({recorded}));
+            runOverRepeated(6);
+            for (const auto& [file, set] : whole) expectSameContents(file, whole);
+        }
+}
+
+// A file that is there can be read at any time.
+void expectReadable() {
+    for (const std::string& name : {pmSet, olfSet})
+        if (std::filesystem::exists(name)) {
+            EXPECT_NO_THROW(data_set_file::read(name)) << name;
+        }
+}
+
+// After a power cut at any call of a first run, of one that continues, of one that begins a data
+// set beside another and of one that takes zones back, the next run finds all that was recorded.
+TEST(Append, PowerCutAtAnyCall) {
+    constexpr int times = 4;
+    const Sets whole = wholeSets(times);
+    for (const auto& [before, recorded, interval, withOlf] :
+         {std::tuple{0, 0, 1, true}, {2, 2, 3, true}, {2, 2, 1, false}, {3, 1, 3, true}}) {
+        const Folder folder;
+        if (before > 0) {
+            putControl("", "", withOlf);
+            runOver(before);
+            put(indexFile, integerRecord({recorded}));
+        }
+        putControl("tecplot binary flush interval\n" + std::to_string(interval) + "\n");
+        system_calls::table = power_cut::recording(runs::keepingTable());
+        runOver(times);
+        system_calls::table = system_calls::systemTable();
+        const std::vector<power_cut::Files> states = power_cut::statesLeft(longTests());
+        EXPECT_GT(states.size(), 200);
+        for (std::size_t i = 0; i < states.size() && !HasFailure(); ++i) {
+            SCOPED_TRACE(testing::Message() << "before " << before << ", recorded " << recorded
+                                            << ", state " << i << " of " << states.size());
+            for (const auto& [name, contents] : power_cut::recordedFiles())
+                std::filesystem::remove(name);
+            write(states[i]);
+            system_calls::table = runs::keepingTable();
+            system_calls::table.sync = [](int) { return 0; };
+            runOver(times);
+            system_calls::table = system_calls::systemTable();
+            expectSameContents(pmSet, whole);
+            if (withOlf)
+                expectSameContents(olfSet, whole);
+            else
+                EXPECT_THAT(timesOf(olfSet), ElementsAre(20, 30));
+        }
+    }
+}
+
+// A larger problem, and the program itself, killed at instants that fall as they may.
+TEST(Append, KilledAtAnyInstant) {
+    const Folder home;
+    makeProblem("--nx 40 --ny 30 --layers 10 --times 12");
+    put("batch.pfx", "t\n");
+    putControl("tecplot binary flush interval\n3\n");
+    Sets whole;
+    std::chrono::duration<double> duration{};
+    {
+        const Folder folder;
+        std::filesystem::copy(home.path, folder.path);
+        const auto begin = std::chrono::steady_clock::now();
+        ASSERT_EQ(runs::runProgram().status, 0);
+        duration = std::chrono::steady_clock::now() - begin;
+        whole = readSets();
+    }
+    std::mt19937 random(1);
+    std::uniform_real_distribution<double> instant(0, duration.count());
+    const int wanted = longTests() ? 100 : 8;
+    for (int kills = 0; kills < wanted && !HasFailure();) {
+        const Folder folder;
+        std::filesystem::copy(home.path, folder.path);
+        // In the foreground, timeout ends after the run that it kills, whose lock is then released.
+        for (bool finished = false; !finished;) {
+            const std::string seconds = std::to_string(kills < wanted ? instant(random) : 0);
+            const Ran ran =
+                runs::runProgram("", "", "exec timeout --foreground -s KILL " + seconds);
+            EXPECT_NE(ran.status, 1) << ran.errors;
+            finished = ran.status == 0;
+            kills += !finished;
+            expectReadable();
+        }
+        EXPECT_EQ(lastIndex(), 12);
+        for (const auto& [file, set] : whole) expectSameContents(file, whole);
+    }
+}
+
+// Also without the option to append: the data must be on the disk before the sidecar is removed.
+TEST(Append, AFailedSyncEndsTheRun) {
+    for (const char* option : {"tecplot binary append\n", ""}) {
+        const Folder folder;
+        putTimes(2);
+        put("t.plot.control",
+            Bytes("tecplot binary mode\n") + option + "end\nwrite pm domain file\nend\n");
+        system_calls::table = runs::keepingTable();
+        system_calls::table.sync = [](int) {
+            errno = EIO;
+            return -1;
+        };
+        const Ran ran = runs::runHere();
+        system_calls::table = system_calls::systemTable();
+        runs::expectFailure(ran, {"HALTING EXECUTION", pmSet});
+        EXPECT_TRUE(*option != 0 || std::filesystem::exists(pmSet + ".szhdr"));
+        EXPECT_FALSE(std::filesystem::exists(indexFile));
+    }
+}
+
+TEST(Append, TwoRunsAtOnce) {
+    const Sets whole = wholeSets(4);
+    for (int pair = 0; pair < 40; ++pair) {
+        const Folder folder;
+        putControl();
+        putTimes(4);
+        const int status =
+            std::system("one() { " MESHRAKE_PROGRAM " >$1.screen 2>$1.errors; echo $? >$1; }\n"
+                        "one a & one b; wait");
+        EXPECT_EQ(status, 0);
+        EXPECT_TRUE(get("a") == "0\n" || get("b") == "0\n");
+        for (const std::string name : {"a", "b"}) {
+            if (get(name) == "0\n") continue;
+            EXPECT_EQ(get(name), "1\n");
+            EXPECT_THAT(get(name + ".errors"), HasSubstr("\nAnother run is using t\n"));
+        }
+        EXPECT_EQ(lastIndex(), 4);
+        for (const auto& [file, set] : whole) expectSameContents(file, whole);
+    }
+}
+
+// Without the wish to append, a data set that was left unfinished is replaced, with a warning.
+TEST(Append, AnotherRunReplaces) {
+    const Folder folder;
+    putControl("", "", false);
+    runOver(2);
+    put("t.plot.control", "tecplot binary mode\nend\nwrite pm domain file\nend\n");
+    const Ran ran = runOver(3);
+    EXPECT_THAT(ran.errors, HasSubstr("Tecplot szplt temporary files found (to.pm.szplt.szhdr, "
+                                      "etc.)\nConsider deleting them, otherwise data may be "
+                                      "appended."));
+    EXPECT_THAT(ran.screen, HasSubstr("Closing tecplot file: to.pm\n"));
+    EXPECT_THAT(timesOf(pmSet), ElementsAre(0, 10, 20));
+    EXPECT_FALSE(std::filesystem::exists(pmSet + ".szhdr"));
+}
+
+// A first run over two times, and a second, over two or three, once the folder was changed. The
+// second must say what is wrong and leave all as it is.
+class Refused : public testing::Test {
+protected:
+    Refused() {
+        putControl("", "", false);
+        runOver(2);
+        for (const std::string& name : {pmSet, sidecar, indexFile}) files[name] = get(name);
+        putTimes(3);
+        for (const auto& entry : std::filesystem::directory_iterator("."))
+            if (entry.path().extension() == ".0003")
+                thirdTime[entry.path().filename()] = get(entry.path());
+    }
+
+    void expectRefused(const std::string& banner) {
+        Problem before;
+        for (const auto& [name, contents] : files) before[name] = get(name);
+        const Ran ran = runs::runHere();
+        EXPECT_EQ(ran.status, 1);
+        EXPECT_THAT(ran.errors, HasSubstr("ERROR, HALTING EXECUTION"));
+        EXPECT_THAT(ran.errors, HasSubstr(banner + "\n"));
+        for (const auto& [name, contents] : before) EXPECT_TRUE(get(name) == contents) << name;
+    }
+
+    // Also by a run that finds no new output time.
+    void expectRefusedWithAnyTimes(const std::string& banner) {
+        for (const auto& [name, contents] : thirdTime) std::filesystem::remove(name);
+        expectRefused(banner);
+        write(thirdTime);
+        expectRefused(banner);
+    }
+
+    void expectRefusedWith(const std::string& name, const Bytes& contents) {
+        write(files);
+        put(name, contents);
+        const std::string damaged = "\nThe file is damaged: no zone can be appended to ";
+        expectRefusedWithAnyTimes(name == sidecar ? name + damaged + "its data set."
+                                  : name == pmSet ? name + damaged + "it."
+                                                  : name);
+    }
+
+    // With a bit of one byte in `step` changed.
+    void expectRefusedChanged(const std::string& name, std::size_t first, std::size_t last,
+                              std::size_t step) {
+        for (std::size_t at = first; at < last; at += step) {
+            SCOPED_TRACE(testing::Message() << "byte " << at);
+            Bytes contents = files[name];
+            contents[at] ^= 8;
+            expectRefusedWith(name, contents);
+        }
+    }
+
+    const std::string sidecar = pmSet + ".szhdr";
+    const Folder folder;
+    Problem files, thirdTime;
+};
+
+TEST_F(Refused, DamagedFiles) {
+    const std::string marker("\x00\x80\x95\x43", 4); // 299.0 in front of a zone
+    const std::size_t header = files[pmSet].find(marker), data = files[pmSet].rfind(marker);
+    const std::size_t size = files[pmSet].size(), sidecarSize = files[sidecar].size();
+    for (const std::int32_t index : {-1, 2147483647})
+        expectRefusedWith(indexFile, integerRecord({index}));
+    expectRefusedWith(indexFile, files[indexFile] + "1234");
+    expectRefusedWith(sidecar, "a text of someone else");
+    expectRefusedWith(pmSet, Bytes(size, 'x'));
+    const std::map<std::string, std::vector<std::size_t>> cuts{
+        {indexFile, {0, 2, 8}},
+        {sidecar, {0, 23, sidecarSize - 1}},
+        {pmSet, {0, 7, header - 4, header, header + 400, 60000, data, data + 4, size - 1}}};
+    for (const auto& [name, sizes] : cuts)
+        for (const std::size_t cut : sizes) expectRefusedWith(name, files[name].substr(0, cut));
+    expectRefusedChanged(indexFile, 0, 9, 8);
+    expectRefusedChanged(sidecar, 0, sidecarSize, 5);
+    expectRefusedChanged(pmSet, 0, 24, 8);
+    expectRefusedChanged(pmSet, header - 4, header + 1200, 20);
+    expectRefusedChanged(pmSet, data, size, 7);
+}
+
+// What the system refuses is not damaged.
+TEST_F(Refused, ASidecarThatCannotBeRead) {
+    static int openError, readError, descriptor;
+    const std::string banner = "Failed to open file: to.pm.szplt.szhdr\nError detail: ";
+    for (const auto& [failsAtOpen, failsAtRead, detail] :
+         {std::tuple{EACCES, 0, "Permission to access file denied\nError number: 9"},
+          {EIO, 0, "Unknown error encountered opening file\nError number: 30"},
+          {0, EIO, "Error encountered during read statement\nError number: 39"}}) {
+        openError = failsAtOpen;
+        readError = failsAtRead;
+        system_calls::table = runs::keepingTable();
+        system_calls::table.open = [](const char* path, system_calls::OpenMode mode) {
+            const bool isSidecar = std::string_view(path).ends_with(".szhdr");
+            if (isSidecar && (errno = openError) != 0) return -1;
+            const int opened = system_calls::systemTable().open(path, mode);
+            descriptor = isSidecar ? opened : descriptor == opened ? -1 : descriptor;
+            return opened;
+        };
+        system_calls::table.readAt = [](int d, void* into, std::size_t size, std::int64_t from) {
+            if (d != descriptor) return system_calls::systemTable().readAt(d, into, size, from);
+            errno = readError;
+            return std::ptrdiff_t{-1};
+        };
+        expectRefusedWithAnyTimes(banner + detail);
+        system_calls::table = system_calls::systemTable();
+    }
+}
+
+// A run without append replaced the data set and was killed, before its first zone or after it.
+TEST_F(Refused, ADataSetOfARunWithoutAppend) {
+    const Bytes control = get("t.plot.control");
+    static bool beforeFirstZone;
+    for (const bool before : {true, false}) {
+        write(files);
+        write(thirdTime);
+        put("t.plot.control", "tecplot binary mode\nend\nwrite pm domain file\nend\n");
+        beforeFirstZone = before;
+        system_calls::table = runs::keepingTable();
+        system_calls::table.rename = [](const char* from, const char* to) {
+            const bool fails = beforeFirstZone && std::string_view(to).ends_with(".szplt");
+            return fails ? -1 : system_calls::systemTable().rename(from, to);
+        };
+        system_calls::table.sync = [](int) { return -1; };
+        EXPECT_EQ(runs::runHere().status, 1);
+        system_calls::table = system_calls::systemTable();
+        put("t.plot.control", control);
+        EXPECT_EQ(get(pmSet) == files[pmSet], before);
+        expectRefusedWithAnyTimes(
+            before ? sidecar + "\nThe file is damaged: no zone can be appended to its data set."
+                   : sidecar + "\nThe data set was left unfinished by a run without the option to "
+                               "append: no zone can be appended to it.");
+    }
+}
+
+TEST_F(Refused, ARunThatDoesNotFit) {
+    putControl("", "no pm saturations\n", false);
+    expectRefused("to.pm.szplt\nThe data set has other variables than this run.");
+    putControl("", "truncate pm domain\n0 1\n0 1\n0 10\n", false);
+    expectRefused("Create new zone in pm domain.\n"
+                  "Its plot file has zones with other nodes or elements: to.pm.szplt");
+    putControl("", "", false);
+    files.erase(sidecar);
+    std::filesystem::remove(sidecar);
+    expectRefused("Failed to open file: to.pm.szplt.szhdr");
+    std::filesystem::create_directory(sidecar);
+    expectRefused("Failed to open file: to.pm.szplt.szhdr");
+    std::filesystem::remove(sidecar);
+    std::filesystem::remove(indexFile);
+    std::filesystem::create_directory(indexFile);
+    expectRefused("Failed to open file: to.tec_append\nError detail: Unknown error encountered "
+                  "opening file\nError number: 30");
+}
+
+} // namespace

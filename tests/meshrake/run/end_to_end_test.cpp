@@ -1,0 +1,277 @@
+#include "tests/support/data_set.hpp"
+#include "tests/support/runs.hpp"
+
+#include <set>
+
+// Whole runs, of the program itself or of all of it inside this process.
+namespace {
+
+using namespace sample_files;
+using runs::expectFailure;
+using runs::Ran;
+using runs::runHere;
+using runs::runProgram;
+using testing::HasSubstr;
+using testing::Not;
+using Singles = std::vector<float>;
+
+std::set<std::string> filesHere() {
+    std::set<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator("."))
+        if (entry.path().filename().string()[0] != '.') names.insert(entry.path().filename());
+    return names;
+}
+
+class Run : public runs::ProblemRun {
+protected:
+    Run() { problem = brickProblem({1, 1, 1, 4}); }
+};
+
+// One brick and its surface at three times; the names of the columns tell which files come and go.
+TEST_F(Run, WritesTheseFiles) {
+    problem = brickProblem({1, 1, 1, 3});
+    problem["to.sat_pm.0001"] = problem["to.sat_pm.0003"] =
+        resultFile("0.0", {Singles{1, 1, 1, 1, 0.5F, 0.25F, 0.125F, 0}});
+    problem["to.vwc_pm.0002"] = resultFile("0.0", {Reals(8)});
+    problem["to.v_pm.0001"] = problem["to.v_pm.0002"] =
+        resultFile("0.0", {Singles{0.1F}, Singles{-2.5F}, Singles{3e-10F}});
+    problem.erase("to.head_olf.0002");
+    write(problem);
+    std::set<std::string> files = filesHere();
+    files.insert({"t.plot.control", "to.meshrake.eco", "to.olf.dat", "to.pm.dat"});
+    for (const bool first : {true, false}) {
+        const Ran ran = runProgram();
+        EXPECT_EQ(ran.status, 0);
+        EXPECT_EQ(getDated("to.pm.dat"), expected("brick.pm.dat"));
+        EXPECT_EQ(getDated("to.olf.dat"), expected("brick.olf.dat"));
+        if (!first) continue; // the control file that it has left asks for the same
+        EXPECT_EQ(filesHere(), files);
+        EXPECT_EQ(ran.screen, expected("brick.screen"));
+        EXPECT_EQ(get("to.meshrake.eco"), expected("brick.meshrake.eco"));
+        EXPECT_EQ(ran.errors,
+                  "\n*********************************\n***      WARNING MESSAGE      ***\n"
+                  "*********************************\n\n"
+                  "Meshrake has been deprecated and will be removed in a future release.\n"
+                  "We recommend using tvn2vtu for post-processing going forward.\n\n");
+    }
+}
+
+TEST_F(Run, LeavesNothingBehindForTheNext) {
+    const auto results = [] {
+        return getDated("to.pm.dat") + getDated("to.olf.dat") + get("to.meshrake.eco");
+    };
+    problem["to.freeze_thaw_temp_pm.0001"] = resultFile("0.0", {Reals(8)});
+    ASSERT_EQ(run().status, 0);
+    const Bytes before = results();
+
+    // All that can be set, and heat in its unit; a failure half way; a template.
+    put("to.species", integerRecords({1, 0}) + textRecord("heat", 50) + integerRecords({-1, 0}));
+    put("to.conc_pm.heat.0001", problem["to.freeze_thaw_temp_pm.0001"]);
+    EXPECT_EQ(run("tecplot binary append\ntruncate time domain\n0 20\n"
+                  "number of digits for output file suffix\n4\nend\n"
+                  "write pm domain file\nno pm heads\ntruncate pm domain\n0 1\n0 1\n0 1\nend\n"
+                  "simulation time unit conversion factor\n5 2\ninterpolate depth to gw table\n")
+                  .status,
+              0);
+    EXPECT_THAT(get("to.pm.dat"), HasSubstr("# heat units: (deg C)\n"));
+    std::filesystem::remove("to.species");
+    put("to.head_olf.0002", problem["to.head_olf.0002"].substr(0, 60));
+    EXPECT_EQ(runHere().status, 1);
+    EXPECT_EQ(run("", {"--make_plot_control"}).status, 0);
+
+    std::filesystem::remove("t.plot.control");
+    problem.erase("t.plot.control");
+    ASSERT_EQ(run().status, 0);
+    EXPECT_EQ(results(), before);
+}
+
+TEST_F(Run, AsksForThePrefix) {
+    const std::string prompt = "Enter prefix of problem filename...\n";
+    const std::string ask = "Switching to interactive mode\n" + prompt;
+    const std::string again = "Please try again...\n" + prompt;
+    const std::string empty =
+        "\nError reading batch.pfx file\nPrefix from batch.pfx file is empty\n" + ask;
+    problem["sub dir.skiv"] = "";
+    problem["sub"] = "a file without the extension";
+    struct Case {
+        std::string batch; // "-": no such file
+        std::string input, dialogue, batchAfter;
+    };
+    const Case cases[] = {
+        {"\n \t\n t rest\nmore\n", "", "\nStack of bricks", "\n \t\n t rest\nmore\n"},
+        {"-", "t\n", "\nbatch.pfx file does not exist\n" + ask, "t\n"},
+        {"", "t", empty, "t\n"},
+        {"'t\n", "t\n", empty, "t\n"},
+        {"sub dir\n", "\n\nT\nsub/t\n./t",
+         "\nUnable to find file sub.skiv\n" + ask + "Unable to find file T.skiv\n" + again +
+             "Unable to find file sub/t.skiv\n" + again,
+         "./t\n"}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.batch);
+        problem["batch.pfx"] = c.batch;
+        write(problem);
+        if (c.batch == "-") std::filesystem::remove("batch.pfx");
+        const Ran ran = runProgram("", c.input);
+        EXPECT_EQ(ran.status, 0);
+        EXPECT_THAT(ran.screen, HasSubstr("@@\n" + std::string(74, '@') + "\n" + c.dialogue));
+        EXPECT_EQ(get("batch.pfx"), c.batchAfter);
+    }
+    std::filesystem::remove("batch.pfx");
+    // A program may answer without an end.
+    for (const std::string line : {"wrong\n", "\n"}) {
+        std::string lines;
+        for (int i = 0; i < 1001; ++i) lines += line;
+        expectFailure(runProgram("", lines), {"**\n\nError reading file: standard input\nNone of "
+                                              "the first 1000 lines names a problem.\n"});
+    }
+    expectFailure(runProgram("", "x\n\n"), {"**\n\nError reading file: standard input\nError "
+                                            "detail: End-of-file encountered on read\n"});
+    EXPECT_FALSE(std::filesystem::exists("batch.pfx"));
+}
+
+TEST_F(Run, CommandLine) {
+    const Ran made = run("nonsense\n", {"--Make_Plot_Control", "-x  ", "", "--never"});
+    EXPECT_EQ(made.status, 0);
+    EXPECT_THAT(made.screen, HasSubstr("@\n\nInvalid command line option: -x\nStack of bricks"));
+    EXPECT_THAT(made.screen,
+                testing::EndsWith("\nGenerate t.plot.control file and terminate...\n\n\n\n"
+                                  "                    ---- Normal exit ----\n\n\n"));
+    EXPECT_THAT(get("t.plot.control"),
+                testing::StartsWith("tecplot mode\n! tecplot binary mode\n"));
+    EXPECT_FALSE(std::filesystem::exists("to.pm.dat"));
+}
+
+// Lines of screen and echo file about output times, in order.
+std::string timesOf(const std::string& text) {
+    std::istringstream in(text);
+    std::string lines;
+    for (std::string line; std::getline(in, line);)
+        for (const char* word : {"Time ", "Skip ", "Warning:", "Creating"})
+            if (line.starts_with(word)) lines += line + "\n";
+    return lines;
+}
+
+TEST_F(Run, TimeWindow) {
+    const std::string creating = "Creating tecplot file to.pm\n";
+    problem["to.ElemPor_pm.0001"] = resultFile("", {Singles{0.25F}}); // of no time
+    const std::map<std::string, std::string> cases = {
+        {"10 20", "Skip Time 0001: 0.0\n" + creating +
+                      "Time 0002: 10.0\nTime 0003: 20.0\nSkip Time 0004: 30.0\n"},
+        {"11 1d1", "Skip Time 0001: 0.0\nSkip Time 0002: 10.0\nSkip Time 0003: 20.0\nSkip Time "
+                   "0004: 30.0\n"}};
+    for (const auto& [window, lines] : cases) {
+        std::filesystem::remove("to.pm.dat");
+        const Ran ran = run("truncate time domain\n" + window + "\nend\nwrite pm domain file\n");
+        EXPECT_EQ(timesOf(ran.screen),
+                  lines + "Warning: No output file found with extension: 0005\n");
+        const bool created = lines.find(creating) != std::string::npos;
+        EXPECT_EQ(std::filesystem::exists("to.pm.dat"), created);
+        EXPECT_EQ(get("to.pm.dat").find("\"Porosity\"") != Bytes::npos, created);
+    }
+    problem["to.head_olf.0002"] = resultFile("soon", {Reals(4)});
+    expectFailure(run("truncate time domain\n0 1\nend\n"),
+                  {"**\n\nError reading file: to.head_olf.0002\n"});
+}
+
+TEST_F(Run, WithoutAnyOutputTime) {
+    std::erase_if(problem, [](const auto& file) { return file.first.starts_with("to.head"); });
+    problem["to.ElemPor_pm.0001"] = resultFile("", {Singles{0.25F}});
+    EXPECT_EQ(timesOf(run().screen),
+              "Warning: No output file found with extension: 0001\nCreating tecplot file to.pm\n"
+              "Creating tecplot file to.olf\n");
+    const data_set::DataSet pm = data_set::parse(get("to.pm.dat"));
+    EXPECT_THAT(pm.variables, HasSubstr(",Porosity"));
+    ASSERT_EQ(pm.zones.size(), 1U);
+    EXPECT_THAT(pm.zones[0].line, HasSubstr("SOLUTIONTIME=0.0, "));
+}
+
+TEST_F(Run, TimesPassThroughAsTextOrAreConverted) {
+    problem["to.head_pm.0001"] = problem["to.head_olf.0001"] =
+        resultFile("  1.50E+01 later", {Reals(8)});
+    ASSERT_EQ(run().status, 0);
+    EXPECT_THAT(get("to.pm.dat"), HasSubstr(", SOLUTIONTIME=1.50E+01, "));
+    run("end\nwrite pm domain file\nend\nsimulation time unit conversion factor\n0.25 0.1\n");
+    EXPECT_THAT(get("to.meshrake.eco"), HasSubstr("\nTime 0002:  1.2500000000000000\n"));
+    EXPECT_THAT(get("to.pm.dat"), HasSubstr(", SOLUTIONTIME=1.7500000000000000, "));
+}
+
+TEST_F(Run, DomainsThatAreNotAskedFor) {
+    ASSERT_EQ(run("end\nwrite olf domain file\n").status, 0);
+    EXPECT_FALSE(std::filesystem::exists("to.pm.dat"));
+    EXPECT_THAT(get("to.meshrake.eco"),
+                Not(testing::ContainsRegex("Closing tecplot file: (to.pm)?\n")));
+
+    // Append stays on without the end of the section.
+    std::filesystem::remove("to.olf.dat");
+    ASSERT_EQ(run("tecplot binary append\nwrite olf domain file\n").status, 0);
+    EXPECT_FALSE(std::filesystem::exists("to.olf.dat"));
+    EXPECT_EQ(get("to.tec_append"), integerRecord({4}));
+}
+
+TEST_F(Run, WarnsOfWhatMayMislead) {
+    problem["to.gen"] =
+        textRecord("2918 beta", 80) + integerRecord({0}) + record("") + integerRecord({7});
+    problem["to.olf.szplt.szhdr"] = "";
+    const Ran ran = run();
+    EXPECT_EQ(ran.status, 0);
+    for (const char* warning :
+         {"**\n\nSkiv version does not match MESHRAKE version.\nThis may result in a failure of "
+          "MESHRAKE to run.\n\n",
+          "**\n\nTecplot szplt temporary files found (to.olf.szplt.szhdr, etc.)\nConsider deleting "
+          "them, otherwise data may be appended.\n\n"})
+        EXPECT_THAT(ran.errors, HasSubstr(warning));
+    const Bytes pm = get("to.pm.dat");
+    EXPECT_THAT(pm, testing::StartsWith("TITLE = \"\"\n"));
+    EXPECT_THAT(pm, HasSubstr("Length_Base_Unit=\"cm\"\nDATASETAUXDATA Time_Base_Unit=\"d\"\n"));
+    EXPECT_THAT(pm, HasSubstr("# Head units: (cm)\n"));
+}
+
+// Sample problems that another program has made: what differs in the bytes of their files only
+// gives the same plots, and all files hold together.
+class MadeProblem : public testing::Test {
+protected:
+    std::map<std::string, Bytes> plots(const std::string& options, const std::string& control) {
+        const Folder folder;
+        makeProblem("--nx 4 --ny 3 --layers 2 --times 3 " + everything + options);
+        if (!control.empty()) put("t.plot.control", control);
+        const Ran ran = runProgram();
+        EXPECT_EQ(ran.status, 0) << options << ran.errors;
+        std::map<std::string, Bytes> found;
+        for (const std::string& name : filesHere())
+            if (name.ends_with(".dat")) found[name] = getDated(name);
+        EXPECT_EQ(found.size(), 7U);
+        return found;
+    }
+
+    const std::string everything = "--variables all --domains pm,dual,olf,frac,chan,well,tile ";
+    const std::vector<std::string> tags = {"pm", "dual", "olf", "frac", "chan", "well", "tile"};
+};
+
+TEST_F(MadeProblem, IsTheSameInAllFormsOfItsFiles) {
+    std::string digits = "number of digits for output file suffix\n6\nend\n";
+    for (const std::string& tag : tags) digits += "write " + tag + " domain file\nend\n";
+    const auto plain = plots("--tensor", "");
+    for (const std::string form : {"--generation older", "--sub-records 60",
+                                   "--sub-records 7 --generation older", "--digits 6"})
+        EXPECT_TRUE(plots("--tensor " + form, form == "--digits 6" ? digits : "") == plain) << form;
+}
+
+TEST_F(MadeProblem, GivesFilesThatHoldTogether) {
+    std::string range = "end\n", layer = "end\n";
+    for (const std::string& tag : tags) {
+        range += "write " + tag + " domain file\ntruncate " + tag +
+                 " domain\n0 1500\n300 1d4\n-1d9 1d9\nend\n";
+        layer += "write " + tag + " domain file\ntruncate " + tag +
+                 " domain by layer\n0 1d9\n0 1d9\n1 1\nend\n";
+    }
+    for (const std::string kind :
+         {"", "--elements prism ", "--walls ", "--walls --elements prism --tensor "})
+        for (const std::string& control : {std::string(), range, layer})
+            for (const auto& [name, text] : plots(kind, control)) {
+                const data_set::DataSet set = data_set::parse(text);
+                EXPECT_EQ(set.fault, "") << name << " " << kind << control.substr(0, 60);
+                EXPECT_EQ(set.zones.size(), 3U) << name;
+            }
+}
+
+} // namespace

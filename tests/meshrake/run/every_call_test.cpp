@@ -1,0 +1,278 @@
+#include "tests/support/data_set.hpp"
+#include "tests/support/faulty_calls.hpp"
+#include "tools/data_set_file.hpp"
+
+#include <cerrno>
+#include <sys/wait.h>
+#include <unistd.h>
+
+// Runs in which the system refuses, cuts short or interrupts one of the calls of its table, or in
+// which the process is killed there. Such a run must end with a banner or do all that it has to,
+// and the next run must put all in order.
+namespace {
+
+using namespace sample_files;
+using faulty_calls::echoFile;
+using faulty_calls::Effect;
+using faulty_calls::Fault;
+using faulty_calls::Kind;
+using faulty_calls::kinds;
+using faulty_calls::Way;
+using runs::Ran;
+using testing::HasSubstr;
+
+bool longTests() {
+    return std::getenv("MESHRAKE_LONG_TESTS") != nullptr;
+}
+
+// Everything that a run can compare and plot, with points that are located in elements.
+Problem withProducts(const std::string& mode) {
+    const std::string everywhere = "-1e20 1e20\n-1e20 1e20\n-1e20 1e20\n";
+    Problem problem = brickProblem({3, 1, 1, 1});
+    Integers same;
+    for (int i = 1; i <= 16; ++i) same.push_back(i);
+    problem["to.coordinates_dual"] =
+        integerRecords({16, 0}) + integerRecord(same) + integerRecord(same);
+    problem["to.elements_dual"] = problem["to.elements_pm"];
+    problem["t.observed_heads"] = "2\n.5 .5 .5 1\n9 9 9 1\n";
+    problem["t.observed_heads_olf"] = problem["t.observed_d2gwt"] = "1\n.1 .1 2\n";
+    problem["t.plot.control"] =
+        mode + "end\nwrite pm domain file\ncompare heads 3d domain\n" + everywhere +
+        "compare gw table elevation\ncompare depth to gw table\nend\n" +
+        "write dual domain file\nend\nwrite olf domain file\ncompare surface water depth\n" +
+        everywhere + "end\nplot pm zone isopach structure\nplot pm depth below ground surface\n";
+    return problem;
+}
+
+// Output times of data sets that are appended to; saturations come at every other one.
+Problem appendedTimes(int times, bool withOlf = true) {
+    Problem problem = brickProblem({2, 1, 1, times});
+    for (int t = 1; t <= times; t += 2)
+        problem["to.sat_pm.000" + std::to_string(t)] =
+            resultFile("0.0", {std::vector<float>(12, 0.1F * static_cast<float>(t))});
+    problem["t.plot.control"] =
+        std::string("tecplot binary mode\ntecplot binary append\ntecplot binary flush interval\n") +
+        "3\nend\nwrite pm domain file\nend\n" + (withOlf ? "write olf domain file\nend\n" : "");
+    return problem;
+}
+
+struct Scenario {
+    const char* name;
+    bool append;
+    std::function<void()> prepare;
+    std::vector<const char*> arguments{"meshrake"};
+};
+
+// `before` times are in the data sets, `recorded` of them in the file with the index.
+void prepareAppend(int before, int recorded, bool withOlf) {
+    if (before > 0) {
+        write(appendedTimes(before, withOlf));
+        Fault none;
+        EXPECT_EQ(faulty_calls::run({"meshrake"}, none).status, 0);
+        put("to.tec_append", integerRecord({recorded}));
+        if (!withOlf) put("to.olf.szplt.szhdr", "left over");
+    }
+    write(appendedTimes(4));
+}
+
+const Scenario scenarios[] = {
+    {"Text", false, [] { write(twoTimes()); }},
+    {"Products", false, [] { write(withProducts("")); }},
+    {"Binary", false, [] { write(withProducts("tecplot binary mode\n")); }},
+    {"Template", false,
+     [] {
+         Problem problem = twoTimes();
+         problem.erase("t.plot.control");
+         write(problem);
+     }},
+    {"TemplateAlone", false, [] { write(twoTimes()); }, {"meshrake", "--make_plot_control"}},
+    {"Prompt", false,
+     [] {
+         write(twoTimes());
+         put("batch.pfx", "another\n");
+     }},
+    {"Append", true, [] { prepareAppend(0, 0, true); }},
+    {"Resume", true, [] { prepareAppend(2, 2, true); }},
+    {"ResumeWithoutNewTimes", true, [] { prepareAppend(4, 4, true); }},
+    {"ResumeWithAnotherDataSet", true, [] { prepareAppend(2, 2, false); }},
+    {"ResumeTakingZonesBack", true, [] { prepareAppend(3, 1, true); }}};
+
+// The value of the auxiliary record with the date, in characters of four bytes, taken out.
+Bytes undated(Bytes file) {
+    Bytes name;
+    for (const char c : std::string("Date_Created")) name += Bytes{c, 0, 0, 0};
+    const std::size_t at = file.find(name);
+    return at == Bytes::npos ? file : file.replace(at + name.size(), 120, "");
+}
+
+Bytes withoutWarnings(Bytes echo) {
+    const std::string stars(33, '*'), begin = "\n" + stars + "\n***      WARNING MESSAGE";
+    for (std::size_t at = 0; (at = echo.find(begin, at)) != Bytes::npos;)
+        echo.erase(at, echo.find("\n\n", echo.find("\n\n", at) + 2) + 2 - at);
+    return echo;
+}
+
+// The files of the folder by name, without dates and warnings. Of data sets that are appended to
+// the contents count, however zones share them.
+Problem folderContents(const Scenario& scenario) {
+    Problem files;
+    for (const auto& entry : std::filesystem::directory_iterator(".")) {
+        const std::string name = entry.path().filename();
+        const bool dataSet = name.ends_with(".szplt");
+        if (scenario.append && dataSet)
+            files[name] = data_set::contentsOf(data_set_file::read(name));
+        else if (!scenario.append || !(name.ends_with(".szhdr") || name == echoFile))
+            files[name] = dataSet            ? undated(get(name))
+                          : name == echoFile ? withoutWarnings(get(name))
+                                             : getDated(name);
+    }
+    return files;
+}
+
+// Names of the files that differ, for messages.
+std::string differences(const Problem& some, const Problem& others) {
+    std::string names;
+    for (const auto& [name, contents] : some)
+        if (!others.contains(name) || others.at(name) != contents) names += name + " ";
+    for (const auto& [name, contents] : others)
+        if (!some.contains(name)) names += "no " + name + " ";
+    return names;
+}
+
+// The file that this one is a part or a copy of, or itself.
+std::string originalOf(const std::string& file) {
+    std::string name = file == "scratch_plot" ? "t.plot.control" : file;
+    for (const std::string ending : {".new", ".unfinished", ".szhdr"})
+        if (name.ends_with(ending)) name.resize(name.size() - ending.size());
+    return name;
+}
+
+void PrintTo(const Scenario& scenario, std::ostream* out) {
+    *out << scenario.name;
+}
+
+class EveryCall : public testing::TestWithParam<Scenario> {
+protected:
+    EveryCall() {
+        scenario.prepare();
+        for (const auto& entry : std::filesystem::directory_iterator("."))
+            given[entry.path().filename()] = get(entry.path());
+        const Folder folder;
+        write(given);
+        for (Problem& files : clean) {
+            EXPECT_EQ(run().status, 0);
+            files = folderContents(scenario);
+        }
+    }
+
+    Ran run(const Fault& with = {}) {
+        fault = with;
+        return faulty_calls::run(scenario.arguments, fault);
+    }
+
+    // The run itself: a banner, or all files but one that a line on the screen says is missing.
+    void expectOrder(const Ran& ran) {
+        const std::string named = originalOf(fault.path);
+        if (ran.status == 0) {
+            Problem files = folderContents(scenario);
+            const bool warned = ran.screen.find("Failed to generate " + named) != Bytes::npos ||
+                                ran.screen.find("Failed to open file " + named) != Bytes::npos;
+            if (warned) files[named] = clean[0][named];
+            EXPECT_EQ(differences(files, clean[0]), "");
+            return;
+        }
+        EXPECT_EQ(ran.status, 1);
+        const std::string banner = ran.errors.substr(
+            std::min(ran.errors.find(" ERROR, HALTING EXECUTION"), ran.errors.size()));
+        EXPECT_THAT(banner, testing::AnyOf(HasSubstr(named), HasSubstr(fault.path)));
+        EXPECT_NE(banner, "");
+        const bool canEcho = fault.path != echoFile && fault.way != Way::lasting;
+        EXPECT_TRUE(!fault.echoBegun || !canEcho || get(echoFile).ends_with(banner)) << banner;
+    }
+
+    // The one after it, undisturbed.
+    void expectRecovery() {
+        for (const std::string name : {"to.pm.szplt", "to.olf.szplt"})
+            if (std::filesystem::exists(name)) {
+                EXPECT_NO_THROW(data_set_file::read(name)) << name;
+            }
+        const Ran ran = run();
+        EXPECT_EQ(ran.status, 0) << ran.errors;
+        const Problem files = folderContents(scenario);
+        if (files != clean[1]) {
+            EXPECT_EQ(differences(files, clean[0]), "");
+        }
+    }
+
+    // Each call in turn; the number of calls that met the fault.
+    int failEach(Way way, const Kind& kind, int error, int step = 1) {
+        int met = 0;
+        for (int number = 1;; number += step, ++met) {
+            const Folder folder;
+            write(given);
+            const Ran ran = run({way, &kind, error, number});
+            if (!fault.met) return met;
+            SCOPED_TRACE(testing::Message() << kind.name << " number " << number << " of "
+                                            << fault.path << ": " << strerror(error));
+            expectOrder(ran);
+            expectRecovery();
+        }
+    }
+
+    const Scenario& scenario = GetParam();
+    const Folder home;
+    Problem given;    // the files before the run
+    Problem clean[2]; // after one undisturbed run, and after two
+    Fault fault;
+};
+
+TEST_P(EveryCall, Fails) {
+    int met = 0;
+    for (const Kind& kind : kinds()) {
+        const std::size_t errors = longTests() ? kind.errors.size() : 1;
+        for (const int error : std::span(kind.errors).first(errors))
+            if (error != ENOMEM) met += failEach(Way::once, kind, error);
+        if (kind.effect == Effect::growth) met += failEach(Way::lasting, kind, ENOSPC);
+    }
+    EXPECT_GT(met, 60);
+}
+
+TEST_P(EveryCall, FindsNoMemory) {
+    for (const Way way : {Way::once, Way::lasting})
+        EXPECT_GT(failEach(way, kinds().back(), ENOMEM, longTests() ? 1 : 31), 10);
+}
+
+TEST_P(EveryCall, IsTheLast) {
+    for (int number = 1;; ++number) {
+        SCOPED_TRACE(testing::Message() << "killed at call " << number);
+        const Folder folder;
+        write(given);
+        const pid_t child = fork();
+        if (child == 0) {
+            run({.way = Way::kill, .countdown = number});
+            _exit(1);
+        }
+        int status = 0;
+        ASSERT_EQ(waitpid(child, &status, 0), child);
+        if (status != 0) {
+            EXPECT_GT(number, 2);
+            return;
+        }
+        expectRecovery();
+    }
+}
+
+TEST_P(EveryCall, IsInterruptedOrCutShort) {
+    for (const std::size_t most : {0U, 1U, 7U, 4095U}) {
+        SCOPED_TRACE(most);
+        const Folder folder;
+        write(given);
+        EXPECT_EQ(run({.way = most > 0 ? Way::shorten : Way::interrupt, .most = most}).status, 0);
+        EXPECT_EQ(differences(folderContents(scenario), clean[0]), "");
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Faults, EveryCall, testing::ValuesIn(scenarios),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+} // namespace

@@ -1,0 +1,171 @@
+#include "tests/support/runs.hpp"
+
+#include <sys/stat.h>
+
+// Runs of the program under a full disk, with strange files and without memory. They must end with
+// status 1 and a banner that names the file, or go on where the run can do without.
+namespace {
+
+using namespace sample_files;
+using runs::Ran;
+using testing::HasSubstr;
+
+class FullDisk : public testing::Test {
+protected:
+    FullDisk() { write(twoTimes()); }
+
+    static void expectFailure(const Ran& ran, const std::string& words) {
+        runs::expectFailure(ran, {"HALTING EXECUTION ***\n", words});
+    }
+
+    Folder folder;
+};
+
+TEST_F(FullDisk, AnyFileThatIsWritten) {
+    for (const std::string name : {"to.meshrake.eco", "scratch_plot", "to.pm.dat"}) {
+        std::filesystem::create_symlink("/dev/full", name);
+        expectFailure(runs::runProgram(), "\nError writing file: " + name + "\n");
+        std::filesystem::remove(name);
+    }
+}
+
+TEST_F(FullDisk, TheScreen) {
+    for (const char* to : {">/dev/full", ">&-"})
+        expectFailure(runs::runProgram(to), "\nError writing file: standard output\n");
+    // A reader that has gone away.
+    const std::string ending = ">&3; echo $? >.status) 3>&1 | true";
+    const Ran ran = runs::runProgram(ending, "", "(sleep 0.2;");
+    expectFailure({std::stoi(get(".status")), "", ran.errors},
+                  "\nError writing file: standard output\n");
+    EXPECT_EQ(runs::runProgram("<&-").status, 0);
+    EXPECT_EQ(runs::runProgram("2>&-").status, 0);
+    EXPECT_EQ(runs::runProgram("2>/dev/full").status, 0);
+}
+
+TEST_F(FullDisk, ALimitOnTheSizeOfFiles) {
+    for (const char* name : {"to.sat_pm.0001", "t.plot.control"}) std::filesystem::remove(name);
+    write(brickProblem({40, 40, 2, 1}));
+    // 64 KiB: the mesh of pm alone is more than that as text.
+    const Ran ran = runs::runProgram("", "", "ulimit -f 128; exec");
+    expectFailure(ran, "\nError writing file: to.pm.dat\n");
+    EXPECT_EQ(std::filesystem::file_size("to.pm.dat"), 65536U); // what fitted stays
+}
+
+// Something else in the place of a file that must be there.
+TEST(StrangeFiles, InThePlaceOfInput) {
+    const std::string names = "to.gen to.species to.hmc to.coordinates_pm to.elements_pm "
+                              "to.coordinates_olf to.elements_olf to.head_pm.0001 to.head_olf.0001 "
+                              "to.sat_pm.0001 to.tv_zone_olf.0002 t.plot.control";
+    const std::map<std::string, std::function<void(const std::string&)>> kinds = {
+        {"folder", [](const std::string& name) { std::filesystem::create_directory(name); }},
+        {"pipe", [](const std::string& name) { mkfifo(name.c_str(), 0600); }},
+        {"empty file", [](const std::string& name) { put(name, ""); }},
+        {"endless file",
+         [](const std::string& name) { std::filesystem::create_symlink("/dev/zero", name); }},
+        {"link to nothing",
+         [](const std::string& name) { std::filesystem::create_symlink("nowhere", name); }}};
+    for (const auto& [kind, place] : kinds) {
+        std::istringstream list(names);
+        for (std::string name; list >> name;) {
+            const bool mustBe = name == "to.gen" || name.starts_with("to.elements");
+            const bool anyText = name == "t.plot.control" && kind == "empty file";
+            if ((kind == "link to nothing" && !mustBe) || anyText) continue;
+            const Folder folder;
+            write(twoTimes());
+            std::filesystem::remove(name);
+            place(name);
+            const Ran ran = runs::runProgram("", "", "exec timeout 20");
+            EXPECT_EQ(ran.status, 1) << kind << " " << name;
+            EXPECT_THAT(ran.errors, HasSubstr(name)) << kind;
+        }
+    }
+}
+
+// A pipe that nobody reads from must not keep the run waiting.
+TEST(StrangeFiles, InThePlaceOfOutput) {
+    for (const std::string name : {"to.meshrake.eco", "scratch_plot", "to.pm.dat", "to.olf.dat"})
+        for (const bool pipe : {false, true}) {
+            const Folder folder;
+            write(twoTimes());
+            ASSERT_EQ(pipe ? mkfifo(name.c_str(), 0600) : mkdir(name.c_str(), 0700), 0);
+            const Ran ran = runs::runProgram("", "", "exec timeout 3");
+            EXPECT_EQ(ran.status, 1) << name;
+            EXPECT_THAT(ran.errors, HasSubstr("\nFailed to open file: " + name + "\n"));
+            EXPECT_THAT(ran.errors, HasSubstr(pipe ? "" : "opening file\nError number: 30\n"));
+        }
+}
+
+// A name that is cut would be another file's, or none's: the domain would be missing.
+TEST(StrangeFiles, NamesThatAreTooLong) {
+    const Folder folder;
+    write(twoTimes());
+    for (const std::size_t length : {282U, 283U}) {
+        const std::string prefix = "." + std::string(length - 2, '/') + "t";
+        put("batch.pfx", prefix + "\n");
+        const Ran ran = runs::runProgram();
+        const bool tooLong = (prefix + "o.coordinates_dual").size() > 300;
+        runs::expectFailure(ran, {"\nError detail: Invalid file name or pathname\n"});
+        const auto has = [](const std::string& text, const std::string& words) {
+            return text.find(words) != std::string::npos;
+        };
+        EXPECT_EQ(has(ran.errors,
+                      "\nFailed to find out if file exists: " + prefix + "o.coordinates_dual\n"),
+                  tooLong);
+        EXPECT_EQ(has(ran.screen, "\nCoordinates file: " + prefix + "o.coordinates_olf\n"),
+                  !tooLong);
+    }
+}
+
+// The scratch file is emptied before the control file is read.
+TEST(StrangeFiles, AScratchFileThatIsTheControlFile) {
+    for (const bool symbolic : {false, true}) {
+        const Folder folder;
+        write(twoTimes());
+        const Bytes before = get("t.plot.control");
+        if (symbolic)
+            std::filesystem::create_symlink("t.plot.control", "scratch_plot");
+        else
+            std::filesystem::create_hard_link("t.plot.control", "scratch_plot");
+        const Ran ran = runs::runProgram("", "", "exec timeout 20");
+        runs::expectFailure(ran, {"\nFailed to open file: scratch_plot\n"});
+        EXPECT_EQ(get("t.plot.control"), before);
+    }
+}
+
+TEST(StrangeFiles, WhatTheRunCanDoWithout) {
+    const Folder folder;
+    write(twoTimes());
+    std::filesystem::remove("t.skiv");
+    std::filesystem::create_directory("t.skiv"); // a folder is there as well as a file
+    std::filesystem::remove("batch.pfx");
+    std::filesystem::create_symlink("/dev/zero", "batch.pfx");
+    EXPECT_EQ(runs::runProgram("", "t\n").status, 0);
+    std::filesystem::remove("batch.pfx");
+    std::filesystem::create_directory("batch.pfx");
+    const Ran ran = runs::runProgram("", "t\n");
+    EXPECT_EQ(ran.status, 0);
+    EXPECT_THAT(ran.screen,
+                HasSubstr("\nError opening batch.pfx file\nError reading batch.pfx file\n"));
+    EXPECT_THAT(ran.screen, HasSubstr("\nFailed to generate batch.pfx file with prefix t\n"));
+}
+
+#ifndef __SANITIZE_ADDRESS__
+// From a limit at which the program can be loaded, to one that suffices for a small run.
+TEST(Memory, LimitsOfTheSystem) {
+    const Folder folder;
+    write(twoTimes());
+    int failed = 0, finished = 0;
+    for (int limit = 5000; limit < 14000; limit += 50) {
+        const Ran ran = runs::runProgram("", "", "ulimit -v " + std::to_string(limit) + "; exec");
+        if (ran.status == 127 && failed + finished == 0) continue; // not loaded
+        ran.status == 0 ? ++finished : ++failed;
+        if (ran.status == 0) continue;
+        EXPECT_EQ(ran.status, 1) << limit;
+        EXPECT_THAT(ran.errors, HasSubstr("ALLOCATION ERROR, HALTING EXECUTION")) << limit;
+    }
+    EXPECT_GT(failed, 0);
+    EXPECT_GT(finished, 0);
+}
+#endif
+
+} // namespace

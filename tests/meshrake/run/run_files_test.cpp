@@ -1,0 +1,253 @@
+#include "tests/support/runs.hpp"
+#include "tvncommon/io/system_calls.hpp"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <future>
+#include <memory>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+// Files that runs share: with each other at the same time, and with later runs.
+namespace {
+
+using namespace sample_files;
+using runs::Ran;
+using testing::HasSubstr;
+
+class RunFiles : public testing::Test {
+protected:
+    RunFiles() { write(brickProblem({1, 1, 1, 2})); }
+    ~RunFiles() override { system_calls::table = system_calls::systemTable(); }
+
+    // All files of the folder but those that any run writes.
+    static Problem files() {
+        Problem found;
+        for (const auto& entry : std::filesystem::directory_iterator("."))
+            if (entry.is_regular_file()) found[entry.path().filename()] = get(entry.path());
+        for (const char* name : {"to.meshrake.eco", "scratch_plot", ".input", ".screen", ".errors"})
+            found.erase(name);
+        return found;
+    }
+
+    const Folder folder;
+};
+
+TEST_F(RunFiles, AnIndexThatCannotBeWritten) {
+    put("t.plot.control", "tecplot binary append\n"); // without "end" the index is only written
+    static std::string refused;
+    for (const bool file : {false, true}) {
+        put("to.tec_append", "old");
+        refused = file ? "to.tec_append" : "to.tec_append.";
+        system_calls::table = runs::keepingTable();
+        system_calls::table.open = [](const char* path, system_calls::OpenMode mode) {
+            errno = EACCES;
+            return std::string_view(path).starts_with(refused)
+                       ? -1
+                       : system_calls::systemTable().open(path, mode);
+        };
+        const Ran ran = runs::runHere();
+        EXPECT_EQ(ran.status, 0);
+        // The folder may take no file while the index itself can be written.
+        EXPECT_EQ(get("to.tec_append"), file ? "old" : integerRecord({2}));
+        const std::string words = "Warning: Failed to open file to.tec_append for writing";
+        for (const std::string& text : {ran.screen, get("to.meshrake.eco")}) {
+            const std::size_t at = text.find(words);
+            EXPECT_EQ(at != std::string::npos, file);
+            EXPECT_EQ(text.find(words, at + 1), std::string::npos);
+        }
+    }
+}
+
+// An old file, a link to one and the lack of one, met by a run whose n-th write to it fails.
+TEST_F(RunFiles, OldOnesStayUntilNewOnesAreWhole) {
+    struct Case {
+        std::string name, control, argument;
+    };
+    const Case cases[] = {{"t.plot.control", "", "--make_plot_control"},
+                          {"to.tec_append", "tecplot binary append\n", ""},
+                          {"batch.pfx", "tecplot mode\n", ""},
+                          {"to.ObsShape.txt",
+                           "end\nwrite pm domain file\ncompare gw table elevation\nend\n"
+                           "write dual domain file\n",
+                           ""}};
+    static std::string target;
+    static int descriptor;
+    static bool full;
+    system_calls::Table table = system_calls::systemTable();
+    table.open = [](const char* path, system_calls::OpenMode mode) {
+        const int opened = system_calls::systemTable().open(path, mode);
+        if (mode != system_calls::OpenMode::read && std::string(path).starts_with(target))
+            descriptor = opened;
+        return opened;
+    };
+    table.write = [](int d, const void* from, std::size_t size) {
+        static const system_calls::Table real = runs::keepingTable();
+        if (d != descriptor || !full) return real.write(d, from, size);
+        real.write(d, from, size / 2);
+        return errno = ENOSPC, std::ptrdiff_t{-1};
+    };
+    table.read = [](int d, void* into, std::size_t size) {
+        if (d != 0) return system_calls::systemTable().read(d, into, size);
+        return static_cast<std::ptrdiff_t>(std::string("t\n").copy(static_cast<char*>(into), size));
+    };
+    for (const Case& c : cases)
+        for (const bool linked : {false, true})
+            for (const bool fails : {true, false}) {
+                if (c.name == "to.ObsShape.txt" && linked) continue; // one that exists is only read
+                SCOPED_TRACE(c.name + (linked ? " linked" : "") + (fails ? " fails" : ""));
+                const Folder inner;
+                Problem problem = brickProblem({1, 1, 1, 2});
+                problem["t.observed_heads"] = "1\n0.5 0.5 0.5\n";
+                problem["to.coordinates_dual"] = integerRecords({8, 0}) +
+                                                 integerRecord({1, 2, 3, 4, 5, 6, 7, 8}) +
+                                                 integerRecord({1, 2, 3, 4, 5, 6, 7, 8});
+                problem["to.elements_dual"] = problem["to.elements_pm"];
+                problem["t.plot.control"] = c.control;
+                write(problem);
+                put("elsewhere", "nosuch");
+                std::filesystem::permissions("elsewhere", std::filesystem::perms{0640});
+                if (linked) {
+                    std::filesystem::remove(c.name);
+                    std::filesystem::create_symlink("./elsewhere", c.name);
+                } else if (c.name != "to.ObsShape.txt") {
+                    put(c.name, "nosuch");
+                }
+                const std::string before = get(c.name);
+                target = linked ? "./elsewhere" : c.name;
+                // A left-over that links to a file of the user's.
+                put("other", "other");
+                std::filesystem::create_symlink("other", target + ".unfinished");
+                descriptor = -1;
+                full = fails;
+                system_calls::table = table;
+                const Ran ran = runs::runHere({c.argument});
+                system_calls::table = system_calls::systemTable();
+                EXPECT_EQ(ran.status, fails ? 1 : 0) << ran.errors;
+                EXPECT_EQ(get(c.name) == before, fails);
+                EXPECT_EQ(std::filesystem::is_symlink(c.name), linked);
+                if (linked) {
+                    EXPECT_EQ(static_cast<unsigned>(std::filesystem::status(c.name).permissions()),
+                              0640U);
+                }
+                EXPECT_FALSE(std::filesystem::is_symlink(target + ".unfinished"));
+                EXPECT_FALSE(std::filesystem::exists(target + ".unfinished"));
+                EXPECT_EQ(get("other"), "other");
+                if (!fails) continue;
+                EXPECT_THAT(ran.errors, HasSubstr("Error writing file: " + c.name));
+            }
+}
+
+TEST_F(RunFiles, LinksToDataSetsStay) {
+    put("t.plot.control", "tecplot binary mode\nend\nwrite pm domain file\n");
+    for (const char* name : {"elsewhere", "other"}) put(name, name);
+    std::filesystem::create_symlink("elsewhere", "to.pm.szplt");
+    for (const std::string made : {"elsewhere.unfinished", "to.pm.szplt.szhdr.unfinished"})
+        std::filesystem::create_symlink("other", made);
+    EXPECT_EQ(runs::runHere().status, 0);
+    EXPECT_EQ(std::filesystem::read_symlink("to.pm.szplt"), "elsewhere");
+    EXPECT_TRUE(get("elsewhere").starts_with("#!TDV112"));
+    EXPECT_EQ(get("other"), "other");
+}
+
+// A lock as another run holds it, until the end of the scope.
+struct Lock {
+    explicit Lock(const char* name) : descriptor(open(name, O_RDWR | O_CREAT | O_CLOEXEC, 0666)) {
+        EXPECT_EQ(flock(descriptor, LOCK_EX), 0);
+    }
+    ~Lock() { close(descriptor); }
+    Lock(const Lock&) = delete;
+    Lock& operator=(const Lock&) = delete;
+    int descriptor;
+};
+
+TEST_F(RunFiles, TwoRunsOfOnePrefix) {
+    put("to.meshrake.eco", "of the other run");
+    put("t.plot.control", "end\nwrite pm domain file\n");
+    for (const char* batch : {"nosuch\n", "t\n"}) {
+        put("batch.pfx", batch);
+        const Problem before = files();
+        const Lock lock("to.meshrake.eco");
+        const Ran ran = runs::runProgram("", "t\n", "exec timeout 20");
+        runs::expectFailure(ran, {"ERROR, HALTING EXECUTION ***\n", "\nAnother run is using t\n"});
+        EXPECT_EQ(get("to.meshrake.eco"), "of the other run");
+        EXPECT_EQ(files(), before);
+    }
+    // File systems without locks, a call that is interrupted, and one that fails.
+    static int error;
+    for (const auto& [number, status] :
+         std::map<int, int>{{EINTR, 0}, {ENOLCK, 0}, {ENOSYS, 0}, {EOPNOTSUPP, 0}, {EIO, 1}}) {
+        error = number;
+        system_calls::table = runs::keepingTable();
+        system_calls::table.lock = [](int, bool) {
+            errno = error;
+            if (error == EINTR) error = 0;
+            return errno == 0 ? 0 : -1;
+        };
+        const Ran ran = runs::runHere();
+        EXPECT_EQ(ran.status, status) << number << ran.errors;
+        EXPECT_THAT(ran.errors,
+                    HasSubstr(status == 0 ? "" : "Failed to open file: to.meshrake.eco"));
+    }
+}
+
+// A run that answers the prompt replaces the file that all prefixes of the folder share.
+TEST_F(RunFiles, TwoPrefixesAtOnce) {
+    put("t.plot.control", "end\n");
+    for (const auto& [name, contents] : Problem(files()))
+        if (name.starts_with("t")) put("u" + name.substr(1), contents);
+    for (int pair = 0; pair < 20; ++pair) {
+        std::filesystem::remove("batch.pfx");
+        const int status = std::system("one() { echo $1 | timeout 20 " MESHRAKE_PROGRAM
+                                       " >$1.screen 2>$1.errors; echo $? >$1; }\n"
+                                       "one t & one u & wait");
+        EXPECT_EQ(status, 0);
+        for (const std::string name : {"t", "u"}) {
+            if (get(name) == "0\n") continue;
+            // One that begins late finds the prefix of the other in the file.
+            EXPECT_EQ(get(name), "1\n");
+            EXPECT_THAT(get(name + ".errors"), HasSubstr("\nAnother run is using "));
+        }
+        EXPECT_THAT(get("batch.pfx"), testing::AnyOf("t\n", "u\n"));
+    }
+    // Another run that is still writing the new file.
+    put("batch.pfx", "nosuch\n");
+    put("batch.pfx.unfinished", "of the other run");
+    const Lock lock("batch.pfx.unfinished");
+    const Ran ran = runs::runProgram("", "t\n", "exec timeout 20");
+    EXPECT_EQ(ran.status, 0) << ran.errors;
+    EXPECT_THAT(ran.screen, HasSubstr("\nFailed to generate batch.pfx file with prefix t\n"));
+    EXPECT_EQ(get("batch.pfx"), "nosuch\n");
+    EXPECT_EQ(get("batch.pfx.unfinished"), "of the other run");
+}
+
+// The file is not touched while another run has it; a run that has waited for one that is gone
+// takes the new one, which a third run may have made.
+TEST_F(RunFiles, TheScratchFileIsWaitedFor) {
+    for (const bool replaced : {false, true}) {
+        std::filesystem::remove(".screen");
+        put("t.plot.control", "end\nwrite olf domain file\n");
+        auto lock = std::make_unique<Lock>("scratch_plot");
+        put("scratch_plot", "of the other run");
+        const std::string waits = "\nWaiting for another run that uses scratch_plot\n";
+        auto waiting = std::async(std::launch::async,
+                                  [] { return runs::runProgram("", "", "exec timeout 20"); });
+        while (get(".screen").find(waits) == std::string::npos &&
+               waiting.wait_for(std::chrono::milliseconds(10)) != std::future_status::ready) {
+        }
+        EXPECT_EQ(get("scratch_plot"), "of the other run");
+        std::filesystem::rename("scratch_plot", "kept");
+        if (replaced) put("scratch_plot", "of a third run");
+        lock.reset();
+        const Ran ran = waiting.get();
+        EXPECT_EQ(ran.status, 0) << ran.errors;
+        EXPECT_THAT(ran.screen, HasSubstr(waits));
+        EXPECT_EQ(get("kept"), "of the other run");
+        EXPECT_EQ(get("scratch_plot"), "end\nwrite olf domain file\n");
+        EXPECT_TRUE(std::filesystem::exists("to.olf.dat"));
+        EXPECT_FALSE(std::filesystem::exists("to.pm.dat"));
+    }
+}
+
+} // namespace

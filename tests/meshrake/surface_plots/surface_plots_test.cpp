@@ -1,0 +1,175 @@
+#include "meshrake/surface_plots/isopach_plot.hpp"
+#include "tests/support/data_set.hpp"
+#include "tests/support/runs.hpp"
+
+namespace {
+
+using namespace sample_files;
+using data_set::DataSet;
+using model::Domain;
+using testing::HasSubstr;
+using testing::Not;
+
+const std::string isopachs = "plot pm zone isopach structure\n";
+const std::string depths = "plot pm depth below ground surface\n";
+const std::string writePm = "write pm domain file\nend\n";
+const std::string writeOlf = "write olf domain file\nend\n";
+const std::string rule(48, '-');
+
+Reals numbers(const std::vector<std::string>& texts) {
+    Reals values;
+    for (const std::string& text : texts) values.push_back(std::stod(text));
+    return values;
+}
+
+// Two columns of bricks in three layers, which are 1, 2 and 3 high; each layer is a zone.
+class SurfacePlots : public runs::ProblemRun {
+protected:
+    SurfacePlots() { problem = brickProblem({2, 1, 3, 1}); }
+
+    DataSet plot(const std::string& control, const std::string& file) {
+        EXPECT_THAT(run("end\n" + control).screen, HasSubstr("---- Normal exit ----"));
+        DataSet set = data_set::parse(get(file));
+        EXPECT_EQ(set.fault, "");
+        return set;
+    }
+    DataSet isopachPlot(const std::string& control = writePm + writeOlf) {
+        return plot(control + isopachs, "to.pm_Isopach.dat");
+    }
+    void setZones(const Integers& zones) {
+        for (std::size_t e = 0; e < zones.size(); ++e)
+            patch(problem["to.elements_pm"], 3, int(e), zones[e]);
+    }
+};
+
+TEST_F(SurfacePlots, GiveEachZoneItsThicknessAndTop) {
+    struct Case {
+        const char* what;
+        Integers zones;
+        std::size_t count, zone; // zones written, and the one that is looked at, from 1
+        Reals thickness, top;    // of the two columns; of the six nodes, three in a row
+    };
+    const Case cases[] = {
+        {"a gap between two layers", {1, 1, 2, 2, 1, 1}, 2, 1, {4, 4}, {6, 6, 6, 6, 6, 6}},
+        {"missing in one column", {1, 2, 1, 2, 1, 2}, 2, 1, {6, 0}, {6, 6, 0, 6, 6, 0}},
+        {"the last element decides", {1, 1, 1, 2, 2, 2}, 2, 1, {3, 1}, {3, 1, 1, 3, 1, 1}},
+        {"no such zone", {3, 3, 3, 3, 3, 3}, 3, 1, {0, 0}, {0, 0, 0, 0, 0, 0}},
+        {"no zone above 0", {0, 0, -1, -5, 0, 0}, 1, 1, {0, 0}, {0, 0, 0, 0, 0, 0}}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        setZones(c.zones);
+        const DataSet set = isopachPlot();
+        ASSERT_EQ(set.zones.size(), c.count);
+        const data_set::Zone& zone = set.zones[c.zone - 1];
+        EXPECT_EQ(numbers(zone.values.at("z (isopach top)")), c.top);
+        EXPECT_EQ(numbers(zone.values.at(c.zone == 1 ? "isopach thickness (cell centred)"
+                                                     : "isopach thickness")),
+                  c.thickness);
+    }
+}
+
+TEST_F(SurfacePlots, WriteThePlanOnce) {
+    setZones({1, 1, 2, 2, 12, 12});
+    const DataSet set = isopachPlot();
+    EXPECT_EQ(set.variables, "X,Y,Z(isopach top),isopach thickness");
+    ASSERT_EQ(set.zones.size(), 12U);
+    EXPECT_THAT(set.zones[0].line, HasSubstr("ZONE T=\"Isopach\", SOLUTIONTIME=01, "));
+    EXPECT_EQ(numbers(set.zones[0].values.at("x")), (Reals{0, 1, 2, 0, 1, 2}));
+    EXPECT_THAT(set.zones[11].line,
+                HasSubstr("SOLUTIONTIME=12, DATAPACKING=BLOCK, NODES=6, ELEMENTS=2, "
+                          "ZONETYPE=FEQUADRILATERAL, VARLOCATION=([4]=CELLCENTERED), "
+                          "VARSHARELIST=([1,2]), CONNECTIVITYSHAREZONE=1"));
+    EXPECT_EQ(set.zones[11].written, "z (isopach top),isopach thickness");
+}
+
+TEST_F(SurfacePlots, GoByTheTruncationOfTheRun) {
+    const DataSet set =
+        isopachPlot(writePm + "write olf domain file\ntruncate olf domain\n1 2\n0 1\n0 9\nend\n");
+    EXPECT_EQ(numbers(set.zones[0].values.at("x")), (Reals{1, 2, 1, 2}));
+    EXPECT_EQ(numbers(set.zones[2].values.at("isopach thickness")), Reals{3});
+    const Bytes echo = get("to.meshrake.eco");
+    EXPECT_EQ(echo.find("Medium: olf"), echo.rfind("Medium: olf"));
+
+    // What the run did not write is truncated now, and says so first.
+    const runs::Ran ran = run("end\n" + isopachs + depths);
+    const std::string report = "Full mesh (no truncation)\nNodes:    6\nElements: 2\n \n" + rule +
+                               "\npm isopach plot\nCreating Tecplot file to.pm_Isopach.dat\n";
+    EXPECT_THAT(ran.screen, HasSubstr(report));
+    EXPECT_THAT(get("to.meshrake.eco"), HasSubstr(report));
+    EXPECT_THAT(ran.screen, HasSubstr("Elements: 6\n \n" + rule +
+                                      "\nplot pm depth below ground surface\nCreating "));
+}
+
+TEST_F(SurfacePlots, TakeTheNodesOfPmWhereTheSurfaceHasNone) {
+    // The nodes of olf, from the last to the first.
+    Integers back(18);
+    back.insert(back.end(), {6, 5, 4, 3, 2, 1});
+    problem["to.coordinates_olf"] = integerRecords({6, 0}) +
+                                    integerRecord({24, 23, 22, 21, 20, 19}) + integerRecord(back) +
+                                    integerRecord({0});
+    problem.erase("to.head_olf.0001");
+    const DataSet set = isopachPlot();
+    EXPECT_EQ(numbers(set.zones[0].values.at("x")), (Reals{2, 1, 0, 2, 1, 0}));
+    EXPECT_EQ(numbers(set.zones[1].values.at("z (isopach top)")), Reals(6, 3.0));
+}
+
+TEST_F(SurfacePlots, ShowDepthsBelowTheTopOfTheColumn) {
+    Reals expected;
+    for (const double depth : {6, 5, 3, 0}) expected.insert(expected.end(), 6, depth);
+    // pm holds the depths already where it is written.
+    for (const std::string& control : {writePm + writeOlf, writeOlf}) {
+        const DataSet set = plot(control + depths, "to.pm_DepthToSurf.dat");
+        EXPECT_EQ(set.variables, "X,Y,Z,DepthToSurf");
+        EXPECT_THAT(set.zones.at(0).line, HasSubstr("ZONE T=\"DepthToSurf\", DATAPACKING=BLOCK"));
+        EXPECT_EQ(numbers(set.zones[0].values.at("DepthToSurf")), expected);
+        EXPECT_EQ(set.zones[0].written, "x,y,z,DepthToSurf");
+    }
+}
+
+TEST_F(SurfacePlots, EndBeforeTheyBeginWhereTheMeshDoesNotFit) {
+    const Problem good = problem;
+    const auto expectEnd = [&](const std::string& wish, const std::string& words) {
+        const runs::Ran ran = run("end\n" + writePm + writeOlf + wish);
+        runs::expectFailure(ran, {words});
+        EXPECT_THAT(ran.screen, Not(HasSubstr("Creating Tecplot file")));
+        problem = good;
+    };
+    for (const std::string& wish : {isopachs, depths}) {
+        problem.erase("to.coordinates_olf");
+        std::filesystem::remove("to.coordinates_olf");
+        expectEnd(wish, "has 0 nodes and 0 elements.\nFile: to.coordinates_olf\n");
+        patch(problem["to.elements_olf"], 1, 0, 0);
+        expectEnd(wish, "has 6 nodes and 0 elements.\nFile: to.elements_olf\n");
+    }
+    patch(problem["to.elements_pm"], 2, 2 * 8 + 1, 0);
+    expectEnd(isopachs, "element 3 of to.elements_pm has an unused node slot");
+    patch(problem["to.elements_pm"], 2, 2, 9);
+    expectEnd(isopachs, "element 1 of to.elements_pm has node 9, which is not one of the 6");
+    // A damaged number would fill the disk with zones.
+    for (const std::int32_t number : {100001, 2147483647}) {
+        patch(problem["to.elements_pm"], 3, 5, number);
+        expectEnd(isopachs,
+                  "zones of pm, " + std::to_string(number) + ", stands in to.elements_pm");
+    }
+}
+
+// Triangles in slots of four, upon prisms.
+TEST(IsopachStructure, OfTrianglesHasThreeNodesToAFace) {
+    Domain pm, olf;
+    pm.z = {0, 0, 0, 1, 2, 3, 4, 5, 6};
+    pm.nodesPerElement = 6;
+    pm.elementNodes = {1, 2, 3, 4, 5, 6, 4, 5, 6, 7, 8, 9};
+    pm.elementCount = 2;
+    pm.elementZone = {1, 1};
+    for (const std::vector<std::int32_t>& nodes : {Integers{1, 2, 3, 0}, Integers{1, 2, 3}}) {
+        olf.nodesPerElement = std::int32_t(nodes.size());
+        olf.elementNodes = nodes;
+        olf.elementCount = 1;
+        mesh_shaping::Isopach isopach{{7, 7, 7}, {7}};
+        mesh_shaping::compute_isopach_structure(1, olf, pm, isopach);
+        EXPECT_EQ(isopach.zoneThickness, Reals{2.0 + (5.0 - 2.0)});
+        EXPECT_EQ(isopach.topElevation, (Reals{4, 5, 6}));
+    }
+}
+
+} // namespace

@@ -1,0 +1,191 @@
+#include "tests/support/faulty_calls.hpp"
+
+#include "meshrake/meshrake.hpp"
+
+#include <algorithm>
+#include <cerrno>
+#include <unistd.h>
+#include <utility>
+
+namespace faulty_calls {
+
+namespace {
+
+using system_calls::OpenMode;
+using system_calls::Table;
+
+Fault fault;
+bool watching = false;        // not while the test itself is at work
+bool interruptedLast = false; // the call before this one
+
+struct OpenFile {
+    std::string path;
+    bool writing = false;
+};
+// By descriptor. What a failed run leaves open is closed when the next one opens it again.
+std::map<int, OpenFile> openFiles{
+    {0, {"standard input"}}, {1, {"standard output"}}, {2, {"standard error"}}};
+std::string answer;  // to the prompt, what is left of it
+std::string kept[3]; // what has gone to the screen and to the standard error stream
+
+OpenFile target(const char* path, OpenMode mode) {
+    return {path, mode != OpenMode::read};
+}
+OpenFile target(const char* path, auto...) {
+    return {path, true};
+}
+OpenFile target(int descriptor, auto...) {
+    return openFiles[descriptor];
+}
+OpenFile target(std::size_t) {
+    return {};
+}
+
+void shorten(int, auto*, std::size_t& size, auto...) {
+    if (fault.way == Way::shorten) size = std::min(size, fault.most);
+}
+void shorten(...) {}
+
+// What is done of a write when the process is killed in it; the system stops at the end of a page.
+void doPart(int d, const void* from, std::size_t size) {
+    system_calls::systemTable().write(d, from, size / 2);
+}
+void doPart(int d, const void* from, std::size_t size, std::int64_t to) {
+    const std::int64_t end = (to + static_cast<std::int64_t>(size) / 2) / 4096 * 4096;
+    if (end > to)
+        system_calls::systemTable().writeAt(d, from, static_cast<std::size_t>(end - to), to);
+}
+void doPart(...) {}
+
+// True if the call fails, or is the one at which the process is killed.
+bool strikes(const Kind& kind, const OpenFile& file) {
+    if (fault.way == Way::interrupt) {
+        errno = EINTR;
+        return interruptedLast = kind.restarts && !interruptedLast;
+    }
+    errno = fault.error;
+    const bool grows = kind.effect == Effect::growth;
+    if (!fault.met && grows && file.path == echoFile) fault.echoBegun = true;
+    if (fault.way == Way::lasting && file.path.starts_with("standard ")) return false;
+    if (fault.met)
+        return fault.way == Way::lasting &&
+               (grows ? fault.kind->effect == Effect::growth : fault.kind == &kind);
+    const bool fits = fault.way == Way::kill
+                          ? kind.effect != Effect::none && file.writing && file.path != echoFile
+                          : fault.kind == &kind;
+    if (!fits || --fault.countdown != 0) return false;
+    fault.met = true;
+    fault.path = file.path;
+    return true;
+}
+
+Table watchedTable() {
+    static const Table real = system_calls::systemTable();
+    Table table = real;
+    table.open = [](const char* path, OpenMode mode) {
+        const int descriptor = real.open(path, mode);
+        if (descriptor >= 0) openFiles[descriptor] = {path, mode != OpenMode::read};
+        return descriptor;
+    };
+    table.close = [](int descriptor) {
+        openFiles.erase(descriptor);
+        return real.close(descriptor);
+    };
+    table.read = [](int descriptor, void* into, std::size_t size) {
+        if (descriptor != 0) return real.read(descriptor, into, size);
+        size = answer.copy(static_cast<char*>(into), size);
+        answer.erase(0, size);
+        return static_cast<std::ptrdiff_t>(size);
+    };
+    table.write = [](int descriptor, const void* from, std::size_t size) {
+        if (descriptor > 2) return real.write(descriptor, from, size);
+        kept[descriptor].append(static_cast<const char*>(from), size);
+        return static_cast<std::ptrdiff_t>(size);
+    };
+    return table;
+}
+const Table watched = watchedTable();
+
+template<auto entry>
+struct Entry;
+template<class Result, class... Arguments, Result (*Table::*entry)(Arguments...)>
+struct Entry<entry> {
+    static inline const Kind* kind;
+    static Result call(Arguments... arguments) {
+        if (!std::exchange(watching, false)) return (watched.*entry)(arguments...);
+        const bool struck = strikes(*kind, target(arguments...));
+        if (struck && fault.way == Way::kill) {
+            doPart(arguments...);
+            _exit(0);
+        }
+        Result result{};
+        if (!struck) {
+            shorten(arguments...);
+            result = (watched.*entry)(arguments...);
+        } else if constexpr (!std::is_pointer_v<Result>) {
+            // A close that fails has closed the file.
+            if constexpr (std::is_same_v<decltype(&Table::close), decltype(entry)>)
+                if (entry == &Table::close) watched.close(arguments...);
+            result = -1;
+            errno = fault.way == Way::interrupt ? EINTR : fault.error;
+        }
+        watching = true;
+        return result;
+    }
+    static void wrap(Table& table, const Kind& itsKind) {
+        kind = &itsKind;
+        table.*entry = call;
+    }
+};
+
+const Kind allKinds[] = {
+    {"stat", Effect::none, false, {EIO, ESTALE, EACCES, ENAMETOOLONG}, Entry<&Table::exists>::wrap},
+    {"open",
+     Effect::change,
+     true,
+     {EACCES, EMFILE, ENFILE, EISDIR, ELOOP, EIO, ENOSPC, EROFS},
+     Entry<&Table::open>::wrap},
+    {"fstat", Effect::none, false, {EIO, ESTALE}, Entry<&Table::facts>::wrap},
+    {"read", Effect::none, true, {EIO, ESTALE}, Entry<&Table::read>::wrap},
+    {"pread", Effect::none, true, {EIO, ESTALE}, Entry<&Table::readAt>::wrap},
+    {"write",
+     Effect::growth,
+     true,
+     {EIO, ENOSPC, EDQUOT, EFBIG, EPIPE},
+     Entry<&Table::write>::wrap},
+    {"pwrite", Effect::growth, true, {EIO, ENOSPC, EDQUOT, EFBIG}, Entry<&Table::writeAt>::wrap},
+    {"lseek", Effect::none, false, {EIO}, Entry<&Table::seek>::wrap},
+    {"close", Effect::none, false, {EIO, EDQUOT}, Entry<&Table::close>::wrap},
+    {"rename", Effect::change, false, {EIO, EACCES, ENOSPC}, Entry<&Table::rename>::wrap},
+    {"ftruncate", Effect::change, true, {EIO, EPERM}, Entry<&Table::truncate>::wrap},
+    {"fallocate", Effect::growth, true, {ENOSPC, EFBIG, EIO}, Entry<&Table::reserve>::wrap},
+    {"fdatasync", Effect::none, true, {EIO, ENOSPC, EDQUOT}, Entry<&Table::sync>::wrap},
+    {"flock", Effect::none, true, {ENOLCK, EIO}, Entry<&Table::lock>::wrap},
+    {"unlink", Effect::change, false, {EIO, EACCES, EPERM}, Entry<&Table::remove>::wrap},
+    {"chmod", Effect::change, false, {EPERM, EIO, EROFS}, Entry<&Table::setPermissions>::wrap},
+    {"stat (facts)", Effect::none, false, {EIO, ESTALE, EACCES}, Entry<&Table::namedFacts>::wrap},
+    {"readlink", Effect::none, false, {EIO, ELOOP, EACCES}, Entry<&Table::readLink>::wrap},
+    {"allocation", Effect::none, false, {ENOMEM}, Entry<&Table::allocate>::wrap}};
+
+} // namespace
+
+std::span<const Kind> kinds() {
+    return allKinds;
+}
+
+runs::Ran run(const std::vector<const char*>& arguments, Fault& with) {
+    fault = with;
+    for (std::string& text : kept) text.clear();
+    answer = "t\n";
+    Table table = watched;
+    for (const Kind& kind : allKinds) kind.wrap(table, kind);
+    system_calls::table = table;
+    watching = true;
+    const int status = meshrake_main(static_cast<int>(arguments.size()), arguments.data());
+    watching = false;
+    system_calls::table = system_calls::systemTable();
+    with = fault;
+    return {status, kept[1], kept[2]};
+}
+
+} // namespace faulty_calls

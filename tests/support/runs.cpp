@@ -1,0 +1,138 @@
+#include "tests/support/runs.hpp"
+
+#include "meshrake/meshrake.hpp"
+#include "meshrake/model/run_state.hpp"
+#include "tvncommon/diagnostics/error.hpp"
+#include "tvncommon/diagnostics/warning_messages.hpp"
+#include "tvncommon/io/file_units.hpp"
+#include "tvncommon/io/io_layer.hpp"
+#include "tvncommon/io/system_calls.hpp"
+#include "tvncommon/units/units.hpp"
+
+#include <cstdlib>
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <utility>
+
+namespace runs {
+
+namespace {
+
+// A run that asks for a prefix must not wait for whoever started the tests.
+int redirectInputFromNothing() {
+    return dup2(open("/dev/null", O_RDONLY), 0);
+}
+
+std::string kept[3]; // what has gone to standard output and standard error, by descriptor
+
+std::ptrdiff_t keep(int descriptor, const void* from, std::size_t size) {
+    if (descriptor != 1 && descriptor != 2)
+        return system_calls::systemTable().write(descriptor, from, size);
+    kept[descriptor].append(static_cast<const char*>(from), size);
+    return static_cast<std::ptrdiff_t>(size);
+}
+
+// Keeps both streams for as long as it lives, unless a test has a table of its own.
+struct Keeping {
+    Keeping() {
+        for (std::string& text : kept) text.clear();
+        if (before.write == system_calls::systemTable().write) system_calls::table = keepingTable();
+    }
+    ~Keeping() { system_calls::table = before; }
+    Keeping(const Keeping&) = delete;
+    Keeping& operator=(const Keeping&) = delete;
+    const system_calls::Table before = system_calls::table;
+};
+
+void resetModules() {
+    system_calls::table = system_calls::systemTable();
+    model::run = {};
+    io_layer::reset();
+    error::reset();
+    units::reset();
+    warning_messages::reset();
+}
+
+} // namespace
+
+system_calls::Table keepingTable() {
+    system_calls::Table table = system_calls::systemTable();
+    table.write = keep;
+    return table;
+}
+
+Ran runHere(const std::vector<std::string>& arguments) {
+    static const int input = redirectInputFromNothing();
+    EXPECT_EQ(input, 0);
+    std::vector<const char*> argv{"meshrake"};
+    for (const std::string& argument : arguments) argv.push_back(argument.c_str());
+    const Keeping keeping;
+    const int status = meshrake_main(static_cast<int>(argv.size()), argv.data());
+    return {status, kept[1], kept[2]};
+}
+
+Ran runProgram(const std::string& arguments, const std::string& input, const std::string& shell) {
+    sample_files::put(".input", input);
+    const std::string command =
+        shell + " " MESHRAKE_PROGRAM " <.input >.screen 2>.errors " + arguments;
+    const int status = std::system(command.c_str());
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status),
+            sample_files::get(".screen"), sample_files::get(".errors")};
+}
+
+void expectEnd(const std::string& kind, const std::string& message,
+               const std::function<void()>& call) {
+    const Keeping keeping;
+    EXPECT_THROW(call(), error::RunEnded) << message;
+    const std::string& banner = kept[2];
+    EXPECT_NE(banner.find("*** " + kind + " ERROR, HALTING"), std::string::npos) << banner;
+    EXPECT_NE(banner.find("**\n\n" + message), std::string::npos) << banner << "not\n" << message;
+}
+
+void expectFailure(const Ran& ran, const std::vector<std::string>& words) {
+    EXPECT_EQ(ran.status, 1);
+    for (const std::string& word : words) EXPECT_THAT(ran.errors, testing::HasSubstr(word));
+}
+
+sample_files::Integers numbersOf(const std::vector<std::uint8_t>& mask) {
+    sample_files::Integers numbers;
+    for (std::size_t i = 0; i < mask.size(); ++i)
+        if (mask[i]) numbers.push_back(static_cast<std::int32_t>(i + 1));
+    return numbers;
+}
+
+Ran ProblemRun::run(const std::string& control, const std::vector<std::string>& arguments) {
+    if (!control.empty()) problem["t.plot.control"] = control;
+    sample_files::write(problem);
+    return runHere(arguments);
+}
+
+PartOfRun::PartOfRun() {
+    resetModules();
+    model::run.problemPrefix = "t";
+    model::run.echoUnit = file_units::openTextReplace("echo", io_layer::Flush::everyLine);
+    kept[1].clear();
+    system_calls::table = keepingTable();
+}
+
+PartOfRun::~PartOfRun() {
+    resetModules();
+}
+
+std::string PartOfRun::takeScreen() {
+    return std::exchange(kept[1], "");
+}
+
+std::string PartOfRun::takeEcho() {
+    const std::string text = sample_files::get("echo").substr(echoTaken);
+    echoTaken += text.size();
+    return text;
+}
+
+void PartOfRun::create(model::Domain& domain, const std::string& tag, const model::Domain& pm) {
+    model::domainCreate(domain, tag, pm);
+    if (tag == "pm") domain.couplingScheme = 1;
+}
+
+} // namespace runs

@@ -1,0 +1,440 @@
+#include "tecio/durability.hpp"
+#include "tests/support/power_cut.hpp"
+#include "tests/tecio/tecio_calls.hpp"
+#include "tools/data_set_file.hpp"
+#include "tvncommon/io/system_calls.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <set>
+
+// Writers that resume unfinished data sets: after others that were stopped, with damaged files.
+namespace {
+
+using data_set_file::DataSet;
+using sample_files::Bytes;
+using sample_files::Folder;
+using namespace tecio_calls;
+
+const std::string sidecar = "s.szplt.szhdr";
+
+struct Durable {
+    Durable() { tecio::setDurable(true); }
+    ~Durable() { tecio::setDurable(false); }
+};
+
+// What a zone that was never completed left in the file goes.
+TEST(TecioResume, NothingIsLeftOfAZoneCutShort) {
+    const Folder folder;
+    open("V");
+    addZone(1);
+    beginNodes(2, 2000, {2});
+    EXPECT_EQ(reals(1, Reals(1000)), 0);
+    open(""); // whatever variables it has
+    EXPECT_EQ(flush(), 0);
+    EXPECT_EQ(data_set_file::read("s.szplt").trailing, 0);
+    addZone(2);
+    finish(2);
+}
+
+// Far more zones than the header has room for at first, by one writer and by several that go on
+// from each other; a reader sees those of the last flush, a writer all.
+TEST(TecioResume, TheRoomForZonesGrows) {
+    for (const int opening : {5000, 1400}) {
+        const Folder folder;
+        open("V");
+        for (int time = 1; time <= 3000; ++time) {
+            if (time % opening == 1) {
+                if (time > 1) open("V", "another title");
+                EXPECT_EQ(tecDataSetAddAuxData(set, "k", std::to_string(time).c_str()), 0);
+            }
+            ASSERT_NO_FATAL_FAILURE(addZone(time));
+            if (time % 2000 != 100) continue;
+            EXPECT_EQ(flush(), 0);
+            EXPECT_EQ(data_set_file::read("s.szplt").zones.size(), time);
+        }
+        finish(3000);
+        const DataSet found = data_set_file::read("s.szplt");
+        EXPECT_EQ(found.title, "t");
+        EXPECT_EQ(found.aux.at("k"), opening == 5000 ? "1" : "2801");
+        EXPECT_FALSE(std::filesystem::exists("s.szplt.unfinished"));
+    }
+}
+
+// For each number of zones, a later writer replaces those from each time on. The headers take a
+// small part of a page, most of one, one but for 16 bytes or whole, two but for 16 bytes, or more.
+TEST(TecioResume, AnyZoneMayBeReplaced) {
+    system_calls::table.sync = [](int) { return 0; };
+    for (const auto& [titleLength, most] :
+         {std::pair{100, 40}, {600, 12}, {1003, 6}, {1007, 6}, {2027, 6}, {2500, 6}}) {
+        title = std::string(static_cast<std::size_t>(titleLength), 'z');
+        for (int last = 1; last <= most; ++last)
+            for (int first = 1; first <= last; ++first) {
+                SCOPED_TRACE(testing::Message() << titleLength << " " << last << " " << first);
+                const Folder folder;
+                open("V");
+                for (int time = 1; time <= last; ++time) {
+                    addZone(time);
+                    EXPECT_EQ(time % 3 == 0 ? flush() : 0, 0);
+                }
+                EXPECT_EQ(flush(), 0);
+                open("V");
+                for (int time = first; time <= last; ++time) addZone(time);
+                EXPECT_EQ(flush(), 0);
+                ASSERT_NO_FATAL_FAILURE(expectTimes(last));
+                open("V");
+                ASSERT_NO_FATAL_FAILURE(finish(last));
+            }
+    }
+    system_calls::table = system_calls::systemTable();
+    title = "z";
+}
+
+// Any write may be the last while headers of several pages are replaced; the next writer repairs
+// them.
+TEST(TecioResume, AHeaderOfSeveralPagesMayBeCut) {
+    static int writes;
+    for (const int titleLength : {1003, 2027, 2500}) {
+        title = std::string(static_cast<std::size_t>(titleLength), 'z');
+        bool failed = true;
+        for (int most = 0; failed; ++most) {
+            const Folder folder;
+            open("V");
+            for (const double time : {1, 2, 3, 4}) addZone(time);
+            EXPECT_EQ(flush(), 0);
+            open("V");
+            writes = most;
+            system_calls::table.writeAt = [](int d, const void* from, std::size_t size,
+                                             std::int64_t to) -> std::ptrdiff_t {
+                return writes-- > 0 ? system_calls::systemTable().writeAt(d, from, size, to) : -1;
+            };
+            failed = putZone(3) + putZone(4) + flush() != 0;
+            system_calls::table = system_calls::systemTable();
+            open("V");
+            addZone(3);
+            EXPECT_EQ(flush(), 0);
+            ASSERT_NO_FATAL_FAILURE(expectTimes(3));
+            addZone(4);
+            ASSERT_NO_FATAL_FAILURE(finish(4));
+        }
+    }
+    title = "z";
+}
+
+// The system takes a write up page by page, and may be stopped between two of them. At any such
+// moment the file must be whole.
+TEST(TecioResume, AReaderFindsAWholeSetAtAnyMoment) {
+    const auto writePages = [](int d, const void* from, std::size_t size, std::int64_t position) {
+        const auto all = static_cast<std::ptrdiff_t>(size);
+        for (std::ptrdiff_t done = 0; done < all;) {
+            const std::ptrdiff_t n = std::min(all - done, 4096 - (position + done) % 4096);
+            system_calls::systemTable().writeAt(d, static_cast<const char*>(from) + done,
+                                                static_cast<std::size_t>(n), position + done);
+            done += n;
+            if (std::filesystem::exists("s.szplt")) data_set_file::read("s.szplt");
+        }
+        return all;
+    };
+    for (const std::size_t interval : {std::size_t{1}, std::size_t{45}}) {
+        const Folder folder;
+        system_calls::table.writeAt = writePages;
+        open("V");
+        for (std::size_t time = 1; time <= 100; ++time) {
+            addZone(static_cast<double>(time));
+            EXPECT_EQ(time % interval == 0 ? flush() : 0, 0);
+            if (time % 7 != 0) continue;
+            open("V"); // takes the last zone back
+            EXPECT_EQ(tecDataSetAddAuxData(set, "k", Bytes(1000 + time * 3 / 7, 'k').c_str()), 0);
+            EXPECT_EQ(tecDataSetAddAuxData(set, "l", Bytes(2000 - time * 3 / 7, 'l').c_str()), 0);
+            addZone(static_cast<double>(time));
+        }
+        system_calls::table = system_calls::systemTable();
+        finish(100);
+    }
+}
+
+// Lets size and hash at the begin of a sidecar fit its contents.
+Bytes repaired(Bytes contents) {
+    const std::uint64_t size = contents.size();
+    std::uint64_t hash = 14695981039346656037U;
+    for (const char c : contents.substr(24))
+        hash = (hash ^ static_cast<unsigned char>(c)) * 1099511628211U;
+    std::memcpy(&contents[8], &size, sizeof size);
+    std::memcpy(&contents[16], &hash, sizeof hash);
+    return contents;
+}
+
+// No word of a sidecar can be another, and none can be missing, although its hash fits, but for the
+// checksum of a zone that is not the last.
+TEST(TecioResume, RefusesAnEditedSidecar) {
+    const Durable durable;
+    const Folder folder;
+    open("V,W");
+    EXPECT_EQ(create({4, 1, {2, 1}, {0, 0}, {1, 0}, 0, 3}) + at(1) + nodes({1, 2, 3, 4}) +
+                  reals(1, {1, 2, 3, 4}) + narrow(2, {5}),
+              0);
+    EXPECT_EQ(create({4, 1, {2, 1}, {1, 0}, {1, 0}, 1, 3}) + at(2) + narrow(2, {6}) + flush(), 0);
+    const Bytes whole = sample_files::get(sidecar), dataSet = sample_files::get("s.szplt");
+    std::set<std::size_t> ignored; // words
+    const auto edit = [&](std::size_t at, const Bytes& edited) {
+        sample_files::put(sidecar, edited);
+        if (tryOpen("") == 0) ignored.insert(at);
+        EXPECT_TRUE(sample_files::get(sidecar) == edited);
+        EXPECT_TRUE(sample_files::get("s.szplt") == dataSet);
+    };
+    for (std::size_t at = 24; at < whole.size(); at += 4) {
+        edit(at, repaired(whole.substr(0, at)));
+        for (const std::int32_t value : {-2, -1, 0, 1, 2, 6, 256, 2147483647}) {
+            Bytes edited = whole;
+            std::memcpy(&edited[at], &value, sizeof value);
+            if (edited != whole) edit(at, repaired(edited));
+        }
+    }
+    for (const std::int64_t size : {23, 100000}) {
+        Bytes edited = whole;
+        std::memcpy(&edited[8], &size, sizeof size);
+        edit(8, edited);
+    }
+    EXPECT_EQ(ignored.size(), 2);
+    sample_files::put(sidecar, whole);
+    open("");
+    EXPECT_EQ(tecFileWriterClose(&set), 0);
+}
+
+// A sidecar without zones fits a data set without zones only: any other is one that a writer was to
+// replace when it was killed. A sidecar without a data set is replaced.
+TEST(TecioResume, RecreatesADataSetWithoutZones) {
+    const Folder folder;
+    open("V");
+    EXPECT_EQ(flush(), 0);
+    const Bytes begun = sample_files::get("s.szplt");
+    EXPECT_EQ(tryOpen(""), 1);
+    for (const std::string contents : {"", "short", "not a data set"}) {
+        sample_files::put("s.szplt", contents);
+        EXPECT_EQ(tryOpen("V"), 2);
+        EXPECT_EQ(tryOpen(""), 2);
+        EXPECT_EQ(sample_files::get("s.szplt"), contents);
+    }
+    sample_files::put("s.szplt", begun);
+    open("W", "another title");
+    open("V");
+    addZone(1);
+    EXPECT_EQ(flush(), 0);
+    const Bytes whole = sample_files::get("s.szplt");
+    std::filesystem::remove(sidecar);
+    open("V"); // as one that replaces the data set
+    for (const char* variables : {"V", ""}) EXPECT_EQ(tryOpen(variables), 3);
+    EXPECT_TRUE(sample_files::get("s.szplt") == whole);
+    std::filesystem::remove("s.szplt");
+    open("W");
+    addZone(1);
+    finish(1);
+}
+
+TEST(TecioResume, RefusesAnotherMesh) {
+    const Folder folder;
+    open("V");
+    addZone(1);
+    addZone(2);
+    EXPECT_EQ(flush(), 0);
+    const Bytes whole = sample_files::get("s.szplt");
+    EXPECT_EQ(tryOpen("W"), 4);
+    const ZoneShape shapes[] = {{3, 0, {2}, {0}, {1}, 0},
+                                {2, 1, {2}, {0}, {1}, 0},
+                                {2, 0, {1}, {0}, {1}, 0},
+                                {2, 0, {2}, {0}, {0}, 0},
+                                {2, 0, {2}, {0}, {1}, 0, 4}};
+    for (const ZoneShape& shape : shapes) {
+        open("V");
+        EXPECT_EQ(create(shape), 5);
+    }
+    open("V");
+    EXPECT_EQ(create({2, 0, {2}, {2}, {1}, 0}) + at(2), 1); // shares with the one that it replaces
+    EXPECT_TRUE(sample_files::get("s.szplt") == whole);
+    open("V");
+    EXPECT_EQ(create({2, 0, {2}, {1}, {1}, 1}) + at(2, 7), 0); // no zone of that strand
+    EXPECT_EQ(tecFileWriterClose(&set), 0);
+    EXPECT_EQ(data_set_file::read("s.szplt").zones.size(), 3);
+}
+
+// The checksum is that of the values, in whatever pieces they come, and of each of their bytes.
+TEST(TecioResume, ComparesTheLastZone) {
+    constexpr std::size_t count = 300;
+    Reals values;
+    while (values.size() < count) values.push_back(static_cast<double>(values.size()) / 7);
+    Bytes firstSidecar;
+    for (const std::size_t piece : {count, std::size_t{1}, std::size_t{5}, std::size_t{11}}) {
+        const Durable durable;
+        const Folder folder;
+        open("V");
+        beginNodes(1, count, {2});
+        for (std::size_t done = 0; done < count; done += piece)
+            EXPECT_EQ(reals(1, Reals(values.begin() + static_cast<std::ptrdiff_t>(done),
+                                     values.begin() + static_cast<std::ptrdiff_t>(
+                                                          std::min(done + piece, count)))),
+                      0);
+        EXPECT_EQ(flush(), 0);
+        if (firstSidecar.empty()) firstSidecar = sample_files::get(sidecar);
+        EXPECT_TRUE(sample_files::get(sidecar) == firstSidecar);
+        const Bytes whole = sample_files::get("s.szplt");
+        for (std::size_t at = whole.size() - count * 8 - 16; at < whole.size(); at += 5) {
+            Bytes damaged = whole;
+            damaged[at] = static_cast<char>(damaged[at] ^ 128);
+            sample_files::put("s.szplt", damaged);
+            EXPECT_EQ(tryOpen("V"), 2) << at;
+        }
+        sample_files::put("s.szplt", whole);
+        open("V");
+    }
+    const Folder folder;
+    open("V");
+    addZone(1);
+    EXPECT_EQ(flush(), 0);
+    const Durable durable;
+    EXPECT_EQ(tryOpen("V"), 6); // was not durable
+}
+
+// What a disk may make of a sector: it is lost, erased or old, or another one is in its place.
+// Equal values and changes of their signs alone do not cancel each other, wherever the sector
+// begins.
+TEST(TecioResume, NoticesADamagedSector) {
+    constexpr std::size_t count = 640, sector = 512;
+    using Damage = void (*)(Bytes&, std::size_t);
+    const Damage damages[] = {
+        [](Bytes& bytes, std::size_t at) { std::fill_n(&bytes[at], sector, '\0'); },
+        [](Bytes& bytes, std::size_t at) { std::fill_n(&bytes[at], sector, '\xff'); },
+        [](Bytes& bytes, std::size_t at) {
+            for (std::size_t i = at + 7; i < at + sector; i += 8)
+                bytes[i] = static_cast<char>(bytes[i] ^ 128);
+        },
+        [](Bytes& bytes, std::size_t at) {
+            std::swap_ranges(&bytes[at], &bytes[at + sector], &bytes[at + sector]);
+        },
+        [](Bytes& bytes, std::size_t at) { std::copy_n(&bytes[at + sector], sector, &bytes[at]); }};
+    std::vector<Reals> cases(4, Reals(count));
+    cases[1].assign(count, 2);
+    for (std::size_t i = 0; i < count; ++i) cases[2][i] = i < count / 2 ? 1 : -1;
+    for (std::size_t i = 0; i < count; ++i) cases[3][i] = static_cast<double>(i) / 7;
+    for (const Reals& values : cases) {
+        const Durable durable;
+        const Folder folder;
+        open("V");
+        beginNodes(1, count, {2});
+        EXPECT_EQ(reals(1, values) + flush(), 0);
+        const Bytes whole = sample_files::get("s.szplt");
+        const std::size_t begin = whole.size() - count * 8;
+        for (std::size_t at = begin; at + 2 * sector <= whole.size(); at += 64)
+            for (const Damage damage : damages) {
+                Bytes damaged = whole;
+                damage(damaged, at);
+                if (damaged == whole) continue;
+                sample_files::put("s.szplt", damaged);
+                EXPECT_EQ(tryOpen("V"), 2) << at;
+            }
+        sample_files::put("s.szplt", whole);
+        open("V");
+    }
+}
+
+int callsLeft; // the last one fails
+
+bool fails() {
+    errno = EIO;
+    return --callsLeft == 0;
+}
+
+system_calls::Table failingTable() {
+    using namespace system_calls;
+    static const Table real = systemTable();
+    Table table = real;
+    table.open = [](const char* path, OpenMode mode) {
+        return fails() ? -1 : real.open(path, mode);
+    };
+    table.exists = [](const char* path) { return fails() ? -1 : real.exists(path); };
+    table.readAt = [](int d, void* into, std::size_t size, std::int64_t from) {
+        return fails() ? -1 : real.readAt(d, into, size, from);
+    };
+    table.writeAt = [](int d, const void* from, std::size_t size, std::int64_t to) {
+        return fails() ? -1 : real.writeAt(d, from, size, to);
+    };
+    table.truncate = [](int d, std::int64_t size) { return fails() ? -1 : real.truncate(d, size); };
+    table.reserve = [](int d, std::int64_t begin, std::int64_t size) {
+        return fails() ? -1 : real.reserve(d, begin, size);
+    };
+    table.sync = [](int) { return fails() ? -1 : 0; };
+    table.rename = [](const char* from, const char* to) {
+        return fails() ? -1 : real.rename(from, to);
+    };
+    table.remove = [](const char* path) { return fails() ? -1 : real.remove(path); };
+    return table;
+}
+
+// Each call in turn fails for a writer that resumes, replaces a zone, needs a copy and finishes.
+// The data set stays readable, and the next writer can resume it unless it was finished.
+TEST(TecioResume, AnyCallMayFail) {
+    const Durable durable;
+    callsLeft = 0;
+    for (int call = 1; callsLeft <= 0; ++call) {
+        SCOPED_TRACE(call);
+        const Folder folder;
+        open("V");
+        EXPECT_EQ(aux("k", "1"), 0);
+        addZone(1);
+        addZone(2);
+        EXPECT_EQ(flush(), 0);
+        sample_files::put("s.szplt.unfinished", "left over");
+        callsLeft = call;
+        system_calls::table = failingTable();
+        const int status =
+            tryOpen("V") + aux("k", "longer") + putZone(2) + flush() + tecFileWriterClose(&set);
+        system_calls::table = system_calls::systemTable();
+        EXPECT_EQ(status != 0, callsLeft <= 0);
+        const std::size_t zones = data_set_file::read("s.szplt").zones.size();
+        EXPECT_TRUE(zones == 1 || zones == 2);
+        if (std::filesystem::exists(sidecar)) {
+            open("V");
+            addZone(2);
+            ASSERT_NO_FATAL_FAILURE(finish(2));
+        }
+        ASSERT_NO_FATAL_FAILURE(expectTimes(2));
+    }
+}
+
+// After a power cut while the file is copied for a longer record and zones on several pages of
+// headers are replaced, the next writer finds those that were not, and can replace the others.
+TEST(TecioResume, PowerCutWhileZonesAreReplaced) {
+    const Durable durable;
+    for (const std::size_t titleLength : {300U, 2500U}) {
+        title = std::string(titleLength, 'z');
+        const Folder folder;
+        open("V");
+        EXPECT_EQ(aux("k", "1"), 0);
+        for (int time = 1; time <= 8; ++time) addZone(time);
+        EXPECT_EQ(flush(), 0);
+        system_calls::table = power_cut::recording(system_calls::systemTable());
+        open("V");
+        EXPECT_EQ(aux("k", "longer"), 0);
+        for (int time = 2; time <= 8; ++time) addZone(time);
+        EXPECT_EQ(flush(), 0);
+        system_calls::table.sync = [](int) { return 0; };
+        const std::vector<power_cut::Files> states =
+            power_cut::statesLeft(std::getenv("MESHRAKE_LONG_TESTS") != nullptr);
+        EXPECT_GT(states.size(), 10U);
+        for (std::size_t i = 0; i < states.size() && !HasFailure(); ++i) {
+            SCOPED_TRACE(testing::Message() << titleLength << ", state " << i);
+            for (const auto& [name, contents] : states[i]) sample_files::put(name, contents);
+            open("V");
+            for (int time = 2; time <= 8; ++time) addZone(time);
+            finish(8);
+        }
+        system_calls::table = system_calls::systemTable();
+    }
+    title = "z";
+}
+
+} // namespace

@@ -1,0 +1,290 @@
+#include "tvncommon/io/TVNBinaryFile_readers.hpp"
+#include "tvncommon/io/TVNBinaryFile_writers.hpp"
+
+#include "tests/support/runs.hpp"
+#include "tvncommon/io/TVNBinaryFile.hpp"
+#include "tvncommon/io/file_units.hpp"
+#include "tvncommon/io/io_layer.hpp"
+
+#include <algorithm>
+#include <array>
+#include <map>
+
+namespace {
+
+using namespace TVNBinaryFile;
+using runs::expectEnd;
+using sample_files::Bytes;
+using sample_files::Integers;
+using sample_files::Reals;
+
+class BinaryFile : public testing::Test {
+protected:
+    ~BinaryFile() override { io_layer::reset(); }
+    sample_files::Folder folder;
+};
+
+std::string padded(std::string text, std::size_t length = 80) {
+    text.resize(length, ' ');
+    return text;
+}
+
+std::string newer(const std::string& text, const std::string& rest) {
+    return padded(text, 55) + "#!TVN" + rest;
+}
+
+TEST_F(BinaryFile, HeadersThatAreFine) {
+    struct Case {
+        std::string header, timestamp, message;
+    };
+    const std::string rest = "001LER08030000000012", front(53, 't');
+    const Case cases[] = {{newer("10.5 a free message", rest), "10.5", "a free message"},
+                          {newer("10.5   message", rest), "10.5", "  message"},
+                          {newer(front + " m", rest), front, "m"}};
+    for (const Case& c : cases) {
+        const BinaryHeader h = parseTVNBinFileHeader(c.header, "file");
+        EXPECT_EQ(std::tuple(h.timestamp, h.message, h.isOldFormat),
+                  std::tuple(c.timestamp, c.message, false));
+        EXPECT_EQ(std::tuple(h.magic, h.formatVersion, h.byteOrder, h.dataType),
+                  std::tuple("#!TVN", 1, "LE", "R08"));
+        EXPECT_EQ(std::pair(h.numComponents, h.numValues), std::pair(3, 12));
+        EXPECT_TRUE(isNewerFileFormat(c.header));
+    }
+    const BinaryHeader h = parseTVNBinFileHeader(padded(" 10.5 older"), "file");
+    EXPECT_EQ(std::tuple(h.timestamp, h.isOldFormat, h.formatVersion, h.byteOrder, h.dataType),
+              std::tuple(" 10.5", true, -1, "UK", "UNK"));
+    EXPECT_TRUE(parseTVNBinFileHeader(padded(padded("1", 55) + "#!tvn"), "file").isOldFormat);
+    EXPECT_FALSE(isNewerFileFormat(padded("1", 55) + "#!TV"));
+}
+
+TEST_F(BinaryFile, HeadersThatAreNot) {
+    const std::string invalid = "Invalid binary file header format. Timestamp ";
+    const std::string status59 =
+        "\nError detail: Invalid data format during list-directed input\nError number: 59\n";
+    const auto parse = [](const std::string& what) {
+        return "Failed to parse " + what + "\"\nFile: file";
+    };
+    const std::map<std::string, std::string> cases = {
+        {std::string(79, 'x'), "Binary file header is too short. Expected at least 80 characters "
+                               "but found only 79.\nFile: file\n"},
+        {padded(""), invalid + "missing or malformed.\nFile: file\n"},
+        {newer(std::string(54, ' ') + "1", "001LER08010000000001"),
+         invalid + "missing or malformed.\nFile: file\n"},
+        {newer(std::string(54, '1'), "001LER08010000000001"),
+         invalid + "not terminated by space.\nFile: file\n"},
+        {newer("1", "0x1LER08010000000001"),
+         parse("file version number from binary file header. String: \"0x1") + status59},
+        {newer("1", "001LER081.0000000001"),
+         parse("number of components from binary file header. String: \"1.") + status59},
+        {newer("1", "001LER08000000000001"),
+         "Invalid number of components in binary file header: 0\nFile: file\n"},
+        {newer("1", "001LER08019999999999"),
+         parse("number of values from binary file header. String: \"9999999999") + status59},
+        {newer("1", "001LER0801        -7"),
+         "Invalid number of values in binary file header: -7\nFile: file\n"}};
+    for (const auto& c : cases)
+        expectEnd("FATAL", c.second, [&] { parseTVNBinFileHeader(c.first, "file"); });
+}
+
+// Components of values.
+std::vector<Reals> componentsOf(std::size_t components, std::size_t n) {
+    return std::vector(components, Reals(n, 1.25));
+}
+
+Bytes olderFile(const std::vector<Reals>& components) {
+    Bytes file = sample_files::textRecord("1.0 older", 80);
+    for (std::size_t i = 0; i < components[0].size(); ++i) {
+        Reals node;
+        for (const Reals& component : components) node.push_back(component[i]);
+        file += sample_files::realRecord(node);
+    }
+    return file;
+}
+
+void read(int components, std::int32_t n) {
+    std::vector<Reals> all(static_cast<std::size_t>(components), Reals(8));
+    std::array<double*, 6> arrays{};
+    for (std::size_t c = 0; c < all.size(); ++c) arrays[c] = all[c].data();
+    if (components == 1)
+        read_r8_1d("file", n, arrays[0]);
+    else
+        read_r8_components("file", n, components, arrays.data());
+}
+
+TEST_F(BinaryFile, FilesThatAreTooShort) {
+    const std::string cut =
+        " file\nError detail: Error encountered during read statement\nError number: 39\n";
+    const std::string atEnd =
+        " file\nError detail: End-of-file encountered on read\nError number: -1\n";
+    const Bytes header = sample_files::header("1.0", "R08", 3, 5);
+    const std::vector<Reals> good = componentsOf(3, 5),
+                             shortSecond = {good[0], {1, 2, 3, 4}, good[2]};
+    const std::tuple<Bytes, int, std::string> cases[] = {
+        {"", 1, "Error reading header from file" + atEnd},
+        {sample_files::textRecord("1.0", 79), 3, "Error reading header from file" + cut},
+        {header, 1, "Error reading values from file" + atEnd},
+        {sample_files::resultFile("1.0", componentsOf(1, 4)), 1,
+         "Error reading values from file" + cut},
+        {sample_files::resultFile("1.0", shortSecond), 3,
+         "Error reading component 2 values from file" + cut},
+        {sample_files::resultFile("1.0", componentsOf(2, 5)), 3,
+         "Error reading component 3 values from file" + atEnd},
+        {olderFile(componentsOf(3, 4)), 3, "Error reading values from file" + atEnd}};
+    for (const auto& [contents, components, message] : cases) {
+        sample_files::put("file", contents);
+        expectEnd("INPUT", message, [&, n = components] { read(n, 5); });
+    }
+    std::filesystem::remove("file");
+    expectEnd("FATAL", "Failed to open file: file\n", [] { read(1, 0); });
+}
+
+// Each of the writers against the bytes that a file must have, and what the readers make of it.
+TEST_F(BinaryFile, WritersAndReadersOfBothGenerations) {
+    const Reals table{1, 2, 3, 4, 5, 6, 7, 8}; // two columns of four rows
+    const std::vector<float> singles{1, 2, 3, 4, 5, 6, 7, 8};
+    for (const bool old : {false, true}) {
+        setUseOldFormat(old);
+        const std::vector<Reals> part{{2, 3}, {6, 7}};
+        write_r8_2d("file", "  1.5 text", 2, 3, 2, table);
+        const Bytes text = sample_files::textRecord("1.5 text", 80);
+        EXPECT_EQ(sample_files::get("file"),
+                  old ? text + sample_files::realRecord({2, 6}) + sample_files::realRecord({3, 7})
+                      : sample_files::resultFile("1.5 text", part));
+        Reals read(4);
+        std::string header;
+        read_r8_2d("file", 2, 2, read.data(), &header);
+        EXPECT_EQ(read, Reals({2, 3, 6, 7}));
+        EXPECT_EQ(isNewerFileFormat(header), !old);
+
+        write_r4_2d("file", "1", 2, 3, 2, singles);
+        std::vector<float> readSingles(4);
+        read_r4_2d("file", 2, 2, readSingles.data());
+        EXPECT_EQ(readSingles, std::vector<float>({2, 3, 6, 7}));
+
+        // Six components are columns too.
+        write_r8_2d("file", "1", 1, 1, 6, std::span(table).first(6));
+        std::array<double, 6> t{};
+        read_r8_tensor("file", 1, &t[5], &t[4], &t[3], &t[2], &t[1], &t[0], &header);
+        EXPECT_EQ(t, (std::array<double, 6>{6, 5, 4, 3, 2, 1}));
+        write_r8_2d("file", "1", 1, 1, 3, std::span(table).first(3));
+        read_r8_vec3("file", 1, &t[2], &t[1], &t[0]);
+        write_r8_2d("file", "1", 1, 1, 2, std::span(table).last(2));
+        read_r8_vec2("file", 1, &t[4], &t[3]);
+        EXPECT_EQ(t, (std::array<double, 6>{3, 2, 1, 8, 7, 1}));
+        write_r4_2d("file", "1", 1, 1, 6, std::span(singles).first(6));
+        std::array<float, 6> u{};
+        read_r4_tensor("file", 1, &u[5], &u[4], &u[3], &u[2], &u[1], &u[0]);
+        EXPECT_EQ(u, (std::array<float, 6>{6, 5, 4, 3, 2, 1}));
+        write_r4_2d("file", "1", 1, 1, 3, std::span(singles).first(3));
+        read_r4_vec3("file", 1, &u[2], &u[1], &u[0]);
+        write_r4_2d("file", "1", 1, 1, 2, std::span(singles).last(2));
+        read_r4_vec2("file", 1, &u[4], &u[3]);
+        EXPECT_EQ(u, (std::array<float, 6>{3, 2, 1, 8, 7, 1}));
+    }
+    setUseOldFormat(false);
+}
+
+TEST_F(BinaryFile, OneComponentOfAKnownLength) {
+    const Integers numbers{-1, 0, 7};
+    const std::vector<float> singles{0.5F, 2};
+    const Reals reals{1, 2, 3, 4, 5, 6, 7, 8, 9, 10};
+    write_i4_1d("i", "0", 1, 3, numbers);
+    write_r4_1d("s", "0", 2, 2, singles);
+    write_r8_1d("r", "0", 1, 10, reals);
+    write_r8_1d("none", "0", 1, 0, reals);
+    EXPECT_EQ(sample_files::get("i"), sample_files::resultFile("0", numbers));
+    EXPECT_EQ(std::tuple(numVals_i4_1d("i"), numVals_r4_1d("s"), numVals_r8_1d("r")),
+              std::tuple(3, 1, 10));
+    EXPECT_EQ(numVals_r8_1d("none"), 0);
+
+    Integers readNumbers(3);
+    std::vector<float> readSingles(1);
+    Reals readReals(11);
+    std::string header;
+    read_safe_i4_1d("i", 3, readNumbers.data(), &header);
+    read_safe_r4_1d("s", 1, readSingles.data());
+    read_safe_r8_1d("r", 10, readReals.data());
+    EXPECT_EQ(header, padded("0", 55) + "#!TVN001LEI04010000000003");
+    EXPECT_EQ(readNumbers, numbers);
+    EXPECT_EQ(readSingles, std::vector<float>{2});
+    EXPECT_EQ(readReals[9], 10);
+    read_r8_1d("r", 2, readReals.data(), &header);
+    EXPECT_EQ(header, padded("0", 55) + "#!TVN001LER08010000000010");
+
+    expectEnd("INPUT",
+              "Size mismatch reading file r\nNum values in file: 10\nNum values to read: 11\n",
+              [&] { read_safe_r8_1d("r", 11, readReals.data()); });
+    sample_files::put("cut", sample_files::get("r").substr(0, 100));
+    expectEnd("INPUT", "Error reading values from file cut\n",
+              [&] { read_safe_r8_1d("cut", 10, readReals.data()); });
+    sample_files::put("cut", sample_files::get("r").substr(0, 90));
+    expectEnd("INPUT",
+              "Error reading block size from file cut\n"
+              "Error detail: End-of-file encountered on read\nError number: -1\n",
+              [] { numVals_r8_1d("cut"); });
+    sample_files::put("cut", sample_files::get("r").substr(0, 80));
+    expectEnd("INPUT", "Error reading header data from file cut\n", [] { numVals_r8_1d("cut"); });
+    expectEnd("FATAL", "Error writing values to file r\nValues 10 to 11 of an array of 10\n",
+              [&] { write_r8_1d("r", "0", 10, 11, reals); });
+
+    expectEnd("FATAL", "Error writing values to file r\nValues 0 to 1 of an array of 10\n",
+              [&] { write_r8_1d("r", "0", 0, 1, reals); });
+    // The first write is that of the length before the header, the third that of the values.
+    static int writesLeft;
+    system_calls::table.write = [](int descriptor, const void* from, std::size_t size) {
+        const bool fails = descriptor > 2 && --writesLeft < 0;
+        return fails ? -1 : runs::keepingTable().write(descriptor, from, size);
+    };
+    for (const char* what : {"header", "header", "values"}) {
+        static int passed = 0;
+        writesLeft = passed++;
+        expectEnd("FATAL", std::string("Error writing ") + what + " to file full\n",
+                  [&] { write_r8_1d("full", "0", 1, 10, reals); });
+    }
+    system_calls::table = system_calls::systemTable();
+
+    // A long record goes on where its length is negative.
+    Bytes file = sample_files::header("0", "I04", 1, 3),
+          first = sample_files::integerRecord({1, 2});
+    first[0] = first[12] = -8;
+    first.replace(1, 3, 3, '\xff').replace(13, 3, 3, '\xff');
+    sample_files::put("long", file + first + sample_files::integerRecord({3}));
+    EXPECT_EQ(numVals_i4_1d("long"), 3);
+    std::ranges::fill(readNumbers, 0);
+    read_safe_i4_1d("long", 3, readNumbers.data());
+    EXPECT_EQ(readNumbers, Integers({1, 2, 3}));
+
+    // The checked readers look at the bytes that they need alone.
+    file = sample_files::get("i");
+    file[0] = 81;
+    sample_files::put("odd", file.substr(0, file.size() - 4));
+    read_safe_i4_1d("odd", 3, readNumbers.data(), &header);
+    EXPECT_EQ(readNumbers, numbers);
+    EXPECT_EQ(header, padded("0", 55) + "#!TVN001LEI04010000000003");
+    file[88] = 15; // bytes that make no whole value are left out
+    sample_files::put("odd", file);
+    read_safe_i4_1d("odd", 3, readNumbers.data());
+}
+
+TEST_F(BinaryFile, ArgumentsThatMakeNoSenseStayInsideTheArrays) {
+    for (const bool old : {false, true}) {
+        setUseOldFormat(old);
+        for (const std::int32_t columns : {0, -1, -2147483647 - 1}) {
+            write_r8_2d("file", "1.0 m", 1, 0, columns, {});
+            read_r8_2d("file", old ? 0 : 2, columns, nullptr);
+            expectEnd("FATAL",
+                      "Error writing values to file file\nValues 1 to 1 of an array of 0\n",
+                      [&] { write_r8_2d("file", "1.0 m", 1, 1, columns, Reals{1}); });
+        }
+    }
+    setUseOldFormat(false);
+    const int unit = file_units::getUnit();
+    ASSERT_EQ(io_layer::openRecordsReplace(unit, "short"), io_layer::ok);
+    int status = 1;
+    writeFormattedHeader(unit, std::string(90, 'm'), "I", 1, 2, status);
+    EXPECT_EQ(status, io_layer::ok);
+    file_units::freeUnit(unit);
+    EXPECT_EQ(readTVNBinFileHeader("short"), std::string(55, 'm') + "#!TVN001LEI  010000000002");
+}
+
+} // namespace

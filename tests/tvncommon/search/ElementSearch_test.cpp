@@ -1,0 +1,235 @@
+#include "tvncommon/search/ElementSearch.hpp"
+
+#include "tests/tvncommon/search/plan_mesh.hpp"
+#include "tvncommon/diagnostics/error.hpp"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <limits>
+#include <utility>
+
+namespace {
+
+using namespace ElementSearch;
+using plan_mesh::makeMesh;
+using plan_mesh::Mesh;
+using plan_mesh::Wishes;
+using Texts = std::vector<std::string>;
+
+// Linear in every coordinate, so that interpolation in prisms with level faces is exact.
+double plane(double x, double y, double z) {
+    return 3 * x - 2 * y + 5 * z;
+}
+
+class Search : public testing::Test {
+protected:
+    void SetUp() override { reset(); }
+    void TearDown() override { reset(); }
+
+    void use(Mesh made) {
+        mesh = std::move(made);
+        initElementSearch(mesh.elementCount, mesh.planElementCount, mesh.nodesPerElement,
+                          mesh.sheetCount, mesh.elementNodes, mesh.x, mesh.y, mesh.z);
+        values.clear();
+        for (std::size_t i = 0; i < mesh.x.size(); ++i)
+            values.push_back(plane(mesh.x[i], mesh.y[i], mesh.z[i]));
+    }
+
+    // Messages go into lists from here on instead of ending the run.
+    void listen() {
+        setErrorCallback([this](std::string_view text) { errors.emplace_back(text); });
+        setWarnCallback([this](std::string_view text) { warnings.emplace_back(text); });
+    }
+
+    void expectMessages(const Texts& expectedErrors, const Texts& expectedWarnings) {
+        EXPECT_EQ(std::exchange(errors, {}), expectedErrors);
+        EXPECT_EQ(std::exchange(warnings, {}), expectedWarnings);
+    }
+
+    // An answer behind an error, with the fallback, and without a warning of it.
+    void check(const std::function<double()>& ask, const std::string& what, const std::string& how,
+               const std::string& place, double moved, double left = 0) {
+        setNearestFallback(false);
+        setWarnOnFallback(true);
+        EXPECT_FALSE(pointInElement3D(1, 0, 0, 9)); // leaves messages and settings as they are
+        EXPECT_EQ(ask(), left) << what;
+        expectMessages({what + place}, {});
+        setNearestFallback(true);
+        EXPECT_EQ(ask(), moved) << what;
+        expectMessages({}, {what + how + place});
+        setWarnOnFallback(false);
+        EXPECT_EQ(ask(), moved) << what;
+        expectMessages({}, {});
+    }
+
+    Mesh mesh;
+    std::vector<double> values;
+    Texts errors, warnings;
+};
+
+TEST_F(Search, FindsThePointsOfAllElements) {
+    std::mt19937 random(1);
+    std::uniform_real_distribution<double> share(0.01, 0.99);
+    for (const bool blocks : {false, true}) {
+        use(makeMesh({.blocks = blocks, .layers = 4}, random()));
+        const auto nodes = static_cast<std::size_t>(mesh.nodesPerElement);
+        for (std::int32_t e = 1; e <= mesh.elementCount; ++e) {
+            // A mean of three corners of each face lies inside, whatever the weights.
+            std::vector<double> xs(nodes), ys(nodes), zs(nodes);
+            elementCoords3D(e, xs, ys, zs);
+            std::vector<double> planX(nodes / 2), planY(nodes / 2);
+            elementCoords2D(e, planX, planY);
+            EXPECT_TRUE(std::ranges::equal(planX, std::span(xs).first(nodes / 2)));
+            EXPECT_TRUE(std::ranges::equal(planY, std::span(ys).first(nodes / 2)));
+            const double a = share(random), b = share(random) * (1 - a), c = 1 - a - b;
+            const auto mean = [&](const std::vector<double>& of, std::size_t first = 0) {
+                return a * of[first] + b * of[first + 1] + c * of[first + 2];
+            };
+            const double x = mean(xs), y = mean(ys), bottom = mean(zs), top = mean(zs, nodes / 2);
+            const double z = bottom + share(random) * (top - bottom);
+            const std::int32_t plan = (e - 1) % mesh.planElementCount + 1;
+            const std::int32_t layer = (e - 1) / mesh.planElementCount + 1;
+            EXPECT_EQ(findElement2D(x, y), plan);
+            for (const std::int32_t hint : {plan, 1, 0, -7, 2147483647})
+                EXPECT_EQ(findElement3D(x, y, z, hint), e) << hint;
+            EXPECT_EQ(findElementByLayer(x, y, layer), e);
+            EXPECT_TRUE(pointInElement3D(e, x, y, z));
+            EXPECT_FALSE(pointInElement3D(e, x, y, bottom - 0.01));
+            EXPECT_NEAR(interpElement3DNoIndex(x, y, z, values), plane(x, y, z), 1e-11);
+            EXPECT_NEAR(interpElementTopIndex(e, x, y, values), plane(x, y, top), 1e-11);
+            EXPECT_NEAR(interpElementBottomIndex(e, x, y, mesh.z), bottom, 1e-11);
+            EXPECT_EQ(interpElement2DNoIndex(x, y, values),
+                      interpElementBottomIndex(plan, x, y, values));
+            EXPECT_EQ(interpElementTopNoIndex(x, y, values),
+                      interpElementTopIndex(plan, x, y, values));
+        }
+    }
+}
+
+// Unit squares with z = 0.25 x - 0.5 y at the bottom; the layers are 1, 1.5 or 2 high.
+constexpr Wishes square{.blocks = true, .columns = 2, .rows = 2, .layers = 2, .offset = 0};
+
+TEST_F(Search, PointsOnFaces) {
+    use(makeMesh(square, 1));
+    // Over node 1, whose layers are 1 high.
+    for (const auto& [z, element] :
+         {std::pair{0.0, 1}, {0.5, 1}, {1.0, 1}, {1.0000001, 5}, {2.0, 5}}) {
+        EXPECT_EQ(findElement3D(0, 0, z), element) << z;
+        EXPECT_EQ(pointInElement3D(5, 0, 0, z), z >= 1) << z;
+    }
+    for (const double z : {-0.0000001, 2.0000001}) {
+        testing::internal::CaptureStderr();
+        EXPECT_THROW(findElement3D(0, 0, z), error::RunEnded) << z;
+        testing::internal::GetCapturedStderr();
+    }
+}
+
+TEST_F(Search, PointsOutsideAreErrorsOrAreMoved) {
+    use(makeMesh(square, 1));
+    listen();
+    EXPECT_EQ(pointToString3D(-1, 0.5, 0),
+              "-1.0000000000000000, 0.50000000000000000, 0.0000000000000000");
+    const auto place2 = [](double x, double y) { return "\npoint: " + pointToString2D(x, y); };
+    const auto place3 = [](double x, double y, double z) {
+        return "\npoint: " + pointToString3D(x, y, z);
+    };
+    EXPECT_EQ(findElement2DUnchecked(-1, 0.5), 0);
+    const std::string outside = "findElement2D: point outside mesh" + place2(-1, 0.5);
+    EXPECT_EQ(interpElementTopNoIndex(-1, 0.5, values), 0);
+    EXPECT_EQ(interpElement2DNoIndex(-1, 0.5, values), 0);
+    expectMessages({outside, outside}, {});
+    EXPECT_EQ(findNearestElement2D(1, 1), 1); // of four
+    const std::string nearest = ": using nearest element", layers = ": using nearest layer";
+    check([] { return findElement2D(9, 1.8); }, "findElement2D: point outside mesh", nearest,
+          place2(9, 1.8), 4);
+    check([] { return findElementByLayer(-3, 1.5, 2); }, "findElementByLayer: point outside mesh",
+          nearest, place2(-3, 1.5), 7);
+    for (const auto& [layer, moved] : {std::pair{3, 7}, {0, 3}})
+        check([asked = layer] { return findElementByLayer(0.3, 1.6, asked); },
+              "findElementByLayer: layer outside range", layers,
+              "\nlayer: " + std::to_string(layer) + ", expected: 1,2", moved);
+    const auto find = [&](const char* where, double x, double y, double z, int moved) {
+        check([&] { return findElement3D(x, y, z); }, "findElement3D: point " + std::string(where),
+              nearest, place3(x, y, z), moved);
+    };
+    find("outside mesh", -5, 0.1, 2, 5);
+    find("below mesh", 1.5, 0.5, -9, 2);
+    find("above mesh", 1.5, 0.5, 99, 6);
+    check([&] { return interpElement3DIndex(1, 0, 0, -9, values); },
+          "interpElement: point below element", ": interpolating to bottom", place3(0, 0, -9), 0);
+    check([&] { return interpElement3DIndex(1, 0, 0, 9, values); },
+          "interpElement: point above element", ": interpolating to top", place3(0, 0, 9), 5, 5);
+
+    const std::string vertex = ": using value of nearest vertex";
+    const std::array<double, 4> xs{0, 1, 1, 0}, ys{0, 0, 1, 1}, four{1, 2, 3, 4};
+    EXPECT_EQ(interpQuad(xs, ys, four, 0.25, 0.5), 2.25); // cut from its first to its third corner
+    EXPECT_TRUE(pointInQuad2D(xs, ys, 0.25, 0.5));
+    const std::array<double, 3> xs3{0, 1, 1}, ys3{0, 0, 1}, three{1, 2, 3};
+    check([&] { return interpTriangle(xs3, ys3, three, 0, 2); },
+          "interpTriangle: point outside triangle", vertex, place2(0, 2), 3);
+    for (const auto& [x, y, moved] : {std::array{5.0, 0.5, 2.0}, {-0.1, 5, 4}})
+        check([&, x = x, y = y] { return interpQuad(xs, ys, four, x, y); },
+              "interpQuad: point outside quad", vertex, place2(x, y), moved);
+}
+
+TEST_F(Search, GeometryOfAnElement) {
+    use(makeMesh({.blocks = false, .columns = 1, .rows = 1, .layers = 1, .offset = 0}, 3));
+    EXPECT_EQ(elementAABB(1), (std::array<double, 6>{0, 0, -0.25, 1, 1, 1.75}));
+    const auto bottom = elementCentroidBottom(1), top = elementCentroidTop(1);
+    const auto whole = elementCentroid3D(1);
+    for (const double x : {bottom[0], top[0], elementCentroid2D(1)[0]})
+        EXPECT_NEAR(x, 2.0 / 3, 1e-15);
+    EXPECT_NEAR(whole[2], (bottom[2] + top[2]) / 2, 1e-15);
+    EXPECT_GT(top[2], bottom[2] + 0.9);
+    const std::array<double, 3> xs{0, 4, 0}, ys{0, 0, 2};
+    EXPECT_EQ(barycentricCoords(xs, ys, 1, 1), (std::array<double, 3>{0.25, 0.25, 0.5}));
+}
+
+TEST_F(Search, OddNumbersStayInsideTheArrays) {
+    std::mt19937 random(4);
+    listen();
+    const std::int32_t oddNodes[] = {0, -1, 1000000, 2147483647, -2147483647 - 1};
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    for (int round = 0; round < 12; ++round) {
+        Mesh odd =
+            makeMesh({.blocks = round % 2 == 0, .columns = 2, .rows = 2, .layers = 2}, random());
+        for (int k = 0; k < 4; ++k)
+            odd.elementNodes[random() % odd.elementNodes.size()] = oddNodes[random() % 5];
+        odd.z[random() % odd.z.size()] = nan;
+        odd.elementNodes[0] = oddNodes[random() % 5];
+        use(odd);
+        EXPECT_FALSE(pointInElement2D(1, 0.4, 0.7));
+        setNearestFallback(round % 4 < 2);
+        for (const double x : {-1.0, 0.4, 1.5})
+            for (const double z : {-1.0, 0.5, 3.0, nan}) {
+                const std::int32_t found = findElement3D(x, 0.7, z);
+                EXPECT_TRUE(found >= 0 && found <= mesh.elementCount);
+                interpElement3DNoIndex(x, 0.7, z, values);
+                for (const std::int32_t element : oddNodes) {
+                    EXPECT_FALSE(pointInElement2D(element, x, 0.7));
+                    EXPECT_FALSE(pointInElement3D(element, x, 0.7, z));
+                    interpElement3DIndex(element, x, 0.7, z, values);
+                }
+            }
+    }
+}
+
+TEST_F(Search, MeshesItCannotSearch) {
+    listen();
+    Mesh sheet = makeMesh({.columns = 1, .rows = 1}, 1);
+    sheet.sheetCount = 1;
+    use(sheet);
+    EXPECT_EQ(findElementByLayer(0.5, 0.4, 1), 0);
+    expectMessages({"findElementByLayer: layer outside range\nlayer: 1, expected: 1,0"}, {});
+    testing::internal::CaptureStderr();
+    EXPECT_THROW(initElementSearch(1, 1, 7, 2, {}, {}, {}, {}), error::RunEnded);
+    testing::internal::GetCapturedStderr();
+    EXPECT_FALSE(pointInElement2D(1, 0, 0));
+    EXPECT_EQ(interpElement2DIndex(1, 0, 0, {}), 0);
+    expectMessages({"pointInElement2D: expected triangular prism or block elements",
+                    "interpElementBottom: expected triangular prism or block elements"},
+                   {});
+}
+
+} // namespace

@@ -1,0 +1,229 @@
+#include "tvncommon/search/FixedResolutionGrid.hpp"
+
+#include "tests/tvncommon/search/plan_mesh.hpp"
+#include "tvncommon/diagnostics/error.hpp"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cmath>
+#include <limits>
+#include <tuple>
+
+namespace {
+
+using namespace FixedResolutionGrid;
+using plan_mesh::makeMesh;
+using plan_mesh::Mesh;
+
+constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+constexpr double infinity = std::numeric_limits<double>::infinity();
+
+void init(FixedResGrid& grid, const Mesh& mesh, std::int32_t nx, std::int32_t ny) {
+    grid.init(nx, ny, mesh.planElementCount, mesh.nodesPerElement, mesh.x, mesh.y,
+              mesh.elementNodes);
+}
+
+std::int32_t firstThatHolds(const FixedResGrid& grid, double x, double y) {
+    for (std::int32_t e = 1; e <= grid.elementCount; ++e)
+        if (grid.pointIn(e, x, y)) return e;
+    return 0;
+}
+
+// Corners of the mesh, middles between them, places anywhere, and the ends of the lattice.
+std::vector<std::array<double, 2>> places(const FixedResGrid& grid, std::mt19937& random) {
+    std::uniform_real_distribution<double> x(grid.xmin - 0.5, grid.xmax + 0.5);
+    std::uniform_real_distribution<double> y(grid.ymin - 0.5, grid.ymax + 0.5);
+    std::vector<std::array<double, 2>> found{{grid.xmin, grid.ymin},
+                                             {grid.xmax, grid.ymin},
+                                             {grid.xmin, grid.ymax},
+                                             {grid.xmax, grid.ymax}};
+    for (std::size_t i = 1; i < grid.x.size(); ++i) {
+        found.push_back({grid.x[i], grid.y[i]});
+        found.push_back({(grid.x[i] + grid.x[i - 1]) / 2, (grid.y[i] + grid.y[i - 1]) / 2});
+        found.push_back({x(random), y(random)});
+    }
+    return found;
+}
+
+TEST(FixedResolutionGrid, FindsTheFirstOfAllElementsThatHoldAPlace) {
+    std::mt19937 random(1);
+    const std::array<std::int32_t, 2> sizes[] = {{1, 1}, {0, -3}, {7, 3}, {40, 50}, {2, 1000}};
+    for (const int kind : {0, 1, 2, 3, 4, 5, 6, 7})
+        for (const auto [nx, ny] : sizes) {
+            const double offset = kind & 2 ? 0.3 : 0;
+            const Mesh mesh = makeMesh({kind % 2 == 0, 12, 9, 1, offset, kind & 4}, random());
+            FixedResGrid grid;
+            init(grid, mesh, nx, ny);
+            ASSERT_EQ(grid.nx, std::max(nx, 1));
+            ASSERT_EQ(grid.ny, std::max(ny, 1));
+            for (const auto [x, y] : places(grid, random))
+                EXPECT_EQ(grid.findElement(x, y), firstThatHolds(grid, x, y))
+                    << x << ", " << y << " in " << nx << " by " << ny;
+        }
+}
+
+TEST(FixedResolutionGrid, TableListsCellsInOrder) {
+    // Two squares side by side, of which the first ends on the border of the two cells.
+    const std::vector<double> x{0, 1, 2, 0, 1, 2}, y{0, 0, 0, 1, 1, 1};
+    const std::vector<std::int32_t> nodes{1, 2, 5, 4, 1, 2, 5, 4, 2, 3, 6, 5, 2, 3, 6, 5};
+    FixedResGrid grid;
+    grid.init(2, 1, 2, 8, x, y, nodes);
+    EXPECT_EQ(grid.rowIndex, (std::vector<std::int32_t>{1, 2, 4}));
+    EXPECT_EQ(grid.elementIndex, (std::vector<std::int32_t>{1, 1, 2}));
+    EXPECT_EQ(grid.findElement(1, 0.5), 1);
+    EXPECT_EQ(grid.findElement(2, 1), 2);
+    EXPECT_EQ(grid.findElement(2.0000001, 1), 0);
+    grid.init(3, 3, 1, 8, x, y, nodes);
+    EXPECT_EQ(grid.xmax, 1);
+    EXPECT_EQ(grid.findElement(1.5, 0.5), 0);
+    FixedResGrid copy = grid;
+    grid.destroy();
+    EXPECT_TRUE(grid.empty());
+    EXPECT_EQ(grid.findElement(0.5, 0.5), 0);
+    EXPECT_EQ(copy.findElement(0.5, 0.5), 1);
+}
+
+TEST(FixedResolutionGrid, PlacesInTriangles) {
+    // An edge has one side in the first winding and the other in the second.
+    struct Case {
+        double x, y;
+        bool anticlockwise, clockwise;
+    };
+    for (const Case& c :
+         {Case{1, 1, true, true}, Case{3, 3, false, false}, Case{2, 0, true, false},
+          Case{0, 0, true, false}, Case{2, 2, true, false}, Case{nan, 1, true, true}}) {
+        EXPECT_EQ(pointInTri({0, 4, 0}, {0, 0, 4}, c.x, c.y), c.anticlockwise) << c.x << " " << c.y;
+        EXPECT_EQ(pointInTri({0, 0, 4}, {0, 4, 0}, c.x, c.y), c.clockwise) << c.x << " " << c.y;
+    }
+}
+
+struct Asking : FixedResGrid {
+    mutable std::vector<std::int32_t> asked;
+    bool pointIn(std::int32_t element, double, double) const override {
+        asked.push_back(element);
+        return element == 5;
+    }
+};
+
+TEST(FixedResolutionGrid, AsksTheInsideTestOfTheRecordAboutAllOfTheCell) {
+    Asking grid;
+    init(grid, makeMesh({.columns = 4, .rows = 1, .offset = 0}, 1), 1, 1);
+    EXPECT_EQ(grid.findElement(3.75, 0.25), 5);
+    EXPECT_EQ(grid.asked, (std::vector<std::int32_t>{1, 2, 3, 4, 5}));
+}
+
+// A record of a further type asks about every element of the cell; so it tells what is passed over.
+struct Plain : FixedResGrid {};
+
+void becomeOdd(Mesh& mesh, std::mt19937& random) {
+    const auto any = [&] { return random() % (mesh.x.size() / 2); };
+    for (int i = 0; i < 12; ++i) {
+        const auto a = any(), b = any(), c = any();
+        switch (random() % 6) {
+        case 0: // two nodes in one place, or three on a line
+            mesh.x[a] = mesh.x[b];
+            mesh.y[a] = mesh.y[b];
+            break;
+        case 1:
+            mesh.x[a] = (mesh.x[b] + mesh.x[c]) / 2;
+            mesh.y[a] = (mesh.y[b] + mesh.y[c]) / 2;
+            break;
+        case 2:
+            mesh.elementNodes[random() % mesh.elementNodes.size()] = static_cast<std::int32_t>(a);
+            break;
+        case 3:
+            mesh.y[a] = mesh.y[b] + 1e-15 * static_cast<double>(random() % 9);
+            break;
+        default:
+            mesh.x[a] = mesh.x[b];
+        }
+    }
+    if (random() % 4 == 0) mesh.x[any()] = random() % 2 ? nan : 1e200;
+    const double size = std::pow(10., 150 * (static_cast<int>(random() % 5) - 2));
+    for (double& x : mesh.x) x *= size;
+    for (double& y : mesh.y) y *= size;
+}
+
+TEST(FixedResolutionGrid, PassesOverNoElementThatHoldsAPlace) {
+    std::mt19937 random(4);
+    for (int round = 0; round < 300; ++round) {
+        Mesh mesh = makeMesh({round % 2 == 0, 6, 5, 1, round % 3 * 0.2, 0}, random());
+        becomeOdd(mesh, random);
+        FixedResGrid grid;
+        Plain plain;
+        const std::int32_t nx = 1 + static_cast<std::int32_t>(random() % 3);
+        const std::int32_t ny = 1 + static_cast<std::int32_t>(random() % 60);
+        init(grid, mesh, nx, ny);
+        init(plain, mesh, nx, ny);
+        for (const auto [x, y] : places(grid, random))
+            ASSERT_EQ(grid.findElement(x, y), plain.findElement(x, y)) << round << ": " << x << y;
+    }
+}
+
+TEST(FixedResolutionGrid, CapsOnlyTheUpperEnds) {
+    // The second triangle has no extent in x and stands at the upper edge.
+    const std::vector<double> x{0, 1, 0, 1, 1}, y{0, 0, 1, 1, 0.5};
+    const std::vector<std::int32_t> nodes{1, 2, 3, 1, 2, 3, 2, 4, 5, 2, 4, 5};
+    FixedResGrid grid;
+    grid.init(2, 1, 2, 6, x, y, nodes);
+    EXPECT_EQ(grid.elementIndex, (std::vector<std::int32_t>{1, 1}));
+    EXPECT_EQ(grid.findElement(1, 0.5), 0);
+}
+
+TEST(FixedResolutionGrid, OddNumbersStayInsideTheArrays) {
+    std::mt19937 random(3);
+    const double oddCoordinates[] = {nan, infinity, -infinity, 1e308, -1e308};
+    const std::int32_t oddNodes[] = {0, -1, 1000000, 2147483647, -2147483647 - 1};
+    for (int round = 0; round < 200; ++round) {
+        Mesh mesh = makeMesh({round % 2 == 0, 4, 3, 1, 0.3, 0}, random());
+        const auto wild = random() % mesh.elementNodes.size();
+        mesh.elementNodes[wild] = oddNodes[random() % 5];
+        const auto odd = random() % (mesh.x.size() / 2);
+        (round % 4 < 2 ? mesh.x : mesh.y)[odd] = oddCoordinates[random() % 5];
+        FixedResGrid grid;
+        init(grid, mesh, 9, 5);
+        for (const auto [x, y] : places(grid, random)) {
+            const std::int32_t found = grid.findElement(x, y);
+            EXPECT_TRUE(found == 0 || grid.pointIn(found, x, y));
+        }
+        for (const std::int32_t element : oddNodes) EXPECT_FALSE(grid.pointIn(element, 1, 1));
+    }
+}
+
+TEST(FixedResolutionGrid, MeshesWithoutExtent) {
+    const std::vector<double> same{2, 2, 2}, rising{1, 2, 3};
+    const std::vector<std::int32_t> nodes{1, 2, 3, 1, 2, 3};
+    for (const auto& [x, y] : {std::pair{same, same}, {same, rising}, {rising, same}}) {
+        FixedResGrid grid;
+        grid.init(5, 5, 1, 6, x, y, nodes);
+        EXPECT_EQ(grid.findElement(2, 2), 1);
+        grid.init(5, 5, 0, 6, x, y, nodes);
+        EXPECT_EQ(grid.findElement(2, 2), 0);
+        EXPECT_FALSE(grid.empty());
+    }
+    FixedResGrid grid;
+    grid.init(5, 5, 0, 8, {}, {}, {});
+    EXPECT_EQ(grid.findElement(0, 0), 0);
+    grid.destroy();
+    EXPECT_TRUE(grid.empty());
+    EXPECT_EQ(grid.findElement(0, 0), 0);
+    for (const std::vector<double>& xs : {std::vector<double>{}, same}) {
+        std::array<double, 4> box{1, 2, 3, 4};
+        getBoundingBox(xs, {}, box);
+        EXPECT_EQ(box, (std::array<double, 4>{}));
+    }
+}
+
+TEST(FixedResolutionGrid, WhatItCannotDoEndsTheRun) {
+    FixedResGrid grid;
+    for (const auto& [nx, nodes, message] :
+         {std::tuple{10, 4, "Fixed resolution grid expects prism or block elements."},
+          {2147483647, 6, "Allocation failed: Fixed resolution grid work array"}}) {
+        testing::internal::CaptureStderr();
+        EXPECT_THROW(grid.init(nx, 10, 0, nodes, {}, {}, {}), error::RunEnded);
+        EXPECT_NE(testing::internal::GetCapturedStderr().find(message), std::string::npos);
+    }
+}
+
+} // namespace

@@ -1,0 +1,148 @@
+#include "tvncommon/units/units_conversion.hpp"
+
+#include "tests/support/runs.hpp"
+#include "tvncommon/diagnostics/error.hpp"
+#include "tvncommon/io/file_units.hpp"
+
+#include <array>
+#include <cmath>
+
+namespace {
+
+using namespace units;
+
+class Units : public testing::Test {
+protected:
+    void SetUp() override { reset(); }
+    void TearDown() override { reset(); }
+};
+
+TEST_F(Units, SystemsByHandle) {
+    for (std::int32_t h = 0; h < 10; ++h) {
+        UnitSystem system;
+        init(system, h);
+        EXPECT_EQ(handle(system), h);
+        EXPECT_TRUE(equalsComp(system, {h}) && notEqualsComp(system, {h + 1}));
+        setBaseUnits(h);
+        // What the name says must be what the labels show.
+        const std::string name = toString(system), length = getDerivedUnit("L");
+        EXPECT_EQ(length, name.starts_with("kilogram-centimeter-") ? "cm" : "m");
+        const std::string time = name.substr(name.rfind('-') + 1);
+        EXPECT_EQ(getDerivedUnit("T"), time == "minute" ? "min" : time.substr(0, 1)) << name;
+    }
+    EXPECT_EQ(toString(UnitSystem{3}), "kilogram-meter-day");
+    EXPECT_EQ(toString(UnitSystem{8}), "kilogram-centimeter-hour");
+}
+
+TEST_F(Units, UnknownSystemsEndTheRun) {
+    setBaseUnits(3);
+    for (const std::int32_t h : {-1, 10}) {
+        UnitSystem system{3};
+        testing::internal::CaptureStderr();
+        EXPECT_THROW(init(system, h), error::RunEnded);
+        EXPECT_THROW(toString(UnitSystem{h}), error::RunEnded);
+        EXPECT_THROW(setBaseUnits(h), error::RunEnded);
+        const std::string banners = testing::internal::GetCapturedStderr();
+        EXPECT_NE(banners.find("initialization failed: unknown unit system\n"), std::string::npos);
+        EXPECT_NE(banners.find("conversion to string failed: unknown unit system\n"),
+                  std::string::npos);
+        EXPECT_NE(banners.find("setBaseUnits: unknown unit system\n"), std::string::npos);
+        EXPECT_EQ(system.handle, 3);
+        EXPECT_EQ(parseUnits("T"), "(d)");
+    }
+}
+
+TEST_F(Units, Labels) {
+    const std::array<std::string_view, 3> labels[] = {
+        // expression, two systems
+        {"", "", ""},
+        {" 1 ", "(-)", "(-)"},
+        {"l*m*t", "(m kg s)", "(cm kg d)"},
+        {"N * L^ * K", "(mol m K)", "(mol cm K)"},
+        {"L^-1/3 * T", "(m^-1/3 s)", "(cm^-1/3 d)"},
+        {"Nc * L^-2\t* T^-1", "(Nc m^-2 s^-1)", "(Nc cm^-2 d^-1)"},
+        {"M ** L", "(kg m)", "(kg cm)"},
+        {"L^0.0 * T", "(s)", "(d)"},
+        {"L^1/2", "(m)", "(cm)"},
+        {"L^1.00000000001", "(m)", "(cm)"}, // no different from 1 in single precision
+        {"L^/2", "(m^/2)", "(cm^/2)"},
+        {"^2", "(^2)", "(^2)"},
+        {R"(\m * \L^2 * \Lx * \)", R"((m L^2 \Lx \))", R"((m L^2 \Lx \))"},
+        {R"(\x)", R"((\x))", R"((\x))"},
+        {"L/T", "(L/T)", "(L/T)"}};
+    for (const auto& [expression, meterSecond, centimeterDay] : labels) {
+        setBaseUnits(0);
+        EXPECT_EQ(parseUnits(expression), meterSecond) << expression;
+        setBaseUnits(7);
+        EXPECT_EQ(parseUnits(expression), centimeterDay) << expression;
+    }
+    setTempUnitsToC();
+    EXPECT_EQ(parseUnits("K^-1 * L"), "(deg C^-1 cm)");
+    setTempUnitsToK();
+    EXPECT_EQ(parseUnits("K"), "(K)");
+}
+
+TEST_F(Units, LabelsGrowByOneFactor) {
+    std::string label = "(kg";
+    parseUnitsAppend(label, "L^-3");
+    parseUnitsAppend(label, "T^0");
+    EXPECT_EQ(label, "(kg m^-3");
+}
+
+TEST_F(Units, ValuesFromSIToASystem) {
+    const SIUnits length{.length = 1}, time{.time = 1};
+    const SIUnits density = divide(SIUnits{.mass = 1}, power_int(length, 3));
+    const SIUnits manning = multiply(time, power_real_dr(length, -1.0 / 3));
+    EXPECT_EQ(std::pair(density.mass, density.length), std::pair(1.0, -3.0));
+    EXPECT_EQ(power_real(time, 0.1F).time, static_cast<double>(0.1F));
+    const std::array<double, 10> seconds{1, 60, 3600,  86400, 31536000,
+                                         1, 60, 86400, 3600,  31536000};
+    for (std::int32_t h = 0; h < 10; ++h) {
+        const double t = seconds[static_cast<std::size_t>(h)], l = h < 5 ? 1 : 100;
+        EXPECT_DOUBLE_EQ(conversionFactor({h}, density), 1 / (l * l * l));
+        EXPECT_DOUBLE_EQ(conversionFactor({h}, manning), 1 / std::cbrt(l) / t);
+        double value = 7;
+        convert({h}, value, divide(length, time));
+        EXPECT_DOUBLE_EQ(value, 7 * l * t);
+    }
+    EXPECT_EQ(conversionFactor({10}, time), 1);
+    EXPECT_EQ(conversionFactor({-1}, time), 1);
+}
+
+TEST_F(Units, SystemsInFiles) {
+    const sample_files::Folder folder;
+    for (const bool text : {false, true}) {
+        int unit = file_units::getUnit();
+        const int status = text ? io_layer::openTextReplace(unit, "file", io_layer::Flush::inBlocks)
+                                : io_layer::openRecordsReplace(unit, "file");
+        ASSERT_EQ(status, io_layer::ok);
+        serialize({7}, unit);
+        file_units::freeUnit(unit);
+        unit = text ? file_units::openTextRead("file") : file_units::openRecordsRead("file");
+        UnitSystem system;
+        deserialize(system, unit);
+        EXPECT_EQ(system.handle, 7);
+        file_units::freeUnit(unit);
+    }
+    EXPECT_EQ(sample_files::get("file"), " 7\n");
+    sample_files::put("file", "11\n");
+    UnitSystem system;
+    const int unit = file_units::openTextRead("file");
+    runs::expectEnd("INPUT",
+                    "UnitSystem: initialization failed: unknown unit system\nFile: file\n\n",
+                    [&] { deserialize(system, unit); });
+    const std::string message = "serialize failed: unassociated file unit\n";
+    runs::expectEnd("FATAL", "UnitSystem: " + message, [&] { serialize(system, 1200); });
+    runs::expectEnd("FATAL", "UnitSystem: de" + message, [&] { deserialize(system, 1200); });
+    io_layer::reset();
+}
+
+TEST_F(Units, ExponentsThatAreNoNumbersEndTheRun) {
+    for (const char* expression : {"L^x", "L^2^3", "L^1e99", "L^\xff", "L^\r"}) {
+        testing::internal::CaptureStderr();
+        EXPECT_THROW(parseUnits(expression), error::RunEnded) << expression;
+        EXPECT_NE(testing::internal::GetCapturedStderr().find("Error number: "), std::string::npos);
+    }
+}
+
+} // namespace

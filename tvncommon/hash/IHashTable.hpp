@@ -1,0 +1,33 @@
+#pragma once
+
+#include "tvncommon/hash/hash_chains.hpp"
+
+#include <cstdint>
+
+// Hash table from 32-bit integers to 32-bit integers; hash_chains tells what can be done with it.
+namespace IHashTable {
+
+struct Kind {
+    using Key = std::int32_t;
+    using View = std::int32_t;
+
+    static constexpr hash_chains::Names names{"IHashTable", "IHashIterator",
+                                              "IHashTable bucket array", "IHashTable node"};
+
+    // The key modulo the bucket count, and 1. It knows no bucket for a negative key.
+    static std::int64_t hash(std::int32_t bucketCount, View key) {
+        return std::int64_t{key % bucketCount} + 1;
+    }
+
+    struct Prepared {
+        View key;
+        explicit Prepared(View given) : key(given) {}
+    };
+    static bool same(Key a, View b) { return a == b; }
+    static void keep(View key, Key& own) { own = key; }
+};
+
+using Table = hash_chains::Table<Kind>;
+using namespace hash_chains; // its functions are those of this table
+
+} // namespace IHashTable

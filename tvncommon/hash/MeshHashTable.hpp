@@ -1,0 +1,45 @@
+#pragma once
+
+#include "tvncommon/hash/hash_chains.hpp"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+// Hash table from lists of node numbers, such as the faces and edges of a mesh, to 32-bit integers;
+// hash_chains tells what can be done with it. The same nodes in another order are the same key.
+namespace MeshHashTable {
+
+// Puts the nodes of a key in ascending order.
+void sortKey(std::span<std::int32_t> key);
+
+struct Kind {
+    using Key = std::vector<std::int32_t>;
+    using View = std::span<const std::int32_t>; // of a key in a table: sorted
+
+    static constexpr hash_chains::Names names{"MeshHashTable", "MeshHashIterator",
+                                              "MeshHashTable bucket array", "MeshHashTable node"};
+
+    // Mixes the nodes of a sorted key. It may know no bucket for keys of more than six nodes and
+    // for negative numbers.
+    static std::int64_t hash(std::int32_t bucketCount, View key);
+
+    // A sorted copy of a key.
+    struct Prepared {
+        std::array<std::int32_t, 16> few;
+        Key many; // in use for more nodes than fit
+        View key;
+        explicit Prepared(View given);
+        Prepared(const Prepared&) = delete;
+        Prepared& operator=(const Prepared&) = delete;
+    };
+    static bool same(const Key& a, View b);
+    static void keep(View key, Key& own);
+};
+
+using Table = hash_chains::Table<Kind>;
+using namespace hash_chains; // its functions are those of this table
+
+} // namespace MeshHashTable

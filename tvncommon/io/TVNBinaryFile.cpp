@@ -1,0 +1,164 @@
+#include "tvncommon/io/TVNBinaryFile.hpp"
+
+#include "tvncommon/diagnostics/error.hpp"
+#include "tvncommon/io/file_units.hpp"
+#include "tvncommon/io/io_layer.hpp"
+#include "tvncommon/text/StringHelpers.hpp"
+#include "tvncommon/text/free_form.hpp"
+
+#include <algorithm>
+#include <vector>
+
+namespace TVNBinaryFile {
+
+namespace {
+
+struct OpenFile {
+    int unit;
+    std::string header;
+};
+
+OpenFile openAndReadHeader(const std::string& filename, std::string* header = nullptr) {
+    OpenFile file{file_units::openRecordsRead(filename), std::string(headerLength, ' ')};
+    const int status = io_layer::readRecord(file.unit, file.header.data(), headerLength);
+    if (status != io_layer::ok)
+        error::input_error_stat(status, "Error reading header from file " + filename);
+    if (header) *header = file.header;
+    return file;
+}
+
+// One record of `bytes` bytes into `into`; `what` begins the message of a failure.
+void readValues(const OpenFile& file, void* into, std::int64_t bytes, const std::string& what,
+                const std::string& filename) {
+    const int status = io_layer::readRecord(file.unit, into, bytes);
+    if (status != io_layer::ok)
+        error::input_error_stat(status, "Error reading " + what + "values from file " + filename);
+}
+
+template<class T>
+void read_1d(const std::string& filename, std::int32_t n, T* array, std::string* header) {
+    const OpenFile file = openAndReadHeader(filename, header);
+    const std::int64_t bytes = std::max(n, 0) * static_cast<std::int64_t>(sizeof(T));
+    readValues(file, array, bytes, "", filename);
+    file_units::freeUnit(file.unit);
+}
+
+template<class T>
+void readNodeByNode(const OpenFile& file, std::int32_t n, int components, T* const* arrays,
+                    const std::string& filename) {
+    std::vector<T> values(static_cast<std::size_t>(std::max(components, 0)));
+    const auto bytes = static_cast<std::int64_t>(sizeof(T) * values.size());
+    for (std::int32_t i = 0; i < n; ++i) {
+        readValues(file, values.data(), bytes, "", filename);
+        for (int c = 0; c < components; ++c) arrays[c][i] = values[static_cast<std::size_t>(c)];
+    }
+}
+
+template<class T>
+void readComponents(const std::string& filename, std::int32_t n, int components, T* const* arrays,
+                    std::string* header) {
+    const OpenFile file = openAndReadHeader(filename, header);
+    if (isNewerFileFormat(file.header)) {
+        const std::int64_t bytes = std::max(n, 0) * static_cast<std::int64_t>(sizeof(T));
+        for (int c = 0; c < components; ++c)
+            readValues(file, arrays[c], bytes, "component " + std::to_string(c + 1) + " ",
+                       filename);
+    } else {
+        readNodeByNode(file, n, components, arrays, filename);
+    }
+    file_units::freeUnit(file.unit);
+}
+
+std::string inFile(const std::string& filename) {
+    return "\nFile: " + filename;
+}
+
+// The number in `length` characters of the header from the 0-based `offset` on.
+std::int32_t headerNumber(std::string_view header, std::size_t offset, std::size_t length,
+                          const std::string& what, const std::string& filename) {
+    const std::string_view text = header.substr(offset, length);
+    std::int32_t value = 0;
+    const int status = free_form::readInteger(text, value);
+    if (status != io_layer::ok)
+        error::fatalErrorStat(status, "Failed to parse " + what +
+                                          " from binary file header. String: \"" +
+                                          std::string(text) + "\"" + inFile(filename));
+    return value;
+}
+
+std::string trimmedPart(std::string_view header, std::size_t offset, std::size_t length) {
+    return std::string(StringHelpers::trimRight(header.substr(offset, length)));
+}
+
+} // namespace
+
+std::string readTVNBinFileHeader(const std::string& filename) {
+    OpenFile file = openAndReadHeader(filename);
+    file_units::freeUnit(file.unit);
+    return std::move(file.header);
+}
+
+bool isNewerFileFormat(std::string_view header) {
+    return header.size() >= magicOffset + magicText.size() &&
+           header.substr(magicOffset, magicText.size()) == magicText;
+}
+
+BinaryHeader parseTVNBinFileHeader(std::string_view header, const std::string& filename) {
+    BinaryHeader parsed;
+    if (header.size() < headerLength)
+        error::fatalError("Binary file header is too short. Expected at least " +
+                          std::to_string(headerLength) + " characters but found only " +
+                          std::to_string(header.size()) + "." + inFile(filename));
+    const std::size_t begin = StringHelpers::findFirstNotOf(header, " ");
+    if (begin >= magicOffset || StringHelpers::trimRight(header).empty())
+        error::fatalError("Invalid binary file header format. Timestamp missing or malformed." +
+                          inFile(filename));
+    const std::size_t blank =
+        StringHelpers::findFirstOf(header, " ", static_cast<std::int64_t>(begin));
+    if (blank >= magicOffset)
+        error::fatalError("Invalid binary file header format. Timestamp not terminated by space." +
+                          inFile(filename));
+    parsed.timestamp = std::string(header.substr(0, blank - 1));
+    parsed.message = trimmedPart(header, blank, magicOffset - blank);
+    parsed.magic = trimmedPart(header, magicOffset, magicText.size());
+    parsed.isOldFormat = parsed.magic != magicText;
+    if (parsed.isOldFormat) return parsed;
+
+    parsed.formatVersion = headerNumber(header, 60, 3, "file version number", filename);
+    parsed.byteOrder = trimmedPart(header, 63, 2);
+    parsed.dataType = trimmedPart(header, 65, 3);
+    parsed.numComponents = headerNumber(header, 68, 2, "number of components", filename);
+    if (parsed.numComponents < 1)
+        error::fatalError("Invalid number of components in binary file header: " +
+                          std::to_string(parsed.numComponents) + inFile(filename));
+    parsed.numValues = headerNumber(header, 70, 10, "number of values", filename);
+    if (parsed.numValues <= 0)
+        error::fatalError("Invalid number of values in binary file header: " +
+                          std::to_string(parsed.numValues) + inFile(filename));
+    return parsed;
+}
+
+void read_i4_1d(const std::string& filename, std::int32_t n, std::int32_t* array,
+                std::string* header) {
+    read_1d(filename, n, array, header);
+}
+
+void read_r4_1d(const std::string& filename, std::int32_t n, float* array, std::string* header) {
+    read_1d(filename, n, array, header);
+}
+
+void read_r8_1d(const std::string& filename, std::int32_t n, double* array, std::string* header) {
+    read_1d(filename, n, array, header);
+}
+
+void read_r4_components(const std::string& filename, std::int32_t n, int components,
+                        float* const* arrays, std::string* header) {
+    readComponents(filename, n, components, arrays, header);
+}
+
+void read_r8_components(const std::string& filename, std::int32_t n, int components,
+                        double* const* arrays, std::string* header) {
+    readComponents(filename, n, components, arrays, header);
+}
+
+} // namespace TVNBinaryFile

@@ -1,0 +1,175 @@
+#include "tvncommon/io/system_calls.hpp"
+
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <ctime>
+#include <fcntl.h>
+#include <limits>
+#include <malloc.h>
+#include <sys/file.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace system_calls {
+
+namespace {
+
+int accessOf(OpenMode mode) {
+    switch (mode) {
+    case OpenMode::replace:
+        return O_WRONLY | O_CREAT | O_TRUNC;
+    case OpenMode::write:
+        return O_WRONLY | O_CREAT;
+    case OpenMode::existing:
+        return O_WRONLY;
+    case OpenMode::update:
+        return O_RDWR | O_CREAT;
+    case OpenMode::create:
+        return O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW;
+    default:
+        return O_RDONLY;
+    }
+}
+
+int openFile(const char* path, OpenMode mode) {
+    // Without O_NONBLOCK the open of a pipe that nobody holds at the other end would never return.
+    const int access = accessOf(mode);
+    const int descriptor = ::open(path, access | O_CLOEXEC | O_NONBLOCK, 0666);
+    if (descriptor >= 0) ::fcntl(descriptor, F_SETFL, 0);
+    return descriptor;
+}
+
+std::int64_t seekFile(int descriptor, std::int64_t position) {
+    return ::lseek(descriptor, static_cast<off_t>(position), SEEK_SET);
+}
+
+int takeFacts(int result, const struct stat& buffer, FileFacts& facts) {
+    if (result != 0) return result;
+    facts.size = buffer.st_size;
+    facts.kind = S_ISREG(buffer.st_mode)   ? FileKind::regular
+                 : S_ISDIR(buffer.st_mode) ? FileKind::folder
+                                           : FileKind::other;
+    facts.permissions = buffer.st_mode & 0777U;
+    facts.device = buffer.st_dev;
+    facts.number = buffer.st_ino;
+    return 0;
+}
+
+int factsOf(int descriptor, FileFacts& facts) {
+    struct stat buffer {};
+    return takeFacts(::fstat(descriptor, &buffer), buffer, facts);
+}
+
+int factsOfName(const char* path, FileFacts& facts) {
+    struct stat buffer {};
+    return takeFacts(::stat(path, &buffer), buffer, facts);
+}
+
+int existsFile(const char* path) {
+    struct stat buffer {};
+    return ::stat(path, &buffer);
+}
+
+std::ptrdiff_t readAt(int descriptor, void* into, std::size_t size, std::int64_t position) {
+    return ::pread(descriptor, into, size, static_cast<off_t>(position));
+}
+
+std::ptrdiff_t writeAt(int descriptor, const void* from, std::size_t size, std::int64_t position) {
+    return ::pwrite(descriptor, from, size, static_cast<off_t>(position));
+}
+
+int truncateFile(int descriptor, std::int64_t size) {
+    return ::ftruncate(descriptor, static_cast<off_t>(size));
+}
+
+int reserveRoom(int descriptor, std::int64_t position, std::int64_t size) {
+    const int result = ::fallocate(descriptor, FALLOC_FL_KEEP_SIZE, static_cast<off_t>(position),
+                                   static_cast<off_t>(size));
+    const bool missing = result != 0 && (errno == EOPNOTSUPP || errno == ENOSYS);
+    return missing ? 0 : result;
+}
+
+int setPermissionsOf(int descriptor, unsigned permissions) {
+    return ::fchmod(descriptor, permissions);
+}
+
+int lockFile(int descriptor, bool wait) {
+    return ::flock(descriptor, wait ? LOCK_EX : LOCK_EX | LOCK_NB);
+}
+
+// A page fault for every 4096 bytes of a large array would cost more than reading the values.
+void* allocate(std::size_t size) {
+    if (size < largePage) return std::malloc(size > 0 ? size : 1);
+    if (size > std::numeric_limits<std::size_t>::max() - largePage) return nullptr;
+    const std::size_t whole = (size + largePage - 1) / largePage * largePage;
+    void* memory = std::aligned_alloc(largePage, whole);
+    if (memory) ::madvise(memory, whole, MADV_HUGEPAGE); // the system may refuse
+    return memory;
+}
+
+} // namespace
+
+namespace {
+
+constexpr Table realCalls{openFile,         ::read,      ::write,    seekFile, ::close,
+                          factsOf,          existsFile,  readAt,     writeAt,  truncateFile,
+                          reserveRoom,      ::fdatasync, lockFile,   ::rename, ::unlink,
+                          setPermissionsOf, factsOfName, ::readlink, allocate};
+
+// More than any chain of calls of a run takes.
+constexpr std::size_t stackBytes = 262144;
+
+[[gnu::noinline]] void touchStack() {
+    char block[stackBytes];
+    volatile char* bytes = block;
+    for (std::size_t at = stackBytes; at > 0; at -= 4096) bytes[at - 1] = 0;
+}
+
+// The stack grows when it is used, and a process whose limit is reached by then is killed. So it
+// grows at once, if the limit permits it.
+bool reserveStack() {
+    void* probe =
+        ::mmap(nullptr, stackBytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (probe == MAP_FAILED) return false;
+    ::munmap(probe, stackBytes);
+    touchStack();
+    return true;
+}
+
+} // namespace
+
+// Set by the compiler: memory is taken before the first constructor runs.
+constinit Table table = realCalls;
+
+Table systemTable() {
+    return realCalls;
+}
+
+bool prepareProcess() {
+    std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
+    // Writes to a screen that was closed go on to fail; banners that nobody sees do not matter.
+    for (int stream = 0; stream <= 2; ++stream)
+        if (::fcntl(stream, F_GETFD) < 0) ::open("/dev/null", stream == 2 ? O_WRONLY : O_RDONLY);
+    ::mallopt(M_MMAP_MAX, 0);
+    ::mallopt(M_TRIM_THRESHOLD, std::numeric_limits<int>::max());
+    return reserveStack();
+}
+
+LocalTime localTime() {
+    const std::time_t now = std::time(nullptr);
+    std::tm t{};
+    ::tzset();
+    ::localtime_r(&now, &t);
+    return {t.tm_year + 1900,
+            t.tm_mon + 1,
+            t.tm_mday,
+            t.tm_hour,
+            t.tm_min,
+            t.tm_sec,
+            static_cast<int>(t.tm_gmtoff / 60)};
+}
+
+} // namespace system_calls

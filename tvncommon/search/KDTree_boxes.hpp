@@ -1,0 +1,56 @@
+#pragma once
+
+#include "tvncommon/search/KDTree.hpp"
+
+#include <algorithm>
+
+// Geometry of the boxes of a tree. What is no number lies in no box, and a box with a bound that is
+// none meets every other and is held by none.
+namespace KDTree {
+
+// The dimension in which the box is widest, the first among equals; a box without extent takes its
+// turn with the depth.
+template<std::size_t D>
+std::int32_t splitOnWidest(const Box<D>& box, std::int32_t depth) {
+    std::int32_t widest = 0;
+    double extent = 0;
+    for (std::size_t d = 0; d < D; ++d) {
+        if (!(box.upper[d] - box.lower[d] > extent)) continue;
+        extent = box.upper[d] - box.lower[d];
+        widest = static_cast<std::int32_t>(d) + 1;
+    }
+    return widest > 0 ? widest : depth % static_cast<std::int32_t>(D) + 1;
+}
+
+// Square of the distance from a place to the nearest one of a box. Computed as that to a point is,
+// so that rounding cannot put a point of the box nearer.
+template<std::size_t D>
+double boxDist2(const Box<D>& box, const Point<D>& at) {
+    double sum = 0;
+    for (std::size_t d = 0; d < D; ++d) {
+        const double gap = std::max({0.0, box.lower[d] - at[d], at[d] - box.upper[d]});
+        sum += gap * gap;
+    }
+    return sum;
+}
+
+template<std::size_t D>
+bool containsBoundingBox(const Box<D>& outer, const Box<D>& inner) {
+    for (std::size_t d = 0; d < D; ++d)
+        if (!(outer.lower[d] <= inner.lower[d] && inner.upper[d] <= outer.upper[d])) return false;
+    return true;
+}
+
+template<std::size_t D>
+bool intersectsBoundingBox(const Box<D>& a, const Box<D>& b) {
+    for (std::size_t d = 0; d < D; ++d)
+        if (a.upper[d] < b.lower[d] || b.upper[d] < a.lower[d]) return false;
+    return true;
+}
+
+template<std::size_t D>
+bool pointInBoundingBox(const Box<D>& box, const Point<D>& at) {
+    return containsBoundingBox(box, Box<D>{at, at});
+}
+
+} // namespace KDTree
