@@ -4,7 +4,7 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
 
 tools/install_packages.sh
-tools/build.sh build --target meshrake --target make_problem -DMESHRAKE_TESTS=OFF
+tools/build.sh release --target meshrake --target make_problem -DMESHRAKE_TESTS=OFF
 
 # A control file or results of another day would change what the demo shows.
 problem=demo-problem

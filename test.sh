@@ -1,24 +1,24 @@
 #!/usr/bin/env bash
-# Builds meshrake with its tests and runs them; shows what fails and the sum.
+# Builds meshrake with its tests and runs them; shows the tests that fail and the totals.
 #
-#   ./test.sh [FOLDER] [-DNAME=VALUE]...
+#   ./test.sh [PRESET] [-DNAME=VALUE]...
 #
-# FOLDER is the build folder, "build" unless named; -D goes to CMake.
+# PRESET is one of CMakePresets.json that has tests, "release" by default; -D is passed to CMake.
 set -euo pipefail
-root=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+cd "$(dirname "${BASH_SOURCE[0]}")"
 
-folder=$root/build
+preset=release
 if [[ $# -gt 0 && $1 != -* ]]; then
-    folder=$(realpath -m "$1")
+    preset=$1
     shift
 fi
 
-"$root/tools/install_packages.sh" tests
-"$root/tools/build.sh" "$folder" -DMESHRAKE_TESTS=ON "$@"
+tools/install_packages.sh tests
+tools/build.sh "$preset" "$@"
 
-log=$folder/test.log
-if ! ctest --test-dir "$folder" --output-on-failure --no-tests=error --parallel "$(nproc)" \
-    >"$log" 2>&1; then
+log=$(mktemp)
+trap 'rm -f "$log"' EXIT
+if ! ctest --preset "$preset" --parallel "$(nproc)" >"$log" 2>&1; then
     grep -vE '^ +Start +[0-9]+: | \.+ +Passed ' "$log" >&2
     exit 1
 fi

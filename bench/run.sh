@@ -10,7 +10,7 @@ source "$root/bench/table.sh"
 
 build=$root/build-bench
 "$root/tools/install_packages.sh" bench
-"$root/tools/build.sh" "$build" -DMESHRAKE_BENCH=ON -DMESHRAKE_TESTS=OFF
+"$root/tools/build.sh" bench
 
 results=$(mktemp)
 trap 'rm -f "$results"' EXIT

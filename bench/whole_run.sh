@@ -6,7 +6,7 @@
 #
 #   bench/whole_run.sh [BUILD_FOLDER]
 #
-# The build folder needs -DMESHRAKE_BENCH=ON; without one, build-bench is built.
+# The build folder needs -DMESHRAKE_BENCH=ON; the preset "bench" is built by default.
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 # shellcheck source=bench/table.sh
@@ -16,7 +16,7 @@ build=${1:-}
 if [ -z "$build" ]; then
     build=$root/build-bench
     "$root/tools/install_packages.sh" bench
-    "$root/tools/build.sh" "$build" -DMESHRAKE_BENCH=ON -DMESHRAKE_TESTS=OFF
+    "$root/tools/build.sh" bench
 fi
 build=$(realpath "$build")
 

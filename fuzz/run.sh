@@ -21,8 +21,7 @@ shift
 if [ $# -gt 0 ]; then targets=("$@"); else mapfile -t targets < <(ls "$root/fuzz/corpus"); fi
 
 "$root/tools/install_packages.sh" fuzz
-CC=clang CXX=clang++ "$root/tools/build.sh" "$build" -DMESHRAKE_FUZZ=ON -DMESHRAKE_TESTS=OFF \
-    -DCMAKE_BUILD_TYPE=RelWithDebInfo
+"$root/tools/build.sh" fuzz
 
 # Words of the control file, from a template that has all instructions, and names of files.
 make_dictionaries() {

@@ -1,14 +1,17 @@
 #!/usr/bin/env bash
-# Configures and builds, without a word while all goes well.
+# Configures and builds a preset of CMakePresets.json, without output while all goes well.
 #
-#   tools/build.sh FOLDER [-DNAME=VALUE | --target NAME]...
+#   tools/build.sh PRESET [--folder FOLDER] [-DNAME=VALUE | --target NAME]...
+#
+# FOLDER replaces the build folder of the preset.
 set -euo pipefail
-root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
-folder=$1
+preset=$1
 shift
 settings=()
 build=(--parallel "$(nproc)")
+folder=
 while [ $# -gt 0 ]; do
     case $1 in
     -D*) settings+=("$1") ;;
@@ -16,22 +19,25 @@ while [ $# -gt 0 ]; do
         build+=(--target "$2")
         shift
         ;;
+    --folder)
+        folder=$2
+        settings+=(-B "$2")
+        shift
+        ;;
     *)
-        echo "build.sh: what is \"$1\"?" >&2
+        echo "build.sh: unknown argument \"$1\"" >&2
         exit 2
         ;;
     esac
     shift
 done
+if [ -n "$folder" ]; then where=("$folder"); else where=(--preset "$preset"); fi
 
-# A folder that is configured keeps its generator.
-if [ ! -e "$folder/CMakeCache.txt" ] && command -v ninja >/dev/null; then settings+=(-G Ninja); fi
-
-mkdir -p "$folder"
-log=$folder/build.log
-if ! { cmake -S "$root" -B "$folder" "${settings[@]}" && cmake --build "$folder" "${build[@]}"; } \
+log=$(mktemp)
+trap 'rm -f "$log"' EXIT
+if ! { cmake --preset "$preset" "${settings[@]}" && cmake --build "${where[@]}" "${build[@]}"; } \
     >"$log" 2>&1; then
     cat "$log" >&2
-    echo "The build failed; the text above is also in $log." >&2
+    echo "The build of the preset \"$preset\" failed." >&2
     exit 1
 fi

@@ -27,10 +27,9 @@ if [ -z "$reuse" ]; then
     # Counters of an earlier run would add up.
     if [ -d "$folder" ]; then find "$folder" -name '*.gcda' -delete; fi
     tools/install_packages.sh tests
-    CXX=g++ tools/build.sh "$folder" -DMESHRAKE_TESTS=ON -DCMAKE_BUILD_TYPE=Debug \
-        -DCMAKE_CXX_FLAGS='--coverage -O0'
+    tools/build.sh coverage
     # The limits of one test are those of a program without counters.
-    if ! ctest --test-dir "$folder" --output-on-failure --no-tests=error --parallel "$(nproc)" \
+    if ! ctest --preset coverage --parallel "$(nproc)" \
         --exclude-regex '^Memory.LimitsOfTheSystem$' >"$folder/test.log" 2>&1; then
         grep -vE '^ +Start +[0-9]+: | \.+ +Passed ' "$folder/test.log" >&2
         exit 1
@@ -56,7 +55,7 @@ for counters in pathlib.Path(build).rglob("*.gcda"):
     measured = json.loads(text)
     for file in measured["files"]:
         path = os.path.join(measured["current_working_directory"], file["file"])
-        name = os.path.relpath(path, root)
+        name = os.path.relpath(os.path.realpath(path), root)
         if not name.startswith(tuple(folder + "/" for folder in FOLDERS)):
             continue
         for line in file["lines"]:

@@ -18,7 +18,7 @@ has_libfuzzer() {
 
 missing_packages() {
     has_command cmake || echo cmake
-    has_command ninja || has_command make || echo ninja-build
+    has_command ninja || echo ninja-build
     has_command c++ || echo g++
     for group in "$@"; do
         case $group in

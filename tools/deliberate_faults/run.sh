@@ -17,11 +17,11 @@ build=$folder/build
 mkdir -p "$source"
 
 build() {
-    local settings=(-DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_FLAGS_RELEASE=-O1 -DMESHRAKE_TESTS=ON)
+    local settings=()
     if command -v ccache >/dev/null; then
         settings+=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
     fi
-    "$source/tools/build.sh" "$build" "${settings[@]}" 2>"$folder/build.log"
+    "$source/tools/build.sh" faults --folder "$build" "${settings[@]}" 2>"$folder/build.log"
 }
 
 run_ctest() {
