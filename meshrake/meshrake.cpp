@@ -69,8 +69,8 @@ void writeProducts(Domains& domains) {
         compare_heads_output(domains.olf);
     }
     if (run.bcLocationOutput) paraview::addition_paraview_bclocationout();
-    if (run.plotIsopach) mesh_shaping::plot_pmzone_isopach_structure(domains.olf, domains.pm);
-    if (run.plotDepthBelowSurface) mesh_shaping::plot_pmdepth_grndsurf(domains.olf, domains.pm);
+    if (run.plotIsopach) surface_plots::plot_pmzone_isopach_structure(domains.olf, domains.pm);
+    if (run.plotDepthBelowSurface) surface_plots::plot_pmdepth_grndsurf(domains.olf, domains.pm);
 }
 
 void runMeshrake(int argc, const char* const* argv, bool legacyVtk) {

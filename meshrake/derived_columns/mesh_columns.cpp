@@ -5,7 +5,7 @@
 #include "tvncommon/diagnostics/ArrayHelpers.hpp"
 #include "tvncommon/diagnostics/error.hpp"
 
-namespace mesh_shaping {
+namespace derived_columns {
 
 using model::run;
 using plot_data::Packing;
@@ -166,4 +166,4 @@ void apertureWrite(Domain& domain, const VariableRow& row, OutputVar& var) {
                                       domain);
 }
 
-} // namespace mesh_shaping
+} // namespace derived_columns

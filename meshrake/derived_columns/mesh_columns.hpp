@@ -5,7 +5,7 @@
 // Columns that no result file holds: they follow from the layered mesh of pm, whose nodes are
 // numbered sheet by sheet from the bottom up and whose elements layer by layer. A division by zero
 // for want of sheets or layers ends the run.
-namespace mesh_shaping {
+namespace derived_columns {
 
 using model::Domain;
 using model::OutputVar;
@@ -36,4 +36,4 @@ void depth2SurfInit(Domain& domain, const VariableRow& row, OutputVar& var);
 // Aperture of the fracture elements, from the element list.
 void apertureWrite(Domain& domain, const VariableRow& row, OutputVar& var);
 
-} // namespace mesh_shaping
+} // namespace derived_columns

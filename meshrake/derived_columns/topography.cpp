@@ -4,7 +4,7 @@
 #include "tvncommon/io/file_units.hpp"
 #include "tvncommon/io/io_layer.hpp"
 
-namespace mesh_shaping {
+namespace derived_columns {
 
 using model::run;
 
@@ -86,4 +86,4 @@ void tvTopoZoneInit(Domain& domain, const VariableRow& row, OutputVar& var) {
     plot_data::readColumns(domain, var.columns, name);
 }
 
-} // namespace mesh_shaping
+} // namespace derived_columns

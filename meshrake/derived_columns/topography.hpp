@@ -5,7 +5,7 @@
 // A ground surface that moves: node elevations and, in pm, element zones for each output time. The
 // presence of the first output time's file decides for the run; a later time without one keeps the
 // old elevations and shares the columns.
-namespace mesh_shaping {
+namespace derived_columns {
 
 using model::Domain;
 using model::OutputVar;
@@ -26,4 +26,4 @@ void tvTopoRead(Domain& domain, const VariableRow& row, OutputVar& var);
 // Element zones that move with the ground.
 void tvTopoZoneInit(Domain& domain, const VariableRow& row, OutputVar& var);
 
-} // namespace mesh_shaping
+} // namespace derived_columns

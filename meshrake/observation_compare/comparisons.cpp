@@ -197,7 +197,7 @@ void compare_gwtable_elevation_output(const Domain& domain) {
     texts.observed = "Observed GWT elevation";
     texts.simulated = "Simulated GWT elevation";
     texts.scatterTitle = "TITLE = \"Observed vs simulated heads scatter plot\"";
-    compareColumns(domain, texts, &mesh_shaping::elevation(domain));
+    compareColumns(domain, texts, &derived_columns::elevation(domain));
 }
 
 void compare_deth2gwtable_output(const Domain& domain) {

@@ -24,10 +24,10 @@ void writeForParaview(Domain& domain) {
 void init(Domain& domain, const Domain& pm) {
     if (!domain.exists) return;
     if (domain.writeDomain.enabled && !model::hasOwnNodes(domain)) {
-        mesh_shaping::commonTruncate(domain, pm);
+        truncation::commonTruncate(domain, pm);
         variables::initCommonTecplot(domain);
     } else if (domain.writeDomain.enabled || model::isOnlyLent(domain)) {
-        mesh_shaping::multiTruncate(domain, pm);
+        truncation::multiTruncate(domain, pm);
         variables::initMultiTecplot(domain);
         writeForParaview(domain);
     }

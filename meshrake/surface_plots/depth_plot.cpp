@@ -11,7 +11,7 @@
 #include "tvncommon/diagnostics/ArrayHelpers.hpp"
 #include "tvncommon/diagnostics/error.hpp"
 
-namespace mesh_shaping {
+namespace surface_plots {
 
 using model::Domain;
 using model::run;
@@ -28,7 +28,7 @@ const std::vector<double>& depthOf(const Domain& olf, const Domain& pm,
     if (var && var->firstExists) return var->columns[0].real8;
     ArrayHelpers::allocateArray(computed, pm.nodeCount, "Depth to surface array");
     const auto sheetNodes = static_cast<std::size_t>(olf.nodeCount);
-    computeDepthBelowTop(pm, sheetNodes, computed.size() / sheetNodes, computed);
+    derived_columns::computeDepthBelowTop(pm, sheetNodes, computed.size() / sheetNodes, computed);
     return computed;
 }
 
@@ -65,4 +65,4 @@ void plot_pmdepth_grndsurf(const Domain& olf, Domain& pm) {
     plot_data::tecplotFileClose(pm);
 }
 
-} // namespace mesh_shaping
+} // namespace surface_plots

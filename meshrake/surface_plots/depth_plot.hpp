@@ -2,7 +2,7 @@
 
 #include "meshrake/model/domain.hpp"
 
-namespace mesh_shaping {
+namespace surface_plots {
 
 // Writes <prefix>o.pm_DepthToSurf: the depth of each node of pm below the top of its column, whose
 // nodes lie as many numbers apart as olf has nodes. The record of pm is reused for the data set; a
@@ -10,4 +10,4 @@ namespace mesh_shaping {
 // more nodes than pm, ends the run before anything is written.
 void plot_pmdepth_grndsurf(const model::Domain& olf, model::Domain& pm);
 
-} // namespace mesh_shaping
+} // namespace surface_plots

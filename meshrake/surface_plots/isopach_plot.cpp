@@ -14,7 +14,7 @@
 #include <algorithm>
 #include <limits>
 
-namespace mesh_shaping {
+namespace surface_plots {
 
 using model::Domain;
 using model::run;
@@ -198,4 +198,4 @@ void plot_pmzone_isopach_structure(Domain& olf, const Domain& pm) {
     plot_data::tecplotFileClose(olf);
 }
 
-} // namespace mesh_shaping
+} // namespace surface_plots

@@ -7,7 +7,7 @@
 
 // The plots at the end of a run reuse the record of a domain for a data set of their own.
 // Truncation comes first where the run did not write the domain.
-namespace mesh_shaping {
+namespace surface_plots {
 
 // Thickness and top of one zone of pm elements over the surface, length unit.
 struct Isopach {
@@ -25,4 +25,4 @@ void compute_isopach_structure(std::int32_t zone, const model::Domain& olf, cons
 // the run before anything is written.
 void plot_pmzone_isopach_structure(model::Domain& olf, const model::Domain& pm);
 
-} // namespace mesh_shaping
+} // namespace surface_plots

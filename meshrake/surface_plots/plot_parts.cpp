@@ -7,7 +7,7 @@
 #include "meshrake/truncation/multi_truncation.hpp"
 #include "tvncommon/diagnostics/error.hpp"
 
-namespace mesh_shaping {
+namespace surface_plots {
 
 using model::Domain;
 using model::run;
@@ -25,9 +25,9 @@ void checkSurface(const Domain& olf, std::string_view plot) {
 void truncateForPlot(Domain& domain, const Domain& pm) {
     if (!domain.nodeIncluded.empty()) return;
     if (model::hasOwnNodes(domain))
-        multiTruncate(domain, pm);
+        truncation::multiTruncate(domain, pm);
     else
-        commonTruncate(domain, pm);
+        truncation::commonTruncate(domain, pm);
 }
 
 std::string announcePlot(std::string_view plot, std::string_view file) {
@@ -46,4 +46,4 @@ std::int32_t declareLength(std::string_view name, Domain& domain) {
     return number;
 }
 
-} // namespace mesh_shaping
+} // namespace surface_plots

@@ -6,7 +6,7 @@
 #include <string_view>
 
 // What the plots at the end of a run have in common.
-namespace mesh_shaping {
+namespace surface_plots {
 
 // Ends the run for a surface without nodes or elements, by which the plots divide.
 void checkSurface(const model::Domain& olf, std::string_view plot);
@@ -21,4 +21,4 @@ std::string announcePlot(std::string_view plot, std::string_view file);
 // Declares a variable of 64-bit reals in the length unit and returns its number.
 std::int32_t declareLength(std::string_view name, model::Domain& domain);
 
-} // namespace mesh_shaping
+} // namespace surface_plots

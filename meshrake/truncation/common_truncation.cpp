@@ -7,7 +7,7 @@
 
 #include <algorithm>
 
-namespace mesh_shaping {
+namespace truncation {
 
 using model::Domain;
 using model::run;
@@ -68,7 +68,7 @@ void keepPart(Domain& domain, const Domain& pm) {
     const std::int32_t linkBase = linkBaseOf(domain);
     const std::int32_t layerElements = layerSize(domain, pm.elementCount);
     for (std::size_t e = 0; e < domain.elementIncluded.size(); ++e) {
-        if (!isWanted(domain, centroid(domain, pm, e), e, layerElements)) continue;
+        if (!isInsideTruncation(domain, centroid(domain, pm, e), e, layerElements)) continue;
         domain.elementIncluded[e] = 1;
         forEachNode(domain, e, [&](std::int32_t pmNode) {
             includeNode(domain, pmNode);
@@ -100,4 +100,4 @@ void commonTruncate(Domain& domain, const Domain& pm) {
     domain.truncateEnabled = true;
 }
 
-} // namespace mesh_shaping
+} // namespace truncation

@@ -6,7 +6,7 @@
 
 #include <algorithm>
 
-namespace mesh_shaping {
+namespace truncation {
 
 using model::Domain;
 using model::run;
@@ -56,7 +56,8 @@ void keepPart(Domain& domain, const Domain& pm) {
     const std::int32_t layerElements = layerSize(domain, domain.elementCount);
     const auto elements = static_cast<std::size_t>(domain.elementCount);
     for (std::size_t e = 0; e < elements; ++e) {
-        domain.elementIncluded[e] = isWanted(domain, centroid(domain, pm, e), e, layerElements);
+        domain.elementIncluded[e] =
+            isInsideTruncation(domain, centroid(domain, pm, e), e, layerElements);
         if (domain.elementIncluded[e]) includeNodes(domain, e);
     }
 }
@@ -91,4 +92,4 @@ void multiTruncate(Domain& domain, const Domain& pm) {
     domain.truncateEnabled = !wholeMesh;
 }
 
-} // namespace mesh_shaping
+} // namespace truncation

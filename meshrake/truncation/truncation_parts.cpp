@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace mesh_shaping {
+namespace truncation {
 
 using model::Domain;
 using model::run;
@@ -45,8 +45,8 @@ std::int32_t layerSize(const Domain& domain, std::int32_t elementCount) {
     return n;
 }
 
-bool isWanted(const Domain& domain, const Point& centroid, std::size_t element,
-              std::int32_t layerElements) {
+bool isInsideTruncation(const Domain& domain, const Point& centroid, std::size_t element,
+                        std::int32_t layerElements) {
     const double* bounds = domain.truncateBounds.data();
     if (!within(centroid.x, bounds) || !within(centroid.y, bounds + 2)) return false;
     if (domain.truncateEnabled) return within(centroid.z, bounds + 4);
@@ -69,4 +69,4 @@ void reportTruncation(const Domain& domain, bool wholeMesh) {
                                   : elements + "/" + std::to_string(domain.elementCount));
 }
 
-} // namespace mesh_shaping
+} // namespace truncation

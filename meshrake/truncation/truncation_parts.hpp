@@ -3,7 +3,7 @@
 #include "meshrake/model/domain.hpp"
 
 // What the truncations of both coupling schemes have in common.
-namespace mesh_shaping {
+namespace truncation {
 
 struct Point {
     double x = 0, y = 0, z = 0;
@@ -18,12 +18,12 @@ std::int32_t layerSize(const model::Domain& domain, std::int32_t elementCount);
 
 // The control file's wish: all three ranges, or the ranges in plan and the layers. A centroid that
 // is no number is outside.
-bool isWanted(const model::Domain& domain, const Point& centroid, std::size_t element,
-              std::int32_t layerElements);
+bool isInsideTruncation(const model::Domain& domain, const Point& centroid, std::size_t element,
+                        std::int32_t layerElements);
 
 std::int32_t countIncluded(const std::vector<std::uint8_t>& included);
 
 // Shows the size of the output mesh on screen and echo file.
 void reportTruncation(const model::Domain& domain, bool wholeMesh);
 
-} // namespace mesh_shaping
+} // namespace truncation

@@ -29,7 +29,7 @@ bool hasPressureHead(const Domain& domain) {
 // The logarithm goes by the elevations of the mesh also where the ground has moved since.
 void computeWaterDepth(const Domain& domain, OutputVar& var) {
     const std::vector<double>& head = var.columns[0].real8;
-    const std::vector<double>& ground = mesh_shaping::elevation(domain);
+    const std::vector<double>& ground = derived_columns::elevation(domain);
     std::vector<float>& depth = var.columns[1].real4;
     std::vector<float>& logDepth = var.columns[2].real4;
     for (std::size_t i = 0; i < head.size(); ++i) {
@@ -42,7 +42,7 @@ void computeWaterDepth(const Domain& domain, OutputVar& var) {
 
 void computePressureHead(const Domain& domain, OutputVar& var) {
     const std::vector<double>& head = var.columns[0].real8;
-    const std::vector<double>& ground = mesh_shaping::elevation(domain);
+    const std::vector<double>& ground = derived_columns::elevation(domain);
     std::vector<double>& pressure = var.columns[1].real8;
     for (std::size_t i = 0; i < head.size(); ++i) pressure[i] = head[i] - ground[i];
 }

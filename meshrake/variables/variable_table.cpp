@@ -1,6 +1,6 @@
 #include "meshrake/variables/variable_table.hpp"
 
-#include "meshrake/derived_columns/depth_to_table.hpp"
+#include "meshrake/derived_columns/depth_to_groundwater_columns.hpp"
 #include "meshrake/derived_columns/mesh_columns.hpp"
 #include "meshrake/derived_columns/topography.hpp"
 #include "meshrake/variables/families.hpp"
@@ -10,7 +10,7 @@
 
 namespace variables {
 
-using namespace mesh_shaping;
+using namespace derived_columns;
 using enum model::Option;
 using enum plot_data::Family;
 using enum plot_data::Location;

@@ -86,7 +86,7 @@ TEST_F(ContinuedTopography, FallsBackToTheFirstIndex) {
     for (std::size_t i = 0; i < table.size(); ++i)
         if (table[i].key == "zone" || table[i].key.starts_with("tvTopo"))
             table[i].init(pm, table[i], pm.outputVars[i]);
-    EXPECT_EQ(mesh_shaping::elevation(pm), Reals(8, 0.5));
+    EXPECT_EQ(derived_columns::elevation(pm), Reals(8, 0.5));
     EXPECT_EQ(pm.elementZone, Integers{5});
     const std::string warning = "Warning: file not found -> appending at time index 000";
     EXPECT_EQ(takeScreen(), warning + "1\n   1     Zone\n" + warning + "3\n" + warning +

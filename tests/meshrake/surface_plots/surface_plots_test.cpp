@@ -165,8 +165,8 @@ TEST(IsopachStructure, OfTrianglesHasThreeNodesToAFace) {
         olf.nodesPerElement = std::int32_t(nodes.size());
         olf.elementNodes = nodes;
         olf.elementCount = 1;
-        mesh_shaping::Isopach isopach{{7, 7, 7}, {7}};
-        mesh_shaping::compute_isopach_structure(1, olf, pm, isopach);
+        surface_plots::Isopach isopach{{7, 7, 7}, {7}};
+        surface_plots::compute_isopach_structure(1, olf, pm, isopach);
         EXPECT_EQ(isopach.zoneThickness, Reals{2.0 + (5.0 - 2.0)});
         EXPECT_EQ(isopach.topElevation, (Reals{4, 5, 6}));
     }

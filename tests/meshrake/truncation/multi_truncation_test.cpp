@@ -49,7 +49,7 @@ TEST_F(MultiTruncation, KeepsElementsByTheirCentroids) {
             domain->truncateLayers = c.layers;
             domain->truncateEnabled = c.byBounds;
             domain->truncateByLayerEnabled = c.byLayer;
-            mesh_shaping::multiTruncate(*domain, pm);
+            truncation::multiTruncate(*domain, pm);
             SCOPED_TRACE(domain->name + " case " + std::to_string(&c - cases));
             const Integers& elements = domain == &pm ? c.pmElements : c.olfElements;
             EXPECT_EQ(runs::numbersOf(domain->elementIncluded), elements);
@@ -76,7 +76,7 @@ TEST_F(MultiTruncation, FullMeshOfUnusedSlotsAndMissingNodes) {
     // A triangle; an element of which one node is not in the domain.
     olf.elementNodes = {13, 14, 17, 0, 14, 15, 18, 17};
     olf.linkFromPm[17] = 0;
-    mesh_shaping::multiTruncate(olf, pm);
+    truncation::multiTruncate(olf, pm);
     EXPECT_THAT(runs::numbersOf(olf.elementIncluded), ElementsAre(1));
     EXPECT_THAT(runs::numbersOf(olf.nodeIncluded),
                 ElementsAre(1, 2, 3, 5)); // also those of the lost element
@@ -84,14 +84,14 @@ TEST_F(MultiTruncation, FullMeshOfUnusedSlotsAndMissingNodes) {
 
     // All elements of pm stay, but a node that none of them has does not.
     pm.elementNodes[0] = 0;
-    mesh_shaping::multiTruncate(pm, pm);
+    truncation::multiTruncate(pm, pm);
     EXPECT_EQ(std::pair(pm.nnTruncated, pm.neTruncated), std::pair(17, 4));
     EXPECT_EQ(pm.nodeRenumber[0], 0);
     EXPECT_EQ(pm.nodeRenumber[17], 17);
 
     // Behind walls all nodes count, though they get no more numbers.
     model::run.wallsPresent = true;
-    mesh_shaping::multiTruncate(pm, pm);
+    truncation::multiTruncate(pm, pm);
     EXPECT_EQ(pm.nnTruncated, 18);
     EXPECT_EQ(pm.nodeRenumber[17], 17);
 }
@@ -102,7 +102,7 @@ TEST_F(MultiTruncation, LayersOfAFlatMesh) {
     for (const std::int32_t sheets : {0, 1}) {
         model::run.sheetCount = sheets;
         pm.truncateEnabled = false;
-        mesh_shaping::multiTruncate(pm, pm);
+        truncation::multiTruncate(pm, pm);
         EXPECT_EQ(pm.neTruncated, 4) << sheets;
     }
 }
@@ -112,10 +112,10 @@ TEST_F(MultiTruncation, CentroidsOfPartlyUsedElements) {
     olf.elementNodes = {13, 14, 17, 0, 0, 0, 0, 0};
     olf.truncateEnabled = true;
     olf.truncateBounds = {2.0 / 3, 2.0 / 3, 1.0 / 3, 1.0 / 3, 3, 3};
-    mesh_shaping::multiTruncate(olf, pm);
+    truncation::multiTruncate(olf, pm);
     EXPECT_THAT(runs::numbersOf(olf.elementIncluded), ElementsAre(1));
     olf.truncateBounds = {-1e20, 1e20, -1e20, 1e20, -1e20, 1e20};
-    mesh_shaping::multiTruncate(olf, pm);
+    truncation::multiTruncate(olf, pm);
     EXPECT_THAT(runs::numbersOf(olf.elementIncluded), ElementsAre(1));
 }
 

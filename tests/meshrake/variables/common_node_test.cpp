@@ -135,7 +135,7 @@ protected:
 TEST_F(CommonTruncation, WholeMesh) {
     std::swap(olf.linkToPm[0], olf.linkToPm[5]);
     olf.elementNodes = {13, 14, 17, 16, 14, 17, 16, -3};
-    mesh_shaping::commonTruncate(olf, pm);
+    truncation::commonTruncate(olf, pm);
     EXPECT_THAT(kept(),
                 ElementsAre(Integers{13, 14, 16, 17}, Integers{1, 2, 3, 4, 5, 6}, Integers{1, 2}));
     EXPECT_EQ(olf.nodeRenumber, (Integers{0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 6, 2, 3, 4, 5, 1}));
@@ -150,7 +150,7 @@ TEST_F(CommonTruncation, PartOfIt) {
     olf.truncateByLayerEnabled = true;
     olf.truncateLayers = {1, 1};
     olf.truncateBounds = {0, 0.5, -1e20, 1e20, 100, 100};
-    mesh_shaping::commonTruncate(olf, pm);
+    truncation::commonTruncate(olf, pm);
     EXPECT_THAT(kept(), ElementsAre(Integers{13, 14, 16, 17}, Integers{1, 4, 5}, Integers{1}));
     EXPECT_EQ(olf.nodeRenumber, (Integers{0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 2, 0, 3, 4, 0}));
     EXPECT_EQ(takeScreen(), "\nMedium: olf\nTruncated mesh\nNodes:    4/6\nElements: 1/2\n");
@@ -160,7 +160,7 @@ TEST_F(CommonTruncation, PartOfIt) {
     olf.linkFromPm[17] = 99;
     runs::expectEnd("INPUT",
                     "Error reading file: to.coordinates_olf\nA pm node is linked to node 99",
-                    [&] { mesh_shaping::commonTruncate(olf, pm); });
+                    [&] { truncation::commonTruncate(olf, pm); });
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-#include "meshrake/derived_columns/depth_to_table.hpp"
+#include "meshrake/derived_columns/depth_to_groundwater_columns.hpp"
 
 #include "meshrake/derived_columns/depth_to_groundwater.hpp"
 #include "meshrake/derived_columns/topography.hpp"
@@ -7,7 +7,7 @@
 
 #include <algorithm>
 
-namespace mesh_shaping {
+namespace derived_columns {
 
 using model::Domain;
 using model::OutputVar;
@@ -67,4 +67,4 @@ void depth2gwt2dRead(Domain& domain, const VariableRow& row, OutputVar& var) {
     read(domain, row, var, depth_to_groundwater::depth2gwt2dDomain);
 }
 
-} // namespace mesh_shaping
+} // namespace derived_columns
