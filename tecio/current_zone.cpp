@@ -76,7 +76,7 @@ int commitCurrentZone(DataFile& f) {
     int status = byte_file::writeAt(f.file, f.dataEnd, begin.data(), sizeOf(begin));
     if (status == ok && f.durable) status = byte_file::sync(f.file);
     const std::uint64_t checksum = f.durable ? zoneChecksum(begin, current.checksums) : 0;
-    if (status == ok) status = commitZone(f.sidecar, current.zone, checksum);
+    if (status == ok) status = sidecarStatus(f, commitZone(f.sidecar, current.zone, checksum));
     if (status != ok) return status;
     f.dataEnd += current.part.size;
     f.zones.push_back(std::move(current.zone));

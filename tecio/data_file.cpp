@@ -156,9 +156,13 @@ std::string sidecarPath(const std::string& path) {
     return path + ".szhdr";
 }
 
-int createDataFile(DataFile& f) {
-    const int status = createSidecar(sidecarPath(f.path), f.head, f.sidecar);
+int sidecarStatus(DataFile& f, int status) {
     f.sidecarFailed = status != ok;
+    return status;
+}
+
+int createDataFile(DataFile& f) {
+    const int status = sidecarStatus(f, createSidecar(sidecarPath(f.path), f.head, f.sidecar));
     f.size = 0;
     return status == ok ? byte_file::openBeside(f.path, f.file, f.replacement) : status;
 }
@@ -208,7 +212,7 @@ int hideHeaders(DataFile& f, std::size_t count) {
 // The headers are removed first: the data of a zone in the sidecar must stay as they are.
 int dropZones(DataFile& f, std::size_t count) {
     int status = hideHeaders(f, count);
-    if (status == ok) status = rollbackZones(f.sidecar, count);
+    if (status == ok) status = sidecarStatus(f, rollbackZones(f.sidecar, count));
     if (status != ok) return status;
     for (; f.zones.size() > count; f.zones.pop_back()) f.dataEnd -= dataPartOf(f.zones.back()).size;
     return ok;
@@ -218,7 +222,7 @@ int finish(DataFile& f) {
     int status = flush(f);
     if (status == ok) status = byte_file::sync(f.file);
     if (status == ok) status = byte_file::close(f.file);
-    if (status == ok) status = byte_file::remove(sidecarPath(f.path));
+    if (status == ok) status = sidecarStatus(f, byte_file::remove(sidecarPath(f.path)));
     return status;
 }
 

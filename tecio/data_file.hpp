@@ -50,7 +50,7 @@ struct DataFile {
     Sidecar sidecar;
     bool durable = false;
     bool failed = false;
-    bool sidecarFailed = false; // the sidecar could not be opened, read or created
+    bool sidecarFailed = false; // the failure was at the sidecar
 
     Head head;
     Bytes aux;                  // auxiliary records of this opening
@@ -72,6 +72,9 @@ struct DataFile {
 
 // Name of the sidecar of a data set.
 std::string sidecarPath(const std::string& path);
+
+// Notes whether an operation on the sidecar failed, and returns its status.
+int sidecarStatus(DataFile& file, int status);
 
 // All of the following return a status.
 

@@ -146,8 +146,8 @@ int recreate(DataFile& f, bool anyVariables) {
 int resumeDataFile(DataFile& f) {
     Head there;
     std::uint64_t checksum = 0;
-    int status = openSidecar(sidecarPath(f.path), f.sidecar, there, f.zones, checksum);
-    f.sidecarFailed = status != ok;
+    int status =
+        sidecarStatus(f, openSidecar(sidecarPath(f.path), f.sidecar, there, f.zones, checksum));
     if (status == ok) status = byte_file::open(f.path, OpenMode::update, f.file, f.size);
     if (status != ok) return status;
     const bool anyVariables = f.head.variables == std::vector<std::string>{""};

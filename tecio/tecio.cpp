@@ -2,7 +2,7 @@
 
 #include "tecio/data_file.hpp"
 #include "tecio/durability.hpp"
-#include "tecio/open_failure.hpp"
+#include "tecio/failed_file.hpp"
 #include "tecio/repeated_times.hpp"
 #include "tecio/status.hpp"
 #include "tvncommon/io/io_layer.hpp"
@@ -20,8 +20,8 @@ namespace {
 // Open data sets. One that a run left open is discarded when its name is opened again.
 struct State {
     std::vector<std::unique_ptr<DataFile>> open;
-    bool durable = false; // for data sets opened later
-    bool sidecarFailed = false;
+    bool durable = false;       // for data sets opened later
+    bool sidecarFailed = false; // in the last call that failed
 };
 State state;
 
@@ -53,6 +53,7 @@ int32_t with(void* handle, Step step) {
     } catch (const std::bad_alloc&) {
     }
     file->failed = status != io_layer::ok;
+    if (file->failed) state.sidecarFailed = file->sidecarFailed;
     return status;
 }
 
@@ -77,7 +78,8 @@ std::vector<std::string> splitAtCommas(std::string_view list) {
 int openDataSet(DataFile& file, const char* title, const char* variableList) {
     file.head = {title, splitAtCommas(variableList)};
     bool sidecarFound = false, found = false;
-    int status = io_layer::exists(tecio::sidecarPath(file.path), sidecarFound);
+    int status =
+        tecio::sidecarStatus(file, io_layer::exists(tecio::sidecarPath(file.path), sidecarFound));
     if (status == io_layer::ok) status = io_layer::exists(file.path, found);
     if (status != io_layer::ok) return status;
     return sidecarFound && found ? tecio::resumeDataFile(file) : tecio::createDataFile(file);

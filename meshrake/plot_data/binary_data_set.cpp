@@ -3,7 +3,7 @@
 #include "meshrake/model/append_state.hpp"
 #include "meshrake/model/run_state.hpp"
 #include "tecio/durability.hpp"
-#include "tecio/open_failure.hpp"
+#include "tecio/failed_file.hpp"
 #include "tecio/repeated_times.hpp"
 #include "tecio/tecio.h"
 #include "tvncommon/diagnostics/error.hpp"
@@ -40,6 +40,13 @@ std::int32_t ownStatus(std::int32_t status) {
     return MESHRAKE_OWN_TECIO || status == 0 ? status : 1;
 }
 
+// Name of the file at which a call of the library failed.
+std::string failedFile(const std::string& path) {
+    if constexpr (MESHRAKE_OWN_TECIO)
+        if (tecio::sidecarFailed()) return path + ".szhdr";
+    return path;
+}
+
 // In front of the name of the plot file, why it was refused.
 std::string_view refusal(std::int32_t status) {
     if (MESHRAKE_OWN_TECIO && status == 1)
@@ -50,9 +57,10 @@ std::string_view refusal(std::int32_t status) {
 
 void check(std::int32_t status, const std::string& what, Domain& domain) {
     if (status == 0) return;
+    const std::string file = failedFile(domain.dataSet.fileName + ".szplt");
     tecFileWriterClose(&domain.dataSet.handle);
     error::fatalError(what + " " + domain.name + " domain.\n" + std::string(refusal(status)) +
-                      domain.dataSet.fileName + ".szplt");
+                      file);
 }
 
 bool continuesOutput() {
@@ -84,10 +92,7 @@ std::string openFailure(std::int32_t status, const std::string& path) {
         return path + ".szhdr\nThe data set was left unfinished by a run without the option to "
                       "append: no zone can be appended to it.";
     default:
-        if constexpr (MESHRAKE_OWN_TECIO)
-            return path + (tecio::sidecarFailed() ? ".szhdr" : "");
-        else
-            return path;
+        return failedFile(path);
     }
 }
 
@@ -123,7 +128,8 @@ void showZonesOfEarlierRun(const Domain& domain) {
     const std::int32_t status = tecFileWriterOpen(name.c_str(), "", "", 1, 0, 0, nullptr, &handle);
     if (status == withoutZones) return;
     error::checkFileOpen(status, openFailure(status, path));
-    error::checkFileWrite(tecFileWriterFlush(handle, 0, nullptr), path);
+    const std::int32_t flushed = tecFileWriterFlush(handle, 0, nullptr);
+    error::checkFileWrite(flushed, failedFile(path));
 }
 
 double timeOf(std::string_view text, const Domain& domain) {
@@ -265,7 +271,8 @@ void fileClose(Domain& domain) {
         return;
     }
     model::write_string("Closing tecplot file: " + set.fileName);
-    error::checkFileWrite(tecFileWriterClose(&set.handle), set.fileName + ".szplt");
+    const std::int32_t status = tecFileWriterClose(&set.handle);
+    error::checkFileWrite(status, failedFile(set.fileName + ".szplt"));
 }
 
 } // namespace plot_data::binary
