@@ -1,6 +1,6 @@
 #include "tvncommon/text/number_formats.hpp"
 
-#include "tests/tvncommon/text/wide_real_reference.hpp"
+#include "tools/wide_real_reference.hpp"
 
 #include <benchmark/benchmark.h>
 

@@ -1,6 +1,6 @@
 #include "fuzz/support.hpp"
 
-#include "tests/tvncommon/text/wide_real_reference.hpp"
+#include "tools/wide_real_reference.hpp"
 #include "tvncommon/text/free_form.hpp"
 #include "tvncommon/text/number_formats.hpp"
 

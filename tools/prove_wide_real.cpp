@@ -10,7 +10,7 @@
 // first fault. The tests run it with few patterns, in the form of digit_words.hpp that
 // MESHRAKE_PORTABLE_DIGITS selects.
 
-#include "tests/tvncommon/text/wide_real_reference.hpp"
+#include "tools/wide_real_reference.hpp"
 #include "tvncommon/text/digit_words.hpp"
 #include "tvncommon/text/number_formats.hpp"
 #include "tvncommon/text/wide_real_tables.hpp"

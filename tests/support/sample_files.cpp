@@ -185,6 +185,13 @@ Bytes expected(const std::string& name) {
     return get(EXPECTED_FOLDER + name);
 }
 
+void expectFile(const std::string& name, const std::string& text) {
+    if (std::getenv("MESHRAKE_REWRITE_EXPECTED"))
+        put(EXPECTED_FOLDER + name, text);
+    else
+        EXPECT_EQ(text, expected(name)) << name;
+}
+
 Folder::Folder() : before(std::filesystem::current_path()) {
     // In memory where that can be had: files that are replaced by the thousand keep a disk busy.
     const bool inMemory = access("/dev/shm", W_OK) == 0;

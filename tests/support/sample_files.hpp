@@ -60,7 +60,11 @@ Bytes get(const std::string& path);
 
 // The same with the value of Date_Created taken out.
 Bytes getDated(const std::string& path);
+
+// Expects the text to be that of a file of tests/expected. tools/rewrite_expected.sh sets the
+// environment variable MESHRAKE_REWRITE_EXPECTED, with which the text is written there instead.
 Bytes expected(const std::string& name);
+void expectFile(const std::string& name, const std::string& text);
 
 // An empty working directory, left and removed at the end.
 struct Folder {

@@ -233,7 +233,7 @@ protected:
     runs::Ran runHeads(const std::string& observed) { return runWith(observed, heads, withDual); }
 
     static void expectFiles(const std::vector<std::string>& names) {
-        for (const std::string& name : names) EXPECT_EQ(getDated("to." + name), expected(name));
+        for (const std::string& name : names) expectFile(name, getDated("to." + name));
     }
 };
 

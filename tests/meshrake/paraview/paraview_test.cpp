@@ -38,7 +38,7 @@ TEST(Paraview, RowsOfEveryWriter) {
     paraview::write_paraview_vector_2d_darray(y, x, many, "CELL_DATA,VECTORS f", 6, unit);
     file_units::freeUnit(unit);
     EXPECT_EQ(values[0], 0);
-    EXPECT_EQ(get("rows"), expected("rows.vtk"));
+    expectFile("rows.vtk", get("rows"));
 }
 
 // A line of nodes at x = y = z = 1, 2, ... under which pm has the same ones.
@@ -102,7 +102,7 @@ TEST_F(Writer, CellsOfEveryKind) {
         domain.nnTruncated = 0;
         text += written(domain);
     }
-    EXPECT_EQ(text, expected("cells.vtk"));
+    expectFile("cells.vtk", text);
 }
 
 TEST_F(Writer, TitleAnnouncementAndWhatEndsTheRun) {
@@ -138,7 +138,7 @@ TEST_F(Writer, TruncatedDomainsHaveNoScalars) {
     domain.neTruncated = 1; // the included one is not the first
     add(domain, "head", 1).columns[0].real8 = {1e-31, 2, 3, 4};
     for (model::Column& column : add(domain, "vel", 3).columns) column.real4 = {1, 2, 3};
-    EXPECT_EQ(written(domain), expected("truncated.well.vtk"));
+    expectFile("truncated.well.vtk", written(domain));
     EXPECT_EQ(domain.outputVars[0].columns[0].real8[0], 1e-31);
 }
 
@@ -207,7 +207,7 @@ TEST_F(VtkRun, FilesOfABrickProblem) {
     write(problem);
     EXPECT_EQ(runVtk(), 0) << get("errors");
     for (const std::string name : {"pm.0001", "pm.0002", "olf.0001"})
-        EXPECT_EQ(get("to." + name + ".vtk"), expected("brick." + name + ".vtk")) << name;
+        expectFile("brick." + name + ".vtk", get("to." + name + ".vtk"));
     EXPECT_THAT(get("to.meshrake.eco"),
                 HasSubstr("\nolf data to paraview\nCreating paraview file "));
     EXPECT_THAT(get("screen"), HasSubstr("FILE DOES NOT EXISTS"));
@@ -225,7 +225,7 @@ TEST_F(VtkRun, SectionsOfAllVariables) {
     std::string text;
     for (const std::string domain : {"pm", "dual", "olf", "frac", "chan", "well", "tile"})
         text += domain + "\n" + sections(get("to." + domain + ".0001.vtk"));
-    EXPECT_EQ(text, expected("all.sections"));
+    expectFile("all.sections", text);
 }
 
 TEST_F(VtkRun, OnlyDomainsThatAreWrittenAndHaveNodesOfTheirOwn) {

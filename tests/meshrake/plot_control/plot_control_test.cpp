@@ -66,7 +66,7 @@ TEST_F(PlotControl, TemplateOffersWhatFitsTheProblem) {
         file_units::freeUnit(run.controlUnit);
         return sample_files::get("template");
     };
-    EXPECT_EQ(written(), sample_files::expected("template.plot.control"));
+    sample_files::expectFile("template.plot.control", written());
     sample_files::put("t.observed_heads", "");
     const std::string window = "! -1.0E+20  1.0E+20\n! -1.0E+20  1.0E+20\n! -1.0E+20  1.0E+20\n";
     EXPECT_THAT(written(), HasSubstr("        1000\n! compare heads 3d domain\n" + window +

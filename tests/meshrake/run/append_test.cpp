@@ -5,10 +5,8 @@
 
 #include <gmock/gmock.h>
 
-#include <chrono>
 #include <cstdlib>
 #include <cstring>
-#include <random>
 
 // Runs that go on from the binary data sets of earlier ones, also of such as were killed.
 namespace {
@@ -135,14 +133,6 @@ TEST(Append, TimesMayRepeat) {
         }
 }
 
-// A file that is there can be read at any time.
-void expectReadable() {
-    for (const std::string& name : {pmSet, olfSet})
-        if (std::filesystem::exists(name)) {
-            EXPECT_NO_THROW(data_set_file::read(name)) << name;
-        }
-}
-
 // After a power cut at any call of a first run, of one that continues, of one that begins a data
 // set beside another and of one that takes zones back, the next run finds all that was recorded.
 TEST(Append, PowerCutAtAnyCall) {
@@ -181,43 +171,6 @@ TEST(Append, PowerCutAtAnyCall) {
     }
 }
 
-// A larger problem, and the program itself, killed at instants that fall as they may.
-TEST(Append, KilledAtAnyInstant) {
-    const Folder home;
-    makeProblem("--nx 40 --ny 30 --layers 10 --times 12");
-    put("batch.pfx", "t\n");
-    putControl("tecplot binary flush interval\n3\n");
-    Sets whole;
-    std::chrono::duration<double> duration{};
-    {
-        const Folder folder;
-        std::filesystem::copy(home.path, folder.path);
-        const auto begin = std::chrono::steady_clock::now();
-        ASSERT_EQ(runs::runProgram().status, 0);
-        duration = std::chrono::steady_clock::now() - begin;
-        whole = readSets();
-    }
-    std::mt19937 random(1);
-    std::uniform_real_distribution<double> instant(0, duration.count());
-    const int wanted = longTests() ? 100 : 8;
-    for (int kills = 0; kills < wanted && !HasFailure();) {
-        const Folder folder;
-        std::filesystem::copy(home.path, folder.path);
-        // In the foreground, timeout ends after the run that it kills, whose lock is then released.
-        for (bool finished = false; !finished;) {
-            const std::string seconds = std::to_string(kills < wanted ? instant(random) : 0);
-            const Ran ran =
-                runs::runProgram("", "", "exec timeout --foreground -s KILL " + seconds);
-            EXPECT_NE(ran.status, 1) << ran.errors;
-            finished = ran.status == 0;
-            kills += !finished;
-            expectReadable();
-        }
-        EXPECT_EQ(lastIndex(), 12);
-        for (const auto& [file, set] : whole) expectSameContents(file, whole);
-    }
-}
-
 // Also without the option to append: the data must be on the disk before the sidecar is removed.
 TEST(Append, AFailedSyncEndsTheRun) {
     for (const char* option : {"tecplot binary append\n", ""}) {
@@ -235,27 +188,6 @@ TEST(Append, AFailedSyncEndsTheRun) {
         runs::expectFailure(ran, {"HALTING EXECUTION", pmSet});
         EXPECT_TRUE(*option != 0 || std::filesystem::exists(pmSet + ".szhdr"));
         EXPECT_FALSE(std::filesystem::exists(indexFile));
-    }
-}
-
-TEST(Append, TwoRunsAtOnce) {
-    const Sets whole = wholeSets(4);
-    for (int pair = 0; pair < 40; ++pair) {
-        const Folder folder;
-        putControl();
-        putTimes(4);
-        const int status =
-            std::system("one() { " MESHRAKE_PROGRAM " >$1.screen 2>$1.errors; echo $? >$1; }\n"
-                        "one a & one b; wait");
-        EXPECT_EQ(status, 0);
-        EXPECT_TRUE(get("a") == "0\n" || get("b") == "0\n");
-        for (const std::string name : {"a", "b"}) {
-            if (get(name) == "0\n") continue;
-            EXPECT_EQ(get(name), "1\n");
-            EXPECT_THAT(get(name + ".errors"), HasSubstr("\nAnother run is using t\n"));
-        }
-        EXPECT_EQ(lastIndex(), 4);
-        for (const auto& [file, set] : whole) expectSameContents(file, whole);
     }
 }
 

@@ -42,12 +42,12 @@ TEST_F(Run, WritesTheseFiles) {
     for (const bool first : {true, false}) {
         const Ran ran = runProgram();
         EXPECT_EQ(ran.status, 0);
-        EXPECT_EQ(getDated("to.pm.dat"), expected("brick.pm.dat"));
-        EXPECT_EQ(getDated("to.olf.dat"), expected("brick.olf.dat"));
+        expectFile("brick.pm.dat", getDated("to.pm.dat"));
+        expectFile("brick.olf.dat", getDated("to.olf.dat"));
         if (!first) continue; // the control file that it has left asks for the same
         EXPECT_EQ(filesHere(), files);
-        EXPECT_EQ(ran.screen, expected("brick.screen"));
-        EXPECT_EQ(get("to.meshrake.eco"), expected("brick.meshrake.eco"));
+        expectFile("brick.screen", ran.screen);
+        expectFile("brick.meshrake.eco", get("to.meshrake.eco"));
         EXPECT_EQ(ran.errors,
                   "\n*********************************\n***      WARNING MESSAGE      ***\n"
                   "*********************************\n\n"

@@ -63,7 +63,8 @@ struct Scenario {
     std::vector<const char*> arguments{"meshrake"};
 };
 
-// `before` times are in the data sets, `recorded` of them in the file with the index.
+// `before` times are in the data sets, `recorded` of them in the file with the index. If there is a
+// difference, the auxiliary records have become longer, for which the data set is copied.
 void prepareAppend(int before, int recorded, bool withOlf) {
     if (before > 0) {
         write(appendedTimes(before, withOlf));
@@ -72,7 +73,9 @@ void prepareAppend(int before, int recorded, bool withOlf) {
         put("to.tec_append", integerRecord({recorded}));
         if (!withOlf) put("to.olf.szplt.szhdr", "left over");
     }
-    write(appendedTimes(4));
+    Problem problem = appendedTimes(4);
+    if (recorded < before) patch(problem["to.gen"], 3, 0, 1); // minutes instead of seconds
+    write(problem);
 }
 
 const Scenario scenarios[] = {

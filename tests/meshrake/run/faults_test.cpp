@@ -21,14 +21,6 @@ protected:
     Folder folder;
 };
 
-TEST_F(FullDisk, AnyFileThatIsWritten) {
-    for (const std::string name : {"to.meshrake.eco", "scratch_plot", "to.pm.dat"}) {
-        std::filesystem::create_symlink("/dev/full", name);
-        expectFailure(runs::runProgram(), "\nError writing file: " + name + "\n");
-        std::filesystem::remove(name);
-    }
-}
-
 TEST_F(FullDisk, TheScreen) {
     for (const char* to : {">/dev/full", ">&-"})
         expectFailure(runs::runProgram(to), "\nError writing file: standard output\n");

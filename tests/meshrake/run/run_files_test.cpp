@@ -164,7 +164,8 @@ struct Lock {
 
 TEST_F(RunFiles, TwoRunsOfOnePrefix) {
     put("to.meshrake.eco", "of the other run");
-    put("t.plot.control", "end\nwrite pm domain file\n");
+    put("t.plot.control",
+        "tecplot binary mode\ntecplot binary append\nend\nwrite pm domain file\n");
     for (const char* batch : {"nosuch\n", "t\n"}) {
         put("batch.pfx", batch);
         const Problem before = files();

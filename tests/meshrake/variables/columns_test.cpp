@@ -94,7 +94,7 @@ TEST(Columns, FollowTheFilesAndTheOptions) {
         EXPECT_EQ(runHere().status, 0) << c.what;
         summaries += c.what + "\n" + data_set::summaryOf(get("to." + c.domain + ".dat"));
     }
-    EXPECT_EQ(summaries, expected("columns.txt"));
+    expectFile("columns.txt", summaries);
 }
 
 class ColumnValues : public runs::ProblemRun {

@@ -93,7 +93,7 @@ TEST_F(CommonNode, ColumnsComeAndGo) {
     }
     make();
     add("no concentrations", "no olf concentrations\n");
-    EXPECT_EQ(summaries, expected("common_columns.txt"));
+    expectFile("common_columns.txt", summaries);
 }
 
 // Neither a truncated pm nor one that is not written changes what the surface shows.
