@@ -4,7 +4,7 @@
 
 #include "bench/bench_files.hpp"
 #include "meshrake/plot_data/array_writing.hpp"
-#include "meshrake/plot_data/connectivity.hpp"
+#include "meshrake/plot_data/zone.hpp"
 #include "tvncommon/io/file_units.hpp"
 #include "tvncommon/io/io_layer.hpp"
 

@@ -41,19 +41,21 @@ Layer firstLayer(const Domain& domain, const VariableRow& row) {
 
 // One value for each entry of the mask that is set; `valueOf` gets the entry, from 0.
 template<class T, class ValueOf>
-plot_data::NextValues<T> includedValues(const std::vector<std::uint8_t>& included,
-                                        ValueOf valueOf) {
-    return [&included, valueOf, i = std::size_t{0}](T* values, std::int64_t room) mutable {
-        std::int64_t n = 0;
-        for (; i < included.size() && n < room; ++i)
-            if (included[i]) values[n++] = valueOf(i);
-        return n;
+plot_data::ValueGenerator<T> includedValues(const std::vector<std::uint8_t>& included,
+                                            ValueOf valueOf) {
+    return [&included, valueOf,
+            i = std::size_t{0}](std::span<T> buffer) mutable -> std::span<const T> {
+        std::size_t n = 0;
+        for (; i < included.size() && n < buffer.size(); ++i)
+            if (included[i]) buffer[n++] = valueOf(i);
+        return buffer.first(n);
     };
 }
 
 void writeNumbers(Domain& domain, const VariableRow& row, const OutputVar& var,
-                  const plot_data::NextValues<std::int32_t>& next) {
-    plot_data::tecplotWriteMadeInt4(var.columns[0].varNumber, next, row.columns[0].label, domain);
+                  const plot_data::ValueGenerator<std::int32_t>& next) {
+    plot_data::tecplotWriteGeneratedInt4(var.columns[0].varNumber, next, row.columns[0].label,
+                                         domain);
 }
 
 // Mean of the heights of the upper over the lower nodes, whose slots match in order.
@@ -131,9 +133,9 @@ void writeElementThickness(Domain& domain, const VariableRow& row, OutputVar& va
                           " domain: elements of one node\nFile: " +
                           model::problemFile("elements_" + domain.name));
     const auto ofElement = [&domain](std::size_t e) { return thickness(domain, e); };
-    plot_data::tecplotWriteMadeReal8(var.columns[0].varNumber,
-                                     includedValues<double>(domain.elementIncluded, ofElement),
-                                     row.columns[0].label, domain);
+    plot_data::tecplotWriteGeneratedReal8(var.columns[0].varNumber,
+                                          includedValues<double>(domain.elementIncluded, ofElement),
+                                          row.columns[0].label, domain);
 }
 
 void computeDepthBelowTop(const Domain& pm, std::size_t sheetNodes, std::size_t sheets,

@@ -7,6 +7,10 @@
 #include <string>
 #include <vector>
 
+namespace plot_data {
+struct WriterFunctions;
+}
+
 namespace model {
 
 // Field measurements that are compared with the results of the last output time: those of one file
@@ -86,6 +90,9 @@ struct RunState {
     std::vector<std::int32_t> wallNodeTable;    // olf nodes by wallLayers: replacing global node
     std::vector<std::int32_t> wallNodeValue;    // olf nodes
     std::vector<std::int32_t> wallElementLayer; // olf elements: wall layer of the element
+
+    // Text or binary form of the plot files, selected after the control file is read; null: text.
+    const plot_data::WriterFunctions* plotWriter = nullptr;
 
     ObservationSet observations; // set up and given back by each comparison
 

@@ -146,7 +146,7 @@ void echoSearch(plot_data::TextBlock& echo, const Point& target, const Point& fo
                 std::size_t axes) {
     const bool inSpace = axes == 3;
     const Point delta{found[0] - target[0], found[1] - target[1], found[2] - target[2]};
-    makeRoom(echo, 2 + 3 * lineBytes);
+    ensureSpace(echo, 2 + 3 * lineBytes);
     char* out = std::fill_n(echo.end, 2, '\n');
     out = putLine(inSpace ? "Target x, y, z" : "Target x, y", std::span(target).first(axes), out);
     out = putLine("Found x, y, z", found, out);

@@ -4,21 +4,22 @@
 
 #include <cstdint>
 #include <functional>
+#include <span>
 #include <string_view>
 
-// Values of one variable into the current zone. In the text form: a comment line, then rows of five
-// values; rows are put together in one large buffer and reach the file block by block. In the
-// binary form the array goes to the file as it stands. A failed write ends the run.
+// Writes the values of one variable into the current zone. The text form has a comment line and
+// then rows of five values, collected in one large buffer that reaches the file block by block. The
+// binary form passes arrays to the writer library as they are. A failed write ends the run.
 namespace plot_data {
 
-// Which of a mesh's values reach the file.
+// Which of a mesh's values are written.
 struct Packing {
     bool truncated = false;             // only the values whose mask entry is set
     const std::uint8_t* mask = nullptr; // one entry for each value
 };
 
-// `count` values, of which the packing keeps some; `label` is the comment. Text has its variables
-// in the order of the calls, whatever their numbers.
+// `count` values, of which the packing selects some; `label` is the comment. The text form holds
+// its variables in the order of the calls, whatever their numbers.
 void tecplotWriteArrayReal4(std::int32_t varNumber, std::int64_t count, const float* values,
                             const Packing& packing, std::string_view label, model::Domain& domain);
 void tecplotWriteArrayReal8(std::int32_t varNumber, std::int64_t count, const double* values,
@@ -26,15 +27,16 @@ void tecplotWriteArrayReal8(std::int32_t varNumber, std::int64_t count, const do
 void tecplotWriteArrayInt4(std::int32_t varNumber, std::int64_t count, const std::int32_t* values,
                            const Packing& packing, std::string_view label, model::Domain& domain);
 
-// Puts the next of the values that reach the file into `values`, at most `room` of them, and tells
-// how many; 0 at the end.
+// Returns the next values to write: the first part of `buffer`, which the call has filled, or an
+// array that exists elsewhere. The result is empty after the last value. A part of `buffer` that is
+// shorter than `buffer` must be the last one.
 template<class T>
-using NextValues = std::function<std::int64_t(T* values, std::int64_t room)>;
+using ValueGenerator = std::function<std::span<const T>(std::span<T> buffer)>;
 
-// The same for values that are made as they are written and never stand in memory together.
-void tecplotWriteMadeReal8(std::int32_t varNumber, const NextValues<double>& next,
-                           std::string_view label, model::Domain& domain);
-void tecplotWriteMadeInt4(std::int32_t varNumber, const NextValues<std::int32_t>& next,
-                          std::string_view label, model::Domain& domain);
+// The same for values that are computed piece by piece and never in memory all at once.
+void tecplotWriteGeneratedReal8(std::int32_t varNumber, const ValueGenerator<double>& next,
+                                std::string_view label, model::Domain& domain);
+void tecplotWriteGeneratedInt4(std::int32_t varNumber, const ValueGenerator<std::int32_t>& next,
+                               std::string_view label, model::Domain& domain);
 
 } // namespace plot_data

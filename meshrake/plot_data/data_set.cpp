@@ -2,10 +2,7 @@
 
 #include "meshrake/model/run_state.hpp"
 #include "meshrake/model/version.hpp"
-#include "meshrake/plot_data/binary_data_set.hpp"
-#include "tvncommon/diagnostics/error.hpp"
-#include "tvncommon/io/file_units.hpp"
-#include "tvncommon/io/io_layer.hpp"
+#include "meshrake/plot_data/writer_functions.hpp"
 #include "tvncommon/text/StringHelpers.hpp"
 #include "tvncommon/text/number_formats.hpp"
 #include "tvncommon/text/utils.hpp"
@@ -19,14 +16,32 @@ using model::run;
 
 namespace {
 
-void tecplotAddMetadata(std::string_view key, std::string_view value, Domain& domain) {
-    if (run.tecplotBinary) return binary::addMetadata(key, value, domain);
-    file_units::writeLine(domain.tecplotUnit, "DATASETAUXDATA " + std::string(key) + "=\"" +
-                                                  std::string(StringHelpers::trimRight(value)) +
-                                                  "\"");
+void addMetadata(const WriterFunctions& functions, Domain& domain) {
+    const std::pair<std::string_view, std::string> values[] = {
+        {"Source", "Terravane, Halvorne Inc."},
+        {"TVN_Version", std::string(version::revision)},
+        {"Date_Created", utils::timestampUTC()},
+        {"Model_Prefix", run.problemPrefix},
+        {"Mass_Base_Unit", units::getDerivedUnit("M")},
+        {"Length_Base_Unit", units::getDerivedUnit("L")},
+        {"Time_Base_Unit", units::getDerivedUnit("T")},
+        {"Temperature_Base_Unit", "deg C"}};
+    for (const auto& [key, value] : values) functions.writeMetadata(key, value, domain);
 }
 
 } // namespace
+
+void selectWriter() {
+    run.plotWriter = run.tecplotBinary ? &binaryWriter : &textWriter;
+}
+
+const WriterFunctions& writer() {
+    return run.plotWriter ? *run.plotWriter : textWriter;
+}
+
+std::string_view plotFileExtension() {
+    return writer().extension;
+}
 
 std::string_view tecDt2String(DataType type) {
     switch (type) {
@@ -47,20 +62,15 @@ void tecplotInit(Domain& domain) {
 
 std::int32_t tecplotVarAdd(std::string_view name, Domain& domain) {
     const std::string trimmed(StringHelpers::trimRight(name));
-    std::string& list = domain.dataSet.varNameList;
     const std::int32_t number = ++domain.dataSet.numVars;
-    if (number > 1) list += ',';
-    list += run.tecplotBinary ? trimmed : "\"" + trimmed + "\"";
+    if (number > 1) domain.dataSet.varNameList += ',';
+    writer().addVariableName(trimmed, domain);
     model::write_string(number_formats::integerField(number, 4) + "     " + trimmed);
     return number;
 }
 
 void tecplotDataType(DataType type, Domain& domain) {
-    if (run.tecplotBinary)
-        return domain.dataSet.varTypes.push_back(static_cast<std::int32_t>(type));
-    std::string& list = domain.dataSet.varTypeList;
-    if (!list.empty()) list += ',';
-    list += tecDt2String(type);
+    writer().addDataType(type, domain);
 }
 
 void tecplotVarShareAdd(std::int32_t varNumber) {
@@ -73,49 +83,26 @@ void tecplotVarLocCCAdd(std::int32_t varNumber) {
 
 void tecplotFileOpen(std::string_view name, std::string_view title, Domain& domain) {
     domain.dataSet.fileName = name;
-    if (run.tecplotBinary) {
-        binary::fileOpen(name, title, domain);
-        return tecplotMetadata(domain);
-    }
-    const std::string path = model::fileName(domain.dataSet.fileName + ".dat");
-    if (domain.tecplotUnit < 1) domain.tecplotUnit = file_units::getUnit();
-    error::checkFileOpen(
-        io_layer::openTextReplace(domain.tecplotUnit, path, io_layer::Flush::inBlocks), path);
-    file_units::writeLine(domain.tecplotUnit,
-                          "TITLE = \"" + std::string(StringHelpers::trimRight(title)) + "\"");
-    file_units::writeLine(domain.tecplotUnit, "VARIABLES = " + domain.dataSet.varNameList);
+    writer().openFile(name, title, domain);
     tecplotMetadata(domain);
 }
 
 void tecplotFileFlush(Domain& domain) {
-    if (run.tecplotBinary) binary::fileFlush(domain);
+    writer().flushFile(domain);
 }
 
 void tecplotFileClose(Domain& domain) {
-    if (run.tecplotBinary) return binary::fileClose(domain);
-    if (domain.tecplotUnit < 1 || domain.dataSet.fileName.empty()) return;
-    model::write_string("Closing tecplot file: " + domain.dataSet.fileName);
-    file_units::freeUnit(domain.tecplotUnit);
-    domain.tecplotUnit = -1;
+    writer().closeFile(domain);
 }
 
 void tecplotMetadata(Domain& domain) {
-    tecplotAddMetadata("Source", "Terravane, Halvorne Inc.", domain);
-    tecplotAddMetadata("TVN_Version", version::revision, domain);
-    tecplotAddMetadata("Date_Created", utils::timestampUTC(), domain);
-    tecplotAddMetadata("Model_Prefix", run.problemPrefix, domain);
-    tecplotAddMetadata("Mass_Base_Unit", units::getDerivedUnit("M"), domain);
-    tecplotAddMetadata("Length_Base_Unit", units::getDerivedUnit("L"), domain);
-    tecplotAddMetadata("Time_Base_Unit", units::getDerivedUnit("T"), domain);
-    tecplotAddMetadata("Temperature_Base_Unit", "deg C", domain);
+    addMetadata(writer(), domain);
 }
 
 void tecplotMetadataAscii(int unit) {
     Domain scratch;
     scratch.tecplotUnit = unit;
-    const bool binary = std::exchange(run.tecplotBinary, false);
-    tecplotMetadata(scratch);
-    run.tecplotBinary = binary;
+    addMetadata(textWriter, scratch);
 }
 
 } // namespace plot_data

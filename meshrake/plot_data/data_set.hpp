@@ -13,6 +13,13 @@ namespace plot_data {
 using model::DataType;
 using model::Domain;
 
+// Selects the form of all plot files of the run: binary if the control file asks for it
+// (`run.tecplotBinary`), otherwise text. Called once, after the control file is read.
+void selectWriter();
+
+// Extension of the plot files with its point: ".dat" or ".szplt".
+std::string_view plotFileExtension();
+
 // Word of the type in a plot file.
 std::string_view tecDt2String(DataType type);
 
@@ -31,11 +38,13 @@ void tecplotVarShareAdd(std::int32_t varNumber);
 // The variable is cell-centred in the next zone. To be said again for every zone.
 void tecplotVarLocCCAdd(std::int32_t varNumber);
 
-// Creates <name>.dat with title, variables and metadata, or opens <name>.szplt in the binary form.
-// A failed open ends the run.
+// Opens the plot file <name> + plotFileExtension() and writes title, variables and metadata. A
+// binary run that appends resumes an existing file, any other run replaces it. A failed open ends
+// the run.
 void tecplotFileOpen(std::string_view name, std::string_view title, Domain& domain);
 
-// Hands finished zones to the disk where the form of the file holds them back; text does not.
+// Writes the headers of all complete zones of a binary file, so that readers see them. A text file
+// needs no flush.
 void tecplotFileFlush(Domain& domain);
 
 // Ends the file; nothing happens if it was never opened. A binary file that a later run may
@@ -45,7 +54,7 @@ void tecplotFileClose(Domain& domain);
 // The eight auxiliary values of a data set: program, time, problem and base units.
 void tecplotMetadata(Domain& domain);
 
-// The same as text on any open unit, whatever the form of the plot files.
+// The same as text on any open unit, for files that are no data sets.
 void tecplotMetadataAscii(int unit);
 
 } // namespace plot_data

@@ -26,15 +26,15 @@ TextBlock beginBlock(int unit) {
     return {unit, blockBegin()};
 }
 
-std::int64_t makeRoom(TextBlock& block, std::int64_t rowBytes) {
-    const std::int64_t room = blockBegin() + blockSize - block.end;
-    if (room >= rowBytes) return room / rowBytes;
+std::int64_t ensureSpace(TextBlock& block, std::int64_t rowBytes) {
+    const std::int64_t space = blockBegin() + blockSize - block.end;
+    if (space >= rowBytes) return space / rowBytes;
     writeBlock(block);
     return static_cast<std::int64_t>(blockSize) / rowBytes;
 }
 
 void appendLine(TextBlock& block, std::string_view line) {
-    makeRoom(block, static_cast<std::int64_t>(line.size()) + 1);
+    ensureSpace(block, static_cast<std::int64_t>(line.size()) + 1);
     block.end = std::copy(line.begin(), line.end(), block.end);
     *block.end++ = '\n';
 }

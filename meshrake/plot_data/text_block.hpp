@@ -15,9 +15,9 @@ struct TextBlock {
 // An empty block for the file of `unit`.
 TextBlock beginBlock(int unit);
 
-// Makes room for a row of `rowBytes` bytes, by writing the block and beginning anew where it is too
-// full. Returns how many such rows fit.
-std::int64_t makeRoom(TextBlock& block, std::int64_t rowBytes);
+// Ensures space for a row of `rowBytes` bytes: a block that is too full is written and emptied.
+// Returns how many such rows fit.
+std::int64_t ensureSpace(TextBlock& block, std::int64_t rowBytes);
 
 void appendLine(TextBlock& block, std::string_view line);
 

@@ -8,8 +8,12 @@ namespace plot_data {
 
 // Opens the next zone with the output counts of the domain. `solutionTime` may be blank; a
 // `connectivityShareZone` above 0 takes the element lists of that zone. The lists of shared and
-// cell-centred variables are used up.
+// cell-centred variables are emptied.
 void tecplotWriteZoneFE(std::string_view title, std::string_view solutionTime,
                         int connectivityShareZone, model::Domain& domain);
+
+// Writes the node lists of the included elements, numbered as the nodes of the output mesh. An
+// unused slot repeats a node or, if its shape repeats none, is 0.
+void tecplotWriteConnectivity(model::Domain& domain);
 
 } // namespace plot_data

@@ -4,6 +4,7 @@
 #include "meshrake/plot_control/control_reading.hpp"
 #include "meshrake/plot_control/control_template.hpp"
 #include "meshrake/plot_control/control_text.hpp"
+#include "meshrake/plot_data/data_set.hpp"
 #include "meshrake/run/banner.hpp"
 #include "tvncommon/diagnostics/error.hpp"
 #include "tvncommon/io/file_units.hpp"
@@ -42,6 +43,7 @@ void readControl(const std::string& name, Domains& domains) {
     plot_control::readPlotControlInit();
     for (model::Domain* domain : processingOrder(domains)) plot_control::readPlotControl(*domain);
     plot_control::readPlotControl(domains.addition);
+    plot_data::selectWriter();
     file_units::freeUnit(run.controlUnit);
     file_units::freeUnit(scratch);
 }

@@ -3,7 +3,6 @@
 #include "meshrake/derived_columns/mesh_columns.hpp"
 #include "meshrake/model/run_state.hpp"
 #include "meshrake/plot_data/array_writing.hpp"
-#include "meshrake/plot_data/connectivity.hpp"
 #include "meshrake/plot_data/data_set.hpp"
 #include "meshrake/plot_data/unit_labels.hpp"
 #include "meshrake/plot_data/zone.hpp"

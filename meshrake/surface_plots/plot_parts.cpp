@@ -10,7 +10,6 @@
 namespace surface_plots {
 
 using model::Domain;
-using model::run;
 using model::write_string;
 
 void checkSurface(const Domain& olf, std::string_view plot) {
@@ -35,7 +34,7 @@ std::string announcePlot(std::string_view plot, std::string_view file) {
     write_string(" ");
     write_string(std::string(48, '-'));
     write_string(plot);
-    write_string("Creating Tecplot file " + name + (run.tecplotBinary ? ".szplt" : ".dat"));
+    write_string("Creating Tecplot file " + name + std::string(plot_data::plotFileExtension()));
     return name;
 }
 

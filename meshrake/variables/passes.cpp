@@ -1,7 +1,6 @@
 #include "meshrake/variables/passes.hpp"
 
 #include "meshrake/model/run_state.hpp"
-#include "meshrake/plot_data/connectivity.hpp"
 #include "meshrake/plot_data/data_set.hpp"
 #include "meshrake/plot_data/unit_labels.hpp"
 #include "meshrake/plot_data/zone.hpp"

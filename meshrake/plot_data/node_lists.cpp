@@ -1,13 +1,9 @@
-#include "meshrake/plot_data/connectivity.hpp"
+#include "meshrake/plot_data/node_lists.hpp"
 
 #include "meshrake/model/cell_patterns.hpp"
 #include "meshrake/model/run_state.hpp"
-#include "meshrake/plot_data/binary_data_set.hpp"
-#include "meshrake/plot_data/text_block.hpp"
 #include "tvncommon/diagnostics/ArrayHelpers.hpp"
-#include "tvncommon/text/number_formats.hpp"
 
-#include <algorithm>
 #include <array>
 
 namespace plot_data {
@@ -93,51 +89,27 @@ bool isWholeMesh(const Domain& domain, const CellPattern& pattern) {
            !domain.nodeRenumber.empty() && domain.nodeRenumber.back() == domain.nodeCount;
 }
 
-// Node lists of the included elements into `write`, as many at a time as stay in the cache.
-template<class Write>
-void writeRows(const Domain& domain, const CellPattern& pattern, Write write) {
+} // namespace
+
+void writeNodeLists(const Domain& domain, const WriteNodeLists& write) {
+    const CellPattern& pattern = model::cellPattern(domain.nodesPerElement);
     if (pattern.length == 0) return;
     if (isWholeMesh(domain, pattern))
-        return write(domain.elementNodes.data(), std::int64_t{domain.elementCount});
+        return write(domain.elementNodes.data(), domain.elementCount, pattern.length);
     const OwnNodes own = ownNodesOf(domain);
-    constexpr std::int64_t rowsAtOnce = 4096;
-    std::array<std::int32_t, rowsAtOnce * model::maximumCellSlots> nodes;
-    std::int64_t rows = 0;
+    // A piece stays in the cache until it is in the file.
+    constexpr std::int64_t listsPerPiece = 4096;
+    std::array<std::int32_t, listsPerPiece * model::maximumCellSlots> nodes;
+    std::int64_t lists = 0;
     const auto count = static_cast<std::size_t>(domain.elementCount);
     for (std::size_t e = 0; e < count; ++e) {
         if (!domain.elementIncluded[e]) continue;
-        tecplotElemConnectivity(domain, own, pattern, e, nodes.data() + rows * pattern.length);
-        if (++rows < rowsAtOnce) continue;
-        write(nodes.data(), rows);
-        rows = 0;
+        tecplotElemConnectivity(domain, own, pattern, e, nodes.data() + lists * pattern.length);
+        if (++lists < listsPerPiece) continue;
+        write(nodes.data(), lists, pattern.length);
+        lists = 0;
     }
-    if (rows > 0) write(nodes.data(), rows);
-}
-
-void writeText(Domain& domain, const CellPattern& pattern) {
-    TextBlock block = beginBlock(domain.tecplotUnit);
-    appendLine(block, "# element node lists");
-    const std::int64_t rowBytes = pattern.length * (number_formats::integerWidth + 1) + 1;
-    writeRows(domain, pattern, [&](const std::int32_t* nodes, std::int64_t rows) {
-        while (rows > 0) {
-            const std::int64_t n = std::min(rows, makeRoom(block, rowBytes));
-            block.end = number_formats::writeConnectivityRows(nodes, n, pattern.length, block.end);
-            nodes += n * pattern.length;
-            rows -= n;
-        }
-    });
-    writeBlock(block);
-}
-
-} // namespace
-
-void tecplotWriteConnectivity(Domain& domain) {
-    const CellPattern& pattern = model::cellPattern(domain.nodesPerElement);
-    if (!run.tecplotBinary) return writeText(domain, pattern);
-    writeRows(domain, pattern, [&](const std::int32_t* nodes, std::int64_t rows) {
-        binary::writeNodes(rows * pattern.length, nodes, domain);
-    });
-    if (domain.neTruncated == 0 || pattern.length == 0) binary::writeNodes(0, nullptr, domain);
+    if (lists > 0) write(nodes.data(), lists, pattern.length);
 }
 
 } // namespace plot_data

@@ -1,0 +1,192 @@
+#include "meshrake/model/run_state.hpp"
+#include "meshrake/plot_data/data_set.hpp"
+#include "meshrake/plot_data/node_lists.hpp"
+#include "meshrake/plot_data/text_block.hpp"
+#include "meshrake/plot_data/writer_functions.hpp"
+#include "tvncommon/diagnostics/error.hpp"
+#include "tvncommon/io/file_units.hpp"
+#include "tvncommon/io/io_layer.hpp"
+#include "tvncommon/text/StringHelpers.hpp"
+#include "tvncommon/text/number_formats.hpp"
+
+#include <algorithm>
+#include <array>
+#include <type_traits>
+
+namespace plot_data {
+
+using model::DataSet;
+using model::run;
+
+namespace {
+
+using number_formats::valuesPerRow;
+static_assert(valuesPerPiece % valuesPerRow == 0);
+
+// The format has these limits. A longer zone line, or a longer list of variable numbers in it, is
+// cut without a message.
+constexpr int headerLimit = 512;
+constexpr int listLimit = 512;
+
+std::string trimmed(std::string_view text) {
+    return std::string(StringHelpers::trimRight(text));
+}
+
+void appendLine(std::string& text, const std::string& line) {
+    if (!text.empty()) text += '\n';
+    text += line;
+}
+
+void addVariableName(std::string_view name, Domain& domain) {
+    domain.dataSet.varNameList += "\"" + std::string(name) + "\"";
+}
+
+void addDataType(DataType type, Domain& domain) {
+    std::string& list = domain.dataSet.varTypeList;
+    if (!list.empty()) list += ',';
+    list += tecDt2String(type);
+}
+
+void addUnit(std::string_view varName, std::int32_t varNumber, const std::string& unit,
+             Domain& domain) {
+    if (unit.empty()) return;
+    const std::string name(StringHelpers::trimLeft(StringHelpers::trimRight(varName)));
+    appendLine(domain.dataSet.unitComments, "# " + name + " units: " + unit);
+    appendLine(domain.dataSet.unitAuxData,
+               "VARAUXDATA " + std::to_string(varNumber) + " Units=\"" + unit + "\"");
+}
+
+void openFile(std::string_view name, std::string_view title, Domain& domain) {
+    const std::string path = model::fileName(std::string(name) + ".dat");
+    if (domain.tecplotUnit < 1) domain.tecplotUnit = file_units::getUnit();
+    error::checkFileOpen(
+        io_layer::openTextReplace(domain.tecplotUnit, path, io_layer::Flush::inBlocks), path);
+    file_units::writeLine(domain.tecplotUnit, "TITLE = \"" + trimmed(title) + "\"");
+    file_units::writeLine(domain.tecplotUnit, "VARIABLES = " + domain.dataSet.varNameList);
+}
+
+void writeMetadata(std::string_view key, std::string_view value, Domain& domain) {
+    file_units::writeLine(domain.tecplotUnit,
+                          "DATASETAUXDATA " + std::string(key) + "=\"" + trimmed(value) + "\"");
+}
+
+void writeUnits(Domain& domain) {
+    const DataSet& set = domain.dataSet;
+    if (!set.unitComments.empty()) file_units::writeLine(domain.tecplotUnit, set.unitComments);
+    if (!set.unitAuxData.empty()) file_units::writeLine(domain.tecplotUnit, set.unitAuxData);
+}
+
+// Text reaches the file as it is written.
+void flushFile(Domain&) {}
+
+void closeFile(Domain& domain) {
+    if (domain.tecplotUnit < 1 || domain.dataSet.fileName.empty()) return;
+    model::write_string("Closing tecplot file: " + domain.dataSet.fileName);
+    file_units::freeUnit(domain.tecplotUnit);
+    domain.tecplotUnit = -1;
+}
+
+std::string listOf(const std::vector<std::int32_t>& numbers) {
+    std::string list;
+    for (const std::int32_t number : numbers)
+        list += (list.empty() ? "" : ",") + std::to_string(number);
+    return std::string(StringHelpers::cut(list, listLimit));
+}
+
+void appendPart(std::string& zoneHeader, std::string_view part) {
+    zoneHeader = StringHelpers::cut(trimmed(zoneHeader) + std::string(part), headerLimit);
+}
+
+void writeZone(std::string_view title, std::string_view solutionTime, int connectivityShareZone,
+               Domain& domain) {
+    DataSet& set = domain.dataSet;
+    ++set.zoneNumber;
+    std::string zoneHeader;
+    appendPart(zoneHeader, "ZONE T=\"" + trimmed(title) + "\"");
+    const std::string_view time = StringHelpers::trimLeft(StringHelpers::trimRight(solutionTime));
+    if (!time.empty()) appendPart(zoneHeader, ", SOLUTIONTIME=" + std::string(time));
+    appendPart(zoneHeader, ", DATAPACKING=BLOCK");
+    appendPart(zoneHeader, ", NODES=" + std::to_string(domain.nnTruncated));
+    appendPart(zoneHeader, ", ELEMENTS=" + std::to_string(domain.neTruncated));
+    appendPart(zoneHeader, ", ZONETYPE=" + domain.zoneType);
+    if (!run.cellCenteredVars.empty())
+        appendPart(zoneHeader,
+                   ", VARLOCATION=([" + listOf(run.cellCenteredVars) + "]=CELLCENTERED)");
+    if (set.zoneNumber > 1 && !run.sharedVars.empty())
+        appendPart(zoneHeader, ", VARSHARELIST=([" + listOf(run.sharedVars) + "])");
+    if (connectivityShareZone > 0)
+        appendPart(zoneHeader, ", CONNECTIVITYSHAREZONE=" + std::to_string(connectivityShareZone));
+    file_units::writeLine(domain.tecplotUnit, StringHelpers::trimRight(zoneHeader));
+    if (!set.varTypeList.empty())
+        file_units::writeLine(domain.tecplotUnit, "DT=(" + set.varTypeList + ")");
+}
+
+// Rows of five values; only the last row of an array may be shorter.
+template<class T>
+void appendValues(TextBlock& block, std::span<const T> values) {
+    constexpr bool isReal = std::is_floating_point_v<T>;
+    constexpr std::int64_t rowBytes =
+        isReal ? number_formats::realRowBytes : number_formats::integerRowBytes;
+    const T* next = values.data();
+    for (std::int64_t rows = std::ssize(values) / valuesPerRow; rows > 0;) {
+        const std::int64_t n = std::min(rows, ensureSpace(block, rowBytes));
+        if constexpr (isReal)
+            block.end = number_formats::writeRealRows(next, n, block.end);
+        else
+            block.end = number_formats::writeIntegerRows(next, n, block.end);
+        next += n * valuesPerRow;
+        rows -= n;
+    }
+    const auto tail = static_cast<int>(std::ssize(values) % valuesPerRow);
+    if (tail == 0) return;
+    ensureSpace(block, rowBytes);
+    if constexpr (isReal)
+        block.end = number_formats::writeRealTail(next, tail, block.end);
+    else
+        block.end = number_formats::writeIntegerTail(next, tail, block.end);
+}
+
+template<class T>
+void writeArray(std::int32_t, const ValueGenerator<T>& next, std::string_view label,
+                Domain& domain) {
+    std::array<T, valuesPerPiece> buffer;
+    TextBlock block = beginBlock(domain.tecplotUnit);
+    appendLine(block, "# " + trimmed(label));
+    for (std::span<const T> piece = next(buffer); !piece.empty(); piece = next(buffer))
+        appendValues(block, piece);
+    writeBlock(block);
+}
+
+void writeConnectivity(Domain& domain) {
+    TextBlock block = beginBlock(domain.tecplotUnit);
+    appendLine(block, "# element node lists");
+    writeNodeLists(domain, [&](const std::int32_t* nodes, std::int64_t lists, int length) {
+        const std::int64_t rowBytes = length * (number_formats::integerWidth + 1) + 1;
+        while (lists > 0) {
+            const std::int64_t n = std::min(lists, ensureSpace(block, rowBytes));
+            block.end = number_formats::writeConnectivityRows(nodes, n, length, block.end);
+            nodes += n * length;
+            lists -= n;
+        }
+    });
+    writeBlock(block);
+}
+
+} // namespace
+
+const WriterFunctions textWriter{.extension = ".dat",
+                                 .addVariableName = addVariableName,
+                                 .addDataType = addDataType,
+                                 .addUnit = addUnit,
+                                 .openFile = openFile,
+                                 .writeMetadata = writeMetadata,
+                                 .writeUnits = writeUnits,
+                                 .flushFile = flushFile,
+                                 .closeFile = closeFile,
+                                 .writeZone = writeZone,
+                                 .writeReal4 = writeArray<float>,
+                                 .writeReal8 = writeArray<double>,
+                                 .writeInt4 = writeArray<std::int32_t>,
+                                 .writeConnectivity = writeConnectivity};
+
+} // namespace plot_data
