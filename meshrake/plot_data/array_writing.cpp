@@ -2,6 +2,7 @@
 
 #include "meshrake/plot_data/writer_functions.hpp"
 
+#include <algorithm>
 #include <utility>
 
 namespace plot_data {
@@ -17,14 +18,16 @@ std::span<const T> arrayOf(const T* values, std::int64_t count) {
 
 template<class T>
 ValueGenerator<T> maskedValues(std::span<const T> values, const std::uint8_t* mask) {
-    return [=, next = std::size_t{0}](std::span<T> buffer) mutable -> std::span<const T> {
+    return [=, i = std::size_t{0}](std::span<T> buffer) mutable -> std::span<const T> {
         std::size_t n = 0;
-        std::size_t i = next; // a local counter stays in a register
-        for (; i < values.size() && n < buffer.size(); ++i) {
-            buffer[n] = values[i];
-            n += mask[i];
+        while (i < values.size() && n < buffer.size()) {
+            // So many fit even if the mask selects all of them.
+            const std::size_t end = i + std::min(values.size() - i, buffer.size() - n);
+            for (; i < end; ++i) {
+                buffer[n] = values[i];
+                n += mask[i];
+            }
         }
-        next = i;
         return buffer.first(n);
     };
 }
