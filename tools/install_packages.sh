@@ -25,6 +25,7 @@ missing_packages() {
         tests)
             has_header gtest/gtest.h || echo libgtest-dev
             has_header gmock/gmock.h || echo libgmock-dev
+            /usr/bin/python3 -c 'import numpy' 2>/dev/null || echo python3-numpy
             ;;
         bench)
             has_header benchmark/benchmark.h || echo libbenchmark-dev

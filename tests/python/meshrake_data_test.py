@@ -1,0 +1,128 @@
+"""Tests of meshrake_data: data sets of all domains, text and binary, truncated, cut and damaged.
+
+    meshrake_data_test.py MODULE_FOLDER MESHRAKE MAKE_PROBLEM
+"""
+
+import os
+import pathlib
+import shutil
+import subprocess
+import sys
+import tempfile
+import unittest
+
+try:
+    import numpy
+except ImportError:
+    print("skipped: numpy is not installed (Debian's python3-numpy)")
+    sys.exit(77)
+
+MODULE, MESHRAKE, MAKE_PROBLEM = (os.path.abspath(path) for path in sys.argv[1:4])
+sys.path.insert(0, MODULE)
+import meshrake_data  # noqa: E402
+
+DOMAINS = ["pm", "dual", "olf", "frac", "chan", "well", "tile"]
+WHOLE_PM = "tecplot mode\nend\nwrite pm domain file\nend\n"
+BOX = ("tecplot mode\nend\nwrite pm domain file\ntruncate pm domain\n0 300\n0 300\n"
+       "-1e20 1e20\nend\nend\n")
+
+
+class BothForms(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.folder = pathlib.Path(tempfile.mkdtemp())
+        subprocess.run(
+            [MAKE_PROBLEM, "--prefix", "t", "--nx", "5", "--ny", "4", "--layers", "3", "--times",
+             "3", "--variables", "all", "--domains", ",".join(DOMAINS[1:]), "--species",
+             "Nitrate,Heat:heat", cls.folder / "problem"],
+            check=True, stdout=subprocess.DEVNULL)
+
+    @classmethod
+    def tearDownClass(cls):
+        shutil.rmtree(cls.folder)
+
+    def run_program(self, name, control):
+        """A folder with the plot files of a run with this control text."""
+        folder = self.folder / name
+        shutil.copytree(self.folder / "problem", folder)
+        (folder / "t.plot.control").write_text(control)
+        subprocess.run([MESHRAKE], cwd=folder, check=True, capture_output=True)
+        return folder
+
+    def pair(self, name, control):
+        return (self.run_program(name + "_text", control),
+                self.run_program(name + "_binary", control.replace("tecplot mode", "tecplot binary mode")))
+
+    def assert_equal(self, text, binary):
+        for data in (text, binary):
+            self.assertTrue(data.aux.pop("Date_Created"))
+        for one in ("title", "aux", "variables", "units"):
+            self.assertEqual(getattr(text, one), getattr(binary, one))
+        numpy.testing.assert_array_equal(text.times, binary.times)
+        numpy.testing.assert_array_equal(text.connectivity, binary.connectivity)
+        for zone in range(len(text.zones)):
+            for v, name in enumerate(text.variables):
+                centred = binary.is_cell_centred(v, zone)
+                self.assertEqual(text.is_cell_centred(v, zone), centred)
+                a, b = text.values(v, zone), binary.values(v, zone)
+                self.assertEqual(a.dtype, b.dtype, name)
+                numpy.testing.assert_array_equal(a, b, name)
+                here = binary.zones[zone]
+                self.assertEqual(len(b), here.elements if centred else here.nodes)
+
+    def test_all_domains(self):
+        control = "tecplot mode\nend\n" + "".join(
+            f"write {domain} domain file\nend\n" for domain in DOMAINS)
+        text, binary = self.pair("all", control)
+        for domain in DOMAINS:
+            with self.subTest(domain):
+                a = meshrake_data.open(text / f"to.{domain}.dat")
+                b = meshrake_data.open(binary / f"to.{domain}.szplt")
+                self.assertEqual(list(a.times), [0, 3600, 7200])
+                self.assert_equal(a, b)
+                for last in (-1, b.zones[0].nodes - 1):
+                    expected = [b["Z", time][last] for time in b.times]
+                    numpy.testing.assert_array_equal(a.series("Z", last), expected)
+                    numpy.testing.assert_array_equal(b.series("Z", last), expected)
+                with self.assertRaises(IndexError):
+                    a.series("Z", a.zones[0].nodes)
+                with self.assertRaises(KeyError):
+                    b["Z", 1]
+                with self.assertRaises(KeyError):
+                    b["no such variable", 0]
+
+    def test_truncated_set(self):
+        text, binary = self.pair("box", BOX)
+        a, b = meshrake_data.open(text / "to.pm.dat"), meshrake_data.open(binary / "to.pm.szplt")
+        self.assertLess(0, b.zones[0].nodes)
+        self.assertLess(b.connectivity.max(), b.zones[0].nodes)
+        self.assert_equal(a, b)
+
+    def test_cut_and_damaged_sets(self):
+        text, binary = self.pair("cut", WHOLE_PM)
+        path = text / "to.pm.dat"
+        os.truncate(path, path.stat().st_size - 1)
+        self.assertEqual(list(meshrake_data.open(path).times), [0, 3600])
+
+        path = binary / "to.pm.szplt"
+        whole = path.read_bytes()
+        for length in (8, 40, 4000, len(whole) // 2, len(whole) - 4):
+            path.write_bytes(whole[:length])
+            with self.assertRaises(meshrake_data.Damaged, msg=length):
+                meshrake_data.open(path)
+        path.write_bytes(b"no data set\n")
+        with self.assertRaises(meshrake_data.Damaged):
+            meshrake_data.open(path)
+
+    def test_xarray(self):
+        try:
+            import xarray  # noqa: F401
+        except ImportError:
+            self.skipTest("xarray is not installed")
+        data = meshrake_data.open(self.run_program("xarray", WHOLE_PM) / "to.pm.dat")
+        head = data.to_xarray()["Head"]
+        self.assertEqual(head.dims, ("time", "node"))
+        numpy.testing.assert_array_equal(head.sel(time=3600.0), data["Head", 3600.0])
+
+
+unittest.main(argv=sys.argv[:1])
