@@ -8,31 +8,24 @@
 
 #include "meshrake/variables/common_node_table.hpp"
 #include "meshrake/variables/variable_table.hpp"
+#include "tools/page.hpp"
 
 #include <algorithm>
 #include <cstdio>
-#include <fstream>
 #include <iterator>
 #include <span>
 #include <sstream>
 #include <string>
 #include <string_view>
-#include <utility>
 
 namespace {
 
 using model::DataType;
-using model::DomainSet;
+using page::code;
 using plot_data::Family;
 using plot_data::Location;
 using plot_data::Timing;
 using plot_data::VariableRow;
-
-constexpr std::pair<std::string_view, DomainSet> tagNames[] = {
-    {"pm", model::tags::pm},     {"dual", model::tags::dual}, {"frac", model::tags::frac},
-    {"olf", model::tags::olf},   {"well", model::tags::well}, {"chan", model::tags::chan},
-    {"tile", model::tags::tile},
-};
 
 struct Note {
     std::string_view key;
@@ -110,24 +103,6 @@ bool notesFit(std::span<const VariableRow> table) {
         fit = false;
     }
     return fit;
-}
-
-std::string listOfTags(DomainSet domains) {
-    std::string list;
-    for (const auto& [name, bit] : tagNames)
-        if (domains & bit) list += (list.empty() ? "" : ", ") + std::string(name);
-    return list;
-}
-
-std::string domainsOf(const VariableRow& row) {
-    if (row.domains == model::tags::anyDomain) return "all";
-    const DomainSet missing = model::tags::anyDomain & ~row.domains;
-    const bool allButOne = (missing & (missing - 1)) == 0;
-    return allButOne ? "all but " + listOfTags(missing) : listOfTags(row.domains);
-}
-
-std::string code(std::string_view text) {
-    return text.empty() ? "" : "`" + std::string(text) + "`";
 }
 
 // What the columns and files of a row are called. The members of a family go by their own names.
@@ -230,13 +205,13 @@ void printTable(std::ostringstream& out, std::span<const VariableRow> table) {
     for (const VariableRow& row : table) {
         const std::string names = namesOf(namedRow(row));
         if (names.empty()) continue; // a step between the columns
-        out << "| " << names << " | " << domainsOf(row) << " | " << fileOf(row) << " | "
-            << valuesOf(row) << " | " << code(row.unit) << " | " << timesOf(row) << " | "
+        out << "| " << names << " | " << page::domainList(row.domains) << " | " << fileOf(row)
+            << " | " << valuesOf(row) << " | " << code(row.unit) << " | " << timesOf(row) << " | "
             << switchesOf(row) << " |\n";
     }
 }
 
-std::string page() {
+std::string pageText() {
     const std::span<const VariableRow> table = variables::variableTable();
     std::ostringstream out;
     out << introduction << "## Domains with nodes of their own, and pm\n\n";
@@ -250,25 +225,9 @@ std::string page() {
     return out.str();
 }
 
-bool isCurrent(const std::string& path, const std::string& wanted) {
-    std::ifstream file(path, std::ios::binary);
-    const std::string found((std::istreambuf_iterator<char>(file)), {});
-    if (found == wanted) return true;
-    std::fprintf(stderr, "%s is not current: print_variables > %s makes it anew\n", path.c_str(),
-                 path.c_str());
-    return false;
-}
-
 } // namespace
 
 int main(int argc, char** argv) {
     if (!notesFit(variables::variableTable())) return 1;
-    const std::string text = page();
-    if (argc == 3 && std::string_view(argv[1]) == "--check")
-        return isCurrent(argv[2], text) ? 0 : 1;
-    if (argc != 1) {
-        std::fprintf(stderr, "usage: print_variables [--check FILE]\n");
-        return 2;
-    }
-    return std::fwrite(text.data(), 1, text.size(), stdout) == text.size() ? 0 : 1;
+    return page::printOrCheck(argc, argv, pageText());
 }

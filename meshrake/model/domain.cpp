@@ -33,8 +33,6 @@ void buildLabels(Domain& domain) {
     domain.writeDomain = {"write " + domain.name + " domain file", true};
     for (const OptionRow& row : optionTable)
         optionOf(domain, row.option) = {optionLabel(row, domain.name), true};
-    domain.truncateDomain = "truncate " + domain.name + " domain";
-    domain.truncateByLayer = "truncate " + domain.name + " domain by layer";
 }
 
 } // namespace

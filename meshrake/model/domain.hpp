@@ -82,7 +82,6 @@ struct Domain {
     std::vector<std::int32_t> fractureLink; // frac: elementCount first values, then the second
     std::vector<double> fractureAperture;   // frac: elementCount, length unit
 
-    std::string truncateDomain, truncateByLayer; // labels of the two truncation instructions
     bool truncateEnabled = false; // asked for; after truncation: the output is packed
     bool truncateByLayerEnabled = false;
     std::array<double, 6> truncateBounds{-1e20, 1e20, -1e20, 1e20, -1e20, 1e20}; // x, y, z pairs

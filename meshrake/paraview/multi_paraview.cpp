@@ -4,6 +4,7 @@
 #include "meshrake/model/result_files.hpp"
 #include "meshrake/model/run_state.hpp"
 #include "meshrake/paraview/array_rows.hpp"
+#include "meshrake/paraview/vtk_tables.hpp"
 #include "tvncommon/io/file_units.hpp"
 #include "tvncommon/io/io_layer.hpp"
 #include "tvncommon/text/number_formats.hpp"
@@ -20,8 +21,6 @@ using model::Domain;
 using model::Option;
 using model::OutputVar;
 using model::run;
-using namespace model::tags;
-using enum model::Option;
 
 namespace {
 
@@ -149,58 +148,6 @@ void writeColumn(Output& out, OutputVar& var, std::size_t column, const Extent& 
         write_paraview_array(values.real4, extent, label, out.dataIndex, out.unit);
 }
 
-// One column of a variable as scalars.
-struct ScalarRow {
-    std::string_view key;
-    model::DomainSet domains;
-    Option option;
-    std::string_view label;
-    std::size_t column = 0;
-    bool ofElements = false;
-    std::string_view presentWith{}; // key of another variable whose presence counts
-};
-
-// clang-format off
-constexpr ScalarRow nodeRows[] = {
-    {"head", anyDomain, heads, "POINT_DATA,SCALARS head float"},
-    {"head", olf | chan, heads, "POINT_DATA,SCALARS depth float", 1},
-    {"head", olf | chan, heads, "POINT_DATA,SCALARS log10Depth float", 2},
-    {"envH", pm, environmentalHead, "POINT_DATA,SCALARS ice_saturation float"},
-    {"sat", pm | dual | olf, saturations, "POINT_DATA,SCALARS saturation float"},
-    {"depth2gwt", pm, depthToWaterTable, "POINT_DATA,SCALARS Depth2GWT float", 0, false, "head"},
-    {"iceSat", pm, iceSaturation, "POINT_DATA,SCALARS ice_saturation float"},
-    {"etEvap", olf, et, "POINT_DATA,SCALARS surface_water_evapopration float"},
-    {"etPmEvap", olf, et, "POINT_DATA,SCALARS surface_evapopration float"},
-    {"etPmTranspire", olf, et, "POINT_DATA,SCALARS surface_transpiration float"},
-    {"etActual", olf, et, "POINT_DATA,SCALARS Actual_ET float"},
-    {"et3dEvap", pm, et3d, "POINT_DATA,SCALARS subsurface_evaporation float"},
-    {"et3dTranspire", pm, et3d, "POINT_DATA,SCALARS subsurface_transpiration float"},
-    {"rainSnowmelt", olf, rainAndSnowmelt, "CELL_DATA,SCALARS snowdepth float", 0, true},
-    {"rainSnowmelt", olf, rainAndSnowmelt, "CELL_DATA,SCALARS snowmelt float", 1, true},
-    {"rainSnowmelt", olf, rainAndSnowmelt, "CELL_DATA,SCALARS liquid_precipitation float", 2, true},
-    {"rainSnowmelt", olf, rainAndSnowmelt, "CELL_DATA,SCALARS solid_precipitation float", 3, true},
-    {"rainSnowmelt", olf, rainAndSnowmelt, "POINT_DATA,SCALARS snowcover float", 4},
-    {"exchFluxDual", dual, exchangeFlux, "POINT_DATA,SCALARS exchange_flux float"},
-    {"exchFlux", anyDomain & ~dual, exchangeFlux, "POINT_DATA,SCALARS exchange_flux float"},
-    {"exchFluxPm", anyDomain, exchangeFlux, "POINT_DATA,SCALARS exchange_flux_pm2 float"},
-    {"exchFluxOlf", anyDomain, exchangeFlux, "POINT_DATA,SCALARS exchange_flux_olf2 float"},
-};
-
-// Specific storage stands under the name of porosity.
-constexpr ScalarRow elementRows[] = {
-    {"elemK", anyDomain, elementK, "CELL_DATA,SCALARS Kxx float", 0, true},
-    {"elemK", anyDomain, elementK, "CELL_DATA,SCALARS Kyy float", 1, true},
-    {"elemK", anyDomain, elementK, "CELL_DATA,SCALARS Kzz float", 2, true},
-    {"elemPor", anyDomain, elementPorosity, "CELL_DATA,SCALARS Porosity float", 0, true},
-    {"elemStor", anyDomain, elementSpecificStorage, "CELL_DATA,SCALARS Porosity float", 0, true},
-    {"elemTort", anyDomain, elementTortuosity, "CELL_DATA,SCALARS Tortuosity float", 0, true},
-    {"elemIbedFraction", anyDomain, elementCompressibleFraction,
-     "CELL_DATA,SCALARS IbedFractionosity float", 0, true},
-    {"elemVolume", anyDomain, elementVolume, "CELL_DATA,SCALARS Volume float", 0, true},
-    {"permafrost", anyDomain, permafrost, "CELL_DATA,SCALARS Permafrost float", 0, true},
-};
-// clang-format on
-
 void writeScalars(Output& out, const ScalarRow& row) {
     Domain& domain = out.domain;
     const std::string_view present = row.presentWith.empty() ? row.key : row.presentWith;
@@ -209,30 +156,30 @@ void writeScalars(Output& out, const ScalarRow& row) {
                 row.ofElements ? elements(domain) : nodes(domain), row.label);
 }
 
-void writeFamily(Output& out, std::string_view key, Option option,
-                 const std::vector<std::string>& names) {
-    if (!isShown(out.domain, key, option)) return;
-    OutputVar& var = model::outputVar(out.domain, key);
+void writeFamily(Output& out, const FamilyRow& row) {
+    if (!isShown(out.domain, row.key, row.option)) return;
+    OutputVar& var = model::outputVar(out.domain, row.key);
+    const std::vector<std::string>& names = run.*row.names;
     for (std::size_t member = 0; member < names.size(); ++member)
         writeColumn(out, var, member, nodes(out.domain),
                     "POINT_DATA,SCALARS " + names[member] + " float");
 }
 
-// The same name for all species; immobile ones are not exchanged.
-void writeExchange(Output& out, std::string_view key, std::string_view label) {
-    if (!isShown(out.domain, key, soluteExchange)) return;
-    OutputVar& var = model::outputVar(out.domain, key);
+// Immobile species are not exchanged: their arrays are zeros.
+void writeExchange(Output& out, const ArrayRow& row) {
+    if (!isShown(out.domain, row.key, row.option)) return;
+    OutputVar& var = model::outputVar(out.domain, row.key);
     for (std::size_t mobile = 0; mobile < var.columns.size(); ++mobile)
-        writeColumn(out, var, mobile, nodes(out.domain), label);
+        writeColumn(out, var, mobile, nodes(out.domain), row.label);
     if (var.columns.size() >= run.speciesNames.size()) return;
     const std::vector<float> zeros(static_cast<std::size_t>(out.domain.nodeCount));
     for (std::size_t s = var.columns.size(); s < run.speciesNames.size(); ++s)
-        write_paraview_array(zeros, nodes(out.domain), label, ++out.dataIndex, out.unit);
+        write_paraview_array(zeros, nodes(out.domain), row.label, ++out.dataIndex, out.unit);
 }
 
 void writeNodeLink(Output& out) {
     const Domain& domain = out.domain;
-    if (domain.tag == pm) return;
+    if (domain.tag == model::tags::pm) return;
     if (++out.dataIndex == 1) {
         line(out, "");
         line(out, "POINT_DATA " + count(domain.nodeCount));
@@ -244,31 +191,26 @@ void writeNodeLink(Output& out) {
 }
 
 void writeNodeData(Output& out) {
-    for (const ScalarRow& row : nodeRows) writeScalars(out, row);
-    writeFamily(out, "conc", concentrations, run.speciesNames);
-    writeFamily(out, "hmc", hmcFractions, run.hmcFractionNames);
-    writeExchange(out, "exchSolAdv", "POINT_DATA,SCALARS adv_solute_exchange float");
-    writeExchange(out, "exchSolDisp", "POINT_DATA,SCALARS disp_solute_exchange float");
-    if (out.domain.tag == frac && model::enabled(out.domain, aperture))
+    for (const ScalarRow& row : nodeScalars()) writeScalars(out, row);
+    for (const FamilyRow& row : families()) writeFamily(out, row);
+    for (const ArrayRow& row : soluteExchanges()) writeExchange(out, row);
+    if (out.domain.tag == model::tags::frac && model::enabled(out.domain, Option::aperture))
         write_paraview_darray(out.domain.fractureAperture, elements(out.domain),
                               "POINT_DATA,SCALARS aperture float", ++out.dataIndex, out.unit);
     writeNodeLink(out);
 }
 
-void writeVectors(Output& out, std::string_view key, Option option, std::string_view label) {
-    if (!isShown(out.domain, key, option)) return;
-    const std::vector<model::Column>& columns = model::outputVar(out.domain, key).columns;
+void writeVectors(Output& out, const ArrayRow& row) {
+    if (!isShown(out.domain, row.key, row.option)) return;
+    const std::vector<model::Column>& columns = model::outputVar(out.domain, row.key).columns;
     write_paraview_vector_array(columns[0].real4, columns[1].real4, columns[2].real4,
-                                elements(out.domain), label, ++out.dataIndex, out.unit);
+                                elements(out.domain), row.label, ++out.dataIndex, out.unit);
 }
 
 void writeElementData(Output& out) {
     out.dataIndex = 0;
-    writeVectors(out, "vel", linearVelocities, "CELL_DATA,VECTORS linear_velocity_xyz float");
-    writeVectors(out, "peclet", pecletNumber, "CELL_DATA,VECTORS Peclet_xyz float");
-    writeVectors(out, "diffPeclet", diffusionPecletNumber,
-                 "CELL_DATA,VECTORS Diffusion_Peclet_xyz float");
-    for (const ScalarRow& row : elementRows) writeScalars(out, row);
+    for (const ArrayRow& row : vectors()) writeVectors(out, row);
+    for (const ScalarRow& row : elementScalars()) writeScalars(out, row);
 }
 
 } // namespace

@@ -2,9 +2,8 @@
 
 #include "meshrake/model/result_files.hpp"
 #include "meshrake/model/run_state.hpp"
+#include "meshrake/plot_control/instruction_table.hpp"
 #include "tvncommon/io/file_units.hpp"
-#include "tvncommon/io/io_layer.hpp"
-#include "tvncommon/text/number_formats.hpp"
 
 namespace plot_control {
 
@@ -17,76 +16,53 @@ void line(const std::string& text) {
     file_units::writeLine(run.controlUnit, text);
 }
 
-void comment(const std::string& text) {
-    line("! " + text);
+void comment(std::string_view text) {
+    line("! " + std::string(text));
 }
 
-void boundsLine(const Domain& domain, std::size_t first) {
-    comment(number_formats::exponentField(domain.truncateBounds[first], 12, 5) +
-            number_formats::exponentField(domain.truncateBounds[first + 1], 12, 5));
+bool hasObservations(const InstructionRow& row) {
+    return row.observations.empty() ||
+           (file_units::exists(model::problemFile("head_pm." + model::outputTimeIndex(1))) &&
+            file_units::exists(model::fileName(run.problemPrefix + std::string(row.observations))));
 }
 
-void truncationLines(const Domain& domain) {
-    comment(domain.truncateDomain);
-    for (std::size_t i = 0; i < 6; i += 2) boundsLine(domain, i);
-    comment(domain.truncateByLayer);
-    for (std::size_t i = 0; i < 4; i += 2) boundsLine(domain, i);
-    comment(number_formats::integerField(domain.truncateLayers[0], 12) +
-            number_formats::integerField(domain.truncateLayers[1], 12));
-}
-
-void unboundedWindow() {
-    for (int i = 0; i < 3; ++i) comment("-1.0E+20  1.0E+20");
-}
-
-// A comparison is offered where there is something to compare.
-void pmComparisonLines() {
-    if (!file_units::exists(model::problemFile("head_pm." + model::outputTimeIndex(1)))) return;
-    if (file_units::exists(model::fileName(run.problemPrefix + ".observed_heads"))) {
-        comment("compare heads 3d domain");
-        unboundedWindow();
-        comment("compare gw table elevation");
+void instructionLines(const InstructionRow& row, std::string_view tag) {
+    line((row.isActive ? "" : "! ") + instructionLine(row, tag));
+    for (std::string_view values = row.exampleValues; !values.empty();) {
+        const std::string_view first = values.substr(0, values.find('\n'));
+        comment(first);
+        values.remove_prefix(std::min(first.size() + 1, values.size()));
     }
-    if (file_units::exists(model::fileName(run.problemPrefix + ".observed_d2gwt")))
-        comment("compare depth to gw table");
 }
 
-void domainLines(const Domain& domain) {
+void sectionLines(Section section) {
+    for (const InstructionRow& row : instructionTable())
+        if (row.section == section) instructionLines(row, "");
+}
+
+void blockLines(const Domain& domain) {
     line(domain.writeDomain.label);
     for (const model::OptionRow& row : model::optionTable)
         if (row.inTemplate & domain.tag) comment(model::optionOf(domain, row.option).label);
-    truncationLines(domain);
-    if (domain.tag == model::tags::pm) pmComparisonLines();
-    if (domain.tag != model::tags::olf) return;
-    comment("compare surface water depth");
-    unboundedWindow();
-}
-
-void additionLines() {
-    comment("Additional post-processing commands");
-    comment("simulation time unit conversion factor");
-    comment("0.0  1.0");
-    comment("plot pm zone isopach structure");
-    comment("plot pm depth below ground surface");
-    comment("interpolate depth to gw table");
+    for (const InstructionRow& row : instructionTable())
+        if ((row.domains & domain.tag) && hasObservations(row)) instructionLines(row, domain.name);
 }
 
 } // namespace
 
 void writePlotControlInit() {
-    for (const char* text :
-         {"tecplot mode", "! tecplot binary mode", "! tecplot binary flush interval", "! 1",
-          "! tecplot binary append", "! truncate time domain", "! 0.0  1.0E+20",
-          "! number of digits for output file suffix", "! 4", "end"})
-        line(text);
+    sectionLines(Section::first);
+    line("end");
 }
 
 void writePlotControl(const Domain& domain) {
     if (!domain.exists) return;
-    if (domain.tag == model::tags::addition)
-        additionLines();
-    else
-        domainLines(domain);
+    if (domain.tag == model::tags::addition) {
+        comment("Additional post-processing commands");
+        sectionLines(Section::afterFirst);
+    } else {
+        blockLines(domain);
+    }
     line("end");
     line("!" + std::string(45, '-'));
 }

@@ -2,17 +2,17 @@
 
 #include "meshrake/model/domain.hpp"
 
-// The control file that a run writes when the problem has none: all instructions that fit this very
-// problem, nearly all as comments. Read again, it selects the defaults.
+// Writes the control file of a problem that has none, on `run.controlUnit`: all instructions that
+// apply to the problem, nearly all as comments. A run that reads it uses the defaults.
 namespace plot_control {
 
-// The top-level section, on `run.controlUnit`.
+// Writes the first section.
 void writePlotControlInit();
 
-// The block of one domain; nothing for a domain that does not exist.
+// Writes the block of a domain; nothing for a domain that does not exist.
 void writePlotControl(const model::Domain& domain);
 
-// The lines behind the last block.
+// Writes the lines after the last block.
 void writePlotControlEnd();
 
 } // namespace plot_control

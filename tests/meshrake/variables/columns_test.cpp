@@ -1,3 +1,6 @@
+#include "meshrake/model/run_state.hpp"
+#include "meshrake/variables/special_variables.hpp"
+#include "meshrake/variables/variable_table.hpp"
 #include "tests/support/data_set.hpp"
 #include "tests/support/runs.hpp"
 
@@ -179,6 +182,30 @@ TEST_F(ColumnValues, FilesThatEndTheRun) {
         problem[file] = contents;
         runs::expectFailure(run(), {"**\n\n" + message});
         std::filesystem::remove(file);
+    }
+}
+
+class Steps : public runs::PartOfRun {};
+
+// No pass calls pecletRead: all zones share the numbers of the first.
+TEST_F(Steps, PecletNumbersCanBeReadAtLaterTimes) {
+    Problem problem = brickProblem({1, 1, 1, 1});
+    const std::vector<Singles> components{{1}, {2}, {3}};
+    problem["to.Peclet_pm.0002"] = resultFile("2.0", components);
+    write(problem);
+    model::Domain pm;
+    create(pm, "pm", pm);
+    for (const plot_data::VariableRow& row : variables::variableTable()) {
+        if (row.key != "peclet") continue;
+        model::OutputVar var;
+        var.columns = plot_data::columnsOf(row);
+        for (model::Column& column : var.columns) plot_data::allocateColumn(pm, column, "");
+        for (const auto& [suffix, exists] : {std::pair("0002", true), std::pair("0003", false)}) {
+            model::run.timeSuffix = suffix;
+            variables::pecletRead(pm, row, var);
+            EXPECT_EQ(var.exists, exists);
+            EXPECT_EQ(var.columns[2].real4, components[2]);
+        }
     }
 }
 

@@ -1,0 +1,336 @@
+#include "meshrake/model/run_state.hpp"
+#include "meshrake/paraview/vtk_tables.hpp"
+#include "meshrake/plot_control/control_reading.hpp"
+#include "meshrake/plot_control/control_template.hpp"
+#include "meshrake/plot_control/instruction_table.hpp"
+#include "meshrake/variables/common_node_table.hpp"
+#include "meshrake/variables/variable_table.hpp"
+#include "tests/support/runs.hpp"
+#include "tvncommon/io/TVNBinaryFile.hpp"
+#include "tvncommon/io/file_units.hpp"
+#include "tvncommon/io/io_layer.hpp"
+#include "tvncommon/units/units.hpp"
+
+#include <algorithm>
+#include <filesystem>
+#include <map>
+#include <set>
+#include <sstream>
+
+// The tables of options, variables and instructions, and what refers to their rows.
+namespace {
+
+using model::Domain;
+using model::Option;
+using model::run;
+using plot_control::InstructionRow;
+using plot_control::Section;
+using plot_data::Location;
+using plot_data::VariableRow;
+using Texts = std::vector<std::string>;
+
+const Texts tagNames = {"pm", "dual", "olf", "frac", "chan", "well", "tile"};
+constexpr std::size_t lineWidth = 60; // of an instruction
+constexpr std::size_t unitWidth = 50;
+
+class Tables : public runs::PartOfRun {
+protected:
+    Tables() {
+        sample_files::makeProblem("--nx 2 --ny 2 --layers 2 --times 1 --variables all --tensor "
+                                  "--domains pm,dual,olf,frac,chan,well,tile --observations 1");
+        run.timeSuffix = "0001";
+        for (std::size_t d = 0; d < domains.size(); ++d) create(domains[d], tagNames[d], pm);
+        create(addition, "addition", pm);
+    }
+
+    // The control file of this problem, every line an instruction or values.
+    std::string templateText() {
+        sample_files::put("t.observed_d2gwt", "");
+        run.controlUnit = file_units::openTextReplace("template", io_layer::Flush::inBlocks);
+        plot_control::writePlotControlInit();
+        for (const Domain& domain : domains) plot_control::writePlotControl(domain);
+        plot_control::writePlotControl(addition);
+        file_units::freeUnit(run.controlUnit);
+        std::string text = "\n" + sample_files::get("template");
+        for (std::size_t at = 0; (at = text.find("\n! ", at)) != std::string::npos; ++at)
+            text.erase(at + 1, 2);
+        return text.substr(1);
+    }
+
+    // Reads the first section, up to "end", and then what the text has for the domain.
+    static void read(const std::string& text, Domain& domain) {
+        sample_files::put("control", text);
+        run.controlUnit = file_units::openTextRead("control");
+        plot_control::readPlotControlInit();
+        plot_control::readPlotControl(domain);
+        file_units::freeUnit(run.controlUnit);
+    }
+
+    std::array<Domain, 7> domains;
+    Domain addition;
+    Domain& pm = domains[0];
+};
+
+TEST_F(Tables, LinesOfTheControlFileAreUniqueAndNotCut) {
+    for (const std::string& tag : tagNames) {
+        std::set<std::string> lines;
+        const auto add = [&](const std::string& line) {
+            EXPECT_LE(line.size(), lineWidth) << line;
+            EXPECT_FALSE(line.starts_with("end") || line.starts_with("include")) << line;
+            EXPECT_TRUE(std::ranges::none_of(line, [](char c) { return c >= 'A' && c <= 'Z'; }))
+                << line;
+            EXPECT_TRUE(lines.insert(line).second) << line;
+        };
+        for (const model::OptionRow& row : model::optionTable) {
+            const std::string label = model::optionLabel(row, tag);
+            EXPECT_TRUE(label.ends_with(row.words)) << label;
+            add(label);
+        }
+        for (const InstructionRow& row : plot_control::instructionTable())
+            add(plot_control::instructionLine(row, tag));
+    }
+}
+
+TEST_F(Tables, VariablesAreUniqueAndKnownToTheOtherTables) {
+    std::map<std::string_view, Option> options; // by key
+    for (const VariableRow& row : variables::variableTable())
+        EXPECT_TRUE(options.emplace(row.key, row.option).second) << row.key;
+    const auto expectKnown = [&](std::string_view key, Option option) {
+        const auto it = options.find(key);
+        EXPECT_TRUE(it != options.end() && it->second == option) << key;
+    };
+    for (const auto table : {variables::variableTable(), variables::commonNodeTable()})
+        for (const Domain& domain : domains) {
+            std::set<std::string_view> names;
+            for (const VariableRow& row : table) {
+                expectKnown(row.key, row.option);
+                if (!(row.domains & domain.tag) || row.family != plot_data::Family::oneFile)
+                    continue;
+                for (std::size_t c = 0; c < plot_data::columnCount(row); ++c)
+                    EXPECT_TRUE(names.insert(row.columns[c].name).second) << row.columns[c].name;
+            }
+        }
+    for (const auto table : {paraview::nodeScalars(), paraview::elementScalars()})
+        for (const paraview::ScalarRow& row : table) {
+            if (row.presentWith.empty()) expectKnown(row.key, row.option);
+            EXPECT_TRUE(options.contains(row.key)) << row.key;
+            EXPECT_TRUE(row.presentWith.empty() || options.contains(row.presentWith)) << row.label;
+        }
+    for (const paraview::FamilyRow& row : paraview::families()) expectKnown(row.key, row.option);
+    for (const auto table : {paraview::soluteExchanges(), paraview::vectors()})
+        for (const paraview::ArrayRow& row : table) expectKnown(row.key, row.option);
+}
+
+TEST_F(Tables, UnitsAreNotCut) {
+    for (std::int32_t system = 0; system < 10; ++system) {
+        units::setBaseUnits(system);
+        for (const VariableRow& row : variables::variableTable())
+            EXPECT_LE(units::parseUnits(row.unit).size(), unitWidth) << row.key;
+    }
+}
+
+// Lines of each section of a control file that are not values.
+std::vector<Texts> sectionsOf(const std::string& text) {
+    std::vector<Texts> sections(1);
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);) {
+        if (line == "end")
+            sections.emplace_back();
+        else if (line.find_first_of("abcdefghijklmnopqrstuvwxyz") != std::string::npos)
+            sections.back().push_back(line);
+    }
+    return sections;
+}
+
+// What applies to a domain that has all files: each instruction and option.
+TEST_F(Tables, TemplateIsComplete) {
+    const auto linesOf = [](Section section, const Domain& domain) {
+        Texts lines;
+        for (const InstructionRow& row : plot_control::instructionTable())
+            if (row.section == section &&
+                (section != Section::domainBlock || row.domains & domain.tag))
+                lines.push_back(plot_control::instructionLine(row, domain.name));
+        return lines;
+    };
+    std::vector<Texts> expected{linesOf(Section::first, pm)};
+    for (const Domain& domain : domains) {
+        Texts lines = linesOf(Section::domainBlock, domain);
+        lines.push_back("write " + domain.name + " domain file");
+        for (const model::OptionRow& row : model::optionTable)
+            if (row.inTemplate & domain.tag) lines.push_back(model::optionLabel(row, domain.name));
+        expected.push_back(lines);
+    }
+    expected.push_back(linesOf(Section::afterFirst, addition));
+    expected.back().push_back("Additional post-processing commands");
+
+    const std::vector<Texts> sections = sectionsOf(templateText());
+    ASSERT_EQ(sections.size(), expected.size() + 1); // a separator after the last "end"
+    for (std::size_t i = 0; i < expected.size(); ++i)
+        EXPECT_THAT(sections[i], testing::UnorderedElementsAreArray(expected[i]));
+}
+
+TEST_F(Tables, OptionsOfTheTemplateAreReadBack) {
+    const std::string text = templateText();
+    for (Domain& domain : domains) {
+        takeScreen();
+        read(text, domain);
+        std::string unknown;
+        std::set<std::string> cleared, disabled;
+        for (const model::OptionRow& row : model::optionTable) {
+            if (!model::optionOf(domain, row.option).enabled)
+                disabled.insert(model::optionOf(domain, row.option).label);
+            if (!(row.inTemplate & domain.tag)) continue;
+            if (row.cleared == Option::none)
+                unknown += "Plot control - Unrecognized line\n" +
+                           model::optionLabel(row, domain.name) + "\n\n";
+            else
+                cleared.insert(model::optionOf(domain, row.cleared).label);
+        }
+        EXPECT_EQ(disabled, cleared) << domain.name;
+        EXPECT_THAT(takeScreen(), testing::EndsWith("index 0001\n\n" + unknown));
+    }
+}
+
+// Options that no template shows can be disabled too.
+TEST_F(Tables, EachOptionIsReadBack) {
+    for (const model::OptionRow& row : model::optionTable) {
+        if (row.cleared == Option::none) continue;
+        read("end\nwrite pm domain file\n" + model::optionLabel(row, "pm"), pm);
+        EXPECT_FALSE(model::enabled(pm, row.cleared)) << row.words;
+        model::optionOf(pm, row.cleared).enabled = true;
+    }
+}
+
+// What instructions of the control file have changed, with values.
+std::string changes(const Domain& domain) {
+    const model::RunState fresh;
+    const Domain freshDomain;
+    std::ostringstream text;
+    const auto add = [&](const char* name, const auto& value, const auto& before) {
+        if (value != before) text << name << " " << value << " ";
+    };
+    const auto addAll = [&](const char* name, const auto& values, const auto& before) {
+        for (std::size_t i = 0; i < values.size(); ++i) add(name, values[i], before[i]);
+    };
+    add("binary", run.tecplotBinary, fresh.tecplotBinary);
+    add("flush", run.tecplotFlushInterval, fresh.tecplotFlushInterval);
+    add("append", run.tecplotAppend, fresh.tecplotAppend);
+    add("times", run.truncateTime, fresh.truncateTime);
+    add("min", run.timeWindowMin, fresh.timeWindowMin);
+    add("max", run.timeWindowMax, fresh.timeWindowMax);
+    add("digits", run.suffixDigits, fresh.suffixDigits);
+    add("suffix", run.suffixLength, fresh.suffixLength);
+    add("conversion", run.timeConversion, fresh.timeConversion);
+    add("offset", run.timeUnitOffset, fresh.timeUnitOffset);
+    add("factor", run.timeUnitFactor, fresh.timeUnitFactor);
+    add("isopach", run.plotIsopach, fresh.plotIsopach);
+    add("depth", run.plotDepthBelowSurface, fresh.plotDepthBelowSurface);
+    add("interpolate", run.interpolateDepthToTable, fresh.interpolateDepthToTable);
+    add("heads", run.compareHeads, fresh.compareHeads);
+    add("table", run.compareWaterTable, fresh.compareWaterTable);
+    add("depth to table", run.compareDepthToTable, fresh.compareDepthToTable);
+    add("surface", run.compareSurfaceDepth, fresh.compareSurfaceDepth);
+    addAll("window", run.compareWindow, fresh.compareWindow);
+    add("box", domain.truncateEnabled, freshDomain.truncateEnabled);
+    add("layers", domain.truncateByLayerEnabled, freshDomain.truncateByLayerEnabled);
+    addAll("bound", domain.truncateBounds, freshDomain.truncateBounds);
+    addAll("layer", domain.truncateLayers, freshDomain.truncateLayers);
+    return text.str();
+}
+
+// "5 6\n7 8\n" and so on, with as many numbers in each line as the example has.
+std::string numbersLike(std::string_view example) {
+    std::string text;
+    std::istringstream lines{std::string(example)};
+    int next = 5;
+    for (std::string line; std::getline(lines, line); text += "\n") {
+        std::istringstream numbers(line);
+        for (double number; numbers >> number;) text += std::to_string(next++) + " ";
+    }
+    return text;
+}
+
+// Each instruction by itself, with values in lines as the template shows them.
+TEST_F(Tables, EachInstructionIsReadBack) {
+    const std::string window = "window 5 window 6 window 7 window 8 window 9 window 10 ";
+    const std::string bounds = "bound 5 bound 6 bound 7 bound 8 ";
+    const std::map<std::string_view, std::string> expected = {
+        {"tecplot mode", ""},
+        {"tecplot binary mode", "binary 1 "},
+        {"tecplot binary flush interval", "flush 5 "},
+        {"tecplot binary append", ""}, // only with binary mode
+        {"truncate time domain", "times 1 min 5 max 6 "},
+        {"number of digits for output file suffix", "digits 5 suffix 6 "},
+        {"truncate <domain> domain", "box 1 " + bounds + "bound 9 bound 10 "},
+        {"truncate <domain> domain by layer", "layers 1 " + bounds + "layer 9 layer 10 "},
+        {"compare heads 3d domain", "heads 1 " + window},
+        {"compare gw table elevation", "table 1 "},
+        {"compare depth to gw table", "depth to table 1 "},
+        {"compare surface water depth", "surface 1 " + window},
+        {"simulation time unit conversion factor", "conversion 1 offset 5 factor 6 "},
+        {"plot pm zone isopach structure", "isopach 1 "},
+        {"plot pm depth below ground surface", "depth 1 "},
+        {"interpolate depth to gw table", "interpolate 1 "},
+    };
+    EXPECT_EQ(plot_control::instructionTable().size(), expected.size());
+    const model::RunState before = run;
+    const auto resultOf = [&](const InstructionRow& row, Domain& domain) {
+        const std::string head = "end\nwrite " + domain.name + " domain file\n";
+        const std::string line = plot_control::instructionLine(row, domain.name) + "\n";
+        const std::string text = line + numbersLike(row.exampleValues) + "end\n";
+        run = before;
+        domain.truncateEnabled = domain.truncateByLayerEnabled = false;
+        domain.truncateBounds = Domain{}.truncateBounds;
+        domain.truncateLayers = Domain{}.truncateLayers;
+        takeScreen();
+        read((row.section == Section::first ? "" : head) + text, domain);
+        const bool unknown = takeScreen().find("Unrecognized") != std::string::npos;
+        return (unknown ? "unrecognized " : "") + changes(domain);
+    };
+    for (const InstructionRow& row : plot_control::instructionTable()) {
+        SCOPED_TRACE(row.words);
+        const auto it = expected.find(row.words);
+        ASSERT_NE(it, expected.end());
+        if (row.section != Section::domainBlock) {
+            EXPECT_EQ(resultOf(row, addition), it->second);
+            continue;
+        }
+        for (Domain& domain : domains)
+            if (row.domains & domain.tag)
+                EXPECT_EQ(resultOf(row, domain), it->second) << domain.name;
+            else
+                EXPECT_THAT(resultOf(row, domain), "unrecognized ") << domain.name;
+    }
+}
+
+// The program that writes sample problems has a table of its own: types, sizes and names of its
+// files must be those of the rows.
+TEST_F(Tables, VariablesHaveTheFilesOfTheSimulator) {
+    std::set<std::string> left;
+    for (const auto& entry : std::filesystem::directory_iterator("."))
+        if (entry.path().extension() == ".0001") left.insert(entry.path().filename());
+    EXPECT_GT(left.size(), 100U);
+    for (const Domain& domain : domains)
+        for (const VariableRow& row : variables::variableTable()) {
+            if (!(row.domains & domain.tag) || row.stem.empty()) continue;
+            const std::string name = plot_data::variableFile(domain, row.stem);
+            if (!std::filesystem::exists(name)) continue;
+            left.erase(name);
+            const auto header = TVNBinaryFile::parseTVNBinFileHeader(
+                TVNBinaryFile::readTVNBinFileHeader(name), name);
+            const auto type = row.type == model::DataType::single  ? "R04"
+                              : row.type == model::DataType::real8 ? "R08"
+                                                                   : "I04";
+            const bool nodal = row.location == Location::node;
+            EXPECT_EQ(header.dataType, type) << name;
+            EXPECT_EQ(header.numValues, nodal ? domain.nodeCount : domain.elementCount) << name;
+            // The second column of the moving ground is computed.
+            const std::size_t components = row.stem == "tvtopo_" ? 1 : plot_data::columnCount(row);
+            EXPECT_EQ(header.numComponents, static_cast<int>(components)) << name;
+        }
+    EXPECT_THAT(left,
+                testing::ElementsAre("to.liquid_p.0001", "to.snowcover.0001", "to.snowdepth.0001",
+                                     "to.snowmelt.0001", "to.solid_p.0001"));
+}
+
+} // namespace
