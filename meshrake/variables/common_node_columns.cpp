@@ -15,17 +15,18 @@ using plot_data::VariableRow;
 
 namespace {
 
-// pm's variable; one without files where pm is not passed through.
-const OutputVar& lender(const Domain& domain, std::string_view key) {
+// The variable of pm with this key. Where pm has no such variable, one that has no file.
+const OutputVar& pmSource(const Domain& domain, std::string_view key) {
     static const OutputVar none;
     const OutputVar* found = model::findOutputVar(*domain.pmReference, key);
     return found ? *found : none;
 }
 
-bool borrow(const Domain& domain, const VariableRow& row, OutputVar& var) {
-    const OutputVar& lent = lender(domain, row.key);
-    var.firstExists = lent.firstExists;
-    var.exists = lent.exists;
+// Returns whether the variable is in the data set.
+bool copyFlagsFromPm(const Domain& domain, const VariableRow& row, OutputVar& var) {
+    const OutputVar& source = pmSource(domain, row.key);
+    var.firstExists = source.firstExists;
+    var.exists = source.exists;
     return var.firstExists;
 }
 
@@ -37,22 +38,22 @@ void declare(Domain& domain, const VariableRow& row, OutputVar& var,
 
 } // namespace
 
-void lentInit(Domain& domain, const VariableRow& row, OutputVar& var) {
-    if (borrow(domain, row, var))
+void commonNodeInit(Domain& domain, const VariableRow& row, OutputVar& var) {
+    if (copyFlagsFromPm(domain, row, var))
         declare(domain, row, var, row.columns[0], row.unit);
     else
         model::optionOf(domain, row.option).enabled = false;
 }
 
-void lentHeadInit(Domain& domain, const VariableRow& row, OutputVar& var) {
-    if (!borrow(domain, row, var)) return;
+void commonNodeHeadInit(Domain& domain, const VariableRow& row, OutputVar& var) {
+    if (!copyFlagsFromPm(domain, row, var)) return;
     declare(domain, row, var, row.columns[0], row.unit);
     if (model::enabled(domain, model::Option::pressureHeads))
         declare(domain, row, var, row.columns[1], row.unit);
 }
 
-void lentConcInit(Domain& domain, const VariableRow& row, OutputVar& var) {
-    if (!run.speciesPresent || !borrow(domain, row, var)) return;
+void commonNodeConcInit(Domain& domain, const VariableRow& row, OutputVar& var) {
+    if (!run.speciesPresent || !copyFlagsFromPm(domain, row, var)) return;
     for (std::size_t s = 0; s < run.speciesNames.size(); ++s) {
         const bool heat = run.speciesFlagA[s] != 0;
         if (heat) units::setTempUnitsToC();
@@ -61,19 +62,19 @@ void lentConcInit(Domain& domain, const VariableRow& row, OutputVar& var) {
     }
 }
 
-void lentRead(Domain& domain, const VariableRow& row, OutputVar& var) {
-    var.exists = lender(domain, row.key).exists;
+void commonNodeRead(Domain& domain, const VariableRow& row, OutputVar& var) {
+    var.exists = pmSource(domain, row.key).exists;
     if (!var.exists) plot_data::shareColumns(var.columns);
 }
 
-void lentWrite(Domain& domain, const VariableRow& row, OutputVar& var) {
-    const OutputVar& lent = lender(domain, row.key);
+void commonNodeWrite(Domain& domain, const VariableRow& row, OutputVar& var) {
+    const OutputVar& source = pmSource(domain, row.key);
     const plot_data::Packing packing{domain.truncateEnabled, domain.nodeIncluded.data()};
     static const Column empty;
     for (std::size_t c = 0; c < var.columns.size(); ++c) {
         const Column& shown = var.columns[c];
-        // pm may have switched off what this domain shows: then there is nothing to write.
-        const Column& values = c < lent.columns.size() ? lent.columns[c] : empty;
+        // Pressure heads can be off in pm and on here: the column then exists without values.
+        const Column& values = c < source.columns.size() ? source.columns[c] : empty;
         if (shown.type == DataType::single)
             plot_data::tecplotWriteArrayReal4(shown.varNumber,
                                               static_cast<std::int64_t>(values.real4.size()),

@@ -17,7 +17,7 @@ namespace {
 
 constexpr auto single = model::DataType::single;
 
-// The row that domains with nodes of their own have under this key.
+// The row of the multi-node table with this key, for variables that are the same in both.
 const VariableRow& rowOf(std::string_view key) {
     const auto table = variableTable();
     const auto it = std::ranges::find(table, key, &VariableRow::key);
@@ -27,7 +27,8 @@ const VariableRow& rowOf(std::string_view key) {
 
 } // namespace
 
-// A row that goes by "lent" steps shows the column that pm has under the same key.
+// Rows with commonNode... steps show the values of the pm variable with the same key. Their names
+// differ from those of the multi-node table: "Saturation" here, "Sat" there.
 // clang-format off
 std::span<const VariableRow> commonNodeTable() {
     static const std::array table{
@@ -37,32 +38,32 @@ std::span<const VariableRow> commonNodeTable() {
         VariableRow{
             .key = "head", .domains = anyDomain, .option = heads, .unit = "L",
             .columns = {{{"Head", "head"}, {"Pressure Head", "pressure head"}}},
-            .init = lentHeadInit, .read = lentRead, .write = lentWrite},
+            .init = commonNodeHeadInit, .read = commonNodeRead, .write = commonNodeWrite},
         rowOf("maxWaterDepth"),
         VariableRow{
             .key = "sat", .domains = anyDomain, .option = saturations, .type = single,
             .unit = "1", .columns = {{{"Saturation", "saturation"}}},
-            .init = lentInit, .read = lentRead, .write = lentWrite},
+            .init = commonNodeInit, .read = commonNodeRead, .write = commonNodeWrite},
         VariableRow{
             .key = "iceSat", .domains = anyDomain, .option = iceSaturation, .type = single,
             .unit = "1", .columns = {{{"Ice Saturation", "ice saturation"}}},
-            .init = lentInit, .read = lentRead, .write = lentWrite},
+            .init = commonNodeInit, .read = commonNodeRead, .write = commonNodeWrite},
         VariableRow{
             .key = "freezeThawTemp", .domains = anyDomain, .option = freezingThawingTemperature,
             .unit = "K",
             .columns = {{{"Freezing-thawing temperature", "freezing-thawing temperature"}}},
-            .init = lentInit, .read = lentRead, .write = lentWrite},
+            .init = commonNodeInit, .read = commonNodeRead, .write = commonNodeWrite},
         VariableRow{
             .key = "newtonResid", .domains = anyDomain, .option = newtonResidual,
             .unit = "L^3 * T^-1", .columns = {{{"Newton residual", "newton residual"}}},
-            .init = lentInit, .read = lentRead, .write = lentWrite},
+            .init = commonNodeInit, .read = commonNodeRead, .write = commonNodeWrite},
         rowOf("flowRate"),
         rowOf("vel"),
         rowOf("friction"),
         rowOf("permafrost"),
         VariableRow{
             .key = "conc", .domains = anyDomain, .option = concentrations, .unit = "M * L^-3",
-            .init = lentConcInit, .read = lentRead, .write = lentWrite},
+            .init = commonNodeConcInit, .read = commonNodeRead, .write = commonNodeWrite},
         rowOf("aperture"),
     };
     return table;

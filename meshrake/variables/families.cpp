@@ -16,13 +16,13 @@ using plot_data::Family;
 namespace {
 
 struct Member {
-    std::string file;  // without the time index and the point in front of it
+    std::string file;  // without the full stop and the time index
     std::string name;  // in the variable list
-    std::string label; // comment in front of the values
+    std::string label; // comment before the values
     std::size_t species = 0;
 };
 
-bool belongs(Family family, std::size_t species) {
+bool isMember(Family family, std::size_t species) {
     switch (family) {
     case Family::allSpecies:
         return true;
@@ -59,7 +59,7 @@ std::vector<Member> membersOf(const Domain& domain, const VariableRow& row) {
     }
     std::vector<Member> members;
     for (std::size_t s = 0; s < run.speciesNames.size(); ++s) {
-        if (!belongs(row.family, s)) continue;
+        if (!isMember(row.family, s)) continue;
         const std::string name = run.speciesNames[s] + std::string(row.columns[0].name);
         const std::string_view label = row.columns[0].label;
         members.push_back({run.problemPrefix + "o." + speciesFile(domain, row, s), name,
@@ -72,12 +72,31 @@ std::string currentFile(const Member& member) {
     return model::fileName(member.file + "." + run.timeSuffix);
 }
 
+// The unit label depends on the species: heat has a temperature instead of a concentration.
+void declareSpeciesColumn(Domain& domain, const VariableRow& row, std::size_t species,
+                          std::string_view name, Column& column) {
+    plot_data::declareColumn(domain, column, name, "");
+    plot_data::tecplotTransVarUnitsAdd(species, name, column.varNumber, row.unit, domain);
+}
+
 void declareMember(Domain& domain, const VariableRow& row, const Member& member, Column& column) {
     if (row.family == Family::fractions)
-        return plot_data::declareColumn(domain, column, member.name, row.unit);
-    plot_data::declareColumn(domain, column, member.name, "");
-    plot_data::tecplotTransVarUnitsAdd(member.species, member.name, column.varNumber, row.unit,
-                                       domain);
+        plot_data::declareColumn(domain, column, member.name, row.unit);
+    else
+        declareSpeciesColumn(domain, row, member.species, member.name, column);
+}
+
+void readOrShare(const Domain& domain, OutputVar& var, std::span<Column> columns,
+                 const std::string& name) {
+    var.exists = file_units::exists(name);
+    if (var.exists)
+        plot_data::readColumns(domain, columns, name);
+    else
+        plot_data::shareColumns(columns);
+}
+
+std::string redoxFile(const Domain& domain, const VariableRow& row, std::size_t species) {
+    return model::problemFile(speciesFile(domain, row, species) + "-Redox." + run.timeSuffix);
 }
 
 } // namespace
@@ -85,7 +104,8 @@ void declareMember(Domain& domain, const VariableRow& row, const Member& member,
 void familyInit(Domain& domain, const VariableRow& row, OutputVar& var) {
     const std::vector<Member> members = membersOf(domain, row);
     if (members.empty()) return;
-    // Tested here and again as a member: in a continued run its fallback brings two warnings.
+    // The loop tests the first file again. An appended run that falls back to output time 1 must
+    // show the warning of that file twice, so this test is not merged with the one in the loop.
     std::string first = currentFile(members.front());
     var.firstExists = plot_data::checkFileInit(first);
     if (!var.firstExists) return;
@@ -101,24 +121,9 @@ void familyInit(Domain& domain, const VariableRow& row, OutputVar& var) {
 
 void familyRead(Domain& domain, const VariableRow& row, OutputVar& var) {
     const std::vector<Member> members = membersOf(domain, row);
-    for (std::size_t m = 0; m < members.size(); ++m) {
-        const std::span<Column> column{&var.columns[m], 1};
-        const std::string name = currentFile(members[m]);
-        var.exists = file_units::exists(name);
-        if (var.exists)
-            plot_data::readColumns(domain, column, name);
-        else
-            plot_data::shareColumns(column);
-    }
+    for (std::size_t m = 0; m < members.size(); ++m)
+        readOrShare(domain, var, {&var.columns[m], 1}, currentFile(members[m]));
 }
-
-namespace {
-
-std::string redoxFile(const Domain& domain, const VariableRow& row, std::size_t species) {
-    return model::problemFile(speciesFile(domain, row, species) + "-Redox." + run.timeSuffix);
-}
-
-} // namespace
 
 void redoxCapacityInit(Domain& domain, const VariableRow& row, OutputVar& var) {
     if (run.numSpecies < 1) return;
@@ -127,20 +132,14 @@ void redoxCapacityInit(Domain& domain, const VariableRow& row, OutputVar& var) {
     if (!var.firstExists) return;
     var.columns = plot_data::columnsOf(row);
     plot_data::allocateColumn(domain, var.columns[0], row.arrayText);
-    declareMember(domain, row, {"", std::string(row.columns[0].name), "", 0}, var.columns[0]);
+    declareSpeciesColumn(domain, row, 0, row.columns[0].name, var.columns[0]);
     plot_data::readColumns(domain, var.columns, name);
 }
 
 void redoxCapacityRead(Domain& domain, const VariableRow& row, OutputVar& var) {
     if (run.numMobileSpecies < 1) return plot_data::constantRead(domain, row, var);
-    for (std::size_t s = 0; s < static_cast<std::size_t>(run.numMobileSpecies); ++s) {
-        const std::string name = redoxFile(domain, row, s);
-        var.exists = file_units::exists(name);
-        if (var.exists)
-            plot_data::readColumns(domain, var.columns, name);
-        else
-            plot_data::shareColumns(var.columns);
-    }
+    for (std::size_t s = 0; s < static_cast<std::size_t>(run.numMobileSpecies); ++s)
+        readOrShare(domain, var, var.columns, redoxFile(domain, row, s));
 }
 
 } // namespace variables

@@ -2,20 +2,24 @@
 
 #include "meshrake/plot_data/variable_io.hpp"
 
-// Variables with a file and a column for each species or mixing fraction. In the first pass the
-// first file decides for all of the family, and the others must be there too. Later each file that
-// is missing shares its own column, and the last one decides whether the columns are written: the
-// files of a family are taken to come and go together.
+// Variables with one file and one column for each species or mixing fraction.
 namespace variables {
 
 using model::Domain;
 using model::OutputVar;
 using plot_data::VariableRow;
 
+// The first member's file decides whether the data set has the family. If it exists, a missing file
+// of another member ends the run.
 void familyInit(Domain& domain, const VariableRow& row, OutputVar& var);
+
+// A missing file shares the column of its member. The last member's file decides whether the zone
+// writes the columns: the files of a family are assumed to exist at the same output times.
 void familyRead(Domain& domain, const VariableRow& row, OutputVar& var);
 
-// One column that the files of all mobile species take turns to fill.
+// Redox capacity has one column, with the unit of the first species. The first pass reads the file
+// of the first species; later output times read the files of all mobile species in turn, and the
+// last one decides: its values are written, or the column is shared.
 void redoxCapacityInit(Domain& domain, const VariableRow& row, OutputVar& var);
 void redoxCapacityRead(Domain& domain, const VariableRow& row, OutputVar& var);
 

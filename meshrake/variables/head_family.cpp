@@ -1,4 +1,4 @@
-#include "meshrake/variables/special_variables.hpp"
+#include "meshrake/variables/head_family.hpp"
 
 #include "meshrake/derived_columns/topography.hpp"
 #include "tvncommon/io/file_units.hpp"
@@ -11,12 +11,15 @@ namespace variables {
 
 using model::Column;
 using model::DataType;
+using model::Domain;
 using model::Option;
+using model::OutputVar;
+using plot_data::VariableRow;
 
 namespace {
 
-// Keeps the logarithm of a dry node at -8.
-constexpr double leastDepth = 1.0e-8;
+// Length unit. LogDepth of a dry node is -8, not the logarithm of 0 or of a negative number.
+constexpr double minimumDepth = 1.0e-8;
 
 bool hasWaterDepth(const Domain& domain) {
     return (domain.tag & (model::tags::olf | model::tags::chan)) != 0;
@@ -26,7 +29,9 @@ bool hasPressureHead(const Domain& domain) {
     return !hasWaterDepth(domain) && model::enabled(domain, Option::pressureHeads);
 }
 
-// The logarithm goes by the elevations of the mesh also where the ground has moved since.
+// Depth refers to the current elevation of the ground, LogDepth always to that of the mesh: with
+// time-varying topography they differ on purpose. The differences are formed in 64 bits; Depth is
+// rounded before the comparison with 0, and the logarithm is that of a 32-bit number.
 void computeWaterDepth(const Domain& domain, OutputVar& var) {
     const std::vector<double>& head = var.columns[0].real8;
     const std::vector<double>& ground = derived_columns::elevation(domain);
@@ -35,8 +40,8 @@ void computeWaterDepth(const Domain& domain, OutputVar& var) {
     for (std::size_t i = 0; i < head.size(); ++i) {
         const auto difference = static_cast<float>(head[i] - ground[i]);
         depth[i] = difference > 0.0F ? difference : 0.0F;
-        const double above = head[i] - domain.z[i];
-        logDepth[i] = std::log10(static_cast<float>(above < leastDepth ? leastDepth : above));
+        const double fromMesh = head[i] - domain.z[i];
+        logDepth[i] = std::log10(static_cast<float>(std::max(fromMesh, minimumDepth)));
     }
 }
 
@@ -47,16 +52,16 @@ void computePressureHead(const Domain& domain, OutputVar& var) {
     for (std::size_t i = 0; i < head.size(); ++i) pressure[i] = head[i] - ground[i];
 }
 
-void compute(const Domain& domain, OutputVar& var) {
+void computeDerivedColumns(const Domain& domain, OutputVar& var) {
     if (hasWaterDepth(domain))
         computeWaterDepth(domain, var);
     else if (hasPressureHead(domain))
         computePressureHead(domain, var);
 }
 
-// One of the columns that follow from the heads.
-void addColumn(Domain& domain, const VariableRow& row, OutputVar& var, DataType type,
-               std::string_view name, std::string_view label, std::string_view arrayText) {
+// Declares one of the columns that are computed from the heads.
+void addDerivedColumn(Domain& domain, const VariableRow& row, OutputVar& var, DataType type,
+                      std::string_view name, std::string_view label, std::string_view arrayText) {
     Column& column = var.columns.emplace_back(plot_data::columnOf(row, label));
     column.type = type;
     plot_data::allocateColumn(domain, column, arrayText);
@@ -70,13 +75,13 @@ void headInit(Domain& domain, const VariableRow& row, OutputVar& var) {
     if (!var.firstExists) return;
     if (hasWaterDepth(domain)) {
         constexpr std::string_view arrays = "depth and log depth arrays";
-        addColumn(domain, row, var, DataType::single, "Depth", "Depth", arrays);
-        addColumn(domain, row, var, DataType::single, "LogDepth", "log10(Depth)", arrays);
+        addDerivedColumn(domain, row, var, DataType::single, "Depth", "Depth", arrays);
+        addDerivedColumn(domain, row, var, DataType::single, "LogDepth", "log10(Depth)", arrays);
     } else if (hasPressureHead(domain)) {
-        addColumn(domain, row, var, DataType::real8, "Pressure Head", "pressure head",
-                  "pressure head array");
+        addDerivedColumn(domain, row, var, DataType::real8, "Pressure Head", "pressure head",
+                         "pressure head array");
     }
-    compute(domain, var);
+    computeDerivedColumns(domain, var);
 }
 
 void headRead(Domain& domain, const VariableRow& row, OutputVar& var) {
@@ -84,7 +89,7 @@ void headRead(Domain& domain, const VariableRow& row, OutputVar& var) {
     var.exists = file_units::exists(name);
     if (!var.exists) return plot_data::shareColumns(var.columns);
     plot_data::readColumns(domain, std::span(var.columns).first(1), name);
-    compute(domain, var);
+    computeDerivedColumns(domain, var);
 }
 
 } // namespace variables

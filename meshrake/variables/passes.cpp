@@ -44,31 +44,36 @@ bool applies(const VariableRow& row, const Domain& domain) {
     return (row.domains & domain.tag) != 0 && model::enabled(domain, row.option);
 }
 
-// Steps of a row: its own, those of a family, or the plain road's.
-VariableRow::Step stepOf(const VariableRow& row, VariableRow::Step own, VariableRow::Step family,
-                         VariableRow::Step plain) {
+// The row's own step if it has one, otherwise that of its kind of files.
+VariableRow::Step selectStep(const VariableRow& row, VariableRow::Step own,
+                             VariableRow::Step family, VariableRow::Step plain) {
     if (own) return own;
     return row.family == Family::oneFile ? plain : family;
 }
 
+// In the order of the table: a row may use the arrays of rows before it, such as elevations and
+// heads.
 void declareAndRead(Domain& domain, Table table) {
     for (std::size_t i = 0; i < table.size(); ++i) {
         if (!applies(table[i], domain)) continue;
-        stepOf(table[i], table[i].init, familyInit, plot_data::plainInit)(domain, table[i],
-                                                                          domain.outputVars[i]);
+        selectStep(table[i], table[i].init, familyInit, plot_data::plainInit)(domain, table[i],
+                                                                              domain.outputVars[i]);
     }
 }
 
+// Rows with `sharedLast` come after all others, because the list of shared variables is in the
+// order in which they are shared.
 void readOrShare(Domain& domain, Table table) {
     for (const bool last : {false, true})
         for (std::size_t i = 0; i < table.size(); ++i) {
             const bool inDataSet = applies(table[i], domain) && domain.outputVars[i].firstExists;
             if (!inDataSet || table[i].sharedLast != last) continue;
-            stepOf(table[i], table[i].read, familyRead, plot_data::plainRead)(domain, table[i],
-                                                                              domain.outputVars[i]);
+            selectStep(table[i], table[i].read, familyRead,
+                       plot_data::plainRead)(domain, table[i], domain.outputVars[i]);
         }
 }
 
+// In the order of the declarations: the values of a zone have no names.
 void writeArrays(Domain& domain, Table table) {
     for (std::size_t i = 0; i < table.size(); ++i) {
         if (!applies(table[i], domain) || !domain.outputVars[i].exists) continue;
@@ -77,6 +82,7 @@ void writeArrays(Domain& domain, Table table) {
     }
 }
 
+// Counts output times, not zones, so that all domains are flushed at the same output times.
 void flushAtInterval(Domain& domain) {
     const std::int32_t done = run.timeIndex - run.firstTimeIndex + 1;
     if (done % run.tecplotFlushInterval == 0) plot_data::tecplotFileFlush(domain);

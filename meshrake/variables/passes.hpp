@@ -2,17 +2,18 @@
 
 #include "meshrake/model/domain.hpp"
 
-// The passes over a domain. All of them walk a table of variables. "Multi" is for domains with
-// nodes of their own, "Common" for those that share the nodes of pm, whose arrays must then be up
-// to date.
+// The passes of a domain over the rows of its table of variables, one for each output time. "Multi"
+// is for pm and domains on the multi-node scheme, "Common" for domains on the common-node scheme:
+// pm must have completed its pass of the output time before them.
 namespace variables {
 
-// First output time: decides which variables the data set holds, and writes its first zone. A pm
-// that is only read for others writes nothing.
+// First output time: decides which variables the data set has, opens it and writes zone 1. A pm
+// that is read only because common-node domains take their values from it writes nothing.
 void initMultiTecplot(model::Domain& domain);
 void initCommonTecplot(model::Domain& domain);
 
-// Every later output time: one more zone, in which what has no new file is shared with zone 1.
+// Later output times: adds a zone. Variables without a file at this output time are shared with
+// zone 1.
 void appendMultiTecplot(model::Domain& domain);
 void appendCommonTecplot(model::Domain& domain);
 

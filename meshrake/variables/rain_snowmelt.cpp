@@ -1,4 +1,4 @@
-#include "meshrake/variables/special_variables.hpp"
+#include "meshrake/variables/rain_snowmelt.hpp"
 
 #include "tvncommon/io/file_units.hpp"
 #include "tvncommon/io/io_layer.hpp"
@@ -7,7 +7,10 @@
 
 namespace variables {
 
+using model::Domain;
+using model::OutputVar;
 using plot_data::Location;
+using plot_data::VariableRow;
 
 namespace {
 
@@ -17,7 +20,7 @@ struct SnowFile {
     Location location;
 };
 
-// In the order of the columns of the row.
+// In the order of the columns of the row, which has one location and one unit for all of them.
 constexpr std::array<SnowFile, 5> snowFiles{{
     {"snowdepth.", "L", Location::element},
     {"snowmelt.", "L * T^-1", Location::element},
@@ -28,11 +31,11 @@ constexpr std::array<SnowFile, 5> snowFiles{{
 
 } // namespace
 
-// Each file decides for its own column, and the last one's presence for the writing of them all.
 void rainSnowmeltInit(Domain& domain, const VariableRow& row, OutputVar& var) {
     var.columns = plot_data::columnsOf(row);
     for (std::size_t file = 0; file < snowFiles.size(); ++file) {
         std::string name = plot_data::variableFile(domain, snowFiles[file].stem);
+        // The five files share the flags of one variable, so the last test remains.
         var.firstExists = var.exists = plot_data::checkFileInit(name);
         if (!var.exists) continue;
         model::Column& column = var.columns[file];
@@ -43,12 +46,11 @@ void rainSnowmeltInit(Domain& domain, const VariableRow& row, OutputVar& var) {
     }
 }
 
-// The first file decides for all five; when it is there, the others must be too.
 void rainSnowmeltRead(Domain& domain, const VariableRow&, OutputVar& var) {
     var.exists = file_units::exists(plot_data::variableFile(domain, snowFiles[0].stem));
     for (std::size_t file = 0; file < snowFiles.size(); ++file) {
         const std::span<model::Column> column{&var.columns[file], 1};
-        if (column[0].varNumber == 0) continue;
+        if (column[0].varNumber == 0) continue; // not declared in the first pass
         if (var.exists)
             plot_data::readColumns(domain, column,
                                    plot_data::variableFile(domain, snowFiles[file].stem));

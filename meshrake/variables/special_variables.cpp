@@ -21,6 +21,7 @@ void zoneInit(Domain& domain, const VariableRow& row, OutputVar& var) {
     std::string name = plot_data::variableFile(domain, row.stem);
     const bool found = plot_data::checkFileInit(name);
     plot_data::declareColumn(domain, var.columns[0], row.columns[0].name, row.unit);
+    // The column has no array of its own: the isopach plot needs the same zones as the plot file.
     if (found) TVNBinaryFile::read_i4_1d(name, domain.elementCount, domain.elementZone.data());
 }
 
@@ -44,13 +45,15 @@ namespace {
 
 constexpr std::int32_t fullTensor = 3; // message of the header
 
+// Returns the message of the header as a number.
 std::int32_t tensorKind(const std::string& name) {
     const auto header =
         TVNBinaryFile::parseTVNBinFileHeader(TVNBinaryFile::readTVNBinFileHeader(name), name);
-    constexpr std::int32_t unread = std::numeric_limits<std::int32_t>::min();
-    std::int32_t kind = unread;
+    // A free-form read of a null value, such as "," or "/", succeeds and leaves `kind` as it was.
+    constexpr std::int32_t unchanged = std::numeric_limits<std::int32_t>::min();
+    std::int32_t kind = unchanged;
     int status = free_form::readInteger(header.message, kind);
-    if (kind == unread && status == io_layer::ok) status = io_layer::invalidData;
+    if (kind == unchanged && status == io_layer::ok) status = io_layer::invalidData;
     if (status != io_layer::ok)
         error::input_error_stat(status,
                                 "Error reading file: " + name +
@@ -63,6 +66,7 @@ std::int32_t tensorKind(const std::string& name) {
 void elemKInit(Domain& domain, const VariableRow& row, OutputVar& var) {
     const std::string name = plot_data::firstFile(domain, row);
     if (name.empty()) return;
+    // plainInit keeps columns that exist already, so their number is decided before it.
     var.columns = plot_data::columnsOf(row);
     if (tensorKind(name) != fullTensor) var.columns.resize(3);
     plot_data::plainInit(domain, row, var);
@@ -80,20 +84,21 @@ void diffPecletRead(Domain& domain, const VariableRow& row, OutputVar& var) {
 
 namespace {
 
-// The simulator writes the first form; where the names of files know no case, both name one file. A
-// continued run may find either at output time 1 alone.
+// Returns the row with the spelling whose file exists. On a file system that ignores case both name
+// the same file. An appended run may find the file at output time 1 only, with either spelling:
+// the fallback of plainInit knows one stem, so it is chosen here.
 VariableRow withSpelling(const Domain& domain, const VariableRow& row, std::string_view first,
                          std::string_view second) {
-    VariableRow spelt = row;
-    spelt.stem = first;
+    VariableRow spelled = row;
+    spelled.stem = first;
     for (const std::string& suffix : {model::run.timeSuffix, model::outputTimeIndex(1)})
         for (const std::string_view stem : {first, second}) {
             const std::string name = std::string(stem) + domain.name + "." + suffix;
             if (!file_units::exists(model::problemFile(name))) continue;
-            spelt.stem = stem;
-            return spelt;
+            spelled.stem = stem;
+            return spelled;
         }
-    return spelt;
+    return spelled;
 }
 
 constexpr std::string_view firstPassStem = "ETPMEvap3D_";

@@ -2,38 +2,31 @@
 
 #include "meshrake/plot_data/variable_io.hpp"
 
-// Variables that do not travel the plain road.
+// Variables that differ from a plain row of the table in one respect each.
 namespace variables {
 
 using model::Domain;
 using model::OutputVar;
 using plot_data::VariableRow;
 
-// Element zones: the column is always there; without a file it shows those of the element list.
+// Element zones. The column always exists: without a file it shows the zones of the element list.
+// A file replaces the element zones of the domain.
 void zoneInit(Domain& domain, const VariableRow& row, OutputVar& var);
 void zoneRead(Domain& domain, const VariableRow& row, OutputVar& var);
 void zoneWrite(Domain& domain, const VariableRow& row, OutputVar& var);
 
-// Heads and what follows from them: depth of water and its logarithm on surface and channels,
-// pressure head elsewhere.
-void headInit(Domain& domain, const VariableRow& row, OutputVar& var);
-void headRead(Domain& domain, const VariableRow& row, OutputVar& var);
-
-// Hydraulic conductivities: the message of the file's header says whether they are a full tensor. A
-// message that is no number ends the run.
+// Hydraulic conductivities: six columns if the message in the file's header is 3 (a full tensor),
+// otherwise three. A message that is not a number ends the run.
 void elemKInit(Domain& domain, const VariableRow& row, OutputVar& var);
 
-// Later output times of Peclet numbers. No pass calls them: the numbers of zone 1 stand for all.
+// Peclet numbers at later output times, for programs that need them: the passes share those of
+// zone 1 instead.
 void pecletRead(Domain& domain, const VariableRow& row, OutputVar& var);
 void diffPecletRead(Domain& domain, const VariableRow& row, OutputVar& var);
 
-// Evaporation from the subsurface in 3D, whose file is spelt in two ways.
+// 3D subsurface evaporation. Its file name has two spellings, ETPMEvap3D_ at the first output time
+// and ETPmEvap3D_ later; the other spelling is tried if the expected one does not exist.
 void et3dInit(Domain& domain, const VariableRow& row, OutputVar& var);
 void et3dRead(Domain& domain, const VariableRow& row, OutputVar& var);
-
-// The five files of the snow package, which share one flag.
-void rainSnowmeltInit(Domain& domain, const VariableRow& row, OutputVar& var);
-void rainSnowmeltRead(Domain& domain, const VariableRow& row, OutputVar& var);
-void rainSnowmeltWrite(Domain& domain, const VariableRow& row, OutputVar& var);
 
 } // namespace variables

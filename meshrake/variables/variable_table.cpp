@@ -4,6 +4,8 @@
 #include "meshrake/derived_columns/mesh_columns.hpp"
 #include "meshrake/derived_columns/topography.hpp"
 #include "meshrake/variables/families.hpp"
+#include "meshrake/variables/head_family.hpp"
+#include "meshrake/variables/rain_snowmelt.hpp"
 #include "meshrake/variables/special_variables.hpp"
 
 #include <array>
@@ -23,8 +25,8 @@ namespace {
 constexpr auto single = model::DataType::single;
 constexpr auto longInt = model::DataType::longInt;
 
-// One variable to a row. What a row leaves out: 64-bit reals at the nodes, one file for each output
-// time, no option, no unit.
+// One variable to a row. The default of a field that a row leaves out: 64-bit reals at the nodes,
+// one file for each output time, no option, no unit.
 // clang-format off
 const VariableRow table[] = {
     // Mesh
@@ -61,7 +63,7 @@ const VariableRow table[] = {
      .columns = {{{"Depth2Surf", "Depth to surf"}}}, .arrayText = "Depth to surface array",
      .init = depth2SurfInit, .read = constantRead},
 
-    // Heads and saturations, behind the elevations that they need
+    // Heads and saturations, after the elevations that they need
     {.key = "tvTopoPre", .domains = anyDomain, .option = timeVaryingTopography,
      .stem = "tvtopo_", .arrayText = "time varying topography z array", .init = tvTopoPreInit,
      .read = tvTopoPreRead},
@@ -148,7 +150,7 @@ const VariableRow table[] = {
      .columns = {{{"mine_advance", "mine_advance (cell centred)"}}},
      .arrayText = "mine-advance array"},
 
-    // Peclet numbers and properties that stay as they are
+    // Peclet numbers and constant properties
     {.key = "peclet", .domains = anyDomain, .option = pecletNumber, .stem = "Peclet_",
      .type = single, .location = element, .unit = "1",
      .columns = {{{"Peclet x", "Peclet x (cell centred)"},
@@ -309,7 +311,7 @@ const VariableRow table[] = {
      .columns = {{{"LocationProbability", "location probability (cell centred)"}}},
      .arrayText = "local probability array"},
 
-    // Moving ground
+    // Time-varying topography
     {.key = "tvTopo", .domains = anyDomain, .option = timeVaryingTopography, .stem = "tvtopo_",
      .unit = "L",
      .columns = {{{"tvTopoZ", "tvTopoZ"}, {"tvTopoZAbsDiff", "tvTopoZAbsDiff"}}},
