@@ -6,6 +6,7 @@
 #include "tvncommon/diagnostics/error.hpp"
 
 #include <algorithm>
+#include <limits>
 
 namespace truncation {
 
@@ -14,9 +15,9 @@ using model::run;
 
 namespace {
 
-// Lowest global number of the domain's nodes.
+// Lowest global number of the domain's nodes, which are numbered consecutively from it.
 std::int32_t linkBaseOf(const Domain& domain) {
-    std::int32_t base = 2147483647;
+    std::int32_t base = std::numeric_limits<std::int32_t>::max();
     for (const std::int32_t node : domain.linkFromPm)
         if (node > 0) base = std::min(base, node);
     return base;
@@ -34,7 +35,8 @@ void includeDomainNode(Domain& domain, std::int32_t pmNode, std::int32_t linkBas
     domain.domainNodeIncluded[static_cast<std::size_t>(node)] = 1;
 }
 
-// Visits the used slots of an element and keeps their number for whoever evaluates shapes later.
+// Calls `visit` for each used slot of an element. Their number stays in run.meshNodesPerElement:
+// the comparisons with observations take 8 in the element visited last as a sign of brick elements.
 template<class Visit>
 void forEachNode(const Domain& domain, std::size_t element, Visit visit) {
     const std::int32_t* slots = model::slotsOf(domain, element);
@@ -50,8 +52,8 @@ void includeNode(Domain& domain, std::int32_t pmNode) {
     domain.nodeIncluded[static_cast<std::size_t>(pmNode - 1)] = 1;
 }
 
-// The output takes the order of the domain's own nodes.
-void keepWholeMesh(Domain& domain) {
+// Output nodes have the order of the domain's nodes.
+void includeFullMesh(Domain& domain) {
     domain.nnTruncated = domain.nodeCount;
     domain.neTruncated = domain.elementCount;
     std::fill(domain.domainNodeIncluded.begin(), domain.domainNodeIncluded.end(), 1);
@@ -63,12 +65,12 @@ void keepWholeMesh(Domain& domain) {
         forEachNode(domain, e, [&](std::int32_t pmNode) { includeNode(domain, pmNode); });
 }
 
-// The output takes the order of pm's nodes.
-void keepPart(Domain& domain, const Domain& pm) {
+// Output nodes have the order of pm's nodes.
+void includeTruncated(Domain& domain, const Domain& pm) {
     const std::int32_t linkBase = linkBaseOf(domain);
     const std::int32_t layerElements = layerSize(domain, pm.elementCount);
     for (std::size_t e = 0; e < domain.elementIncluded.size(); ++e) {
-        if (!isInsideTruncation(domain, centroid(domain, pm, e), e, layerElements)) continue;
+        if (!isInsideTruncation(domain, pm, e, layerElements)) continue;
         domain.elementIncluded[e] = 1;
         forEachNode(domain, e, [&](std::int32_t pmNode) {
             includeNode(domain, pmNode);
@@ -76,6 +78,7 @@ void keepPart(Domain& domain, const Domain& pm) {
         });
     }
     domain.neTruncated = countIncluded(domain.elementIncluded);
+    // Without an included element, the last element of the list counts as visited last.
     if (domain.neTruncated == 0 && domain.elementCount > 0)
         forEachNode(domain, domain.elementIncluded.size() - 1, [](std::int32_t) {});
     domain.nnTruncated = 0;
@@ -93,9 +96,9 @@ void commonTruncate(Domain& domain, const Domain& pm) {
     ArrayHelpers::allocateArray(domain.nodeRenumber, pm.nodeCount, arrays);
     const bool wholeMesh = !domain.truncateEnabled && !domain.truncateByLayerEnabled;
     if (wholeMesh)
-        keepWholeMesh(domain);
+        includeFullMesh(domain);
     else
-        keepPart(domain, pm);
+        includeTruncated(domain, pm);
     reportTruncation(domain, wholeMesh);
     domain.truncateEnabled = true;
 }

@@ -4,9 +4,11 @@
 
 namespace truncation {
 
-// The same decision for a domain that shares the nodes of pm: its node mask and numbers go by pm
-// node, beside a mask of its own nodes. Its output is packed in any case, since its data lie on
-// pm's numbering. A link beyond the domain and a layer size of 0 end the run.
+// Does the same as multiTruncate for a domain on the common-node scheme. `nodeIncluded` and
+// `nodeRenumber` are indexed by pm node, `domainNodeIncluded` by the domain's own nodes.
+// `truncateEnabled` then is true in any case, because the arrays of pm are written and these nodes
+// selected from them. A link to a node that is not in the domain ends the run, and so does a
+// truncation by layer of a pm mesh with fewer elements than layers.
 void commonTruncate(model::Domain& domain, const model::Domain& pm);
 
 } // namespace truncation

@@ -20,7 +20,7 @@ std::int32_t domainNode(const Domain& domain, std::int32_t pmNode) {
     return global > 0 ? global - domain.nodeOffset : 0;
 }
 
-// Marks the nodes of an element and tells whether all of its used slots have one.
+// Includes the nodes of an element. Returns whether every used slot has a node of the domain.
 bool includeNodes(Domain& domain, std::size_t element) {
     const std::int32_t* slots = model::slotsOf(domain, element);
     bool complete = true;
@@ -35,7 +35,8 @@ bool includeNodes(Domain& domain, std::size_t element) {
     return complete;
 }
 
-// Marks by node number: an unused slot holds 0 and has a mark of its own, so that none is tested.
+// Includes all nodes that an element uses. marks[0] is for unused slots, which hold 0: this saves a
+// test for each slot.
 void includeNodesOfPm(Domain& pm, const std::string& name) {
     std::vector<std::uint8_t> marks;
     ArrayHelpers::allocateArray(marks, std::int64_t{pm.nodeCount} + 1, name);
@@ -43,7 +44,9 @@ void includeNodesOfPm(Domain& pm, const std::string& name) {
     std::copy(marks.begin() + 1, marks.end(), pm.nodeIncluded.begin());
 }
 
-void keepWholeMesh(Domain& domain, const std::string& name) {
+// An element of pm is included also if it has unused slots. An element of another domain is
+// included if all of its nodes are in that domain.
+void includeFullMesh(Domain& domain, const std::string& name) {
     if (domain.tag == model::tags::pm) {
         std::fill(domain.elementIncluded.begin(), domain.elementIncluded.end(), std::uint8_t{1});
         return includeNodesOfPm(domain, name);
@@ -52,16 +55,17 @@ void keepWholeMesh(Domain& domain, const std::string& name) {
     for (std::size_t e = 0; e < elements; ++e) domain.elementIncluded[e] = includeNodes(domain, e);
 }
 
-void keepPart(Domain& domain, const Domain& pm) {
+void includeTruncated(Domain& domain, const Domain& pm) {
     const std::int32_t layerElements = layerSize(domain, domain.elementCount);
     const auto elements = static_cast<std::size_t>(domain.elementCount);
     for (std::size_t e = 0; e < elements; ++e) {
-        domain.elementIncluded[e] =
-            isInsideTruncation(domain, centroid(domain, pm, e), e, layerElements);
+        domain.elementIncluded[e] = isInsideTruncation(domain, pm, e, layerElements);
         if (domain.elementIncluded[e]) includeNodes(domain, e);
     }
 }
 
+// Output nodes have the order of the domain's nodes. nodeRenumber is indexed by pm node, as the
+// element lists of all domains hold pm nodes.
 void renumber(Domain& domain) {
     domain.neTruncated = countIncluded(domain.elementIncluded);
     domain.nnTruncated = 0;
@@ -82,11 +86,12 @@ void multiTruncate(Domain& domain, const Domain& pm) {
     ArrayHelpers::allocateArray(domain.nodeRenumber, pm.nodeCount, arrays);
     const bool wholeMesh = !domain.truncateEnabled && !domain.truncateByLayerEnabled;
     if (wholeMesh)
-        keepWholeMesh(domain, arrays);
+        includeFullMesh(domain, arrays);
     else
-        keepPart(domain, pm);
+        includeTruncated(domain, pm);
     renumber(domain);
-    // A node behind a cutoff wall belongs to no element as it stands.
+    // All nodes are written. Those at cutoff walls are in no element of the list: the connectivity
+    // puts them in place of others.
     if (wholeMesh && run.wallsPresent) domain.nnTruncated = domain.nodeCount;
     reportTruncation(domain, wholeMesh);
     domain.truncateEnabled = !wholeMesh;

@@ -4,10 +4,12 @@
 
 namespace truncation {
 
-// Decides which elements and nodes of a domain with nodes of its own reach the output, and gives
-// the kept nodes their numbers: all of the mesh, or the elements whose centroid lies in the ranges
-// or layers that the control file asks for. Fills the truncation results of `domain` and reports
-// them on screen and echo file. `pm` lends its coordinates. A layer size of 0 ends the run.
+// Selects the elements and nodes of a domain on the multi-node scheme, or of pm, that are written,
+// and numbers these nodes: the whole mesh, or the elements inside the truncation that the control
+// file requests, with their nodes. `pm` supplies the coordinates. Fills the truncation results of
+// `domain`; its `truncateEnabled` then says whether only part of the arrays is written. Reports the
+// size of the output mesh on screen and echo file. A mesh with fewer elements than layers ends the
+// run if it is truncated by layer.
 void multiTruncate(model::Domain& domain, const model::Domain& pm);
 
 } // namespace truncation

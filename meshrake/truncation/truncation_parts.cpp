@@ -4,7 +4,7 @@
 #include "tvncommon/diagnostics/error.hpp"
 
 #include <algorithm>
-#include <cmath>
+#include <array>
 
 namespace truncation {
 
@@ -17,26 +17,27 @@ bool within(double value, const double* bounds) {
     return bounds[0] <= value && value <= bounds[1];
 }
 
-} // namespace
-
-Point centroid(const Domain& domain, const Domain& pm, std::size_t element) {
+// Mean of the pm nodes of the element; NaN without nodes, which is in no range.
+std::array<double, 3> centroid(const Domain& domain, const Domain& pm, std::size_t element) {
     const std::int32_t* slots = model::slotsOf(domain, element);
-    Point sum;
+    std::array<double, 3> sum{};
     double count = 0;
     for (std::int32_t k = 0; k < domain.nodesPerElement; ++k) {
         if (slots[k] < 1) continue;
         const auto node = static_cast<std::size_t>(slots[k] - 1);
-        sum.x += pm.x[node];
-        sum.y += pm.y[node];
-        sum.z += pm.z[node];
+        sum[0] += pm.x[node];
+        sum[1] += pm.y[node];
+        sum[2] += pm.z[node];
         count += 1;
     }
-    if (count == 0) return {NAN, NAN, NAN};
-    return {sum.x / count, sum.y / count, sum.z / count};
+    return {sum[0] / count, sum[1] / count, sum[2] / count};
 }
+
+} // namespace
 
 std::int32_t layerSize(const Domain& domain, std::int32_t elementCount) {
     const std::int32_t n = run.sheetCount > 1 ? elementCount / (run.sheetCount - 1) : elementCount;
+    // Only a truncation by layer divides by it. With both truncations the layers do not count.
     if (n == 0 && domain.elementCount > 0 && !domain.truncateEnabled &&
         domain.truncateByLayerEnabled)
         error::input_error("Truncation of the " + domain.name +
@@ -45,11 +46,12 @@ std::int32_t layerSize(const Domain& domain, std::int32_t elementCount) {
     return n;
 }
 
-bool isInsideTruncation(const Domain& domain, const Point& centroid, std::size_t element,
+bool isInsideTruncation(const Domain& domain, const Domain& pm, std::size_t element,
                         std::int32_t layerElements) {
     const double* bounds = domain.truncateBounds.data();
-    if (!within(centroid.x, bounds) || !within(centroid.y, bounds + 2)) return false;
-    if (domain.truncateEnabled) return within(centroid.z, bounds + 4);
+    const auto [x, y, z] = centroid(domain, pm, element);
+    if (!within(x, bounds) || !within(y, bounds + 2)) return false;
+    if (domain.truncateEnabled) return within(z, bounds + 4);
     const std::int32_t layer = static_cast<std::int32_t>(element) / layerElements + 1;
     return domain.truncateLayers[0] <= layer && layer <= domain.truncateLayers[1];
 }

@@ -2,28 +2,23 @@
 
 #include "meshrake/model/domain.hpp"
 
-// What the truncations of both coupling schemes have in common.
+// Steps that the truncations of both coupling schemes share.
 namespace truncation {
 
-struct Point {
-    double x = 0, y = 0, z = 0;
-};
-
-// Mean of the pm nodes of the element; no number when it has none.
-Point centroid(const model::Domain& domain, const model::Domain& pm, std::size_t element);
-
-// Elements in a layer of a mesh of this many elements. One of 0 ends the run if layers are asked
-// for.
+// Number of elements in each layer of a mesh with `elementCount` elements. 0 ends the run if the
+// control file requests a truncation by layer.
 std::int32_t layerSize(const model::Domain& domain, std::int32_t elementCount);
 
-// The control file's wish: all three ranges, or the ranges in plan and the layers. A centroid that
-// is no number is outside.
-bool isInsideTruncation(const model::Domain& domain, const Point& centroid, std::size_t element,
+// Returns whether the requested truncation includes an element, counted from 0. The centroid of its
+// pm nodes must lie in the x, y and z ranges or, in a truncation by layer alone, in the x and y
+// ranges, and its layer of `layerElements` elements in the range of layers. Bounds are inside; an
+// element without nodes is outside.
+bool isInsideTruncation(const model::Domain& domain, const model::Domain& pm, std::size_t element,
                         std::int32_t layerElements);
 
 std::int32_t countIncluded(const std::vector<std::uint8_t>& included);
 
-// Shows the size of the output mesh on screen and echo file.
+// Reports the size of the output mesh on screen and echo file.
 void reportTruncation(const model::Domain& domain, bool wholeMesh);
 
 } // namespace truncation
