@@ -38,27 +38,24 @@ Mesh meshOf(std::int32_t nodeCount, std::int32_t sheetCount, bool interpolate,
             .head = head};
 }
 
+// Where a result needs the head of a node, it is formed again as pressure head plus elevation. This
+// can differ from `head` in the last digit.
 double pressureHead(const Mesh& mesh, std::size_t node) {
     return mesh.head[node] - mesh.z[node];
 }
 
+// Elevation of the water table between a saturated node and the unsaturated node above it.
 double crossing(bool interpolate, double zLow, double pLow, double zUp, double pUp) {
     if (!interpolate) return zLow + pLow;
     return zLow - (pLow / (pLow - pUp)) * (zLow - zUp);
 }
 
-// The same zero, with each difference taken the other way round.
-double columnCrossing(bool interpolate, double zLow, double pLow, double zUp, double pUp) {
-    if (!interpolate) return zLow + pLow;
-    return zLow - (pLow / (pUp - pLow)) * (zUp - zLow);
-}
+// A search from each node would take up to sheetCount steps, each in another part of the memory.
+// Both sweeps read whole sheets in the order of the memory instead. `waterTable` has an entry for
+// each column: the elevation that a search from the node of the current sheet would find.
 
-// A walk for each node would cost as many steps as there are sheets, each into another part of the
-// memory. So both sweeps go through whole sheets, and `waterTable` carries from sheet to sheet what
-// a walk in each column would find.
-
-// Depths of the unsaturated nodes: the bottom head at first, then the crossing over every node that
-// can end a walk down.
+// Depths of the unsaturated nodes, whose search goes down. It ends at the first node with a
+// pressure head of 0 or more, or at the bottom: NaN does not end it.
 void sweepUp(const Mesh& mesh, std::span<double> waterTable, std::span<double> depth) {
     for (std::size_t begin = 0; begin < mesh.nodeCount; begin += mesh.sheetNodes) {
         const std::size_t end = std::min(begin + mesh.sheetNodes, mesh.nodeCount);
@@ -78,8 +75,9 @@ void sweepUp(const Mesh& mesh, std::span<double> waterTable, std::span<double> d
     }
 }
 
-// Depths of the saturated nodes: the top head at first, then the crossing under every unsaturated
-// node. Nodes left over behind the top sheet have none above them and take the top head too.
+// Depths of the saturated nodes, whose search goes up. It ends at the first unsaturated node, or at
+// the top sheet. Nodes after the top sheet have no node above them and use the head of the top
+// node.
 void sweepDown(const Mesh& mesh, std::span<double> waterTable, std::span<double> depth) {
     for (std::size_t s = (mesh.nodeCount - 1) / mesh.sheetNodes + 1; s-- > 0;) {
         const std::size_t begin = s * mesh.sheetNodes;
@@ -102,7 +100,8 @@ void sweepDown(const Mesh& mesh, std::span<double> waterTable, std::span<double>
     }
 }
 
-// Puts the elevation of each column's lowest crossing in `waterTable`, and 1 in `found`.
+// For each column with a crossing: sets `waterTable` to the elevation of the lowest one and `found`
+// to 1. Ends when no column is left without a crossing.
 void lowestCrossings(const Mesh& mesh, std::span<char> found, std::span<double> waterTable) {
     std::size_t searching = mesh.sheetNodes;
     for (std::size_t k = 1; k < mesh.sheetCount && searching > 0; ++k) {
@@ -113,7 +112,7 @@ void lowestCrossings(const Mesh& mesh, std::span<char> found, std::span<double> 
             const double pUp = pressureHead(mesh, up);
             const double pLow = pressureHead(mesh, low);
             if (!(pLow >= 0 && pUp < 0)) continue;
-            waterTable[c] = columnCrossing(mesh.interpolate, mesh.z[low], pLow, mesh.z[up], pUp);
+            waterTable[c] = crossing(mesh.interpolate, mesh.z[low], pLow, mesh.z[up], pUp);
             found[c] = 1;
             --searching;
         }
@@ -142,6 +141,7 @@ void depth2gwt2dDomain(std::int32_t nodeCount, std::int32_t sheetCount, bool int
     std::vector<char> found;
     ArrayHelpers::allocateArray(found, nodeCount / sheetCount,
                                 "depth to groundwater 2D work array");
+    // Until the depths are computed, the bottom sheet has the elevation of the water table.
     const std::span<double> bottomSheet = depth.first(mesh.sheetNodes);
     lowestCrossings(mesh, found, bottomSheet);
     for (std::size_t bottom = 0; bottom < mesh.sheetNodes; ++bottom) {
@@ -193,8 +193,8 @@ void depth2gwtNodeBottomUp(std::int32_t node, std::int32_t nodeCount, std::int32
     while (low < top && !(pressureHead[low] >= 0 && pressureHead[low + sheetNodes] < 0))
         low += sheetNodes;
     if (low < top)
-        waterTable = columnCrossing(interpolate, z[low], pressureHead[low], z[low + sheetNodes],
-                                    pressureHead[low + sheetNodes]);
+        waterTable = crossing(interpolate, z[low], pressureHead[low], z[low + sheetNodes],
+                              pressureHead[low + sheetNodes]);
     else if (sheetCount > 1 && pressureHead[top] < 0)
         waterTable = pressureHead[bottom] + z[bottom];
     else

@@ -16,35 +16,35 @@ using plot_data::VariableRow;
 
 namespace {
 
-using Depths = decltype(&depth_to_groundwater::depth2gwtDomain);
+using DepthFunction = decltype(&depth_to_groundwater::depth2gwtDomain);
 
-// The arrays are allocated at their first use, which for a mesh of tetrahedra is a later time: such
-// a mesh has no column declared and yet gets the values of later times.
-void compute(Domain& domain, const VariableRow& row, OutputVar& var, Depths depths) {
+// Allocates the array at its first use. For 4-node elements this is at a later output time: the
+// first pass declares no column and yet later zones have the values. The passes differ on purpose.
+void compute(Domain& domain, const VariableRow& row, OutputVar& var, DepthFunction depthFunction) {
     if (run.sheetCount < 1 || run.sheetCount > std::max(domain.nodeCount, 1))
         error::fatalError("Depth to groundwater: " + std::to_string(domain.nodeCount) +
                           " nodes in " + std::to_string(run.sheetCount) +
                           " sheets\nFile: " + model::problemFile("coordinates_pm"));
     if (var.columns[0].real8.empty())
         plot_data::allocateColumn(domain, var.columns[0], row.arrayText);
-    depths(domain.nodeCount, run.sheetCount, run.interpolateDepthToTable, elevation(domain),
-           model::outputVar(domain, "head").columns[0].real8, var.columns[0].real8);
+    depthFunction(domain.nodeCount, run.sheetCount, run.interpolateDepthToTable, elevation(domain),
+                  model::outputVar(domain, "head").columns[0].real8, var.columns[0].real8);
 }
 
-void init(Domain& domain, const VariableRow& row, OutputVar& var, Depths depths) {
+void init(Domain& domain, const VariableRow& row, OutputVar& var, DepthFunction depthFunction) {
     var.firstExists = model::outputVar(domain, "head").firstExists;
     if (!var.firstExists) return;
     var.columns = plot_data::columnsOf(row);
     if (domain.nodesPerElement == 4) return;
     var.exists = true;
     plot_data::declareColumn(domain, var.columns[0], row.columns[0].name, row.unit);
-    compute(domain, row, var, depths);
+    compute(domain, row, var, depthFunction);
 }
 
-void read(Domain& domain, const VariableRow& row, OutputVar& var, Depths depths) {
+void read(Domain& domain, const VariableRow& row, OutputVar& var, DepthFunction depthFunction) {
     var.exists = model::outputVar(domain, "head").exists;
     if (var.exists)
-        compute(domain, row, var, depths);
+        compute(domain, row, var, depthFunction);
     else
         plot_data::shareColumns(var.columns);
 }

@@ -4,8 +4,9 @@
 
 namespace derived_columns {
 
-// Depths to the water table, computed from the heads of the current output time; one pair for the
-// depth of every node and one for the depth of every column. The heads must have been read.
+// The columns Depth2GWT (each node) and Depth2GWT2D (each column of nodes), computed from the heads
+// and elevations of the current output time, which must have been read. Not declared without heads
+// or for elements of 4 nodes. Fewer than one sheet, or fewer nodes than sheets, ends the run.
 void depth2gwtInit(model::Domain& domain, const plot_data::VariableRow& row, model::OutputVar& var);
 void depth2gwtRead(model::Domain& domain, const plot_data::VariableRow& row, model::OutputVar& var);
 void depth2gwt2dInit(model::Domain& domain, const plot_data::VariableRow& row,

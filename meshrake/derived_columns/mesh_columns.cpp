@@ -12,24 +12,26 @@ using plot_data::Packing;
 
 namespace {
 
-// The record that holds the domain's nodes.
+// The record that has the coordinates of the domain's nodes.
 const Domain& nodesOf(const Domain& domain) {
     return model::hasOwnNodes(domain) ? domain : *domain.pmReference;
 }
 
-// The layer of elements that come in ascending order: steps spare a division for each of them.
+// The layer of the current element. Elements are visited in ascending order, so advancing from
+// layer to layer avoids a division for each element.
 struct Layer {
     std::size_t elements;    // in each layer, above 0
-    std::size_t end = 0;     // behind its last element, from 0
-    std::int32_t number = 0; // from 1
+    std::size_t end = 0;     // one past its last element
+    std::int32_t number = 0; // from 1; 0 before the first element
 };
 
-void stepTo(Layer& layer, std::size_t element) {
+void advanceTo(Layer& layer, std::size_t element) {
     for (; element >= layer.end; ++layer.number) layer.end += layer.elements;
 }
 
-// Ends the run where layers of no element would not end.
-Layer firstLayer(const Domain& domain, const VariableRow& row) {
+// State before the first element. Ends the run if layers have no elements: advanceTo would not
+// return.
+Layer beforeFirstLayer(const Domain& domain, const VariableRow& row) {
     const std::int32_t layers = run.sheetCount - 1;
     const std::int32_t n = layers > 0 ? domain.elementCount / layers : 0;
     if (layers < 1 || (n == 0 && domain.neTruncated > 0))
@@ -39,7 +41,8 @@ Layer firstLayer(const Domain& domain, const VariableRow& row) {
     return {static_cast<std::size_t>(n)};
 }
 
-// One value for each entry of the mask that is set; `valueOf` gets the entry, from 0.
+// Generates a value for each entry of the mask that is set. `valueOf` is called with the index of
+// the entry, in ascending order. The values need no array of their own.
 template<class T, class ValueOf>
 plot_data::ValueGenerator<T> includedValues(const std::vector<std::uint8_t>& included,
                                             ValueOf valueOf) {
@@ -58,7 +61,8 @@ void writeNumbers(Domain& domain, const VariableRow& row, const OutputVar& var,
                                          domain);
 }
 
-// Mean of the heights of the upper over the lower nodes, whose slots match in order.
+// The first half of the slots are the lower nodes, the second half the upper nodes in the same
+// order.
 double thickness(const Domain& domain, std::size_t element) {
     const std::int32_t half = domain.nodesPerElement / 2;
     const std::int32_t* slots = model::slotsOf(domain, element);
@@ -85,10 +89,6 @@ void meshColumnInit(Domain& domain, const VariableRow& row, OutputVar& var) {
         plot_data::declareColumn(domain, var.columns[c], row.columns[c].name, row.unit);
 }
 
-void coordinatesInit(Domain& domain, const VariableRow& row, OutputVar& var) {
-    meshColumnInit(domain, row, var);
-}
-
 void coordinatesWrite(Domain& domain, const VariableRow& row, OutputVar& var) {
     const Packing packing{domain.truncateEnabled, domain.nodeIncluded.data()};
     const Domain& mesh = nodesOf(domain);
@@ -104,6 +104,7 @@ void nodeNumberInit(Domain& domain, const VariableRow& row, OutputVar& var) {
 }
 
 void write3DNodeNumber(Domain& domain, const VariableRow& row, OutputVar& var) {
+    // nodeIncluded has pm nodes in a common-node domain and the domain's nodes otherwise.
     const std::int32_t* links = model::hasOwnNodes(domain) ? domain.linkToPm.data() : nullptr;
     const auto number = [links](std::size_t i) {
         return links ? links[i] : static_cast<std::int32_t>(i + 1);
@@ -112,16 +113,16 @@ void write3DNodeNumber(Domain& domain, const VariableRow& row, OutputVar& var) {
 }
 
 void writeLayerNumber(Domain& domain, const VariableRow& row, OutputVar& var) {
-    const auto number = [layer = firstLayer(domain, row)](std::size_t e) mutable {
-        stepTo(layer, e);
+    const auto number = [layer = beforeFirstLayer(domain, row)](std::size_t e) mutable {
+        advanceTo(layer, e);
         return layer.number;
     };
     writeNumbers(domain, row, var, includedValues<std::int32_t>(domain.elementIncluded, number));
 }
 
 void writeColumnNumber(Domain& domain, const VariableRow& row, OutputVar& var) {
-    const auto number = [layer = firstLayer(domain, row)](std::size_t e) mutable {
-        stepTo(layer, e);
+    const auto number = [layer = beforeFirstLayer(domain, row)](std::size_t e) mutable {
+        advanceTo(layer, e);
         return static_cast<std::int32_t>(layer.elements - (layer.end - e)) + 1;
     };
     writeNumbers(domain, row, var, includedValues<std::int32_t>(domain.elementIncluded, number));

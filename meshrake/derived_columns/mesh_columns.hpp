@@ -2,38 +2,46 @@
 
 #include "meshrake/plot_data/variable_io.hpp"
 
-// Columns that no result file holds: they follow from the layered mesh of pm, whose nodes are
-// numbered sheet by sheet from the bottom up and whose elements layer by layer. A division by zero
-// for want of sheets or layers ends the run.
+// Columns computed from the mesh, without a result file. The mesh of pm is layered: its nodes are
+// numbered sheet by sheet and its elements layer by layer, both from the bottom up. Their values
+// never change, so later output times share them.
 namespace derived_columns {
 
 using model::Domain;
 using model::OutputVar;
 using plot_data::VariableRow;
 
-// X, Y and Z of the nodes.
-void coordinatesInit(Domain& domain, const VariableRow& row, OutputVar& var);
+// Declares the columns of a row that has no file. The `write` step of the row supplies the values.
+void meshColumnInit(Domain& domain, const VariableRow& row, OutputVar& var);
+
+// X, Y and Z of the nodes, length unit.
 void coordinatesWrite(Domain& domain, const VariableRow& row, OutputVar& var);
 
-// Number of the pm node under each node; not where walls put several nodes in one place.
+// Number of the pm node under each node. Not declared with cutoff walls, where several nodes have
+// the same position.
 void nodeNumberInit(Domain& domain, const VariableRow& row, OutputVar& var);
 void write3DNodeNumber(Domain& domain, const VariableRow& row, OutputVar& var);
 
-// Layer of each element, its place in the layer, and its mean height.
-void meshColumnInit(Domain& domain, const VariableRow& row, OutputVar& var);
+// Layer of each element and its position in the layer, both from 1. A mesh without layers of
+// elements ends the run.
 void writeLayerNumber(Domain& domain, const VariableRow& row, OutputVar& var);
 void writeColumnNumber(Domain& domain, const VariableRow& row, OutputVar& var);
+
+// Mean height of each element between its lower and upper nodes, length unit. Elements of one node
+// and unused node slots end the run.
 void writeElementThickness(Domain& domain, const VariableRow& row, OutputVar& var);
 
-// Length by which each node lies below the top of its column in a mesh of these sheets, at least
-// one. `depth` holds zeros, one for each node; those of the top sheet and behind it stay.
+// Depth of each node below the top node of its column, length unit, in a mesh of `sheets` sheets of
+// `sheetNodes` nodes, at least one sheet. `depth` has an entry for each node of pm; those of the
+// top sheet, and of nodes beyond it, are not changed and must be 0.
 void computeDepthBelowTop(const Domain& pm, std::size_t sheetNodes, std::size_t sheets,
                           std::vector<double>& depth);
 
-// The same as a column; only for the plot of depths below the surface.
+// Declares this depth as a column if the plot of depths below the surface is requested. A mesh
+// without sheets ends the run.
 void depth2SurfInit(Domain& domain, const VariableRow& row, OutputVar& var);
 
-// Aperture of the fracture elements, from the element list.
+// Aperture of the fracture elements, length unit, from the element list.
 void apertureWrite(Domain& domain, const VariableRow& row, OutputVar& var);
 
 } // namespace derived_columns

@@ -12,7 +12,8 @@ namespace {
 
 constexpr std::string_view key = "tvTopo";
 
-// A continued run falls back to the first output time in the window.
+// In an appended run without a file at its first output time, the ground has the elevations of the
+// first output time in the window. Other variables fall back to output time 1.
 bool findFirst(const Domain& domain, std::string_view stem, std::string& name) {
     name = plot_data::variableFile(domain, stem);
     return plot_data::checkFileInit(name, run.appendFirstIndex);
@@ -27,7 +28,6 @@ void readElevations(Domain& domain, const VariableRow& row, OutputVar& topograph
     plot_data::readColumns(domain, std::span(topography.columns).first(1), name);
 }
 
-// A lowered node gives a positive value.
 void computeChange(const Domain& domain, OutputVar& var) {
     if (domain.tag != model::tags::pm) return;
     const std::vector<double>& current = var.columns[0].real8;

@@ -2,28 +2,29 @@
 
 #include "meshrake/plot_data/variable_io.hpp"
 
-// A ground surface that moves: node elevations and, in pm, element zones for each output time. The
-// presence of the first output time's file decides for the run; a later time without one keeps the
-// old elevations and shares the columns.
+// Time-varying topography: node elevations and, in pm, element zones for each output time. The data
+// set has the columns if the file of the first output time exists. An output time without a file
+// keeps the elevations of the previous one and shares the columns with zone 1.
 namespace derived_columns {
 
 using model::Domain;
 using model::OutputVar;
 using plot_data::VariableRow;
 
-// Elevations of the nodes at the current output time, nodeCount, length unit: those of the file
-// where topography moves, else the mesh's.
+// Elevations of the nodes at the current output time, nodeCount values, length unit: those of the
+// last file with time-varying topography, otherwise those of the mesh.
 const std::vector<double>& elevation(const Domain& domain);
 
-// The elevations alone, ahead of the heads that need them.
+// Reads the elevations before the heads, which need them. Declares nothing.
 void tvTopoPreInit(Domain& domain, const VariableRow& row, OutputVar& var);
 void tvTopoPreRead(Domain& domain, const VariableRow& row, OutputVar& var);
 
-// The column of elevations and, in pm, that of mesh elevation minus current elevation.
+// The column of elevations and, in pm, that of mesh elevation minus current elevation: positive at
+// a lowered node. Their position is after most other variables, hence the second reading.
 void tvTopoInit(Domain& domain, const VariableRow& row, OutputVar& var);
 void tvTopoRead(Domain& domain, const VariableRow& row, OutputVar& var);
 
-// Element zones that move with the ground.
+// Element zones for each output time.
 void tvTopoZoneInit(Domain& domain, const VariableRow& row, OutputVar& var);
 
 } // namespace derived_columns

@@ -31,7 +31,7 @@ constexpr auto longInt = model::DataType::longInt;
 const VariableRow table[] = {
     // Mesh
     {.key = "coordinates", .domains = anyDomain, .unit = "L",
-     .columns = {{{"X", "x"}, {"Y", "y"}, {"Z", "z"}}}, .init = coordinatesInit,
+     .columns = {{{"X", "x"}, {"Y", "y"}, {"Z", "z"}}}, .init = meshColumnInit,
      .read = constantRead, .write = coordinatesWrite},
     {.key = "zone", .domains = anyDomain, .stem = "tv_zone_", .type = longInt,
      .location = element,
