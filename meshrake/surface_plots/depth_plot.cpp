@@ -4,7 +4,6 @@
 #include "meshrake/model/run_state.hpp"
 #include "meshrake/plot_data/array_writing.hpp"
 #include "meshrake/plot_data/data_set.hpp"
-#include "meshrake/plot_data/unit_labels.hpp"
 #include "meshrake/plot_data/zone.hpp"
 #include "meshrake/surface_plots/plot_parts.hpp"
 #include "tvncommon/diagnostics/ArrayHelpers.hpp"
@@ -19,8 +18,9 @@ using plot_data::Packing;
 namespace {
 
 constexpr std::string_view plot = "plot pm depth below ground surface";
+constexpr std::string_view variables[] = {"X", "Y", "Z", "DepthToSurf"};
 
-// The column that the run wrote or, where it had none, `computed`.
+// The column of the run if pm has it. If pm was not written, fills and returns `computed`.
 const std::vector<double>& depthOf(const Domain& olf, const Domain& pm,
                                    std::vector<double>& computed) {
     const model::OutputVar* var = model::findOutputVar(pm, "depth2Surf");
@@ -43,12 +43,7 @@ void plot_pmdepth_grndsurf(const Domain& olf, Domain& pm) {
     std::vector<double> computed;
     const std::vector<double>& depth = depthOf(olf, pm, computed);
 
-    const std::string name = announcePlot(plot, "pm_DepthToSurf");
-    plot_data::tecplotInit(pm);
-    for (const std::string_view variable : {"X", "Y", "Z", "DepthToSurf"})
-        declareLength(variable, pm);
-    plot_data::tecplotFileOpen(name, run.titleLines.front(), pm);
-    plot_data::tecplotVarUnitsWrite(pm);
+    openPlot(plot, "pm_DepthToSurf", variables, pm);
     plot_data::tecplotWriteZoneFE("DepthToSurf", "", 0, pm);
     std::int32_t variable = 0;
     const auto write = [&](const std::vector<double>& values, std::string_view label) {

@@ -4,9 +4,9 @@
 
 namespace surface_plots {
 
-// Writes <prefix>o.pm_DepthToSurf: the depth of each node of pm below the top of its column, whose
-// nodes lie as many numbers apart as olf has nodes. The record of pm is reused for the data set; a
-// pm that the run did not write is truncated first. A surface without nodes or elements, or with
+// Writes the data set <prefix>o.pm_DepthToSurf: the depth of each node of pm below the top node of
+// its column, length unit. Each sheet has as many nodes as olf. The record of pm is reused for this
+// data set, so the data set of the run must be closed. A surface without nodes or elements, or with
 // more nodes than pm, ends the run before anything is written.
 void plot_pmdepth_grndsurf(const model::Domain& olf, model::Domain& pm);
 

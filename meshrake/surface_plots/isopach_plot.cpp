@@ -3,7 +3,6 @@
 #include "meshrake/model/run_state.hpp"
 #include "meshrake/plot_data/array_writing.hpp"
 #include "meshrake/plot_data/data_set.hpp"
-#include "meshrake/plot_data/unit_labels.hpp"
 #include "meshrake/plot_data/zone.hpp"
 #include "meshrake/surface_plots/plot_parts.hpp"
 #include "tvncommon/diagnostics/ArrayHelpers.hpp"
@@ -21,9 +20,11 @@ using plot_data::Packing;
 
 namespace {
 
+constexpr std::string_view plot = "pm isopach plot";
 constexpr const char* arrayName = "top elevation and thickness arrays";
 
-// Triangles stand in slots for four; only the first element is looked at.
+// Triangles are stored in elements of four slots with 0 in the last. All elements of olf have the
+// same shape, so the first one decides.
 std::int32_t faceNodesOf(const Domain& olf) {
     const bool triangles = olf.nodesPerElement > 3 && olf.elementNodes[3] == 0;
     return triangles ? 3 : olf.nodesPerElement;
@@ -37,17 +38,17 @@ std::size_t lowerSlotsOf(const Domain& olf, const Domain& pm) {
     return static_cast<std::size_t>(std::min(faceNodesOf(olf), pm.nodesPerElement));
 }
 
-// Slot of the lowest layer that stands under an upper slot. Its node is one of olf.
+// The slot below an upper slot. In the lowest layer its node number is also that of a node of olf.
 std::size_t surfaceSlot(const Domain& olf, std::size_t upperSlot) {
     return upperSlot - static_cast<std::size_t>(faceNodesOf(olf));
 }
 
 [[noreturn]] void badElement(std::size_t element, const std::string& what) {
-    error::input_error("pm isopach plot: element " + std::to_string(element + 1) + " of " +
+    error::input_error(std::string(plot) + ": element " + std::to_string(element + 1) + " of " +
                        model::problemFile("elements_pm") + what);
 }
 
-// What the plot follows without a look later: node numbers of the elements that lie in a zone.
+// Checks the node numbers that addLayer uses as indices: those of all elements in a zone.
 void checkElements(const Domain& olf, const Domain& pm) {
     const auto surface = static_cast<std::size_t>(olf.elementCount);
     const auto slots = static_cast<std::size_t>(pm.nodesPerElement);
@@ -68,17 +69,16 @@ void checkElements(const Domain& olf, const Domain& pm) {
     }
 }
 
-// Largest zone number of pm. Only a damaged one is far above the number of elements; zones up to it
-// would fill the disk.
+// Returns the highest zone number of pm. The plot has a data-set zone for each number up to it. A
+// number far above the number of elements is from a damaged file, and the plot would fill the disk.
 std::int32_t zoneCountOf(const Domain& pm) {
     constexpr std::int32_t most = 100000;
     std::int32_t count = std::numeric_limits<std::int32_t>::min();
     for (const std::int32_t zone : pm.elementZone) count = std::max(count, zone);
     if (count > std::max(most, pm.elementCount))
-        error::input_error("pm isopach plot: the highest of the zones of pm, " +
-                           std::to_string(count) + ", stands in " +
-                           model::problemFile("elements_pm") + " or a file " +
-                           model::problemFile("tv_zone_pm.<index>") +
+        error::input_error(std::string(plot) + ": the highest of the zones of pm, " +
+                           std::to_string(count) + ", is in " + model::problemFile("elements_pm") +
+                           " or a file " + model::problemFile("tv_zone_pm.<index>") +
                            ".\nThe plot would have a zone for each number up to it.");
     return count;
 }
@@ -88,7 +88,8 @@ void allocate(Isopach& isopach, const Domain& olf) {
     ArrayHelpers::allocateArray(isopach.zoneThickness, olf.elementCount, arrayName);
 }
 
-// One coordinate of the nodes of olf: its own, or in `gathered` those of its pm nodes.
+// One coordinate of the nodes of olf. A common-node olf has no coordinates: they are copied from
+// its pm nodes into `gathered`.
 const std::vector<double>& surfaceCoordinate(const Domain& olf, const std::vector<double>& own,
                                              const std::vector<double>& ofPm,
                                              std::vector<double>& gathered) {
@@ -99,7 +100,7 @@ const std::vector<double>& surfaceCoordinate(const Domain& olf, const std::vecto
     return gathered;
 }
 
-// Adds pm element `p` of the column over surface element `e`.
+// Adds pm element `p`, which is in the column above surface element `e`.
 void addLayer(const Domain& olf, const Domain& pm, std::size_t e, std::size_t p, Isopach& isopach) {
     const auto slots = static_cast<std::size_t>(pm.nodesPerElement);
     const std::int32_t faceNodes = faceNodesOf(olf);
@@ -118,8 +119,9 @@ void addLayer(const Domain& olf, const Domain& pm, std::size_t e, std::size_t p,
     isopach.zoneThickness[e] += upperSum / faceNodes - lowerSum / faceNodes;
 }
 
-// Variables in the order of their declaration.
+// Variable numbers, in the order of `variables`.
 enum Variable : std::int32_t { x = 1, y, z, thickness };
+constexpr std::string_view variables[] = {"X", "Y", "Z(isopach top)", "isopach thickness"};
 
 void writeNodes(Domain& olf, Variable variable, const std::vector<double>& values,
                 std::string_view label) {
@@ -135,6 +137,7 @@ void writeThickness(Domain& olf, const Isopach& isopach, std::string_view label)
 }
 
 void writeFirstZone(Domain& olf, const Domain& pm, const Isopach& isopach, std::string_view time) {
+    plot_data::tecplotVarLocCCAdd(thickness);
     plot_data::tecplotWriteZoneFE("Isopach", time, 0, olf);
     std::vector<double> gathered;
     writeNodes(olf, x, surfaceCoordinate(olf, olf.x, pm.x, gathered), "x");
@@ -160,15 +163,15 @@ void compute_isopach_structure(std::int32_t zone, const Domain& olf, const Domai
     std::fill(isopach.zoneThickness.begin(), isopach.zoneThickness.end(), 0.0);
     const auto surface = static_cast<std::size_t>(olf.elementCount);
     const std::size_t end = layerCountOf(olf, pm) * surface;
-    // Column by column: the last element around a node decides on its top, by the uppermost of its
-    // layers in the zone.
+    // Elements of neighbouring columns share nodes, and the element processed last decides the top
+    // elevation of a node. The order is fixed: columns by surface element, each from the bottom up.
     for (std::size_t e = 0; e < surface; ++e)
         for (std::size_t p = e; p < end; p += surface)
             if (pm.elementZone[p] == zone) addLayer(olf, pm, e, p, isopach);
 }
 
 void plot_pmzone_isopach_structure(Domain& olf, const Domain& pm) {
-    checkSurface(olf, "pm isopach plot");
+    checkSurface(olf, plot);
     checkElements(olf, pm);
     const std::int32_t zoneCount = zoneCountOf(pm);
     const int digits = utils::numDigits(zoneCount);
@@ -176,15 +179,8 @@ void plot_pmzone_isopach_structure(Domain& olf, const Domain& pm) {
     Isopach isopach;
     allocate(isopach, olf);
 
-    const std::string name = announcePlot("pm isopach plot", "pm_Isopach");
-    plot_data::tecplotInit(olf);
-    declareLength("X", olf);
-    declareLength("Y", olf);
-    declareLength("Z(isopach top)", olf);
-    declareLength("isopach thickness", olf);
-    plot_data::tecplotVarLocCCAdd(thickness);
-    plot_data::tecplotFileOpen(name, run.titleLines.front(), olf);
-    plot_data::tecplotVarUnitsWrite(olf);
+    openPlot(plot, "pm_Isopach", variables, olf);
+    // 64 bits: the highest 32-bit number can be a zone. Zone 1 is written even if pm has no zone.
     for (std::int64_t zone = 1; zone == 1 || zone <= zoneCount; ++zone) {
         const auto number = static_cast<std::int32_t>(zone);
         const std::string time = utils::zeroPaddedIntString(number, digits);

@@ -5,24 +5,26 @@
 #include <cstdint>
 #include <vector>
 
-// The plots at the end of a run reuse the record of a domain for a data set of their own.
-// Truncation comes first where the run did not write the domain.
+// Thickness of the zones of pm elements over the surface.
 namespace surface_plots {
 
-// Thickness and top of one zone of pm elements over the surface, length unit.
+// Results for one zone, length unit, 0 where the column has no element of the zone.
 struct Isopach {
-    std::vector<double> topElevation;  // nodes of olf, 0 where the zone is not
+    std::vector<double> topElevation;  // nodes of olf
     std::vector<double> zoneThickness; // elements of olf
 };
 
-// Clears `isopach`, which must be allocated, and fills it for a zone. The elements of pm stand in
-// layers over those of olf, and the first sheet of pm has the node numbers of olf.
+// Computes the results for a zone; the arrays must be allocated. pm element e + L * (elements of
+// olf) is the element of layer L above olf element e, and the nodes of the lowest sheet of pm have
+// the same numbers as those of olf.
 void compute_isopach_structure(std::int32_t zone, const model::Domain& olf, const model::Domain& pm,
                                Isopach& isopach);
 
-// Writes <prefix>o.pm_Isopach, a zone of the data set for each zone of pm elements from 1 to the
-// highest. A surface without nodes or elements, and elements of pm that do not stand over it, end
-// the run before anything is written.
+// Writes the data set <prefix>o.pm_Isopach, with a data-set zone for each zone of pm elements from
+// 1 to the highest number. The record of olf is reused for this data set, so the data set of the
+// run must be closed. A surface without nodes or elements, unused node slots in pm, elements of the
+// lowest layer with nodes that are not in olf, and a zone number above 100000 and above the number
+// of elements end the run before anything is written.
 void plot_pmzone_isopach_structure(model::Domain& olf, const model::Domain& pm);
 
 } // namespace surface_plots

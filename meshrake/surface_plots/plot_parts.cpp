@@ -10,6 +10,7 @@
 namespace surface_plots {
 
 using model::Domain;
+using model::run;
 using model::write_string;
 
 void checkSurface(const Domain& olf, std::string_view plot) {
@@ -22,27 +23,28 @@ void checkSurface(const Domain& olf, std::string_view plot) {
 }
 
 void truncateForPlot(Domain& domain, const Domain& pm) {
-    if (!domain.nodeIncluded.empty()) return;
+    if (!domain.nodeIncluded.empty()) return; // truncated by the run
     if (model::hasOwnNodes(domain))
         truncation::multiTruncate(domain, pm);
     else
         truncation::commonTruncate(domain, pm);
 }
 
-std::string announcePlot(std::string_view plot, std::string_view file) {
+void openPlot(std::string_view plot, std::string_view file,
+              std::span<const std::string_view> variables, Domain& domain) {
     const std::string name = model::problemFile(file);
     write_string(" ");
     write_string(std::string(48, '-'));
     write_string(plot);
     write_string("Creating Tecplot file " + name + std::string(plot_data::plotFileExtension()));
-    return name;
-}
-
-std::int32_t declareLength(std::string_view name, Domain& domain) {
-    const std::int32_t number = plot_data::tecplotVarAdd(name, domain);
-    plot_data::tecplotDataType(model::DataType::real8, domain);
-    plot_data::tecplotVarUnitsAdd(name, number, "L", domain);
-    return number;
+    plot_data::tecplotInit(domain);
+    for (const std::string_view variable : variables) {
+        const std::int32_t number = plot_data::tecplotVarAdd(variable, domain);
+        plot_data::tecplotDataType(model::DataType::real8, domain);
+        plot_data::tecplotVarUnitsAdd(variable, number, "L", domain);
+    }
+    plot_data::tecplotFileOpen(name, run.titleLines.front(), domain);
+    plot_data::tecplotVarUnitsWrite(domain);
 }
 
 } // namespace surface_plots

@@ -2,23 +2,22 @@
 
 #include "meshrake/model/domain.hpp"
 
-#include <string>
+#include <span>
 #include <string_view>
 
-// What the plots at the end of a run have in common.
+// Steps that the plots at the end of a run share.
 namespace surface_plots {
 
-// Ends the run for a surface without nodes or elements, by which the plots divide.
+// Ends the run if the surface has no nodes or no elements: the plots divide by their number. `plot`
+// is named in the banner.
 void checkSurface(const model::Domain& olf, std::string_view plot);
 
-// Truncates the domain as its first output time would have; nothing where that was done.
+// Truncates a domain that the run did not write; its results are kept if the run did.
 void truncateForPlot(model::Domain& domain, const model::Domain& pm);
 
-// Announces the plot and its file on screen and echo file; returns the file's name, without
-// extension.
-std::string announcePlot(std::string_view plot, std::string_view file);
-
-// Declares a variable of 64-bit reals in the length unit and returns its number.
-std::int32_t declareLength(std::string_view name, model::Domain& domain);
+// Opens the data set <prefix>o.<file> in the record of `domain`: announces it on screen and echo
+// file, declares the variables, all 64-bit reals with the length unit, and writes the file header.
+void openPlot(std::string_view plot, std::string_view file,
+              std::span<const std::string_view> variables, model::Domain& domain);
 
 } // namespace surface_plots

@@ -148,8 +148,7 @@ TEST_F(SurfacePlots, EndBeforeTheyBeginWhereTheMeshDoesNotFit) {
     // A damaged number would fill the disk with zones.
     for (const std::int32_t number : {100001, 2147483647}) {
         patch(problem["to.elements_pm"], 3, 5, number);
-        expectEnd(isopachs,
-                  "zones of pm, " + std::to_string(number) + ", stands in to.elements_pm");
+        expectEnd(isopachs, "zones of pm, " + std::to_string(number) + ", is in to.elements_pm");
     }
 }
 
