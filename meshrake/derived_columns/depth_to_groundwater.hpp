@@ -9,11 +9,12 @@
 //
 // `z` (elevations), `head`, `pressureHead` and `depth` have nodeCount values in the length unit;
 // the pressure head is the head minus the elevation. A node is unsaturated if its pressure head is
-// below 0 and saturated otherwise, also if it is NaN. The water table is between a saturated node
-// and an unsaturated node above it: at the head of the saturated node or, with `interpolate`, where
-// the pressure head, linear between the two nodes, is 0. If nodeCount is not a multiple of
-// sheetCount, the remaining nodes follow the top sheet. Fewer than one sheet, or fewer nodes than
-// sheets, ends the run; a mesh without nodes has no depths.
+// below 0 and saturated otherwise. NaN counts as saturated, but no search for a saturated node ends
+// at it. A crossing is a saturated node with an unsaturated node above it. The water table is
+// there: at the head of the saturated node or, with `interpolate`, where the pressure head, linear
+// between the two nodes, is 0. If nodeCount is not a multiple of sheetCount, the remaining nodes
+// follow the top sheet. Fewer than one sheet, or fewer nodes than sheets, ends the run; a mesh
+// without nodes has no depths.
 namespace depth_to_groundwater {
 
 // For each node, its height above the nearest crossing of its column: below an unsaturated node,

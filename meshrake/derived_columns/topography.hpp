@@ -20,7 +20,7 @@ void tvTopoPreInit(Domain& domain, const VariableRow& row, OutputVar& var);
 void tvTopoPreRead(Domain& domain, const VariableRow& row, OutputVar& var);
 
 // The column of elevations and, in pm, that of mesh elevation minus current elevation: positive at
-// a lowered node. Their position is after most other variables, hence the second reading.
+// a lowered node. They come after the heads, so the file of an output time is read twice.
 void tvTopoInit(Domain& domain, const VariableRow& row, OutputVar& var);
 void tvTopoRead(Domain& domain, const VariableRow& row, OutputVar& var);
 

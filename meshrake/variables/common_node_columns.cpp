@@ -56,7 +56,7 @@ void commonNodeConcInit(Domain& domain, const VariableRow& row, OutputVar& var) 
     if (!run.speciesPresent || !copyFlagsFromPm(domain, row, var)) return;
     for (std::size_t s = 0; s < run.speciesNames.size(); ++s) {
         const bool heat = run.speciesFlagA[s] != 0;
-        if (heat) units::setTempUnitsToC();
+        if (heat) units::setTempUnitsToC(); // as for the species of pm; holds for all later labels
         const std::string& name = run.speciesNames[s];
         declare(domain, row, var, {name, name}, heat ? "K" : row.unit);
     }

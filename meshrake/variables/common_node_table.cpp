@@ -27,8 +27,8 @@ const VariableRow& rowOf(std::string_view key) {
 
 } // namespace
 
-// Rows with commonNode... steps show the values of the pm variable with the same key. Their names
-// differ from those of the multi-node table: "Saturation" here, "Sat" there.
+// Rows with commonNode... steps show the values of the pm variable with the same key. Some of their
+// names differ on purpose from those of the multi-node table, such as "Saturation" and "Sat".
 // clang-format off
 std::span<const VariableRow> commonNodeTable() {
     static const std::array table{

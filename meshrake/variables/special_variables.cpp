@@ -55,9 +55,9 @@ std::int32_t tensorKind(const std::string& name) {
     int status = free_form::readInteger(header.message, kind);
     if (kind == unchanged && status == io_layer::ok) status = io_layer::invalidData;
     if (status != io_layer::ok)
-        error::input_error_stat(status,
-                                "Error reading file: " + name +
-                                    "\nThe message of its header is no number: " + header.message);
+        error::input_error_stat(
+            status, "Error reading file: " + name +
+                        "\nThe message of its header is not a number: " + header.message);
     return kind;
 }
 
