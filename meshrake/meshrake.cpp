@@ -97,7 +97,7 @@ void runMeshrake(int argc, const char* const* argv, bool legacyVtk) {
     processControlFile(domains);
 
     // From here on nodes, elements and wishes are fixed.
-    run.pmPassRequired = pmIsLent(domains);
+    run.pmPassRequired = pmNeededByCommonNodeDomains(domains);
     timeLoop(domains);
     model::writeScreen("");
     model::writeEcho("");

@@ -61,12 +61,13 @@ void createDomains(Domains& d) {
     model::domainCreate(d.addition, "addition", d.pm);
 }
 
-bool pmIsLent(const Domains& d) {
+bool pmNeededByCommonNodeDomains(const Domains& d) {
     if (d.pm.writeDomain.enabled) return false;
-    const Domain* resting[] = {&d.frac, &d.olf, &d.well, &d.tile, &d.chan};
-    return std::any_of(std::begin(resting), std::end(resting), [](const Domain* domain) {
-        return domain->couplingScheme == 0 && domain->writeDomain.enabled;
-    });
+    const Domain* commonNodeDomains[] = {&d.frac, &d.olf, &d.well, &d.tile, &d.chan};
+    return std::any_of(std::begin(commonNodeDomains), std::end(commonNodeDomains),
+                       [](const Domain* domain) {
+                           return domain->couplingScheme == 0 && domain->writeDomain.enabled;
+                       });
 }
 
 void initAll(Domains& domains) {

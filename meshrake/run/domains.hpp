@@ -18,8 +18,9 @@ std::array<model::Domain*, 7> processingOrder(Domains& domains);
 // Reads the mesh of all domains, in the order that numbers their nodes.
 void createDomains(Domains& domains);
 
-// pm must be processed although it is not written: a domain that rests on its nodes is.
-bool pmIsLent(const Domains& domains);
+// True if pm is not written, but a domain on the common-node scheme is: pm must then be read for
+// it.
+bool pmNeededByCommonNodeDomains(const Domains& domains);
 
 // First and later output times of all domains.
 void initAll(Domains& domains);
