@@ -21,11 +21,11 @@ constexpr int unit = io_layer::firstUnit;
 // differ.
 std::optional<std::string> nextRecord(std::string_view file, std::size_t& position) {
     std::string payload;
-    for (bool goesOn = true; goesOn;) {
+    for (bool continues = true; continues;) {
         std::int32_t front = 0, back = 0;
         if (file.size() - position < 4) return {};
         std::memcpy(&front, file.data() + position, 4);
-        goesOn = front < 0;
+        continues = front < 0;
         const auto length = static_cast<std::uint64_t>(std::abs(std::int64_t{front}));
         if (length + 8 > file.size() - position) return {};
         payload += file.substr(position + 4, length);

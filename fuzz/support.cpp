@@ -24,7 +24,7 @@ namespace fuzz {
 
 namespace {
 
-using system_calls::FileFacts;
+using system_calls::FileInfo;
 using system_calls::FileKind;
 using system_calls::OpenMode;
 
@@ -138,12 +138,12 @@ std::int64_t seekTo(int descriptor, std::int64_t position) {
     return position;
 }
 
-int factsOf(int descriptor, FileFacts& facts) {
+int fileInfo(int descriptor, FileInfo& info) {
     const OpenFile* f = findOpen(descriptor);
     if (!f) return -1;
-    facts.kind = f->bytes ? FileKind::regular : FileKind::folder;
-    facts.size = f->bytes ? static_cast<std::int64_t>(f->bytes->size()) : 0;
-    facts.number = std::hash<std::string>()(f->name);
+    info.kind = f->bytes ? FileKind::regular : FileKind::folder;
+    info.size = f->bytes ? static_cast<std::int64_t>(f->bytes->size()) : 0;
+    info.number = std::hash<std::string>()(f->name);
     return 0;
 }
 
@@ -162,7 +162,7 @@ system_calls::Table memoryTable() {
     table.write = writeNext;
     table.seek = seekTo;
     table.close = [](int d) { return disk.open.erase(d) > 0 ? 0 : failure(EBADF); };
-    table.facts = factsOf;
+    table.fileInfo = fileInfo;
     table.exists = [](const char* path) { return find(path) ? 0 : failure(ENOENT); };
     table.readAt = readAt;
     table.writeAt = writeAt;
@@ -182,9 +182,9 @@ system_calls::Table memoryTable() {
         return 0;
     };
     table.setPermissions = [](int d, unsigned) { return findOpen(d) ? 0 : -1; };
-    table.namedFacts = [](const char* path, FileFacts& facts) {
-        facts = {};
-        facts.number = std::hash<std::string>()(path);
+    table.fileInfoOfName = [](const char* path, FileInfo& info) {
+        info = {};
+        info.number = std::hash<std::string>()(path);
         return find(path) ? 0 : failure(ENOENT);
     };
     table.readLink = [](const char* path, char*, std::size_t) -> std::ptrdiff_t {

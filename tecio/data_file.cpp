@@ -101,7 +101,7 @@ int replaceWithCopy(DataFile& f, std::int64_t padding) {
     const Bytes header = headerBytes(f, padding);
     byte_file::File copy;
     Replacement replacement;
-    int status = byte_file::openBeside(f.path, copy, replacement);
+    int status = byte_file::openForCommit(f.path, copy, replacement);
     if (status == ok) status = byte_file::writeAt(copy, 0, header.data(), sizeOf(header));
     if (status == ok) status = copyData(f.file, oldDataAt, copy, sizeOf(header), dataBytes);
     if (status == ok)
@@ -164,7 +164,7 @@ int sidecarStatus(DataFile& f, int status) {
 int createDataFile(DataFile& f) {
     const int status = sidecarStatus(f, createSidecar(sidecarPath(f.path), f.head, f.sidecar));
     f.size = 0;
-    return status == ok ? byte_file::openBeside(f.path, f.file, f.replacement) : status;
+    return status == ok ? byte_file::openForCommit(f.path, f.file, f.replacement) : status;
 }
 
 int writeHeader(DataFile& f, std::int64_t zoneBytes) {

@@ -64,7 +64,7 @@ int createSidecar(const std::string& path, const Head& head, Sidecar& sidecar) {
     all.append(reinterpret_cast<const char*>(&sidecar.checkpoints.back()), sizeof(Checkpoint));
     all += contents;
     file_replacement::Replacement replacement;
-    int status = byte_file::openBeside(path, sidecar.file, replacement);
+    int status = byte_file::openForCommit(path, sidecar.file, replacement);
     if (status == ok) status = writeDurably(sidecar, 0, all.data(), sizeOf(all));
     if (status == ok)
         status = file_replacement::commit(replacement);

@@ -64,7 +64,7 @@ std::int32_t readTecplotAppend() {
 void writeTecplotAppend(std::int32_t index) {
     const std::string name = problemFile(stem);
     const int unit = file_units::getUnit();
-    if (io_layer::openRecordsBeside(unit, name) != io_layer::ok) {
+    if (io_layer::openRecordsForCommit(unit, name) != io_layer::ok) {
         file_units::freeUnit(unit);
         return warnOfIndex(name);
     }

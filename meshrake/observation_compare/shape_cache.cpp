@@ -118,7 +118,7 @@ void obs_points_shape(const Domain& domain) {
     model::writeEcho(" Evaluating shape functions at XYZ observation locations");
     ElementSearch search;
     prepare(search, domain);
-    const int unit = file_units::openTextBeside(name);
+    const int unit = file_units::openTextForCommit(name);
     searchElements(search, unit);
     file_units::commitUnit(unit);
 }

@@ -49,7 +49,7 @@ void readControl(const std::string& name, Domains& domains) {
 }
 
 void writeTemplate(const std::string& name, Domains& domains) {
-    error::checkFileOpen(io_layer::openTextBeside(run.controlUnit, name), name);
+    error::checkFileOpen(io_layer::openTextForCommit(run.controlUnit, name), name);
     plot_control::writePlotControlInit();
     for (const model::Domain* domain : processingOrder(domains))
         plot_control::writePlotControl(*domain);

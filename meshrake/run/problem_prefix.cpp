@@ -86,7 +86,7 @@ std::string getModelPrefix(std::string_view extension, bool& answered) {
 
 void writeBatchFile(const std::string& prefix) {
     const int unit = file_units::getUnit();
-    if (io_layer::openTextBeside(unit, batchFile) != io_layer::ok) {
+    if (io_layer::openTextForCommit(unit, batchFile) != io_layer::ok) {
         writeScreen("Failed to generate batch.pfx file with prefix " + prefix);
         return file_units::freeUnit(unit);
     }

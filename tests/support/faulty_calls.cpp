@@ -145,7 +145,7 @@ const Kind allKinds[] = {
      true,
      {EACCES, EMFILE, ENFILE, EISDIR, ELOOP, EIO, ENOSPC, EROFS},
      Entry<&Table::open>::wrap},
-    {"fstat", Effect::none, false, {EIO, ESTALE}, Entry<&Table::facts>::wrap},
+    {"fstat", Effect::none, false, {EIO, ESTALE}, Entry<&Table::fileInfo>::wrap},
     {"read", Effect::none, true, {EIO, ESTALE}, Entry<&Table::read>::wrap},
     {"pread", Effect::none, true, {EIO, ESTALE}, Entry<&Table::readAt>::wrap},
     {"write",
@@ -163,7 +163,11 @@ const Kind allKinds[] = {
     {"flock", Effect::none, true, {ENOLCK, EIO}, Entry<&Table::lock>::wrap},
     {"unlink", Effect::change, false, {EIO, EACCES, EPERM}, Entry<&Table::remove>::wrap},
     {"chmod", Effect::change, false, {EPERM, EIO, EROFS}, Entry<&Table::setPermissions>::wrap},
-    {"stat (facts)", Effect::none, false, {EIO, ESTALE, EACCES}, Entry<&Table::namedFacts>::wrap},
+    {"stat (file info)",
+     Effect::none,
+     false,
+     {EIO, ESTALE, EACCES},
+     Entry<&Table::fileInfoOfName>::wrap},
     {"readlink", Effect::none, false, {EIO, ELOOP, EACCES}, Entry<&Table::readLink>::wrap},
     {"allocation", Effect::none, false, {ENOMEM}, Entry<&Table::allocate>::wrap}};
 

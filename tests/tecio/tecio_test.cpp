@@ -200,9 +200,9 @@ TEST(Tecio, CountsAndSizesBeyond32Bits) {
         const system_calls::Table real = system_calls::systemTable();
         const auto all = static_cast<std::ptrdiff_t>(size);
         if (size < 1000000) return real.writeAt(d, from, size, to);
-        system_calls::FileFacts facts;
-        real.facts(d, facts);
-        return real.truncate(d, std::max(to + all, facts.size)) == 0 ? all : -1;
+        system_calls::FileInfo info;
+        real.fileInfo(d, info);
+        return real.truncate(d, std::max(to + all, info.size)) == 0 ? all : -1;
     };
     constexpr std::int64_t most = 2147483647, piece = 16777216;
     const std::vector<float> zeros(piece);

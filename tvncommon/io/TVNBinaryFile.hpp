@@ -17,9 +17,9 @@
 //       68      2  number of components
 //       70     10  number of values per component
 //
-// With the magic ("newer"), a file of several components holds one record of n values for each of
-// them. Without it ("older") the 80 characters are free text behind the time stamp, and the values
-// of several components stand node by node, one record for each node.
+// With the magic ("newer"), a file of several components has one record of n values for each of
+// them. Without it ("older"), the 80 characters are free text after the time stamp, and a file of
+// several components has one record for each node, with the node's value of each component.
 namespace TVNBinaryFile {
 
 inline constexpr int headerLength = 80;
@@ -41,15 +41,16 @@ struct BinaryHeader {
 // First record of the file, 80 characters. A failed open or read ends the run.
 std::string readTVNBinFileHeader(const std::string& filename);
 
-// Takes the header apart; ends the run, naming the file, when it is short or malformed. Trailing
-// blanks of the texts are dropped; leading blanks of the time stamp stay.
+// Parses the header; ends the run, naming the file, when it is short or malformed. Trailing blanks
+// of the texts are dropped; leading blanks of the time stamp stay.
 BinaryHeader parseTVNBinFileHeader(std::string_view header, const std::string& filename);
 
 bool isNewerFileFormat(std::string_view header);
 
-// Whole files into the caller's arrays of `n` values each. A longer record is taken in part; a
-// shorter one, a failed open and a negative status end the run with the file's name. A negative `n`
-// counts as 0. `header`, where it is given, receives the 80 characters of the header.
+// Read a whole file of one component into the caller's array of `n` values. Of a longer record the
+// first `n` values are read. A shorter record and any other failure end the run with a banner that
+// names the file. A negative `n` counts as 0. `header`, if given, receives the 80 characters of the
+// header.
 void read_i4_1d(const std::string& filename, std::int32_t n, std::int32_t* array,
                 std::string* header = nullptr);
 void read_r4_1d(const std::string& filename, std::int32_t n, float* array,
@@ -57,7 +58,7 @@ void read_r4_1d(const std::string& filename, std::int32_t n, float* array,
 void read_r8_1d(const std::string& filename, std::int32_t n, double* array,
                 std::string* header = nullptr);
 
-// Files of several components; `arrays` holds one pointer for each component.
+// The same for files of several components; `arrays` has one array of `n` values for each of them.
 void read_r4_components(const std::string& filename, std::int32_t n, int components,
                         float* const* arrays, std::string* header = nullptr);
 void read_r8_components(const std::string& filename, std::int32_t n, int components,

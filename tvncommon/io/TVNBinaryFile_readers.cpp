@@ -14,7 +14,7 @@ namespace TVNBinaryFile {
 
 namespace {
 
-constexpr std::int64_t frameBytes = 4; // of a length, in front of a record and behind it
+constexpr std::int64_t frameBytes = 4; // of a length, before and after each record
 constexpr std::int64_t valuesBegin = headerLength + 2 * frameBytes;
 
 template<class T>
@@ -25,15 +25,15 @@ std::vector<T*> columnsOf(T* array, std::int32_t n, std::int32_t columns) {
     return starts;
 }
 
-// A result file of one component, read byte by byte: of the lengths around its records only those
-// in front of the values count.
+// A result file of one component, read at byte positions. Only the leading lengths of the value
+// record are checked.
 struct Checked {
     std::string name;
     byte_file::File file;
     std::int64_t size = 0;
 };
 
-// No unit has the file, so the end of the run would leave it open.
+// The file has no unit, so the end of the run would leave it open.
 [[noreturn]] void endRun(Checked& c, int status, const std::string& message) {
     byte_file::close(c.file);
     if (status == io_layer::ok) error::input_error(message);
@@ -58,15 +58,15 @@ Checked openChecked(const std::string& filename, const std::string& headerName,
     return c;
 }
 
-// Length of the record behind the header, whose first `wanted` bytes go into `into`. A negative
-// length says that the record goes on.
+// Returns the length of the record after the header and reads its first `wanted` bytes into `into`.
+// A negative length means that the record continues in a further sub-record.
 std::int64_t walkValues(Checked& c, char* into, std::int64_t wanted) {
     std::int64_t position = valuesBegin, total = 0;
-    for (bool goesOn = true; goesOn;) {
+    for (bool continues = true; continues;) {
         std::int32_t marker = 0;
         mustRead(c, position, &marker, frameBytes, "block size");
         const std::int64_t length = marker < 0 ? -std::int64_t{marker} : marker;
-        goesOn = marker < 0;
+        continues = marker < 0;
         const std::int64_t part = std::min(length, wanted - total);
         if (part > 0) mustRead(c, position + frameBytes, into + total, part, "values");
         total += length;

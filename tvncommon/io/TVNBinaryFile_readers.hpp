@@ -3,8 +3,9 @@
 #include <cstdint>
 #include <string>
 
-// Further readers of result files. `header`, where it is given, receives the 80 characters of the
-// header. What is wrong with a file ends the run with its name.
+// Further readers of result files, for other programs. `header`, if given, receives the 80
+// characters of the header. A file that cannot be read or is damaged ends the run with a banner
+// that names it.
 namespace TVNBinaryFile {
 
 // Two, three or six components into arrays of `n` values each.
@@ -27,7 +28,7 @@ void read_r4_2d(const std::string& filename, std::int32_t n, std::int32_t column
 void read_r8_2d(const std::string& filename, std::int32_t n, std::int32_t columns, double* array,
                 std::string* header = nullptr);
 
-// One component of exactly `n` values: a file with another number of them ends the run.
+// One component of exactly `n` values: a file with another number of values ends the run.
 void read_safe_i4_1d(const std::string& filename, std::int32_t n, std::int32_t* array,
                      std::string* header = nullptr);
 void read_safe_r4_1d(const std::string& filename, std::int32_t n, float* array,

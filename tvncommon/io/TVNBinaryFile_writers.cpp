@@ -26,7 +26,7 @@ constexpr std::string_view typeCode<float> = "R04";
 template<>
 constexpr std::string_view typeCode<double> = "R08";
 
-// Entries from `begin` on that are wanted of an array of this size.
+// The entries of an array that are written.
 struct Part {
     std::size_t begin = 0, count = 0;
 };

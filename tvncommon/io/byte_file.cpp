@@ -15,17 +15,17 @@ int open(const std::string& path, system_calls::OpenMode mode, File& file, std::
     if (!io_layer::canBeName(path)) return io_layer::invalidPath;
     file.descriptor = restart([&] { return table.open(path.c_str(), mode); });
     if (file.descriptor < 0) return io_layer::statusOfOpen(errno);
-    system_calls::FileFacts facts;
-    const bool known = table.facts(file.descriptor, facts) == 0;
-    if (!known || facts.kind != system_calls::FileKind::regular) {
+    system_calls::FileInfo info;
+    const bool known = table.fileInfo(file.descriptor, info) == 0;
+    if (!known || info.kind != system_calls::FileKind::regular) {
         close(file);
         return io_layer::openFailed;
     }
-    size = facts.size;
+    size = info.size;
     return ok;
 }
 
-int openBeside(const std::string& path, File& file, file_replacement::Replacement& replacement) {
+int openForCommit(const std::string& path, File& file, file_replacement::Replacement& replacement) {
     close(file);
     return file_replacement::begin(path, file_replacement::InPlace::refused, replacement,
                                    file.descriptor);

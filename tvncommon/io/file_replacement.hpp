@@ -2,29 +2,34 @@
 
 #include <string>
 
-// Files that a later run reads back. A new one is written beside the file whose place it takes when
-// it is whole, so that a run that fails or is killed leaves the old file or none. Every operation
-// returns a status of the I/O layer, and none ends the run.
+// Atomic replacement of files that a later run reads. The new file is written under another name in
+// the same folder and renamed when it is complete, so a run that fails or is killed leaves the old
+// file or none. Every operation returns a status of the I/O layer, and none ends the run.
 namespace file_replacement {
 
 struct Replacement {
-    std::string target; // the file that is replaced, with all links of its name followed
-    std::string made;   // the new file; empty when the target is written in place, or at the end
+    std::string target;  // the file that is replaced, after all links of its name were followed
+    std::string newFile; // name of the new file; empty if written in place, and after the end
 };
 
-// Where the new file cannot be made although the target can be written.
+// Whether the target may be written in place where no new file can be created but the target can be
+// written.
 enum class InPlace { refused, permitted };
 
-// Opens a new file for writing, "<target>.unfinished", in the folder of the target, and locks it. A
-// left-over of that name is removed, never followed; one that another process has locked, because
-// it is still writing it, is a failure. The new file gets the permissions of a target that exists,
-// which must be writable, and links to it stay. With `InPlace::permitted` a device or pipe is
-// opened itself, and an existing file is emptied and written in place where its folder takes no new
-// file. `descriptor` also reads unless the target is written in place.
+// Creates "<target>.unfinished" in the folder of the target, opens it for writing and locks it.
+// - An unfinished file of an earlier run is removed; a link of that name is not followed. A file
+// that
+//   another process has locked, because it is still writing it, is a failure.
+// - An existing target must be writable. The new file gets its permissions. If `path` is a link,
+// the
+//   link stays and the file that it links to is replaced.
+// - With `InPlace::permitted` a device or pipe is opened itself. So is an existing file in a folder
+//   where no file can be created; it is emptied.
+// `descriptor` can also read, unless the target is written in place.
 int begin(const std::string& path, InPlace inPlace, Replacement& replacement, int& descriptor);
 
-// Puts the new file in the place of the target; its data must be written, and its descriptor, which
-// holds the lock, still open. A failure removes it.
+// Renames the new file to the target. Its data must be written, and its descriptor, which holds the
+// lock, still open. After a failure the new file is removed.
 int commit(Replacement& replacement);
 
 // Removes the new file.

@@ -71,9 +71,9 @@ int openTextReplace(const std::string& path, io_layer::Flush flush) {
     return unit;
 }
 
-int openTextBeside(const std::string& path) {
+int openTextForCommit(const std::string& path) {
     const int unit = getUnit();
-    error::checkFileOpen(io_layer::openTextBeside(unit, path), path);
+    error::checkFileOpen(io_layer::openTextForCommit(unit, path), path);
     return unit;
 }
 
@@ -137,7 +137,7 @@ std::int32_t readInteger(int unit) {
     return value;
 }
 
-// Writers differ in their true: the lowest bit tells it for all of them.
+// Compilers store true as 1 or as -1: both have the lowest bit set.
 bool readLogical(int unit) {
     return (readInteger(unit) & 1) != 0;
 }

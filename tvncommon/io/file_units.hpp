@@ -8,35 +8,38 @@
 #include "tvncommon/diagnostics/ArrayHelpers.hpp"
 #include "tvncommon/io/io_layer.hpp"
 
-// File units and the reads and writes that nobody tests: a failure in any of them ends the run with
-// a banner that names the file and tells the status of the I/O layer.
+// The I/O layer for callers who do not test a status: a failure ends the run with a banner that
+// names the file and gives the status of the I/O layer.
 namespace file_units {
 
 // Takes the lowest free unit of the range 1100 to 20000; ends the run when none is left.
 int getUnit();
 
-// Closes and frees the unit; ends the run for a number outside the range, one that is already free,
-// and when what was still held cannot be written.
+// Closes and frees the unit. Ends the run if the number is outside the range or free already, or if
+// pending output cannot be written.
 void freeUnit(int unit);
 
-// The same for a unit of `openTextBeside` or `openRecordsBeside`, whose file takes its place.
+// The same for a unit of `openTextForCommit` or `io_layer::openRecordsForCommit`: the new file
+// replaces the old one.
 void commitUnit(int unit);
 
 // The same for all units of the range.
 void freeUnitAll();
 
-// True if something of that name exists, a folder included. Ends the run, naming the file, where
-// the system cannot say (any failure but ENOENT and ENOTDIR) and for a name that is too long.
+// True if a file or folder of that name exists. Ends the run, naming the file, if the system
+// reports a failure other than ENOENT and ENOTDIR, and for a name that is too long.
 bool exists(const std::string& path);
 
-// Opens a file that must be there for reading, or one to be replaced for writing, on a unit that is
-// free. A failed open ends the run.
+// Open a file on a free unit and return the unit: an existing file for reading, or a new or emptied
+// file for writing. `openTextForCommit` leaves an existing file as it is until `commitUnit`. A
+// failed open ends the run.
 int openTextRead(const std::string& path);
 int openTextReplace(const std::string& path, io_layer::Flush flush);
-int openTextBeside(const std::string& path);
+int openTextForCommit(const std::string& path);
 int openRecordsRead(const std::string& path);
 
-// The same with a word of its own for a file that is not there: text, and records.
+// Open an existing file for reading, as text or as records. The banner for a missing file is "File
+// not found: " and its name.
 void open_ascii_file(int& unit, const std::string& filename);
 void open_unformatted_file(int& unit, const std::string& filename);
 
@@ -44,31 +47,33 @@ void writeLine(int unit, std::string_view line);
 void writeBlock(int unit, const char* block, std::size_t size);
 void rewind(int unit);
 
-// Next line into `line`; false at the end of the file.
+// Reads the next line into `line`; false at the end of the file.
 bool readLine(int unit, std::string& line,
               io_layer::LongLine longLine = io_layer::LongLine::refused);
 
-// The first bytes of one record into an array or a single value.
+// Read one record and return its first bytes: `size` of them, a 32-bit integer, a 32-bit logical,
+// or a text of `length` characters.
 void readRecord(int unit, void* into, std::int64_t size);
 std::int32_t readInteger(int unit);
 bool readLogical(int unit);
 std::string readText(int unit, std::int64_t length);
 
-// The same in pieces, for a record that is taken apart while it is read.
+// Read one record in several pieces.
 void beginRecord(int unit);
 void readInRecord(int unit, void* into, std::int64_t size);
 void endRecord(int unit);
 
-// Ends the run unless `count` lies in 0 to the number of items of `bytesEach` bytes that the rest
-// of the file can hold. To be called before memory is taken for a count that comes from the file;
-// `items` tells what is counted, such as "mobile species".
+// Ends the run if `count` is negative or the rest of the file is shorter than `count` items of
+// `bytesEach` bytes. Call it before memory is allocated for a count that was read from the file.
+// `items` names in the banner what is counted, such as "mobile species".
 void checkCount(int unit, std::int64_t count, std::int64_t bytesEach, std::string_view items);
 
-// Ends the run as a read error of this unit's file does, telling what is wrong with its contents.
+// Ends the run with the banner of a read error for this unit's file; `what` is a sentence about its
+// contents.
 [[noreturn]] void badContents(int unit, std::string_view what);
 
-// One record of `count` values into `array`, which is allocated under `name` after the count has
-// been held against the size of the file.
+// Reads one record of `count` values into `array`, which is allocated under `name` after the count
+// was compared with the size of the file.
 template<class T>
 void readArray(int unit, std::int64_t count, std::vector<T>& array, std::string_view name) {
     checkCount(unit, count, static_cast<std::int64_t>(sizeof(T)), "values of " + std::string(name));

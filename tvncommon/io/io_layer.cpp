@@ -18,10 +18,12 @@ using system_calls::restart;
 using system_calls::table;
 
 constexpr std::size_t writeBufferSize = 32768;
-constexpr std::int64_t roomFrom = 8388608; // size from which a file grows by steps
-constexpr std::int64_t roomStep = 67108864;
+// A file that stays below 8 MiB is spared the extra calls: the reservation, and the truncation at
+// its close. A step of 64 MiB is one call for 512 blocks of text.
+constexpr std::int64_t preallocateFrom = 8388608;
+constexpr std::int64_t preallocationStep = 67108864;
 constexpr std::size_t longestName = 300;
-// On a file system that numbers a file differently each time, no attempt finds it again.
+// Some file systems give a file another number at each look, so that no attempt would succeed.
 constexpr int mostAttempts = 100;
 
 struct State {
@@ -59,31 +61,30 @@ int open(int unit, const std::string& path, OpenMode mode, Form form,
     c.form = form;
     c.flushing = flushing;
     c.writing = mode != OpenMode::read;
-    system_calls::FileFacts facts;
-    // Only a regular file is sure to come to an end; a device can be written all the same.
-    const bool usable = table.facts(c.descriptor, facts) == 0 &&
-                        (c.writing || facts.kind == system_calls::FileKind::regular);
+    system_calls::FileInfo info;
+    // Only a regular file is read: another one may never end. A device or pipe can be written.
+    const bool usable = table.fileInfo(c.descriptor, info) == 0 &&
+                        (c.writing || info.kind == system_calls::FileKind::regular);
     if (!usable) {
         table.close(c.descriptor);
         return openFailed;
     }
-    c.size = facts.size;
-    c.regular = facts.kind == system_calls::FileKind::regular;
-    c.device = facts.device;
-    c.number = facts.number;
+    c.size = info.size;
+    c.regular = info.kind == system_calls::FileKind::regular;
+    c.device = info.device;
+    c.number = info.number;
     state.connections[unit] = std::move(c);
     return ok;
 }
 
-// A regular file's new name is that of the target, for messages.
-int openBeside(int unit, const std::string& path, Form form) {
+int openForCommit(int unit, const std::string& path, Form form) {
     Connection c;
     c.path = path;
     c.form = form;
     c.writing = true;
     const int status = file_replacement::begin(path, file_replacement::InPlace::permitted,
                                                c.replacement, c.descriptor);
-    c.regular = !c.replacement.made.empty();
+    c.regular = !c.replacement.newFile.empty();
     if (status == ok) state.connections[unit] = std::move(c);
     return status;
 }
@@ -107,41 +108,42 @@ int lock(int descriptor, bool wait) {
     }
 }
 
-// Whether the open file is still the one of this name: while its lock was waited for, another
-// process may have removed or replaced it.
-int compareIdentity(const std::string& path, const system_calls::FileFacts& facts, bool& same) {
-    system_calls::FileFacts named;
-    const bool found = table.namedFacts(path.c_str(), named) == 0;
-    same = found && named.device == facts.device && named.number == facts.number;
+// Sets `same` to whether the open file is still the one of this name. While the call waited for the
+// lock, another process may have removed or replaced the file.
+int compareIdentity(const std::string& path, const system_calls::FileInfo& info, bool& same) {
+    system_calls::FileInfo named;
+    const bool found = table.fileInfoOfName(path.c_str(), named) == 0;
+    same = found && named.device == info.device && named.number == info.number;
     return found || errno == ENOENT ? ok : statusOfOpen(errno);
 }
 
-// A link may give one file two names: that of the input and that of the output.
-bool isInput(const system_calls::FileFacts& facts) {
+// An input file may also have the name of the output file, through a link.
+bool isInput(const system_calls::FileInfo& info) {
     return std::any_of(state.connections.begin(), state.connections.end(), [&](const auto& entry) {
         const Connection& c = entry.second;
-        return c.regular && !c.writing && c.device == facts.device && c.number == facts.number;
+        return c.regular && !c.writing && c.device == info.device && c.number == info.number;
     });
 }
 
-// One attempt; `done` when the file of this name is locked and empty, or needs no lock. The last
-// attempt takes any file. A file that is open for reading is not emptied.
+// One attempt to lock and empty the file of this name; `done` if it succeeded or the file needs no
+// lock. The last attempt accepts a file whose identity changed. A file that is open for reading is
+// not emptied.
 int openLocked(Connection& c, bool wait, bool last, bool& done) {
-    system_calls::FileFacts facts;
-    if (table.facts(c.descriptor, facts) != 0) return openFailed;
-    done = facts.kind != system_calls::FileKind::regular;
+    system_calls::FileInfo info;
+    if (table.fileInfo(c.descriptor, info) != 0) return openFailed;
+    done = info.kind != system_calls::FileKind::regular;
     if (done) return ok;
     int status = lock(c.descriptor, wait);
-    if (status == ok) status = compareIdentity(c.path, facts, done);
+    if (status == ok) status = compareIdentity(c.path, info, done);
     if (status != ok || (!done && !last)) return status;
-    if (isInput(facts)) return openFailed;
+    if (isInput(info)) return openFailed;
     done = true;
-    const bool emptied = table.facts(c.descriptor, facts) == 0 &&
-                         (facts.size == 0 || truncate(c.descriptor, 0) == ok);
+    const bool emptied = table.fileInfo(c.descriptor, info) == 0 &&
+                         (info.size == 0 || truncate(c.descriptor, 0) == ok);
     return emptied ? ok : openFailed;
 }
 
-// Text and records are on the disk before their name is. A device has none.
+// The contents must be on the disk before the rename. A device has no sync.
 int sync(int descriptor) {
     const bool synced = restart([=] { return table.sync(descriptor); }) == 0;
     return synced || errno == EINVAL || errno == ENOSYS ? ok : writeFailed;
@@ -159,24 +161,26 @@ int writeAll(Connection& c, const char* from, std::size_t size) {
     return ok;
 }
 
-// Taking room in large steps costs the file system less than to find it block by block. A step that
-// is refused is the last one; the writes themselves tell whether the disk is full.
-void takeRoom(Connection& c, std::size_t size) {
+// Reserves disk space in large steps, which costs the file system less than a search at every
+// block. After a refused step no more is reserved; if the disk is full, the writes fail.
+void preallocate(Connection& c, std::size_t size) {
     const std::int64_t end = c.written + static_cast<std::int64_t>(size);
-    if (!c.regular || c.written < roomFrom || end <= c.roomEnd) return;
-    const std::int64_t begin = std::max(c.written, c.roomEnd);
-    const bool taken = restart([&] { return table.reserve(c.descriptor, begin, roomStep); }) == 0;
-    c.roomEnd = taken ? begin + roomStep : unbounded;
+    if (!c.regular || c.written < preallocateFrom || end <= c.preallocatedEnd) return;
+    const std::int64_t begin = std::max(c.written, c.preallocatedEnd);
+    const bool taken =
+        restart([&] { return table.reserve(c.descriptor, begin, preallocationStep); }) == 0;
+    c.preallocatedEnd = taken ? begin + preallocationStep : unbounded;
 }
 
-// Input texts may hold what would make a terminal act; line feeds and tabs are layout.
+// Control characters in input texts could change the state of a terminal. Line feeds and tabs are
+// layout.
 bool isControl(char c) {
     return (c >= 0 && c < ' ' && c != '\n' && c != '\t') || c == '\x7f';
 }
 
-int flushHeld(Connection& c) {
-    const int status = writeAll(c, c.held.data(), c.held.size());
-    c.held.clear();
+int flushPending(Connection& c) {
+    const int status = writeAll(c, c.pending.data(), c.pending.size());
+    c.pending.clear();
     return status;
 }
 
@@ -188,10 +192,10 @@ Connection* find(int unit) {
 }
 
 std::ptrdiff_t readSome(const Connection& c, char* into, std::int64_t size, std::int64_t position) {
-    const std::int64_t room = std::min(size, c.size - position);
-    if (room <= 0) return 0;
+    const std::int64_t wanted = std::min(size, c.size - position);
+    if (wanted <= 0) return 0;
     for (;;) {
-        const std::ptrdiff_t n = table.read(c.descriptor, into, static_cast<std::size_t>(room));
+        const std::ptrdiff_t n = table.read(c.descriptor, into, static_cast<std::size_t>(wanted));
         if (n == 0 && c.size != unbounded) return -1; // the file has been cut since the open
         if (n >= 0 || errno != EINTR) return n;
     }
@@ -206,8 +210,8 @@ int fillBuffer(Connection& c, std::int64_t position) {
     return ok;
 }
 
-// The system would take the text up to a NUL for the name: another file's. Names have a limit here,
-// since one that is cut would be another file's too.
+// The system would end the name at a NUL and open another file. So would a name that is cut at the
+// length of the simulator's texts.
 bool canBeName(const std::string& path) {
     return path.size() <= longestName && path.find('\0') == std::string::npos;
 }
@@ -258,9 +262,10 @@ int releaseUnit(int unit) {
     state.taken[static_cast<std::size_t>(unit - firstUnit)] = false;
     Connection* c = find(unit);
     if (!c) return ok;
-    int status = c->writing ? flushHeld(*c) : ok;
-    // Gives the room back that was not needed; the size of the file stays.
-    if (c->roomEnd > c->written && truncate(c->descriptor, c->written) != ok) status = writeFailed;
+    int status = c->writing ? flushPending(*c) : ok;
+    // Frees the reserved space that was not needed; the size of the file does not change.
+    if (c->preallocatedEnd > c->written && truncate(c->descriptor, c->written) != ok)
+        status = writeFailed;
     file_replacement::discard(c->replacement); // its lock ends with the descriptor
     if (table.close(c->descriptor) != 0 && c->writing && status == ok) status = writeFailed;
     state.connections.erase(unit);
@@ -270,9 +275,9 @@ int releaseUnit(int unit) {
 int commitUnit(int unit) {
     Connection* c = find(unit);
     if (!c) return writeFailed;
-    int status = flushHeld(*c);
+    int status = flushPending(*c);
     if (status == ok) status = sync(c->descriptor);
-    // The data are on the disk: the close has nothing more to report.
+    // The data are on the disk, so a failure of the close that follows loses nothing.
     if (status == ok) status = file_replacement::commit(c->replacement);
     const int released = releaseUnit(unit);
     return status == ok ? released : status;
@@ -282,7 +287,7 @@ int releaseAll(std::string& path) {
     int first = ok;
     while (!state.connections.empty() && state.connections.rbegin()->first >= firstUnit) {
         auto& [unit, c] = *state.connections.rbegin();
-        std::string name = std::move(c.path); // a run without memory ends here too
+        std::string name = std::move(c.path); // a copy could fail in a run without memory
         const int status = releaseUnit(unit);
         if (status == ok || first != ok) continue;
         first = status;
@@ -313,12 +318,12 @@ int openRecordsReplace(int unit, const std::string& path) {
     return open(unit, path, OpenMode::replace, Form::unformatted);
 }
 
-int openTextBeside(int unit, const std::string& path) {
-    return openBeside(unit, path, Form::formatted);
+int openTextForCommit(int unit, const std::string& path) {
+    return openForCommit(unit, path, Form::formatted);
 }
 
-int openRecordsBeside(int unit, const std::string& path) {
-    return openBeside(unit, path, Form::unformatted);
+int openRecordsForCommit(int unit, const std::string& path) {
+    return openForCommit(unit, path, Form::unformatted);
 }
 
 int openTextLocked(int unit, const std::string& path, Flush flushing, bool wait) {
@@ -351,10 +356,11 @@ int readLine(int unit, std::string& line, LongLine longLine) {
         }
         any = true;
         const char* begin = c->readBuffer.data() + c->readBegin;
-        const std::size_t held = c->readEnd - c->readBegin;
-        const void* lineFeed = std::memchr(begin, '\n', held);
+        const std::size_t available = c->readEnd - c->readBegin;
+        const void* lineFeed = std::memchr(begin, '\n', available);
         const std::size_t n =
-            lineFeed ? static_cast<std::size_t>(static_cast<const char*>(lineFeed) - begin) : held;
+            lineFeed ? static_cast<std::size_t>(static_cast<const char*>(lineFeed) - begin)
+                     : available;
         const std::size_t kept = std::min(n, longestLine - line.size());
         if (kept < n && (longLine == LongLine::refused || c->size == unbounded)) return invalidData;
         line.append(begin, kept);
@@ -369,10 +375,11 @@ int readLine(int unit, std::string& line, LongLine longLine) {
 int writeText(int unit, std::string_view text) {
     Connection* c = find(unit);
     if (!c || !c->writing) return writeFailed;
-    const auto begin = static_cast<std::ptrdiff_t>(c->held.size());
-    c->held.append(text);
-    if (unit < firstUnit) std::replace_if(c->held.begin() + begin, c->held.end(), isControl, '?');
-    return c->held.size() >= writeBufferSize ? flushHeld(*c) : ok;
+    const auto begin = static_cast<std::ptrdiff_t>(c->pending.size());
+    c->pending.append(text);
+    if (unit < firstUnit)
+        std::replace_if(c->pending.begin() + begin, c->pending.end(), isControl, '?');
+    return c->pending.size() >= writeBufferSize ? flushPending(*c) : ok;
 }
 
 int writeLine(int unit, std::string_view line) {
@@ -380,31 +387,31 @@ int writeLine(int unit, std::string_view line) {
     if (status == ok) status = writeText(unit, "\n");
     if (status != ok) return status;
     Connection& c = *find(unit);
-    return c.flushing == Flush::everyLine ? flushHeld(c) : ok;
+    return c.flushing == Flush::everyLine ? flushPending(c) : ok;
 }
 
 int writeBlock(int unit, const char* block, std::size_t size) {
     Connection* c = find(unit);
     if (!c || !c->writing) return writeFailed;
-    // A clean block takes no memory, which the banner of a failed allocation relies on.
+    // A block without control characters needs no memory: the allocation banner relies on that.
     const bool cleaned = unit < firstUnit && std::any_of(block, block + size, isControl);
     int status = cleaned ? writeText(unit, {block, size}) : ok;
-    if (status == ok) status = flushHeld(*c);
+    if (status == ok) status = flushPending(*c);
     if (status != ok || cleaned) return status;
-    takeRoom(*c, size);
+    preallocate(*c, size);
     return writeAll(*c, block, size);
 }
 
 int flush(int unit) {
     Connection* c = find(unit);
     if (!c || !c->writing) return writeFailed;
-    return flushHeld(*c);
+    return flushPending(*c);
 }
 
 int rewind(int unit) {
     Connection* c = find(unit);
     if (!c) return readFailed;
-    const int status = c->writing ? flushHeld(*c) : ok;
+    const int status = c->writing ? flushPending(*c) : ok;
     if (status != ok) return status;
     if (table.seek(c->descriptor, 0) < 0) return c->writing ? writeFailed : readFailed;
     c->readBegin = c->readEnd = 0;

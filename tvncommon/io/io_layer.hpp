@@ -4,14 +4,14 @@
 #include <string>
 #include <string_view>
 
-// Files by their unit numbers: text line by line, and binary files of records. Nothing here ends
-// the run; every operation returns a status number, 0 when all is well. `file_units` builds on this
-// layer for callers who do not look at the status.
+// Files by unit number: text line by line, and binary files of records. Nothing here ends the run;
+// every operation returns a status number, 0 for success. `file_units` is built on this layer for
+// callers who do not test the status.
 //
 // A record file is a sequence of records: a 32-bit little-endian length, the payload, the same
 // length again. A payload too long for that length is written as a chain of sub-records, each with
-// its own pair of lengths; a negative leading length says that the record goes on behind this
-// piece. Both lengths count by magnitude.
+// its own pair of lengths. A negative leading length means that a further sub-record follows, a
+// negative trailing length that one came before. The length is the magnitude.
 namespace io_layer {
 
 inline constexpr int standardInput = -2;
@@ -36,36 +36,36 @@ inline constexpr int invalidCharacter = 64;
 inline constexpr int tooManyOpenFiles = 603;
 inline constexpr int lockedElsewhere = 604; // another process holds the lock of the file
 
-// When text leaves the process: at every line, for what a person follows while the run goes on, or
-// in blocks.
+// When text is written: after every line, for output that a user follows during the run, or in
+// blocks.
 enum class Flush { everyLine, inBlocks };
 
-// True for a name that this layer opens: one of at most 300 characters, none of which is NUL.
+// True if this layer opens files of this name: at most 300 characters, none of them NUL.
 bool canBeName(const std::string& path);
 
-// Status of an open that failed with this `errno`.
+// Returns the status of an open that failed with this `errno`.
 int statusOfOpen(int error);
 
-// Forgets all units without closing them and puts back the fixed streams.
+// Clears all units without closing their files and restores the standard streams.
 void reset();
 
-// Sets `found` to whether something of that name exists, a folder included. ENOENT and ENOTDIR mean
-// that nothing does; any other failed look returns a status, because the file may well exist. So
-// does a name of more than 300 characters or with a NUL in it.
+// Sets `found` to whether a file or folder of that name exists. Only ENOENT and ENOTDIR mean that
+// it does not. Any other failure returns a status, because the file may exist; so does a name for
+// which `canBeName` is false.
 int exists(const std::string& path, bool& found);
 
-// Units. `takeUnit` returns the lowest free number of the range, or 0 when none is left.
+// Units. `takeUnit` returns the lowest free number of the range, or 0 if none is free.
 int takeUnit();
 bool unitTaken(int unit);
-// Writes what is still held, closes the file and frees the number; fine for an unconnected unit. A
-// new file that was not committed is removed.
+// Writes pending output, closes the file and frees the number. A unit without a file is only freed.
+// A new file that was not committed is removed.
 int releaseUnit(int unit);
-// The same for a unit of `openTextBeside` or `openRecordsBeside`, whose new file, once it is on the
-// disk, takes the place of the old one. A failure up to then keeps the old file.
+// The same for a unit of `openTextForCommit` or `openRecordsForCommit`: syncs the new file and
+// renames it to the old one. After a failure before the rename the old file is unchanged.
 int commitUnit(int unit);
 // Releases all units and returns the first failure, with the file's name in `path`.
 int releaseAll(std::string& path);
-// Name under which the unit's file was opened, for messages.
+// Returns the name under which the unit's file was opened, for messages.
 std::string pathOf(int unit);
 
 int openTextRead(int unit, const std::string& path);
@@ -73,51 +73,52 @@ int openTextReplace(int unit, const std::string& path, Flush flush);
 int openRecordsRead(int unit, const std::string& path);
 int openRecordsReplace(int unit, const std::string& path);
 
-// Open a new file that takes the place of `path` at `commitUnit`; until then `path` stays as it is.
-// A device, a pipe, and a file whose folder takes no new file, are written in place.
-int openTextBeside(int unit, const std::string& path);
-int openRecordsBeside(int unit, const std::string& path);
+// Open a new file that replaces `path` at `commitUnit`; until then `path` is not changed. A device,
+// a pipe, and a file in a folder where no file can be created are written in place.
+int openTextForCommit(int unit, const std::string& path);
+int openRecordsForCommit(int unit, const std::string& path);
 
-// Opens a text for writing and takes an exclusive advisory lock, which ends with the unit, before
-// it empties the file. Without `wait` the status is `lockedElsewhere` if another process holds it.
-// What is no regular file, or is on a file system without locks, is opened without one. Fails for a
-// file that another unit reads.
+// Opens a text for writing, takes an exclusive advisory lock and then empties the file. The lock
+// ends with the unit. If another process holds it, the call waits, or returns `lockedElsewhere`
+// without `wait`. A device, a pipe, and a file on a file system without locks are opened without
+// one. Fails for a file that another unit reads.
 int openTextLocked(int unit, const std::string& path, Flush flush, bool wait);
 
-// What a unit is open for: lines of text, records, or nothing.
+// What a unit is open for: nothing, lines of text, or records.
 enum class Form { unconnected, formatted, unformatted };
 Form formOf(int unit);
 
-// A line of more than a mebibyte: an error, or cut there for a caller that takes fewer columns. The
-// standard input, which need not end, always refuses it.
+// A line longer than `longestLine` is an error, or is cut for a caller that uses fewer columns. On
+// the standard input, which may never end, it is always an error.
 enum class LongLine { refused, cut };
 
-// Next line without its line end; `endOfFile` when there is none, `invalidData` for a line that is
-// refused. A last line without a line feed counts. A carriage return in front of the line feed is
+// Reads the next line without its line end; `endOfFile` if there is none, `invalidData` for a line
+// that is too long. A last line needs no line feed. A carriage return before the line feed is
 // dropped.
 int readLine(int unit, std::string& line, LongLine longLine = LongLine::refused);
 // Standard output and standard error show `?` for each ASCII control character other than line feed
 // and tab; files take all bytes as they are.
 int writeText(int unit, std::string_view text);
 int writeLine(int unit, std::string_view line);
-// Hands a block to the file in one write, behind what the unit still holds.
+// Writes pending output and then the block, in one write of its own.
 int writeBlock(int unit, const char* block, std::size_t size);
 int flush(int unit);
 int rewind(int unit);
 
-// Bytes between the reading position and the end of the file.
+// Returns the number of bytes between the read position and the end of the file.
 std::int64_t bytesLeft(int unit);
 
-// One record: its first `size` payload bytes go to `into`, the rest is passed over. `readFailed`
-// for a record that is cut short, holds less, or whose two lengths differ.
+// Reads one record: its first `size` payload bytes go to `into`, the rest is skipped. `readFailed`
+// for a record that is cut off, has a shorter payload, or whose two lengths differ.
 int readRecord(int unit, void* into, std::int64_t size);
 
-// The same in pieces, for a record that is taken apart while it is read.
+// The same in several pieces.
 int beginRecord(int unit);
 int readInRecord(int unit, void* into, std::int64_t size);
 int endRecord(int unit);
 
-// Writes one record; a payload above `maximumPiece` bytes becomes sub-records.
+// Writes one record; a payload above `maximumPiece` bytes becomes sub-records. The greatest piece
+// is that of the simulator's run time: 2^31 - 1 bytes less the two lengths.
 int writeRecord(int unit, const void* payload, std::int64_t size,
                 std::int64_t maximumPiece = 2147483639);
 

@@ -7,7 +7,7 @@
 #include <cstring>
 
 static_assert(std::endian::native == std::endian::little,
-              "the files are little-endian and are read and written as they stand");
+              "the files are little-endian and are read and written without conversion");
 
 namespace io_layer {
 
@@ -27,7 +27,7 @@ int readUpTo(Connection& c, char* into, std::int64_t size, std::int64_t& got) {
             got += n;
             continue;
         }
-        // A large piece goes straight to the caller's array.
+        // A large piece is read into the caller's array without the buffer.
         if (size - got < static_cast<std::int64_t>(readBufferSize)) {
             if (fillBuffer(c, c.position + got) != ok) return readFailed;
             if (c.readEnd == 0) break;
@@ -69,7 +69,7 @@ int openPiece(Connection& c, bool first) {
     if (got == 0 && first) return endOfFile;
     if (got != 4) return readFailed;
     const std::int64_t length = marker;
-    c.record.goesOn = length < 0;
+    c.record.continues = length < 0;
     c.record.pieceLength = c.record.pieceLeft = length < 0 ? -length : length;
     return ok;
 }
@@ -99,7 +99,7 @@ int readInRecord(int unit, void* into, std::int64_t size) {
     char* target = static_cast<char*>(into);
     while (size > 0) {
         while (c.record.pieceLeft == 0) {
-            if (!c.record.goesOn) return readFailed;
+            if (!c.record.continues) return readFailed;
             int status = closePiece(c);
             if (status == ok) status = openPiece(c, false);
             if (status != ok) return status;
@@ -117,10 +117,10 @@ int readInRecord(int unit, void* into, std::int64_t size) {
 int endRecord(int unit) {
     Connection& c = *find(unit);
     for (;;) {
-        const bool goesOn = c.record.goesOn;
+        const bool continues = c.record.continues;
         int status = closePiece(c);
-        if (status == ok && goesOn) status = openPiece(c, false);
-        if (status != ok || !goesOn) return status;
+        if (status == ok && continues) status = openPiece(c, false);
+        if (status != ok || !continues) return status;
     }
 }
 
@@ -136,8 +136,8 @@ int writeRecord(int unit, const void* payload, std::int64_t size, std::int64_t m
     bool first = true;
     do {
         const std::int64_t n = std::min(size, maximumPiece);
-        const bool goesOn = size > n;
-        const auto leading = static_cast<std::int32_t>(goesOn ? -n : n);
+        const bool continues = size > n;
+        const auto leading = static_cast<std::int32_t>(continues ? -n : n);
         const auto trailing = static_cast<std::int32_t>(first ? n : -n);
         int status = writeText(unit, {reinterpret_cast<const char*>(&leading), 4});
         if (status == ok) status = writeBlock(unit, from, static_cast<std::size_t>(n));

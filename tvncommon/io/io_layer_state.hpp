@@ -6,47 +6,48 @@
 #include <limits>
 #include <vector>
 
-// What the two halves of the I/O layer share: units and text on the one hand, records on the other.
+// State that the units and texts of the I/O layer share with its records.
 namespace io_layer {
 
 inline constexpr std::size_t readBufferSize = 32768;
 inline constexpr std::int64_t unbounded = std::numeric_limits<std::int64_t>::max();
 
-// The record under the reading position.
+// The record at the read position.
 struct OpenRecord {
     std::int64_t pieceLength = 0; // payload bytes of the current sub-record
-    std::int64_t pieceLeft = 0;   // those not read yet
-    bool goesOn = false;          // a further sub-record follows
+    std::int64_t pieceLeft = 0;   // payload bytes not read yet
+    bool continues = false;       // a further sub-record follows
 };
 
 struct Connection {
     int descriptor = -1;
     std::string path;
     bool writing = false;
-    bool regular = false;                 // a file on a disk, whose space can be reserved
+    bool regular = false;                 // a file on a disk, not a device or pipe
     std::uint64_t device = 0, number = 0; // identity of the file
     Form form = Form::formatted;
     Flush flushing = Flush::inBlocks;
-    std::string held;             // text that is not written yet
+    std::string pending;          // text that is not written yet
     std::vector<char> readBuffer; // allocated at the first read
     std::size_t readBegin = 0;    // unread part of `readBuffer`
     std::size_t readEnd = 0;
-    std::int64_t size = 0;     // file size at the open
-    std::int64_t position = 0; // bytes taken by the reader
-    std::int64_t written = 0;  // bytes handed to the file
-    std::int64_t roomEnd = 0;  // end of the room taken on the disk ahead of the writes
-    file_replacement::Replacement replacement; // of a file that takes its place when committed
+    std::int64_t size = 0;            // file size at the open
+    std::int64_t position = 0;        // bytes that readers have got
+    std::int64_t written = 0;         // bytes written to the file
+    std::int64_t preallocatedEnd = 0; // end of the disk space that is reserved for later writes
+    file_replacement::Replacement replacement; // of a file that is opened for commit
     OpenRecord record;
 };
 
-// The unit's file, null when it has none.
+// The unit's file, or null.
 Connection* find(int unit);
 
-// What one call gets of the file from `position` on, 0 at its end, below 0 for a failure. The file
-// ends where it ended at the open: one that grows is cut there, one that has become shorter fails.
+// Reads what one system call returns from `position`: 0 bytes at the end of the file, below 0 for a
+// failure. The end of the file is that of the open: bytes appended since are not read, and a file
+// that has become shorter is a failure.
 std::ptrdiff_t readSome(const Connection& c, char* into, std::int64_t size, std::int64_t position);
 
-// Fills the empty buffer; it stays empty at the end of the file.
+// Fills the empty read buffer; at the end of the file it stays empty.
 int fillBuffer(Connection& c, std::int64_t position);
 
 } // namespace io_layer

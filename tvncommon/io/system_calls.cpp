@@ -34,7 +34,7 @@ int accessOf(OpenMode mode) {
 }
 
 int openFile(const char* path, OpenMode mode) {
-    // Without O_NONBLOCK the open of a pipe that nobody holds at the other end would never return.
+    // Without O_NONBLOCK the open of a pipe would wait until another process opens its other end.
     const int access = accessOf(mode);
     const int descriptor = ::open(path, access | O_CLOEXEC | O_NONBLOCK, 0666);
     if (descriptor >= 0) ::fcntl(descriptor, F_SETFL, 0);
@@ -45,26 +45,26 @@ std::int64_t seekFile(int descriptor, std::int64_t position) {
     return ::lseek(descriptor, static_cast<off_t>(position), SEEK_SET);
 }
 
-int takeFacts(int result, const struct stat& buffer, FileFacts& facts) {
+int fillFileInfo(int result, const struct stat& buffer, FileInfo& info) {
     if (result != 0) return result;
-    facts.size = buffer.st_size;
-    facts.kind = S_ISREG(buffer.st_mode)   ? FileKind::regular
-                 : S_ISDIR(buffer.st_mode) ? FileKind::folder
-                                           : FileKind::other;
-    facts.permissions = buffer.st_mode & 0777U;
-    facts.device = buffer.st_dev;
-    facts.number = buffer.st_ino;
+    info.size = buffer.st_size;
+    info.kind = S_ISREG(buffer.st_mode)   ? FileKind::regular
+                : S_ISDIR(buffer.st_mode) ? FileKind::folder
+                                          : FileKind::other;
+    info.permissions = buffer.st_mode & 0777U;
+    info.device = buffer.st_dev;
+    info.number = buffer.st_ino;
     return 0;
 }
 
-int factsOf(int descriptor, FileFacts& facts) {
+int fileInfo(int descriptor, FileInfo& info) {
     struct stat buffer {};
-    return takeFacts(::fstat(descriptor, &buffer), buffer, facts);
+    return fillFileInfo(::fstat(descriptor, &buffer), buffer, info);
 }
 
-int factsOfName(const char* path, FileFacts& facts) {
+int fileInfoOfName(const char* path, FileInfo& info) {
     struct stat buffer {};
-    return takeFacts(::stat(path, &buffer), buffer, facts);
+    return fillFileInfo(::stat(path, &buffer), buffer, info);
 }
 
 int existsFile(const char* path) {
@@ -84,7 +84,7 @@ int truncateFile(int descriptor, std::int64_t size) {
     return ::ftruncate(descriptor, static_cast<off_t>(size));
 }
 
-int reserveRoom(int descriptor, std::int64_t position, std::int64_t size) {
+int reserveSpace(int descriptor, std::int64_t position, std::int64_t size) {
     const int result = ::fallocate(descriptor, FALLOC_FL_KEEP_SIZE, static_cast<off_t>(position),
                                    static_cast<off_t>(size));
     const bool missing = result != 0 && (errno == EOPNOTSUPP || errno == ENOSYS);
@@ -113,10 +113,10 @@ void* allocate(std::size_t size) {
 
 namespace {
 
-constexpr Table realCalls{openFile,         ::read,      ::write,    seekFile, ::close,
-                          factsOf,          existsFile,  readAt,     writeAt,  truncateFile,
-                          reserveRoom,      ::fdatasync, lockFile,   ::rename, ::unlink,
-                          setPermissionsOf, factsOfName, ::readlink, allocate};
+constexpr Table realCalls{openFile,         ::read,         ::write,    seekFile, ::close,
+                          fileInfo,         existsFile,     readAt,     writeAt,  truncateFile,
+                          reserveSpace,     ::fdatasync,    lockFile,   ::rename, ::unlink,
+                          setPermissionsOf, fileInfoOfName, ::readlink, allocate};
 
 // More than any chain of calls of a run takes.
 constexpr std::size_t stackBytes = 262144;

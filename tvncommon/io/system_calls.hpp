@@ -5,18 +5,21 @@
 #include <cstdint>
 #include <string>
 
-// The only place that talks to the operating system. Every call of the I/O layer goes through the
-// table, so that a test can make any of them fail.
+// The only file that calls the operating system. Every call of the I/O layer goes through a table,
+// so that a test can make any of them fail.
 namespace system_calls {
 
-// `replace` empties a file for writing. `write` leaves its contents, and so does `update`, which
-// also reads; these three create a file that is missing. `existing` is `write` without that.
-// `create` reads and writes a file of a name that nothing has yet, not even a link. `read` also
-// opens a folder.
-enum class OpenMode { read, replace, write, existing, update, create };
+enum class OpenMode {
+    read,     // an existing file or folder
+    replace,  // for writing; emptied, or created if missing
+    write,    // for writing; keeps its contents, created if missing
+    existing, // for writing; keeps its contents, fails if missing
+    update,   // for reading and writing; keeps its contents, created if missing
+    create    // for reading and writing; fails if a file or link of that name exists
+};
 enum class FileKind { regular, folder, other };
 
-struct FileFacts {
+struct FileInfo {
     FileKind kind = FileKind::other;
     std::int64_t size = 0;
     unsigned permissions = 0;             // the nine bits of owner, group and others
@@ -32,24 +35,24 @@ struct Table {
     std::ptrdiff_t (*write)(int descriptor, const void* from, std::size_t size);
     std::int64_t (*seek)(int descriptor, std::int64_t position);
     int (*close)(int descriptor);
-    int (*facts)(int descriptor, FileFacts& facts);
+    int (*fileInfo)(int descriptor, FileInfo& info);
     int (*exists)(const char* path);
     std::ptrdiff_t (*readAt)(int descriptor, void* into, std::size_t size, std::int64_t position);
     std::ptrdiff_t (*writeAt)(int descriptor, const void* from, std::size_t size,
                               std::int64_t position);
     int (*truncate)(int descriptor, std::int64_t size);
-    // Takes room on the disk; fine where the file system has no such thing.
+    // Reserves disk space; succeeds on a file system that cannot.
     int (*reserve)(int descriptor, std::int64_t position, std::int64_t size);
     // Returns once the file's data and size, or a folder's entries, are on the disk.
     int (*sync)(int descriptor);
-    // Takes an exclusive advisory lock that ends with the descriptor; without `wait` a lock that
-    // another process holds fails with EWOULDBLOCK.
+    // Takes an exclusive advisory lock that ends with the descriptor. If another process holds it,
+    // the call waits, or fails with EWOULDBLOCK without `wait`.
     int (*lock)(int descriptor, bool wait);
     int (*rename)(const char* from, const char* to);
     int (*remove)(const char* path);
     int (*setPermissions)(int descriptor, unsigned permissions);
-    int (*namedFacts)(const char* path, FileFacts& facts);
-    // What the link of this name holds, without a NUL; EINVAL for what is no link.
+    int (*fileInfoOfName)(const char* path, FileInfo& info);
+    // Reads the target of a link, without a NUL; EINVAL for a name that is no link.
     std::ptrdiff_t (*readLink)(const char* path, char* into, std::size_t size);
     // Memory of every `operator new` of the program, null when there is none; `std::free` takes it
     // back. Blocks from `largePage` on begin at a large page. To make the n-th allocation of a run
@@ -59,11 +62,11 @@ struct Table {
     void* (*allocate)(std::size_t size);
 };
 
-// The table in use; assigning `systemTable()` puts back the real calls.
+// The table in use; assign `systemTable()` to restore the real calls.
 extern Table table;
 Table systemTable();
 
-// The result of a call of the table, made again as long as a signal interrupts it.
+// Returns the result of a call of the table, which is repeated while a signal interrupts it.
 template<class Call>
 auto restart(Call call) {
     for (;;) {
@@ -77,7 +80,7 @@ auto restart(Call call) {
 // freed memory stays with the process. Returns false where the process has no memory for its stack.
 bool prepareProcess();
 
-// Date and time of day with the zone's offset from universal time, as the system tells them.
+// Local date and time, with the offset from universal time.
 struct LocalTime {
     int year, month, day, hour, minute, second;
     int offsetMinutes;

@@ -184,7 +184,7 @@ TEST_F(IoLayer, ScreensShowNoControlCharacters) {
     releaseUnit(unit);
 }
 
-// Texts and blocks reach the file in the order of the calls, whatever is held back in between.
+// Texts and blocks reach the file in the order of the calls, whatever is pending in between.
 TEST_F(IoLayer, WritesAroundTheSizeOfTheBuffer) {
     for (const std::size_t size : {0UL, 1UL, 32766UL, 32767UL, 32768UL, 32769UL, 100000UL}) {
         const std::string text(size, 'a');
@@ -221,14 +221,14 @@ TEST_F(IoLayer, CallsThatDoNothing) {
     EXPECT_EQ(writeLine(file_units::openTextReplace("third", Flush::everyLine), "x"), writeFailed);
 }
 
-// Room on the disk is taken ahead for a large file only, and what is left of it given back; a disk
+// Disk space is reserved for a large file only, and what is left of it freed; a disk
 // that refuses it takes the bytes all the same.
 TEST_F(IoLayer, RoomTakenAhead) {
-    static std::int64_t roomEnd, cutAt;
+    static std::int64_t reservedEnd, cutAt;
     static int answer;
     system_calls::table.reserve = [](int, std::int64_t position, std::int64_t size) {
         errno = ENOSPC;
-        return roomEnd = position + size, answer;
+        return reservedEnd = position + size, answer;
     };
     system_calls::table.truncate = [](int, std::int64_t size) {
         cutAt = size;
@@ -238,7 +238,7 @@ TEST_F(IoLayer, RoomTakenAhead) {
     const std::string block(1048576, 'x');
     for (const int refused : {0, -1})
         for (const int blocks : {2, 80}) {
-            roomEnd = cutAt = 0;
+            reservedEnd = cutAt = 0;
             answer = refused;
             const int unit = file_units::openTextReplace("file", Flush::inBlocks);
             for (int i = 0; i < blocks; ++i)
@@ -247,7 +247,7 @@ TEST_F(IoLayer, RoomTakenAhead) {
             const std::int64_t size = blocks * std::int64_t{1048576};
             EXPECT_EQ(std::filesystem::file_size("file"), static_cast<std::uintmax_t>(size));
             EXPECT_EQ(cutAt, blocks == 2 ? 0 : size);
-            EXPECT_EQ(roomEnd > size, blocks == 80 && refused == 0);
+            EXPECT_EQ(reservedEnd > size, blocks == 80 && refused == 0);
         }
 }
 
@@ -264,7 +264,7 @@ TEST_F(IoLayer, StatusOfAnOpen) {
         EXPECT_EQ(openRecordsRead(takeUnit(), path), status) << path;
         EXPECT_EQ(byte_file::open(path, system_calls::OpenMode::read, file, size), status) << path;
         const int written = path == "missing" ? ok : status;
-        EXPECT_EQ(openTextBeside(takeUnit(), path), written) << path;
+        EXPECT_EQ(openTextForCommit(takeUnit(), path), written) << path;
         EXPECT_EQ(openTextReplace(takeUnit(), path, Flush::inBlocks), written) << path;
     }
     for (const auto& [length, status] : std::map<std::size_t, int>{{300, ok}, {301, invalidPath}}) {
@@ -273,7 +273,7 @@ TEST_F(IoLayer, StatusOfAnOpen) {
         EXPECT_EQ(exists(path, found), status);
         EXPECT_EQ(found, status == ok);
         EXPECT_EQ(openTextRead(takeUnit(), path), status);
-        EXPECT_EQ(openTextBeside(takeUnit(), path), status);
+        EXPECT_EQ(openTextForCommit(takeUnit(), path), status);
     }
     static int reason;
     system_calls::table.open = [](const char*, system_calls::OpenMode) {
@@ -304,7 +304,7 @@ TEST_F(IoLayer, UnitsThatAreNotOpenOrOnlyRead) {
     byte_file::File file;
     std::int64_t size = 0;
     EXPECT_EQ(openTextRead(takeUnit(), noName), invalidPath);
-    EXPECT_EQ(openTextBeside(takeUnit(), noName), invalidPath);
+    EXPECT_EQ(openTextForCommit(takeUnit(), noName), invalidPath);
     EXPECT_EQ(byte_file::open(noName, system_calls::OpenMode::read, file, size), invalidPath);
     EXPECT_EQ(readLine(reading, line), ok);
 }
