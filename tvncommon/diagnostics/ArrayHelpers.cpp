@@ -33,7 +33,7 @@ template<class T>
 void changeSize(std::size_t size, std::vector<T>& array, const T& fill, std::string_view operation,
                 std::string_view name) {
     try {
-        array.reserve(size); // exactly this size, which resize alone would not keep to
+        array.reserve(size); // exactly this size: resize alone may allocate more
         array.resize(size, fill);
     } catch (const std::bad_alloc&) {
         fail<T>(operation, name);

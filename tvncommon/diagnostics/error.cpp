@@ -2,6 +2,7 @@
 
 #include "tvncommon/io/io_layer.hpp"
 #include "tvncommon/io/system_calls.hpp"
+#include "tvncommon/text/StringHelpers.hpp"
 
 #include <algorithm>
 #include <array>
@@ -11,10 +12,12 @@
 
 namespace error {
 
+using StringHelpers::trimRight;
+
 namespace {
 
 struct State {
-    int loggingUnit = 0; // banners also go here when above 0
+    int loggingUnit = 0; // 0: none
 };
 constinit State state;
 
@@ -34,7 +37,7 @@ constexpr std::array<std::pair<int, std::string_view>, 13> statusTexts{{
     {603, "Number of open files allowed by OS exceeded"},
 }};
 
-// Banners of a process that has no memory left to compose them.
+// Banners for a process that has no memory to compose them.
 constexpr std::string_view allocationTitle = "\n*******************************************\n"
                                              "*** ALLOCATION ERROR, HALTING EXECUTION ***\n"
                                              "*******************************************\n\n"
@@ -46,10 +49,6 @@ constexpr std::string_view internalError = "\n**********************************
                                            "*** FATAL ERROR, HALTING EXECUTION ***\n"
                                            "**************************************\n\n"
                                            "Internal error\n\n";
-
-std::string_view trimmed(std::string_view text) {
-    return text.substr(0, text.find_last_not_of(' ') + 1);
-}
 
 std::string_view statusText(int iostat) {
     const auto it = std::find_if(statusTexts.begin(), statusTexts.end(),
@@ -64,7 +63,8 @@ int writeTo(int unit, std::span<const std::string_view> lines) {
     return status == io_layer::ok ? io_layer::flush(unit) : status;
 }
 
-// Status of the logging unit. A standard error stream that cannot take the text is passed over.
+// Returns the status of the logging unit. A failure of the standard error stream is ignored:
+// nothing is left to report it to.
 int writeToAll(std::span<const std::string_view> lines) {
     const int status = state.loggingUnit > 0 ? writeTo(state.loggingUnit, lines) : io_layer::ok;
     writeTo(io_layer::standardError, lines);
@@ -82,7 +82,7 @@ void writePieces(int unit, std::span<const std::string_view> pieces) {
 
 int banner(std::string_view title, std::string_view message) {
     const std::string stars(title.size(), '*');
-    return writeToAll({"", stars, title, stars, "", trimmed(message), ""});
+    return writeToAll({"", stars, title, stars, "", trimRight(message), ""});
 }
 
 [[noreturn]] void endRun() {
@@ -92,7 +92,7 @@ int banner(std::string_view title, std::string_view message) {
 }
 
 std::string withStatus(int iostat, std::string_view message) {
-    std::string text(trimmed(message));
+    std::string text(trimRight(message));
     const std::string detail = ioStatErrorMsg(iostat);
     if (!detail.empty()) text += "\nError detail: " + detail;
     return text + "\nError number: " + std::to_string(iostat);
@@ -100,10 +100,10 @@ std::string withStatus(int iostat, std::string_view message) {
 
 void checkFile(int iostat, std::string_view what, std::string_view filename) {
     if (iostat == 0) return;
-    fatalErrorStat(iostat, std::string(what) + std::string(trimmed(filename)));
+    fatalErrorStat(iostat, std::string(what) + std::string(trimRight(filename)));
 }
 
-// For a run that goes on: a logging unit that has failed must not pass in silence.
+// For a run that continues: a failure of the logging unit must not be ignored.
 void checkLog(int status) {
     checkFileWrite(status, io_layer::pathOf(state.loggingUnit));
 }
@@ -156,7 +156,7 @@ void checkFileWrite(int iostat, std::string_view filename) {
     checkFile(iostat, "Error writing file: ", filename);
 }
 
-// Takes no memory: the pieces are written as they are.
+// The pieces are written one by one, because a composed text would need memory.
 void check_alloc(int stat, std::string_view name) {
     if (stat == 0) return;
     const std::string_view detail = statusText(stat);
@@ -164,7 +164,7 @@ void check_alloc(int stat, std::string_view name) {
     const char* end = std::to_chars(digits, digits + sizeof digits, stat).ptr;
     const std::string_view number(digits, static_cast<std::size_t>(end - digits));
     const std::string_view pieces[] = {
-        allocationTitle, trimmed(name),      detail.empty() ? "" : "\nError detail: ",
+        allocationTitle, trimRight(name),    detail.empty() ? "" : "\nError detail: ",
         detail,          "\nError number: ", number,
         "\n\n"};
     if (state.loggingUnit > 0) writePieces(state.loggingUnit, pieces);
@@ -186,7 +186,7 @@ void user_size_check(std::int32_t requested, std::int32_t defaultValue, std::str
     if (requested <= defaultValue) return;
     constexpr std::string_view title = "*** DIMENSIONING ERROR, HALTING EXECUTION ***";
     const std::string stars(title.size(), '*');
-    const std::string array = " " + std::string(trimmed(name));
+    const std::string array = " " + std::string(trimRight(name));
     const std::string ours = "   Default value:   " + std::to_string(defaultValue);
     const std::string theirs = "   Requested value: " + std::to_string(requested);
     writeToAll({"", stars, title, stars, "", " Pre-processor request exceeds default array size",
@@ -196,18 +196,18 @@ void user_size_check(std::int32_t requested, std::int32_t defaultValue, std::str
 }
 
 void unknownCommandError(std::string_view context, std::string_view instruction) {
-    input_error(std::string(trimmed(context)) +
+    input_error(std::string(trimRight(context)) +
                 ": Unrecognized instruction.\nInstruction: " + std::string(instruction));
 }
 
 void commandConflictError(std::string_view a, std::string_view b) {
-    input_error("Command conflict: \"" + std::string(trimmed(a)) + "\" \"" +
-                std::string(trimmed(b)) + "\"");
+    input_error("Command conflict: \"" + std::string(trimRight(a)) + "\" \"" +
+                std::string(trimRight(b)) + "\"");
 }
 
 void obsoleteCommandError(std::string_view replacement) {
     std::string message = "This command is obsolete and no longer supported.\n";
-    if (trimmed(replacement).empty())
+    if (trimRight(replacement).empty())
         message += "Please remove this command and rerun skiv.";
     else
         message += "Please use this command instead: " + std::string(replacement);

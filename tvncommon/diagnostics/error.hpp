@@ -5,64 +5,64 @@
 #include <string>
 #include <string_view>
 
-// Framed banners and the one way a run ends early. Every banner goes to the logging unit, when one
-// is set, and then to the standard error stream.
+// Framed banners, and the end of a run after a failure. Every banner is written to the logging
+// unit, if one is set, and then to the standard error stream.
 namespace error {
 
-// Thrown by the procedures that end the run, after their banner is out and all files are closed.
-// Only the program's outermost function catches it and turns it into the process status.
+// Thrown by the functions that end the run, after the banner is written and all files are closed.
+// Only the outermost function of the program catches it and returns `status` to the system.
 struct RunEnded {
     int status = 1;
 };
 
-// State of the module; `reset` puts back the values of a program start.
+// Restores the state of a program start: no logging unit.
 void reset();
 
 // Banner "*** FATAL ERROR, HALTING EXECUTION ***" with the message; ends the run.
 [[noreturn]] void fatalError(std::string_view message);
 
-// Banner "*** INPUT ERROR, HALTING EXECUTION ***": what the user gave is wrong; ends the run.
+// Banner "*** INPUT ERROR, HALTING EXECUTION ***", for wrong input of the user; ends the run.
 [[noreturn]] void input_error(std::string_view message);
 
 // Banner "***      WARNING MESSAGE      ***"; returns.
 void warningMsg(std::string_view message);
 
-// The same three with the text and number of a status of the I/O layer behind the message. They do
-// not test the status: 0 too ends the run.
+// The same three with the text and number of a status of the I/O layer after the message. They do
+// not test the status: 0 ends the run too.
 [[noreturn]] void fatalErrorStat(int iostat, std::string_view message);
 [[noreturn]] void input_error_stat(int iostat, std::string_view message);
 void warningMsgStat(int iostat, std::string_view message);
 
-// End the run when `iostat` is not 0, naming the file.
+// End the run with a banner that names the file, if `iostat` is not 0.
 void checkFileOpen(int iostat, std::string_view filename);
 void checkFileRead(int iostat, std::string_view filename);
 void checkFileWrite(int iostat, std::string_view filename);
 
-// Ends the run with the allocation banner when `stat` is not 0; `name` is that of the array. Takes
-// no memory itself.
+// Ends the run with the allocation banner for the array called `name`, if `stat` is not 0.
+// Allocates no memory.
 void check_alloc(int stat, std::string_view name);
 
-// Writes a banner and returns, for a process that cannot end its run in order: the allocation
-// banner for "working memory", or that of an internal error. Takes no memory.
+// Writes a banner and returns, for a process that can throw no exception: the allocation banner for
+// "working memory", or the banner of an internal error. Allocates no memory.
 void writeLastBanner(bool memoryExhausted);
 
-// Ends the run with the dimensioning banner when more is requested than the default of the array
-// size called `name`.
+// Ends the run with the dimensioning banner if more is requested than the default of the array size
+// called `name`.
 void user_size_check(std::int32_t requested, std::int32_t defaultValue, std::string_view name);
 
-// Input errors about instructions: one that is none, two that exclude each other, and one that is
-// no longer supported, with what to use instead unless that is blank.
+// Input errors about instructions: an unknown one, two that exclude each other, and one that is no
+// longer supported, with its replacement unless that is blank.
 [[noreturn]] void unknownCommandError(std::string_view context, std::string_view instruction);
 [[noreturn]] void commandConflictError(std::string_view a, std::string_view b);
 [[noreturn]] void obsoleteCommandError(std::string_view replacement);
 
-// Writes lines where the banners go; the run goes on. A failure of the logging unit ends it.
+// Writes lines to the units of the banners and returns. A failure of the logging unit ends the run.
 void writeLines(std::span<const std::string_view> lines);
 
-// Text of a status number of the I/O layer, empty when the number has none.
+// Returns the text of a status number of the I/O layer, empty for an unknown number.
 std::string ioStatErrorMsg(int iostat);
 
-// From here on banners are also written on this unit (a unit above 0).
+// Sets the logging unit; 0 means none.
 void setErrorLoggingFileUnit(int unit);
 
 } // namespace error

@@ -17,7 +17,7 @@ enum class Mode { off, now, later };
 struct State {
     Mode mode = Mode::later;
     std::string currentCmd;
-    std::vector<std::string> queue; // `count` of them are in use
+    std::vector<std::string> queue; // of which the first `count` are in use
     std::int32_t count = 0;
 };
 State state;
@@ -26,7 +26,7 @@ std::string trimmed(std::string_view text) {
     return std::string(StringHelpers::trimRight(text));
 }
 
-// The lines of the queue, each with an empty one behind it.
+// The lines of the queue; the caller writes an empty line after each.
 std::vector<std::string> queueLines() {
     if (state.count == 0) return {"No warnings were raised."};
     std::vector<std::string> lines{"There was 1 warning raised."};

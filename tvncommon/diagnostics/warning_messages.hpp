@@ -3,19 +3,20 @@
 #include <optional>
 #include <string_view>
 
-// Warnings that are shown at once, gathered until somebody asks for them, or dropped. Each tells
-// its type, the command that raised it, unless that is blank, and its message.
+// Warnings that are shown at once, collected until `printWarnings`, or dropped. Each shows its
+// type, its message and, unless that is blank, the command that raised it.
 namespace warning_messages {
 
-// State of the module: warnings are gathered, none is there, no command. `reset` puts that back.
+// Restores the state of a program start: warnings are collected, there are none, and no command is
+// set.
 void reset();
 
-// What becomes of the warnings from here on: nothing, a banner, or a place in the queue.
+// From now on warnings are dropped, shown as banners at once, or collected.
 void warnOff();
 void warnNow();
 void warnLater();
 
-// The command that input and generic warnings name.
+// Set the command that input and generic warnings show.
 void setCurrentCmd(std::string_view cmd);
 void clearCurrentCmd();
 
@@ -24,7 +25,8 @@ void deprecationWarn(std::string_view cmd, std::optional<std::string_view> repla
 void inputWarn(std::string_view msg);
 void genericWarn(std::string_view msg);
 
-// Writes the queue where the banners go, and keeps it. Does nothing unless warnings are gathered.
+// Writes the collected warnings to the units of the banners, and keeps them. Does nothing unless
+// warnings are collected.
 void printWarnings();
 
 } // namespace warning_messages

@@ -19,8 +19,8 @@ struct IntegerEdit {
     int leastDigits = 1;
 };
 
-// Takes a number off the front of `text`.
-bool takeNumber(std::string_view& text, int& number) {
+// Reads a number at the beginning of `text` and removes it.
+bool readNumber(std::string_view& text, int& number) {
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
     text.remove_prefix(static_cast<std::size_t>(end - text.data()));
     return error == std::errc() && number >= 0 && number <= widestEdit;
@@ -31,11 +31,11 @@ bool parseEdit(std::string_view format, IntegerEdit& edit) {
     lcase(text);
     if (!text.starts_with("(i") || !text.ends_with(')')) return false;
     std::string_view rest = std::string_view(text).substr(2, text.size() - 3);
-    if (!takeNumber(rest, edit.width)) return false;
+    if (!readNumber(rest, edit.width)) return false;
     if (rest.empty()) return true;
     if (rest.front() != '.') return false;
     rest.remove_prefix(1);
-    return takeNumber(rest, edit.leastDigits) && rest.empty() &&
+    return readNumber(rest, edit.leastDigits) && rest.empty() &&
            (edit.width == 0 || edit.leastDigits <= edit.width);
 }
 
@@ -50,7 +50,7 @@ std::string applyEdit(std::int32_t value, const IntegerEdit& edit) {
     return text;
 }
 
-// Both searches give the length, and so the position behind the text, when they find nothing.
+// A search that finds nothing returns the position after the text.
 std::size_t positionOf(std::size_t found, std::string_view text) {
     return std::min(found, text.size()) + 1;
 }

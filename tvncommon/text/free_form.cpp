@@ -20,19 +20,19 @@ constexpr std::string_view numberEnds = " \t\r\n,/";
 constexpr std::string_view digits = "0123456789";
 
 struct Reader {
-    std::string_view rest;     // of the present line
-    std::string_view repeated; // value of a repeat count under way
-    std::uint32_t repeats = 0; // how many more items it stands for
-    bool afterValue = false;   // the last value's own comma may still come, also on a later line
+    std::string_view rest;     // of the current line
+    std::string_view repeated; // the value after a repeat count
+    std::uint32_t repeats = 0; // items that still get it
+    bool afterValue = false;   // a comma may still follow the last value, also on a later line
 };
 
-enum class Step { value, null, slash, noMoreText, malformed };
+enum class Step { value, null, slash, atEnd, malformed };
 
 void skipBlanks(std::string_view& text) {
     text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
 }
 
-// What one item takes from the present line; `text` becomes the number's text.
+// Reads the text of one item from the current line into `text`.
 Step nextStep(Reader& reader, std::string_view& text) {
     if (reader.repeats > 0) {
         --reader.repeats;
@@ -45,7 +45,7 @@ Step nextStep(Reader& reader, std::string_view& text) {
         reader.rest.remove_prefix(1);
         skipBlanks(reader.rest);
     }
-    if (reader.rest.empty()) return Step::noMoreText;
+    if (reader.rest.empty()) return Step::atEnd;
     if (reader.rest.front() == '/') return Step::slash;
     if (reader.rest.front() == ',') {
         reader.rest.remove_prefix(1);
@@ -99,8 +99,8 @@ bool split(std::string_view text, Decimal& number) {
     return (hasLetter || hasSign) && isDigits(text.substr(hasSign ? 1 : 0));
 }
 
-// Whether a number out of range is too large, and not too small: told by the power of ten of its
-// first digit.
+// Whether a number out of range is too large and not too small, from the power of ten of its first
+// digit.
 bool isTooLarge(const Decimal& number) {
     const std::size_t first = number.mantissa.find_first_not_of("0.");
     if (first == std::string_view::npos) return false;
@@ -166,7 +166,7 @@ int readOne(std::string_view text, Number& value) {
     switch (nextStep(reader, number)) {
     case Step::value:
         return parse(number, value);
-    case Step::noMoreText:
+    case Step::atEnd:
         return endOfFile;
     case Step::malformed:
         return invalidData;
@@ -177,7 +177,7 @@ int readOne(std::string_view text, Number& value) {
     return ok;
 }
 
-// Hands the text of each value that is there to `store`.
+// Calls `store` with the text of each value that is not missing.
 template<class Store>
 int readMany(const NextLine& nextLine, std::size_t count, LeftOut leftOut, Store store) {
     std::string line;
@@ -185,7 +185,7 @@ int readMany(const NextLine& nextLine, std::size_t count, LeftOut leftOut, Store
     for (std::size_t i = 0; i < count; ++i) {
         std::string_view number;
         Step step = nextStep(reader, number);
-        while (step == Step::noMoreText) {
+        while (step == Step::atEnd) {
             if (!nextLine(line)) return endOfFile;
             reader.rest = line;
             step = nextStep(reader, number);

@@ -18,12 +18,13 @@ namespace {
 
 using wide_real_tables::Decade;
 
-// The columns of a wide real: 3 of blanks, sign and leading zero, 18 of digits and point, 5 of
+// Columns of a wide real: 3 for blanks, sign and leading zero; 18 for digits and point; 5 for the
 // exponent or blanks.
 constexpr int digitColumn = 3;
 constexpr int lastDigitColumn = 20;
 
-// The first four columns by `pointAt` and sign; the fourth is the first digit's or the point's.
+// The first four columns by `pointAt` and sign. The fourth is overwritten by the first digit or the
+// point.
 using Lead = std::array<char, 4>;
 constexpr std::array<std::array<Lead, 2>, 18> makeLeads() {
     std::array<std::array<Lead, 2>, 18> leads;
@@ -33,9 +34,10 @@ constexpr std::array<std::array<Lead, 2>, 18> makeLeads() {
 }
 constexpr std::array<std::array<Lead, 2>, 18> leads = makeLeads();
 
-// Neighbouring values may differ in sign and size, so nothing branches on either: the order of the
-// overlapping stores does it.
-inline void layOut(std::uint64_t digits, const Decade& decade, bool negative, char* field) {
+// Neighbouring values may differ in sign and size, so a branch on either would often be
+// mispredicted. Instead the stores overlap, and the later ones correct the earlier ones: the digits
+// leave a gap of one undefined byte, which the point fills.
+inline void writeField(std::uint64_t digits, const Decade& decade, bool negative, char* field) {
     const std::uint64_t sixteen = digits / 10;
     const std::uint64_t eight = digits / 1000000000;
     const std::size_t pointAt = decade.pointAt;
@@ -50,12 +52,12 @@ inline void layOut(std::uint64_t digits, const Decade& decade, bool negative, ch
 [[gnu::always_inline]] inline void putPositive(std::uint64_t bits, bool negative, char* field) {
     const auto x = wide_real_tables::normalize(bits);
     const Decade& decade = wide_real_tables::decadeOf(bits, x.binade);
-    layOut(wide_real_tables::roundedDigits(x, decade), decade, negative, field);
+    writeField(wide_real_tables::roundedDigits(x, decade), decade, negative, field);
 }
 
 constexpr std::uint64_t infinityBits = std::uint64_t{0x7ff} << 52;
 
-// Zeros, subnormal numbers and what is not a number.
+// Zeros, subnormal numbers, infinities and NaN.
 [[gnu::noinline]] void putUncommon(std::uint64_t bits, bool negative, char* field) {
     if (bits == 0) {
         std::memcpy(field, "   0.0000000000000000     ", wideRealWidth);
@@ -100,8 +102,8 @@ std::string rightAligned(const std::string& text, int width) {
 std::string notFinite(double value, int width) {
     if (std::isnan(value)) return rightAligned("NaN", width);
     const std::string sign = std::signbit(value) ? "-" : "";
-    const bool room = static_cast<int>(sign.size()) + 8 <= width;
-    return rightAligned(sign + (room ? "Infinity" : "Inf"), width);
+    const bool fits = static_cast<int>(sign.size()) + 8 <= width;
+    return rightAligned(sign + (fits ? "Infinity" : "Inf"), width);
 }
 
 constexpr auto powersOfTen = [] {
@@ -110,15 +112,17 @@ constexpr auto powersOfTen = [] {
     return powers;
 }();
 
-// 1233 / 2^12 is log10(2).
+// Number of decimal digits. 1233 / 2^12 is less than log10(2) by 5e-6, so that for up to 64 bits
+// `least` is floor(bits * log10(2)): the number of digits or one less.
 int digitCount(std::uint64_t number) {
     const auto bits = static_cast<int>(std::bit_width(number | 1));
     const int least = (bits * 1233) >> 12;
     return least + (number >= powersOfTen[static_cast<std::size_t>(least)]);
 }
 
-// size * 10^decimals as the nearest integer, a tie to the even one. The product must be below
-// 9e15, so `size` is below 2^53 and its last bit is 1 at most.
+// Returns size * 10^decimals rounded to the nearest integer, a tie to the even one. The product
+// must be below 9e15 < 2^53, so `size` is too: its last bit is worth 1 at most and `shift` is not
+// negative.
 std::uint64_t scaledInteger(double size, int decimals) {
     const auto bits = std::bit_cast<std::uint64_t>(size);
     const auto biased = static_cast<int>(bits >> 52);
@@ -127,7 +131,8 @@ std::uint64_t scaledInteger(double size, int decimals) {
     const int shift = 1075 - (biased > 0 ? biased : 1);
     wide_real_tables::uint128 product = significand;
     product *= powersOfTen[static_cast<std::size_t>(decimals)];
-    if (shift == 0) return static_cast<std::uint64_t>(product); // an integer from 2^52 on
+    if (shift == 0) return static_cast<std::uint64_t>(product); // an integer of 2^52 or more
+    // The product is below 2^53 * 10^9 < 2^83: it rounds to 0, and shifts of 128 are undefined.
     if (shift > 100) return 0;
     const auto whole = static_cast<std::uint64_t>(product >> shift);
     const wide_real_tables::uint128 half = wide_real_tables::uint128{1} << (shift - 1);
@@ -135,7 +140,7 @@ std::uint64_t scaledInteger(double size, int decimals) {
     return whole + (rest > half || (rest == half && (whole & 1) != 0));
 }
 
-// All numbers of four digits as text, with leading zeros or with blanks in their place.
+// All numbers of up to four digits as text, with leading zeros or leading blanks.
 using FourDigits = std::array<std::array<char, 4>, 10000>;
 constexpr FourDigits makeFourDigits(bool zeros) {
     FourDigits texts;
@@ -191,7 +196,7 @@ char* writeRealRows(const double* values, std::int64_t rows, char* out) {
     return out;
 }
 
-// Widened in batches: one by one, each conversion would add its delay to that of the digits.
+// Widened in batches: a conversion just before the digits of the same value would add its latency.
 char* writeRealRows(const float* values, std::int64_t rows, char* out) {
     constexpr std::int64_t batchRows = 16;
     std::array<double, batchRows * valuesPerRow> wide;
@@ -309,13 +314,13 @@ std::string generalField(double value, int width, int digits) {
     const char* const mark = std::find(scientific.data(), end, 'e');
     int exponent = 0;
     std::from_chars(mark + (mark[1] == '+' ? 2 : 1), end, exponent);
-    const int inFront = exponent + 1; // of the point
-    if (inFront < 0 || inFront > digits) return exponentField(value, width, digits);
+    const int before = exponent + 1; // digits before the point
+    if (before < 0 || before > digits) return exponentField(value, width, digits);
 
     std::string text(scientific.data(), 1);
     text.append(std::min<const char*>(scientific.data() + 2, mark), mark);
-    if (inFront == 0) text.insert(0, "0");
-    text.insert(static_cast<std::size_t>(std::max(inFront, 1)), ".");
+    if (before == 0) text.insert(0, "0");
+    text.insert(static_cast<std::size_t>(std::max(before, 1)), ".");
     if (std::signbit(value)) text.insert(0, "-");
     constexpr int blanks = 4;
     return rightAligned(text, width - blanks) + std::string(blanks, ' ');

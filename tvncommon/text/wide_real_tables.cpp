@@ -6,11 +6,12 @@
 namespace wide_real_tables {
 namespace {
 
-// Little-endian limbs; 1280 bits hold 10^340 and leave 2^1279 / 10^323 more than 128 bits.
+// Limbs from the lowest on. 10^340 < 2^1130 fits in 1280 bits, and 2^1279 / 10^323 > 2^206 has more
+// than the 128 bits of a significand.
 using BigInteger = std::array<std::uint64_t, 20>;
 constexpr int bigBits = 64 * static_cast<int>(BigInteger{}.size());
 
-constexpr void timesTen(BigInteger& number) {
+constexpr void multiplyByTen(BigInteger& number) {
     uint128 carry = 0;
     for (std::uint64_t& limb : number) {
         carry += uint128{limb} * 10;
@@ -21,7 +22,7 @@ constexpr void timesTen(BigInteger& number) {
 
 // Dividing by ten n times and dropping the remainders is the same as dropping it once from the
 // quotient by 10^n.
-constexpr void overTen(BigInteger& number) {
+constexpr void divideByTen(BigInteger& number) {
     uint128 rest = 0;
     for (std::size_t i = number.size(); i-- > 0;) {
         rest = rest << 64 | number[i];
@@ -35,8 +36,9 @@ struct Power {
     int binade = 0;
 };
 
-// The significand of number * 2^-scale, rounded up; `cut` tells that the number lost a remainder.
-constexpr Power roundUp(const BigInteger& number, int scale, bool cut) {
+// Returns number * 2^-scale with its significand rounded up. `truncated`: the number has lost a
+// remainder, so that it is not exact even if all lower bits are 0.
+constexpr Power roundUp(const BigInteger& number, int scale, bool truncated) {
     std::size_t top = number.size() - 1;
     while (number[top] == 0) --top;
     const auto limb = [&](std::size_t below) { return below <= top ? number[top - below] : 0; };
@@ -48,10 +50,11 @@ constexpr Power roundUp(const BigInteger& number, int scale, bool cut) {
         lost <<= shift;
     }
     for (std::size_t below = 3; below <= top; ++below) lost |= limb(below);
-    return {significand + (cut || lost != 0), 64 * static_cast<int>(top) + 63 - shift - scale};
+    return {significand + (truncated || lost != 0),
+            64 * static_cast<int>(top) + 63 - shift - scale};
 }
 
-// Powers of ten for the scales, 10^-292 to 10^340, and for the borders of the decades.
+// Powers of ten for the scales, 10^-292 to 10^340, and for the borders between decades.
 constexpr int leastPower = leastDecade + 1;
 constexpr int greatestPower = 16 - leastDecade;
 using Powers = std::array<Power, greatestPower - leastPower + 1>;
@@ -59,13 +62,13 @@ using Powers = std::array<Power, greatestPower - leastPower + 1>;
 constexpr Powers makePowers() {
     Powers powers;
     BigInteger number{1};
-    for (int n = 0; n <= greatestPower; ++n, timesTen(number)) {
+    for (int n = 0; n <= greatestPower; ++n, multiplyByTen(number)) {
         powers[static_cast<std::size_t>(n - leastPower)] = roundUp(number, 0, false);
     }
     number = {};
     number.back() = std::uint64_t{1} << 63;
     for (int n = -1; n >= leastPower; --n) {
-        overTen(number);
+        divideByTen(number);
         powers[static_cast<std::size_t>(n - leastPower)] = roundUp(number, bigBits - 1, true);
     }
     return powers;
@@ -76,7 +79,7 @@ constexpr std::uint64_t doubleAtLeast(const Power& power) {
     const int kept = power.binade < -1022 ? 1075 + power.binade : 53;
     const uint128 unit = uint128{1} << (128 - kept);
     const auto mantissa = static_cast<std::uint64_t>((power.significand - 1) / unit) + 1;
-    // A mantissa that came out one bit longer carries into the exponent, as it must.
+    // A mantissa of one bit more carries into the exponent, which gives the next power of two.
     const int biased = std::max(power.binade + 1022, 0);
     return (static_cast<std::uint64_t>(biased) << 52) + mantissa;
 }
@@ -98,7 +101,7 @@ constexpr Decades makeDecades() {
         decade.next = infinityBits;
         if (exponent < greatestDecade) {
             decade.next = doubleAtLeast(power(exponent + 1));
-            // Half a unit of the last digit is less than a double's spacing: no more than one
+            // Half a unit of the 17th digit is less than the spacing of doubles, so at most one
             // double below the border is rounded up to it.
             if (roundedDigits(normalize(decade.next - 1), decade) >= tenToThe17) --decade.next;
         }

@@ -5,31 +5,33 @@
 #include <cstddef>
 #include <cstdint>
 
-// The decades of the 17-digit conversion of number_formats and the one rounding it rests on.
+// Table and rounding of the conversion of number_formats.cpp to 17 digits.
 //
-// The digits of x are round(x * 10^power), `power` being 16 less the decimal exponent of x. Powers
-// stand in a table as 128-bit significands, so two multiplications give the digits as an integer
-// and 128 bits of fraction. This is the fixed-precision scheme of Ryu (Adams, PLDI 2018; "Ryu
-// revisited", OOPSLA 2019) and Schubfach (Giulietti, 2020), laid out for a fixed number of digits.
+// The digits of x are round(x * 10^power), where `power` is 16 less the decimal exponent of x. A
+// table has the powers as 128-bit significands, so two multiplications give the digits as an
+// integer and 128 bits of fraction. This is the fixed-precision scheme of Ryu (Adams, PLDI 2018;
+// "Ryu revisited", OOPSLA 2019) and Schubfach (Giulietti, 2020), for a fixed number of digits.
 //
-// Why this decides every rounding. x is multiplier * 2^-(scaleBinade + 1) with a multiplier below
-// 2^58, and the product is multiplier * significand / 2^128.
-// - Powers 0 to 55 are exact in 128 bits. So is the product, and a tie is seen as one.
-// - Other significands are rounded up, so the product is too great by less than 2^-70. It would be
-//   rounded wrongly only if its fraction lay less than that above one half. That no double comes
-//   there is a statement on multiplier * significand modulo 2^128, for which
-//   tools/prove_wide_real.cpp looks at every pair of binade and decade. None of them is a tie.
+// Why every result is correctly rounded. x is multiplier * 2^-(scaleBinade + 1) with a multiplier
+// below 2^58, and the product is multiplier * significand / 2^128.
+// - Powers 0 to 55 are exact in 128 bits, since 5^55 < 2^128. So is the product, and a tie is
+//   detected.
+// - Other significands are rounded up by less than 1, so the product is too large by less than
+//   2^58 / 2^128 = 2^-70. It would be rounded wrongly only if its fraction were less than 2^-70
+//   above one half. tools/prove_wide_real.cpp shows for every pair of binade and decade, with
+//   multiplier * significand modulo 2^128, that no double has such a fraction. None of them is a
+//   tie.
 namespace wide_real_tables {
 
 __extension__ using uint128 = unsigned __int128;
 
-// The doubles whose 17 digits, rounded, begin at the place of one power of ten.
+// The doubles whose first digit, after rounding to 17 digits, belongs to one power of ten.
 struct alignas(32) Decade {
     std::uint64_t scaleHigh = 0; // 10^power as a 128-bit significand with its top bit set
     std::uint64_t scaleLow = 0;
     std::uint64_t next = 0;       // bits of the smallest double of the decade above
     std::int16_t scaleBinade = 0; // floor(log2(10^power))
-    std::uint8_t pointAt = 0;     // number of digits in front of the decimal point
+    std::uint8_t pointAt = 0;     // number of digits before the decimal point
     std::array<char, 5> tail{};   // "E+ddd", or blanks for a decade in fixed notation
 };
 
@@ -54,7 +56,8 @@ constexpr Normalized normalize(std::uint64_t bits) {
 
 // The decade of a positive finite double, from its bits and its binade.
 inline const Decade& decadeOf(std::uint64_t bits, int binade) {
-    // 78913 / 2^18 is log10(2): the decade of 2^binade, which x may have left for the next one.
+    // The decade of 2^binade; x may be in the next one. 78913 / 2^18 is less than log10(2) by 8e-7,
+    // and the floor of the product is that of binade * log10(2) from -1074 to 1023.
     constexpr int offset = -leastDecade * (1 << 18);
     const auto lower = static_cast<std::size_t>((binade * 78913 + offset) >> 18);
     return decades[lower + (bits >= decades[lower].next)];
@@ -64,14 +67,16 @@ constexpr std::uint64_t multiplier(Normalized x, const Decade& decade) {
     return x.significand >> (62 - x.binade - decade.scaleBinade);
 }
 
-// The 17 digits of a number of the decade as an integer, a tie going to the even digit.
+// Returns the 17 digits of a number of the decade as an integer; a tie is rounded to the even
+// digit.
 constexpr std::uint64_t roundedDigits(Normalized x, const Decade& decade) {
     const std::uint64_t factor = multiplier(x, decade);
     const uint128 low = uint128{factor} * decade.scaleLow;
     const uint128 product = uint128{factor} * decade.scaleHigh + (low >> 64);
     const auto fraction = static_cast<std::uint64_t>(product);
     const std::uint64_t digits = static_cast<std::uint64_t>(product >> 64) + (fraction >> 63);
-    // One comparison and no branch: among 32-bit values of some sizes every fourth is a tie.
+    // Without a branch, which would be mispredicted: of 32-bit values, in some decades every fourth
+    // is a tie. `offTie` is 0 for a fraction of exactly one half; the digits are then made even.
     const std::uint64_t offTie =
         (fraction ^ std::uint64_t{1} << 63) | static_cast<std::uint64_t>(low);
     return digits & ~std::uint64_t{offTie == 0};

@@ -44,14 +44,14 @@ std::string_view baseUnit(char letter) {
     }
 }
 
-// What a factor adds to the label: nothing, the unit, or the unit with its exponent.
+// The text of a factor: empty, the unit, or the unit with its exponent.
 std::string factorText(std::string_view factor) {
     const std::size_t hat = factor.find('^');
     std::string symbol = " " + getDerivedUnit(factor.substr(0, hat));
     if (hat == std::string_view::npos || hat + 1 == factor.size()) return symbol;
 
     const std::string_view exponent = factor.substr(hat + 1);
-    // An exponent that free-form reading passes over, as "/2", is neither 0 nor 1: it shows.
+    // Free-form reading leaves `power` unchanged for an exponent such as "/2", which must be shown.
     float power = std::numeric_limits<float>::quiet_NaN();
     StringHelpers::str2r4(exponent, power);
     if (power == 1.0F) return symbol;

@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-// Unit systems in files, and values from one system to another.
+// Conversion of values between unit systems, and unit systems in files.
 namespace units {
 
 // Exponents of the dimensions of a quantity.
@@ -19,15 +19,14 @@ SIUnits power_int(const SIUnits& a, std::int32_t exponent);
 SIUnits power_real(const SIUnits& a, float exponent);
 SIUnits power_real_dr(const SIUnits& a, double exponent);
 
-// Factor that turns a value in SI units into one of this system, 1 for an unknown system.
+// Returns the factor that converts a value in SI units to this system; 1 for an unknown system.
 double conversionFactor(const UnitSystem& unitSystem, const SIUnits& exponents);
 
-// Applies it; values stay as they are in system 0.
+// Converts a value in SI units to this system; in system 0 the value is not changed.
 void convert(const UnitSystem& unitSystem, double& value, const SIUnits& exponents);
 
-// Writes the handle on a unit, or reads it: one record where the unit is open for records, one item
-// of text where it is open for text. A unit that is not open and a handle that is no system end the
-// run.
+// Write the handle to a unit, and read it: as one record if the unit is open for records, as one
+// line if it is open for text. A unit that is not open and an unknown handle end the run.
 void serialize(const UnitSystem& unitSystem, int unit);
 void deserialize(UnitSystem& unitSystem, int unit);
 
