@@ -168,7 +168,7 @@ std::int32_t holdingElement(ElementSearch& search, const Point& point) {
 
     box_tree::Search walk;
     box_tree::begin(walk, search.tree, point);
-    for (std::size_t group; box_tree::nextHolding(walk, best, group);) {
+    for (std::size_t group; box_tree::nextContaining(walk, best, group);) {
         const std::size_t end = std::min((group + 1) * groupSize, search.items.size());
         for (std::size_t i = group * groupSize; i < end; ++i)
             tryElement(search.items[i].box, search.items[i].element);

@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-// Hash table from 32-bit integers to 32-bit integers; hash_chains tells what can be done with it.
+// Hash table from 32-bit integers to 32-bit integers, with the functions of hash_chains.hpp.
 namespace IHashTable {
 
 struct Kind {
@@ -14,7 +14,7 @@ struct Kind {
     static constexpr hash_chains::Names names{"IHashTable", "IHashIterator",
                                               "IHashTable bucket array", "IHashTable node"};
 
-    // The key modulo the bucket count, and 1. It knows no bucket for a negative key.
+    // The key modulo the bucket count, plus 1. A negative key has no bucket and ends the run.
     static std::int64_t hash(std::int32_t bucketCount, View key) {
         return std::int64_t{key % bucketCount} + 1;
     }
@@ -28,6 +28,6 @@ struct Kind {
 };
 
 using Table = hash_chains::Table<Kind>;
-using namespace hash_chains; // its functions are those of this table
+using namespace hash_chains;
 
 } // namespace IHashTable

@@ -21,6 +21,7 @@ std::int64_t Kind::hash(std::int32_t bucketCount, View key) {
         return static_cast<std::uint64_t>(std::int64_t{key[i]});
     };
     std::uint64_t h = key.empty() ? 0 : word(0);
+    // 2654435769 is 2^32 divided by the golden ratio, whose multiples spread evenly over 32 bits.
     for (std::size_t i = 1; i < key.size(); ++i)
         h ^= (h << 6) + (h >> 2) + word(i) + std::uint64_t{2654435769};
     return static_cast<std::int64_t>(h) % bucketCount + 1;

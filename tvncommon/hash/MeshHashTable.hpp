@@ -8,11 +8,11 @@
 #include <span>
 #include <vector>
 
-// Hash table from lists of node numbers, such as the faces and edges of a mesh, to 32-bit integers;
-// hash_chains tells what can be done with it. The same nodes in another order are the same key.
+// Hash table from lists of node numbers, such as the faces and edges of a mesh, to 32-bit integers,
+// with the functions of hash_chains.hpp. The same nodes in another order are the same key.
 namespace MeshHashTable {
 
-// Puts the nodes of a key in ascending order.
+// Sorts the nodes of a key in ascending order.
 void sortKey(std::span<std::int32_t> key);
 
 struct Kind {
@@ -22,15 +22,15 @@ struct Kind {
     static constexpr hash_chains::Names names{"MeshHashTable", "MeshHashIterator",
                                               "MeshHashTable bucket array", "MeshHashTable node"};
 
-    // Mixes the nodes of a sorted key. It may know no bucket for keys of more than six nodes and
-    // for negative numbers.
+    // Combines the nodes of a sorted key. Keys of more than six nodes and negative numbers may have
+    // no bucket, which ends the run.
     static std::int64_t hash(std::int32_t bucketCount, View key);
 
-    // A sorted copy of a key.
+    // A sorted copy of a key, without allocation for up to 16 nodes.
     struct Prepared {
         std::array<std::int32_t, 16> few;
-        Key many; // in use for more nodes than fit
-        View key;
+        Key many; // used for more than 16 nodes
+        View key; // of the one that is used
         explicit Prepared(View given);
         Prepared(const Prepared&) = delete;
         Prepared& operator=(const Prepared&) = delete;
@@ -40,6 +40,6 @@ struct Kind {
 };
 
 using Table = hash_chains::Table<Kind>;
-using namespace hash_chains; // its functions are those of this table
+using namespace hash_chains;
 
 } // namespace MeshHashTable

@@ -13,18 +13,18 @@
 #include <utility>
 #include <vector>
 
-// Chained hash tables from a kind of keys to 32-bit integers. `Kind` tells how a node owns a key
-// (`Key`) and how one is handed over (`View`), which names stand in messages, and when two keys are
-// the same. Memory that is not there ends the run, and so does a hash function that gives a number
-// which is that of no bucket.
+// Chained hash tables from keys to 32-bit integers. `Kind` defines how a node stores a key (`Key`),
+// how a key is passed (`View`) and looked up (`Prepared`), its hash function, when two keys are the
+// same, and the names in messages. A failed allocation and a hash function that returns no bucket
+// number end the run.
 namespace hash_chains {
 
-// Names that stand in messages.
+// Names in messages.
 struct Names {
     std::string_view table, iterator, buckets, node;
 };
 
-// Nodes are known by their place in the table's store, from 1; 0 stands for the end of a list.
+// Nodes are numbered from 1 by their position in `Table::nodes`; 0 is the end of a list.
 template<class Kind>
 struct ListNode {
     typename Kind::Key key{};
@@ -34,27 +34,27 @@ struct ListNode {
 
 template<class Kind>
 struct Table {
-    // Tells the bucket, from 1 on, of a key among so many.
+    // Returns the bucket of a key, from 1 to `bucketCount`.
     using HashFunc = std::int64_t (*)(std::int32_t bucketCount, typename Kind::View key);
 
     std::int32_t bucketCount = 0;      // 0 before `init`
     std::int32_t size = 0;             // entries
     std::vector<std::int32_t> buckets; // first node of each
-    HashFunc hashFunc = nullptr;       // in the place of Kind::hash
+    HashFunc hashFunc = nullptr;       // used instead of Kind::hash, unless null
     std::vector<ListNode<Kind>> nodes;
-    std::int32_t freeNode = 0; // first in the list of those that erasures left behind
+    std::int32_t freeNode = 0; // first of the list of erased nodes
 };
 
-// Goes over the buckets and along the list of each. An insertion or erasure ends its use.
+// Position in a walk through all nodes, bucket by bucket. An insertion or erasure invalidates it.
 struct Iterator {
-    std::int32_t next = 0;  // node
-    std::size_t bucket = 0; // of those behind that of `next`
+    std::int32_t next = 0;  // the next node, 0 at the end
+    std::size_t bucket = 0; // the bucket, from 0, after that of `next`
 };
 
-// The first of a fixed list of primes that is not below `n`, or the last one.
+// Returns the first of a fixed list of primes that is not below `n`, or the last prime of the list.
 std::int32_t getPrimeBucketCount(std::int64_t n);
 
-// The least number of buckets for so many entries.
+// Returns the least number of buckets for this number of entries.
 std::int64_t bucketsFor(std::int32_t entries);
 
 constexpr std::int32_t maxBucketCount() {
@@ -62,11 +62,11 @@ constexpr std::int32_t maxBucketCount() {
 }
 
 constexpr float maxLoadFactor() {
-    return 0.75F; // entries for a bucket
+    return 0.75F; // entries per bucket
 }
 
-// An empty table with at least `buckets` buckets, or with 1000003, and another hash function where
-// one is given. Must come before an insertion.
+// Creates an empty table with at least `buckets` buckets, by default 1000003, and with another hash
+// function if one is given. An insertion into a table without `init` ends the run.
 template<class Kind>
 void init(Table<Kind>& table, std::optional<std::int32_t> buckets = {},
           typename Table<Kind>::HashFunc hashFunc = nullptr) {
@@ -82,7 +82,7 @@ void destroy(Table<Kind>& table) {
     table = {};
 }
 
-// Takes all entries out and keeps the buckets.
+// Removes all entries and keeps the buckets.
 template<class Kind>
 void clear(Table<Kind>& table) {
     std::ranges::fill(table.buckets, 0);
@@ -111,17 +111,17 @@ float loadFactor(const Table<Kind>& table) {
     return static_cast<float>(table.size) / static_cast<float>(table.bucketCount);
 }
 
-// Ends the run for a number that is that of no bucket.
+// Ends the run: `bucket` is not a bucket number.
 [[noreturn]] void noSuchBucket(std::int64_t bucket, std::int32_t count, const Names& names);
 
-// Place of a bucket, from 1, in an array of so many.
+// Returns the index, from 0, of a bucket number from 1 to `count`; any other number ends the run.
 template<class Kind>
 std::size_t bucketIndex(std::int64_t bucket, std::int32_t count) {
     if (bucket < 1 || bucket > count) noSuchBucket(bucket, count, Kind::names);
     return static_cast<std::size_t>(bucket) - 1;
 }
 
-// Place of a key's bucket among `count`.
+// Returns the index, from 0, of a key's bucket in a table of `count` buckets.
 template<class Kind>
 std::size_t bucketOf(const Table<Kind>& table, std::int32_t count, typename Kind::View key) {
     return bucketIndex<Kind>(table.hashFunc ? table.hashFunc(count, key) : Kind::hash(count, key),
@@ -138,7 +138,7 @@ const ListNode<Kind>& nodeAt(const Table<Kind>& table, std::int32_t node) {
     return table.nodes[static_cast<std::size_t>(node) - 1];
 }
 
-// Entries in a bucket.
+// Returns the number of entries in a bucket.
 template<class Kind>
 std::int32_t bucketSize(const Table<Kind>& table, std::int32_t bucket) {
     std::int32_t count = 0;
@@ -148,7 +148,7 @@ std::int32_t bucketSize(const Table<Kind>& table, std::int32_t bucket) {
 }
 
 template<class Kind>
-std::int32_t takeNode(Table<Kind>& table) {
+std::int32_t allocateNode(Table<Kind>& table) {
     if (table.freeNode > 0)
         return std::exchange(table.freeNode, nodeAt(table, table.freeNode).next);
     try {
@@ -159,14 +159,14 @@ std::int32_t takeNode(Table<Kind>& table) {
     return static_cast<std::int32_t>(table.nodes.size());
 }
 
-// The key's node in the list from `node` on, 0 when it is in none.
+// Returns the key's node in the list from `node` on, or 0.
 template<class Kind>
 std::int32_t findInList(const Table<Kind>& table, std::int32_t node, typename Kind::View key) {
     while (node > 0 && !Kind::same(nodeAt(table, node).key, key)) node = nodeAt(table, node).next;
     return node;
 }
 
-// Moves every node into its bucket among `count`.
+// Distributes the nodes to `count` buckets.
 template<class Kind>
 void rehashWork(Table<Kind>& table, std::int32_t count) {
     if (count == table.bucketCount) return;
@@ -183,31 +183,31 @@ void rehashWork(Table<Kind>& table, std::int32_t count) {
     table.bucketCount = count;
 }
 
-// Room for the entries there are, in at least `n` buckets.
+// Sets the number of buckets to at least `n`, and to enough for the present entries.
 template<class Kind>
 void rehash(Table<Kind>& table, std::int32_t n) {
     rehashWork(table, getPrimeBucketCount(std::max<std::int64_t>(n, bucketsFor(table.size))));
 }
 
-// Room for `n` entries.
+// Adds buckets until there are enough for `n` entries.
 template<class Kind>
 void reserve(Table<Kind>& table, std::int32_t n) {
     if (static_cast<float>(n) > static_cast<float>(table.bucketCount) * maxLoadFactor())
         rehashWork(table, getPrimeBucketCount(bucketsFor(n)));
 }
 
-// A key that is there already takes the new value.
+// Inserts a key with its value; the value of an existing key is replaced.
 template<class Kind>
 void insert(Table<Kind>& table, typename Kind::View key, std::int32_t value) {
     if (table.bucketCount == 0) noSuchBucket(1, 0, Kind::names);
     const typename Kind::Prepared prepared(key);
     std::int32_t& head = table.buckets[bucketOf(table, table.bucketCount, prepared.key)];
-    const std::int32_t there = findInList(table, head, prepared.key);
-    if (there > 0) {
-        nodeAt(table, there).value = value;
+    const std::int32_t existing = findInList(table, head, prepared.key);
+    if (existing > 0) {
+        nodeAt(table, existing).value = value;
         return;
     }
-    const std::int32_t added = takeNode(table);
+    const std::int32_t added = allocateNode(table);
     ListNode<Kind>& node = nodeAt(table, added);
     Kind::keep(prepared.key, node.key);
     node.value = value;
@@ -219,6 +219,7 @@ void insert(Table<Kind>& table, typename Kind::View key, std::int32_t value) {
                               std::max(std::int64_t{2} * buckets, bucketsFor(table.size))));
 }
 
+// Returns the node of a key, or 0.
 template<class Kind>
 std::int32_t find(const Table<Kind>& table, typename Kind::View key) {
     if (table.bucketCount == 0) return 0;
@@ -227,7 +228,7 @@ std::int32_t find(const Table<Kind>& table, typename Kind::View key) {
                       prepared.key);
 }
 
-// Leaves `value` as it is for a key that is not there.
+// Returns the value of a key. For a missing key `found` is false and `value` is not changed.
 template<class Kind>
 void get(const Table<Kind>& table, typename Kind::View key, std::int32_t& value, bool& found) {
     const std::int32_t node = find(table, key);
@@ -240,19 +241,19 @@ bool holds(const Table<Kind>& table, typename Kind::View key) {
     return find(table, key) > 0;
 }
 
-// Does nothing for a key that is not there.
+// Removes a key; a missing key is ignored.
 template<class Kind>
 void erase(Table<Kind>& table, typename Kind::View key) {
     if (table.bucketCount == 0) return;
     const typename Kind::Prepared prepared(key);
     std::int32_t* link = &table.buckets[bucketOf(table, table.bucketCount, prepared.key)];
-    const std::int32_t there = findInList(table, *link, prepared.key);
-    if (there == 0) return;
-    while (*link != there) link = &nodeAt(table, *link).next;
-    ListNode<Kind>& node = nodeAt(table, there);
+    const std::int32_t erased = findInList(table, *link, prepared.key);
+    if (erased == 0) return;
+    while (*link != erased) link = &nodeAt(table, *link).next;
+    ListNode<Kind>& node = nodeAt(table, erased);
     *link = node.next;
     node.key = {};
-    node.next = std::exchange(table.freeNode, there);
+    node.next = std::exchange(table.freeNode, erased);
     --table.size;
 }
 
@@ -273,7 +274,8 @@ inline bool hasNextIterator(const Iterator& iterator) {
     return iterator.next > 0;
 }
 
-// The next key and value; going on behind the last ones ends the run. The key is the node's own.
+// Returns the next key and value and advances; a call after the last entry ends the run. `key`
+// refers to the key in the table.
 template<class Kind>
 void nextIterator(const Table<Kind>& table, Iterator& iterator, typename Kind::View& key,
                   std::int32_t& value) {

@@ -29,10 +29,9 @@ std::int32_t elementOfLayer(std::int32_t planElement, std::int32_t layer) {
     return planElement + (layer - 1) * state.planElementCount;
 }
 
-// The element to go by for a point that no element holds: `nearest`, or 0 after an error. The
-// texts follow one pattern.
-std::int32_t outside(const std::string& what, const std::string& place, bool moved,
-                     std::int32_t nearest) {
+// Reports a point that no element contains, and returns `nearest`, or 0 after an error.
+std::int32_t elementOutside(const std::string& what, const std::string& place, bool moved,
+                            std::int32_t nearest) {
     if (!moved) {
         report(what, place);
         return 0;
@@ -114,8 +113,8 @@ std::int32_t findElement2D(double x, double y) {
     const std::int32_t element = findElement2DUnchecked(x, y);
     if (element != 0) return element;
     const std::int32_t nearest = state.nearestFallback ? findNearestElement2D(x, y) : 0;
-    return outside("findElement2D: point outside mesh", point(x, y), state.nearestFallback,
-                   nearest);
+    return elementOutside("findElement2D: point outside mesh", point(x, y), state.nearestFallback,
+                          nearest);
 }
 
 std::int32_t findElement2DUnchecked(double x, double y) {
@@ -128,18 +127,18 @@ std::int32_t findElement3D(double x, double y, double z, std::optional<std::int3
     const std::int32_t plan = planElementAt(x, y, hint);
     if (plan == 0) {
         const std::int32_t nearest = move ? findNearestElement3D(x, y, z) : 0;
-        return outside(name + "point outside mesh", point(x, y, z), move, nearest);
+        return elementOutside(name + "point outside mesh", point(x, y, z), move, nearest);
     }
     double below = interpElementBottomIndex(plan, x, y, state.nodeZ);
-    if (z < below) return outside(name + "point below mesh", point(x, y, z), move, plan);
+    if (z < below) return elementOutside(name + "point below mesh", point(x, y, z), move, plan);
     for (std::int32_t layer = 1; layer <= layerCount(); ++layer) {
         const std::int32_t element = elementOfLayer(plan, layer);
         const double top = interpElementTopIndex(element, x, y, state.nodeZ);
         if (below <= z && z <= top) return element;
         below = top;
     }
-    return outside(name + "point above mesh", point(x, y, z), move,
-                   elementOfLayer(plan, std::max(layerCount(), 1)));
+    return elementOutside(name + "point above mesh", point(x, y, z), move,
+                          elementOfLayer(plan, std::max(layerCount(), 1)));
 }
 
 std::int32_t findElementByLayer(double x, double y, std::int32_t layer) {
@@ -157,7 +156,8 @@ std::int32_t findElementByLayer(double x, double y, std::int32_t layer) {
     std::int32_t plan = findElement2DUnchecked(x, y);
     if (plan == 0) {
         const std::int32_t nearest = state.nearestFallback ? findNearestElement2D(x, y) : 0;
-        plan = outside(name + "point outside mesh", point(x, y), state.nearestFallback, nearest);
+        plan = elementOutside(name + "point outside mesh", point(x, y), state.nearestFallback,
+                              nearest);
     }
     return plan == 0 ? 0 : elementOfLayer(plan, inRange);
 }

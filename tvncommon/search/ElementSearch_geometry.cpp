@@ -9,10 +9,10 @@ namespace ElementSearch {
 
 namespace {
 
-constexpr double noNumber = std::numeric_limits<double>::quiet_NaN();
+constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 constexpr std::array<std::size_t, 3> firstHalf{0, 1, 2}, secondHalf{0, 2, 3};
 
-// Entry of an array for a node of an element, counted from 0; null where there is none.
+// Returns the entry of an array for node `k` (from 0) of an element; null if there is none.
 const double* entryOf(std::span<const double> array, std::int32_t element, std::size_t k) {
     if (element < 1 || element > state.elementCount) return nullptr;
     const std::size_t place = (static_cast<std::size_t>(element) - 1) * allNodes().count + k;
@@ -21,7 +21,7 @@ const double* entryOf(std::span<const double> array, std::int32_t element, std::
     return node < array.size() ? &array[node] : nullptr;
 }
 
-// Corners of a face, three or four, and what an array holds there.
+// Corners of a face, three or four, and the values of an array there.
 struct Corners {
     std::array<double, 4> xs{}, ys{}, values{};
 };
@@ -41,7 +41,7 @@ std::array<double, 3> pick(std::span<const double, N> four, const std::array<std
     return {four[at[0]], four[at[1]], four[at[2]]};
 }
 
-// Value at the place, none outside of the triangle.
+// Returns the value at the point, none outside the triangle.
 std::optional<double> inTriangle(const std::array<double, 3>& xs, const std::array<double, 3>& ys,
                                  const std::array<double, 3>& values, double x, double y) {
     const std::array<double, 3> weights = barycentricCoords(xs, ys, x, y);
@@ -50,9 +50,9 @@ std::optional<double> inTriangle(const std::array<double, 3>& xs, const std::arr
     return u * (values[1] - values[0]) + v * (values[2] - values[0]) + values[0];
 }
 
-// Value for a place outside: that of the nearest corner, or 0 after an error.
-double outside(const std::string& what, std::span<const double> xs, std::span<const double> ys,
-               std::span<const double> values, double x, double y) {
+// Reports a point outside a face, and returns the value of the nearest corner, or 0 after an error.
+double valueOutside(const std::string& what, std::span<const double> xs, std::span<const double> ys,
+                    std::span<const double> values, double x, double y) {
     const std::string place = "point: " + pointToString2D(x, y);
     if (!state.nearestFallback) {
         report(what, place);
@@ -93,7 +93,7 @@ std::array<double, 3> centroid(std::int32_t element, const Face& face) {
     return sum;
 }
 
-// Points outside are moved in silence for as long as this lives.
+// While this exists, the nearest corner is used for points outside without a warning.
 struct QuietFallback {
     bool nearestFallback = state.nearestFallback, warnOnFallback = state.warnOnFallback;
     QuietFallback() {
@@ -124,14 +124,15 @@ Face topFace() {
 
 double atNode(std::span<const double> array, std::int32_t element, std::size_t k) {
     const double* entry = entryOf(array, element, k);
-    return entry ? *entry : noNumber;
+    return entry ? *entry : nan;
 }
 
 bool pointInElement2D(std::int32_t element, double x, double y) {
     const std::size_t count = std::min<std::size_t>(bottomFace().count, 4);
     const Corners corners = cornersOf(element, {0, count}, {});
     const std::span xs(corners.xs), ys(corners.ys);
-    // The test itself would find a place on the left of any edge to a node that is not there.
+    // With the coordinates NaN of a missing node the test would count any point as left of its
+    // edges.
     bool known = true;
     for (std::size_t k = 0; k < count; ++k)
         known = known && entryOf(state.nodeX, element, k) && entryOf(state.nodeY, element, k);
@@ -168,7 +169,7 @@ double interpElement3DIndex(std::int32_t element, double x, double y, double z,
     const double zt = interpElementTopIndex(element, x, y, state.nodeZ);
     const double vb = interpElementBottomIndex(element, x, y, values);
     const double vt = interpElementTopIndex(element, x, y, values);
-    const auto beyond = [&](const std::string& what, const char* moved, double value) {
+    const auto outsideFaces = [&](const std::string& what, const char* moved, double value) {
         const std::string place = "point: " + pointToString3D(x, y, z);
         if (state.nearestFallback)
             reportFallback(what + moved, place);
@@ -177,8 +178,9 @@ double interpElement3DIndex(std::int32_t element, double x, double y, double z,
         return value;
     };
     if (z < zb)
-        return beyond("interpElement: point below element", ": interpolating to bottom", vb);
-    if (z > zt) return beyond("interpElement: point above element", ": interpolating to top", vt);
+        return outsideFaces("interpElement: point below element", ": interpolating to bottom", vb);
+    if (z > zt)
+        return outsideFaces("interpElement: point above element", ": interpolating to top", vt);
     return ((zt - z) * vb + (z - zb) * vt) / (zt - zb);
 }
 
@@ -220,7 +222,8 @@ double interpTriangle(std::span<const double, 3> xs, std::span<const double, 3> 
                       std::span<const double, 3> values, double x, double y) {
     const auto value = inTriangle({xs[0], xs[1], xs[2]}, {ys[0], ys[1], ys[2]},
                                   {values[0], values[1], values[2]}, x, y);
-    return value ? *value : outside("interpTriangle: point outside triangle", xs, ys, values, x, y);
+    return value ? *value
+                 : valueOutside("interpTriangle: point outside triangle", xs, ys, values, x, y);
 }
 
 double interpQuad(std::span<const double, 4> xs, std::span<const double, 4> ys,
@@ -229,7 +232,7 @@ double interpQuad(std::span<const double, 4> xs, std::span<const double, 4> ys,
         const auto value = inTriangle(pick(xs, half), pick(ys, half), pick(values, half), x, y);
         if (value) return *value;
     }
-    return outside("interpQuad: point outside quad", xs, ys, values, x, y);
+    return valueOutside("interpQuad: point outside quad", xs, ys, values, x, y);
 }
 
 std::array<double, 3> barycentricCoords(std::span<const double, 3> xs,

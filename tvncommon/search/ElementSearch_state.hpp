@@ -6,14 +6,14 @@
 
 #include <cstddef>
 
-// What the parts of the element search share.
+// State that the files of the element search share.
 namespace ElementSearch {
 
 struct State {
     std::int32_t elementCount = 0;
     std::int32_t planElementCount = 0; // elements of one layer
     std::int32_t nodesPerElement = 0;
-    std::int32_t sheetCount = 0; // the layers are one fewer
+    std::int32_t sheetCount = 0; // layers of nodes: one more than layers of elements
     std::span<const std::int32_t> elementNodes;
     std::span<const double> nodeX, nodeY, nodeZ;
     FixedResolutionGrid::FixedResGrid grid; // over the plan elements
@@ -25,7 +25,7 @@ struct State {
 
 extern State state;
 
-// A face of an element, from the first of its nodes on.
+// A face of an element: its first node, from 0, and the number of its nodes.
 struct Face {
     std::size_t first, count;
 };
@@ -33,11 +33,11 @@ Face bottomFace();
 Face topFace();
 Face allNodes();
 
-// What an array holds for a node of an element, counted from 0; no number where there is none.
+// Returns the entry of an array for node `k` (from 0) of an element; NaN if there is none.
 double atNode(std::span<const double> array, std::int32_t element, std::size_t k);
 
-// Tells the error callback, or the warning callback where a point has been moved, both with
-// `place`, a line that tells which.
+// Call the error callback, or the warning callback if a nearest element or corner is used. `place`
+// is a line with the point or layer.
 void report(std::string_view message, const std::string& place);
 void reportFallback(std::string_view message, const std::string& place);
 

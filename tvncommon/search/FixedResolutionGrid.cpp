@@ -14,9 +14,9 @@ namespace FixedResolutionGrid {
 namespace {
 
 constexpr std::int64_t mostEntries = std::numeric_limits<std::int32_t>::max() - 1;
-constexpr double noNumber = std::numeric_limits<double>::quiet_NaN();
+constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 
-// Plan corners of an element, three or four. Not `known` when the coordinate arrays lack one.
+// Plan corners of an element, three or four. `known` is false if the coordinate arrays lack one.
 struct Corners {
     std::array<double, 4> xs, ys;
     bool known = true;
@@ -29,8 +29,8 @@ Corners cornersOf(const FixedResGrid& grid, std::int32_t element) {
     for (std::size_t k = 0; k < corners; ++k) {
         const std::size_t index = static_cast<std::size_t>(grid.elementNodes[begin + k]) - 1;
         const bool known = index < grid.x.size() && index < grid.y.size();
-        result.xs[k] = known ? grid.x[index] : noNumber;
-        result.ys[k] = known ? grid.y[index] : noNumber;
+        result.xs[k] = known ? grid.x[index] : nan;
+        result.ys[k] = known ? grid.y[index] : nan;
         result.known = result.known && known;
     }
     return result;
@@ -43,50 +43,53 @@ std::array<double, 4> boxOf(const FixedResGrid& grid, const Corners& corners) {
     return box;
 }
 
-// Cell of a coordinate, at most `highest`. The first one where floating-point rules make no number
-// of it, as in a mesh without extent: there is no such cell in the table.
+// Returns the cell of a coordinate, from 0 to `highest`. Where the quotient is NaN, as in a mesh
+// without extent, it is the first cell.
 std::int32_t cellOf(double coordinate, double lowest, double size, std::int32_t highest) {
     const double cell = (coordinate - lowest) / size;
     if (!(cell >= 1)) return 0;
     return cell < highest ? static_cast<std::int32_t>(cell) : highest;
 }
 
-// Place of a coordinate in a cell, in 256ths of its size and `more` of these on; that of the
-// nearest end for what lies outside.
+// Returns the position of a coordinate in a cell, in 256ths of the cell, plus `more`; limited to
+// the ends of the cell.
 std::uint8_t partOf(double coordinate, double lowest, double size, std::int32_t cell, int more) {
     const double part = ((coordinate - lowest) / size - cell) * 256 + more;
     if (!(part > 0)) return 0;
     return part < 255 ? static_cast<std::uint8_t>(part) : 255;
 }
 
-// How far a box reaches in the cell (i, j), and a 256th of the cell on.
-Reach reachOf(const FixedResGrid& grid, const std::array<double, 4>& box, std::int32_t i,
-              std::int32_t j) {
+// Returns the part of the cell (i, j) that a box covers, with a margin of a 256th of the cell on
+// each side.
+CellExtent cellExtentOf(const FixedResGrid& grid, const std::array<double, 4>& box, std::int32_t i,
+                        std::int32_t j) {
     return {partOf(box[0], grid.xmin, grid.dx, i, -1), partOf(box[1], grid.xmin, grid.dx, i, 1),
             partOf(box[2], grid.ymin, grid.dy, j, -1), partOf(box[3], grid.ymin, grid.dy, j, 1)};
 }
 
-double across(const Corners& c, std::size_t a, std::size_t b, double atX, double atY) {
+double crossProduct(const Corners& c, std::size_t a, std::size_t b, double atX, double atY) {
     return (c.xs[b] - c.xs[a]) * (atY - c.ys[a]) - (c.ys[b] - c.ys[a]) * (atX - c.xs[a]);
 }
 
-// Whether the inside test can hold no place of the element's cells that lies outside of its box by
-// half a 256th of a cell. It can where the rounding error of a cross product, held against the area
-// of the triangle, moves a place that far: a flat triangle even holds all of its line.
-bool staysInBox(const FixedResGrid& grid, const Corners& c, const std::array<double, 4>& box) {
+// Whether the inside test rejects every point that is outside the element's box by more than half a
+// 256th of a cell. With rounding it may accept such a point: the error of a cross product, divided
+// by the area of the triangle, moves the point by that part of the box. A triangle without area
+// accepts every point of its line. 4096 leaves a factor of 8 to the half 256th; 1e-15 is more than
+// four roundings of 2^-53, and 1e-300 is more than products lose to underflow.
+bool isTestBoundedByBox(const FixedResGrid& grid, const Corners& c,
+                        const std::array<double, 4>& box) {
     const double w = box[1] - box[0], h = box[3] - box[2];
     const double error = 1e-15 * (w * (h + grid.dy) + h * (w + grid.dx)) + 1e-300;
-    const auto firm = [&](std::size_t second, std::size_t third) {
-        const double area = std::fabs(across(c, 0, second, c.xs[third], c.ys[third]));
+    const auto isWellShaped = [&](std::size_t second, std::size_t third) {
+        const double area = std::fabs(crossProduct(c, 0, second, c.xs[third], c.ys[third]));
         return error * w * 4096 < area * grid.dx && error * h * 4096 < area * grid.dy &&
                area < std::numeric_limits<double>::max();
     };
-    return firm(1, 2) && (grid.nodesPerPlan == 3 || firm(2, 3));
+    return isWellShaped(1, 2) && (grid.nodesPerPlan == 3 || isWellShaped(2, 3));
 }
 
-// Calls `use` with the indices and the number, from 0, of each cell that the box touches. The lower
-// ends may lie behind the last cell, and then there is none: the box has no extent and is at the
-// upper edge.
+// Calls `use` with the indices and the number, from 0, of each cell that the box touches. A box
+// without extent at the upper edge of the mesh begins after the last cell and so touches none.
 template<class Use>
 void forEachCell(const FixedResGrid& grid, const std::array<double, 4>& box, const Use& use) {
     const std::int32_t lastI = cellOf(box[1], grid.xmin, grid.dx, grid.nx - 1);
@@ -104,7 +107,7 @@ void boundMesh(FixedResGrid& grid) {
     for (std::int32_t e = 1; e <= grid.elementCount; ++e) {
         const Corners corners = cornersOf(grid, e);
         for (std::size_t k = 0; k < static_cast<std::size_t>(grid.nodesPerPlan); ++k) {
-            grid.xmin = std::fmin(grid.xmin, corners.xs[k]); // passes over what is no number
+            grid.xmin = std::fmin(grid.xmin, corners.xs[k]); // ignores NaN
             grid.xmax = std::fmax(grid.xmax, corners.xs[k]);
             grid.ymin = std::fmin(grid.ymin, corners.ys[k]);
             grid.ymax = std::fmax(grid.ymax, corners.ys[k]);
@@ -152,7 +155,7 @@ void FixedResGrid::buildTable() {
 
     ArrayHelpers::allocateArray(rowIndex, cells + 1, "Fixed resolution grid row index array");
     ArrayHelpers::allocateArray(elementIndex, entries, indexName);
-    ArrayHelpers::allocateArray(reach, entries, indexName);
+    ArrayHelpers::allocateArray(extents, entries, indexName);
     rowIndex[0] = 1;
     for (std::size_t cell = 0; cell < cursors.size(); ++cell) {
         rowIndex[cell + 1] = rowIndex[cell] + cursors[cell];
@@ -161,11 +164,11 @@ void FixedResGrid::buildTable() {
     for (std::int32_t e = 1; e <= elementCount; ++e) {
         const Corners corners = cornersOf(*this, e);
         const std::array<double, 4> box = boxOf(*this, corners);
-        const bool stays = staysInBox(*this, corners, box);
+        const bool bounded = isTestBoundedByBox(*this, corners, box);
         forEachCell(*this, box, [&](std::int32_t i, std::int32_t j, std::size_t cell) {
             const auto place = static_cast<std::size_t>(cursors[cell]++);
             elementIndex[place] = e;
-            reach[place] = stays ? reachOf(*this, box, i, j) : Reach{0, 255, 0, 255};
+            extents[place] = bounded ? cellExtentOf(*this, box, i, j) : CellExtent{0, 255, 0, 255};
         });
     }
 }
@@ -185,7 +188,7 @@ void FixedResGrid::destroy() {
     elementNodes = {};
     std::vector<std::int32_t>().swap(rowIndex);
     std::vector<std::int32_t>().swap(elementIndex);
-    std::vector<Reach>().swap(reach);
+    std::vector<CellExtent>().swap(extents);
 }
 
 bool FixedResGrid::empty() const {
@@ -205,10 +208,10 @@ std::int32_t FixedResGrid::findElement(double atX, double atY) const {
             if (pointIn(elementIndex[k], atX, atY)) return elementIndex[k];
         return 0;
     }
-    // What the test of this module would answer need not be asked where it cannot hold the place.
+    // The extents are those of the inside test below, which a derived record may have replaced.
     const std::uint8_t partX = partOf(atX, xmin, dx, i, 0), partY = partOf(atY, ymin, dy, j, 0);
     for (std::size_t k = begin; k < end; ++k) {
-        const Reach& r = reach[k];
+        const CellExtent& r = extents[k];
         if (partX < r.firstX || partX > r.lastX || partY < r.firstY || partY > r.lastY) continue;
         if (FixedResGrid::pointIn(elementIndex[k], atX, atY)) return elementIndex[k];
     }
@@ -221,7 +224,8 @@ bool pointInTri(const std::array<double, 3>& xs, const std::array<double, 3>& ys
         return (xs[b] - xs[a]) * (atY - ys[a]) - (ys[b] - ys[a]) * (atX - xs[a]);
     };
     const bool right[] = {0 > side(0, 1), 0 > side(1, 2), 0 > side(2, 0)};
-    return (right[0] == right[1]) & (right[0] == right[2]); // both: a branch here is a coin toss
+    // `&` evaluates both: a branch here would be mispredicted for every second point.
+    return (right[0] == right[1]) & (right[0] == right[2]);
 }
 
 void getBoundingBox(std::span<const double> xs, std::span<const double> ys,

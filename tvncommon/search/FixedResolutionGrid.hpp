@@ -6,7 +6,7 @@
 #include <vector>
 
 // Finds the element of a layered mesh under which or over which a place in plan lies. A lattice of
-// cells over the mesh tells for each cell the elements that may reach into it, so that a question
+// cells over the mesh tells for each cell the elements that may extents into it, so that a question
 // costs a few triangle tests however large the mesh is.
 //
 // Elements are prisms of 6 or blocks of 8 nodes, of which the first half is the plan polygon: a
@@ -16,12 +16,12 @@
 // holds no place, and one without extent at the upper edge of the mesh is in no cell.
 namespace FixedResolutionGrid {
 
-// Part of a cell outside of which an element holds no place, in 256ths of the cell.
-struct Reach {
+// The part of a cell outside of which an element contains no point, in 256ths of the cell.
+struct CellExtent {
     std::uint8_t firstX, lastX, firstY, lastY;
 };
 
-// The members call one another through the record, so that another inside test can be put in.
+// The members are virtual so that a derived record can replace the inside test.
 struct FixedResGrid {
     std::int32_t nx = 0, ny = 0; // cells in x and y; cell (i, j) from 0 has number j * nx + i
     std::int32_t nodesPerPlan = 0;
@@ -30,9 +30,10 @@ struct FixedResGrid {
     double dx = 0, dy = 0;                         // size of a cell
     std::span<const double> x, y;
     std::span<const std::int32_t> elementNodes;
-    std::vector<std::int32_t> rowIndex; // place of each cell's first element, from 1, and the end
+    std::vector<std::int32_t>
+        rowIndex; // position of each cell's first element, from 1, and the end
     std::vector<std::int32_t> elementIndex; // elements cell by cell, ascending in each
-    std::vector<Reach> reach; // of each of them; not looked at in a record of a further type
+    std::vector<CellExtent> extents;        // of each of them; not used in a derived record
 
     FixedResGrid() = default;
     FixedResGrid(const FixedResGrid&) = default;
@@ -41,33 +42,34 @@ struct FixedResGrid {
     FixedResGrid& operator=(FixedResGrid&&) = default;
     virtual ~FixedResGrid() = default;
 
-    // Fills the two index arrays; memory that is not there ends the run.
+    // Fills the arrays of the cells; a failed allocation ends the run.
     virtual void buildTable();
 
-    // Whether the plan polygon of the element holds the place. One on an edge is held by elements
-    // of one winding and may be missed by those of the other.
+    // Whether the plan polygon of the element contains the point. A point on an edge is in elements
+    // of clockwise or of counterclockwise corners only, see `pointInTri`.
     virtual bool pointIn(std::int32_t element, double atX, double atY) const;
 
-    // Lays the lattice, of at least one cell in each direction, over the first `count` elements.
-    // Any `nodesPerElement` but 6 and 8 ends the run.
+    // Builds the grid, of at least one cell in each direction, over the first `count` elements. A
+    // `nodesPerElement` other than 6 and 8 ends the run.
     virtual void init(std::int32_t cellsX, std::int32_t cellsY, std::int32_t count,
                       std::int32_t nodesPerElement, std::span<const double> nodeX,
                       std::span<const double> nodeY, std::span<const std::int32_t> nodes);
     virtual void destroy();
     virtual bool empty() const;
 
-    // The lowest number among the elements that hold the place; 0 when none does.
+    // Returns the lowest number of an element that contains the point, or 0.
     virtual std::int32_t findElement(double atX, double atY) const;
 };
 
-// Whether a triangle holds the place. Places on the line of an edge count as left of it, and so
-// do those for which a number that is none leaves it open; in which turn the corners stand makes no
-// other difference.
+// Whether a triangle contains the point: it must be on the same side of all three edges. A point on
+// the line of an edge counts as left of it, and so does one whose side is unknown because of NaN.
+// So a point on an edge is in a triangle of counterclockwise corners and not in one of clockwise
+// corners.
 bool pointInTri(const std::array<double, 3>& xs, const std::array<double, 3>& ys, double atX,
                 double atY);
 
-// Puts the least and largest x and the least and largest y, in this order, into `box`; zeros where
-// there is none.
+// Stores the least and greatest x and the least and greatest y, in this order, in `box`; zeros if
+// there are no values.
 void getBoundingBox(std::span<const double> xs, std::span<const double> ys,
                     std::array<double, 4>& box);
 

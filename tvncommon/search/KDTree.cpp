@@ -14,8 +14,8 @@ namespace {
 
 constexpr double farthest = std::numeric_limits<double>::max();
 
-// Keeps the nearest ones in ascending order; among equals the one that came first stays in front.
-// If there is no room left, the distance must be below the last one.
+// Inserts a point into a list in ascending order of distance, after those of equal distance. If the
+// list is full, its last point is dropped; the distance must be below that of the last point.
 void insertPriority(double distance, std::int32_t index, std::span<double> distances,
                     std::span<std::int32_t> indices, std::int32_t& found) {
     auto place = static_cast<std::size_t>(found);
@@ -31,22 +31,23 @@ void insertPriority(double distance, std::int32_t index, std::span<double> dista
     indices[place] = index;
 }
 
-// The children in the order in which a search for near points takes them.
-struct Turn {
+// The children of a node in the order in which a search for near points visits them.
+struct ChildOrder {
     std::int32_t near, far;
 };
 
 template<std::size_t D>
-Turn turnAt(const Node<D>& node, double c) {
-    return node.splitValue < c ? Turn{node.right, node.left} : Turn{node.left, node.right};
+ChildOrder childOrder(const Node<D>& node, double c) {
+    return node.splitValue < c ? ChildOrder{node.right, node.left}
+                               : ChildOrder{node.left, node.right};
 }
 
 template<std::size_t D>
-bool reaches(const Tree<D>& tree, const Node<D>& node, const Turn& turn, const Point<D>& at,
-             double best) {
+bool mayContainNearer(const Tree<D>& tree, const Node<D>& node, const ChildOrder& children,
+                      const Point<D>& at, double best) {
     const double gap = node.splitValue - tree.getValueXYZ(at, node.splitDim);
-    return !(gap * gap > best) && // two infinite places may coincide
-           boxDist2(tree.nodes[static_cast<std::size_t>(turn.far)].box, at) <= best;
+    return !(gap * gap > best) && // the gap of two infinite values is NaN
+           boxDist2(tree.nodes[static_cast<std::size_t>(children.far)].box, at) <= best;
 }
 
 } // namespace
@@ -75,7 +76,7 @@ std::int32_t Tree<D>::leaves() const {
     return leafCount;
 }
 
-// A value equal to that of a split can stand on both of its sides.
+// Values equal to that of a split can be on both of its sides.
 template<std::size_t D>
 void Tree<D>::exactSearch(const Point<D>& at, std::vector<std::int32_t>& indices,
                           std::int32_t& count) const {
@@ -133,10 +134,10 @@ void Tree<D>::nearestNeighborSearchRec(std::int32_t place, const Point<D>& at, d
                                        std::int32_t& bestIndex) const {
     const Node<D>& node = nodes[static_cast<std::size_t>(place)];
     if (node.splitDim > 0) {
-        const Turn turn = turnAt(node, getValueXYZ(at, node.splitDim));
-        nearestNeighborSearchRec(turn.near, at, best, bestIndex);
-        if (reaches(*this, node, turn, at, best))
-            nearestNeighborSearchRec(turn.far, at, best, bestIndex);
+        const ChildOrder children = childOrder(node, getValueXYZ(at, node.splitDim));
+        nearestNeighborSearchRec(children.near, at, best, bestIndex);
+        if (mayContainNearer(*this, node, children, at, best))
+            nearestNeighborSearchRec(children.far, at, best, bestIndex);
         return;
     }
     for (std::int32_t i = node.first; i <= node.last; ++i) {
@@ -153,10 +154,10 @@ void Tree<D>::nearestNeighborSearchTiesRec(std::int32_t place, const Point<D>& a
                                            std::int32_t& count) const {
     const Node<D>& node = nodes[static_cast<std::size_t>(place)];
     if (node.splitDim > 0) {
-        const Turn turn = turnAt(node, getValueXYZ(at, node.splitDim));
-        nearestNeighborSearchTiesRec(turn.near, at, best, indices, count);
-        if (reaches(*this, node, turn, at, best))
-            nearestNeighborSearchTiesRec(turn.far, at, best, indices, count);
+        const ChildOrder children = childOrder(node, getValueXYZ(at, node.splitDim));
+        nearestNeighborSearchTiesRec(children.near, at, best, indices, count);
+        if (mayContainNearer(*this, node, children, at, best))
+            nearestNeighborSearchTiesRec(children.far, at, best, indices, count);
         return;
     }
     for (std::int32_t i = node.first; i <= node.last; ++i) {
@@ -175,10 +176,10 @@ void Tree<D>::nearestNNeighborSearchRec(std::int32_t place, const Point<D>& at,
                                         std::int32_t& found) const {
     const Node<D>& node = nodes[static_cast<std::size_t>(place)];
     if (node.splitDim > 0) {
-        const Turn turn = turnAt(node, getValueXYZ(at, node.splitDim));
-        nearestNNeighborSearchRec(turn.near, at, distances, indices, found);
-        if (reaches(*this, node, turn, at, distances.back()))
-            nearestNNeighborSearchRec(turn.far, at, distances, indices, found);
+        const ChildOrder children = childOrder(node, getValueXYZ(at, node.splitDim));
+        nearestNNeighborSearchRec(children.near, at, distances, indices, found);
+        if (mayContainNearer(*this, node, children, at, distances.back()))
+            nearestNNeighborSearchRec(children.far, at, distances, indices, found);
         return;
     }
     for (std::int32_t i = node.first; i <= node.last; ++i) {
@@ -193,10 +194,10 @@ void Tree<D>::radiusSearchRec(std::int32_t place, const Point<D>& at, double rad
                               std::vector<std::int32_t>& indices, std::int32_t& count) const {
     const Node<D>& node = nodes[static_cast<std::size_t>(place)];
     if (node.splitDim > 0) {
-        const Turn turn = turnAt(node, getValueXYZ(at, node.splitDim));
-        radiusSearchRec(turn.near, at, radius2, indices, count);
-        if (reaches(*this, node, turn, at, radius2))
-            radiusSearchRec(turn.far, at, radius2, indices, count);
+        const ChildOrder children = childOrder(node, getValueXYZ(at, node.splitDim));
+        radiusSearchRec(children.near, at, radius2, indices, count);
+        if (mayContainNearer(*this, node, children, at, radius2))
+            radiusSearchRec(children.far, at, radius2, indices, count);
         return;
     }
     for (std::int32_t i = node.first; i <= node.last; ++i)

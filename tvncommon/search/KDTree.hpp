@@ -7,10 +7,10 @@
 #include <span>
 #include <vector>
 
-// Trees over a fixed set of points in two or three dimensions, for exact, nearest, radius and range
-// queries. Points are numbered from 1. The tree looks at the caller's coordinates, which must
-// outlive it; a copy of a tree is a tree of its own over the same coordinates. A point with a
-// coordinate that is no number is in the tree and in no answer.
+// KD trees over a fixed set of points in two or three dimensions, for exact, nearest, radius and
+// range queries. Points are numbered from 1. The tree refers to the caller's coordinates, which
+// must outlive it; a copy of a tree refers to the same coordinates. A point with a coordinate that
+// is NaN is in no answer.
 namespace KDTree {
 
 template<std::size_t D>
@@ -21,30 +21,29 @@ struct Box {
     std::array<double, D> lower, upper;
 };
 
-// A range of `order` that is split or searched as one.
+// A range of `order`: that of its two children, or of a leaf.
 template<std::size_t D>
 struct Node {
     std::int32_t first = 1, last = 0; // positions in `order`, from 1
     std::int32_t splitDim = 0;        // dimension from 1 on; 0 in a leaf
     double splitValue = 0;
     Box<D> box{};
-    std::int32_t left = 0, right = 0; // places in `nodes`; 0, the root's, in a leaf
+    std::int32_t left = 0, right = 0; // indices in `nodes`, from 0; 0, the root, in a leaf
 };
 
 // Answers are lists of point numbers of which the first `count` entries are in use. Distances are
-// in length units; the members behind `rangeSearch`, of which the queries are made, compare their
-// squares. The members call one another through the record, so that one can be replaced; not so the
-// last four, which are called for every point.
+// in length units; the recursive functions compare their squares. The members are virtual so that a
+// derived record can replace one; the last four are not, because they are called for every point.
 template<std::size_t D>
 struct Tree {
-    std::int32_t leafSize = 0;  // a range at most this long is not split
+    std::int32_t leafSize = 0;  // a range of at most this length is not split
     std::int32_t maxDepth = 0;  // a node at this depth is not split
     std::int32_t treeDepth = 0; // of the deepest leaf
     std::int32_t leafCount = 0;
     std::vector<std::int32_t> order;            // point numbers; each node owns a range of them
     std::array<const double*, D> coordinates{}; // of the first point
     std::ptrdiff_t stride = 1;                  // from one point's coordinate to the next one's
-    std::vector<Node<D>> nodes;                 // the root in front; none before `init1`
+    std::vector<Node<D>> nodes;                 // the root first; none before `init1` or `init2`
 
     Tree() = default;
     Tree(const Tree&) = default;
@@ -53,9 +52,9 @@ struct Tree {
     Tree& operator=(Tree&&) = default;
     virtual ~Tree() = default;
 
-    // Builds the tree over one array for each dimension, as long as the shortest of them, or over
-    // one array of whole points. Leaves hold 20 points unless `leafSize` is given, and the depth
-    // has no limit. Memory that is not there ends the run.
+    // Build the tree over one array for each dimension, of which the shortest gives the number of
+    // points, or over one array of points. By default leaves have up to 20 points and the depth has
+    // no limit. A failed allocation ends the run.
     virtual void init1(const std::array<std::span<const double>, D>& points,
                        std::optional<std::int32_t> leafSize = {},
                        std::optional<std::int32_t> maxDepth = {});
@@ -71,20 +70,20 @@ struct Tree {
     virtual void exactSearch(const Point<D>& at, std::vector<std::int32_t>& indices,
                              std::int32_t& count) const;
 
-    // The nearest point, 0 where there is none, and all points that are as near as it.
+    // The nearest point, or 0 if the tree is empty; and all points that are equally near.
     virtual void nearestNeighborSearch(const Point<D>& at, std::int32_t& index,
                                        double& distance) const;
     virtual void nearestNeighborSearchWithTies(const Point<D>& at,
                                                std::vector<std::int32_t>& indices,
                                                std::int32_t& count, double& distance) const;
 
-    // The `n` nearest points in order of distance, into arrays of `n`; `found` of them are there.
-    // Distances behind those are the largest finite number.
+    // The `n` nearest points in order of distance, into arrays of `n`. If the tree has fewer
+    // points, `found` is below `n` and the other distances are the largest finite number.
     virtual void nearestNNeighborSearch(const Point<D>& at, std::int32_t n,
                                         std::span<double> distances,
                                         std::span<std::int32_t> indices, std::int32_t& found) const;
 
-    // All points at most `radius` away, and all points in the box; bounds belong to them.
+    // All points at a distance of at most `radius`, and all points in the box, its bounds included.
     virtual void radiusSearch(const Point<D>& at, double radius, std::vector<std::int32_t>& indices,
                               std::int32_t& count) const;
     virtual void rangeSearch(const Box<D>& box, std::vector<std::int32_t>& indices,
@@ -104,15 +103,16 @@ struct Tree {
     virtual void rangeSearchRec(std::int32_t node, const Box<D>& box,
                                 std::vector<std::int32_t>& indices, std::int32_t& count) const;
 
-    // Makes the node of a range and those under it; returns its place in `nodes`.
+    // Creates the node of a range and its descendants; returns its index in `nodes`.
     virtual std::int32_t buildTree(std::int32_t first, std::int32_t last, std::int32_t depth,
                                    const Box<D>& box);
 
-    // Puts the range in order around the value of one of its points, whose position it returns:
-    // none in front of it is above that value and none behind it below.
+    // Partitions the range at the value of one of its points and returns the position of that
+    // point: no point before it has a greater value, no point after it a smaller one.
     virtual std::int32_t medianCut(std::int32_t first, std::int32_t last, std::int32_t dim);
 
-    // The point at a position of `order`, its coordinate in a dimension, and that of a place.
+    // The point at a position of `order`, its coordinate in a dimension, and the coordinate of any
+    // point.
     virtual Point<D> getPoint(std::int32_t position) const final;
     virtual double getValueIndex(std::int32_t position, std::int32_t dim) const final;
     virtual double getValueXYZ(const Point<D>& at, std::int32_t dim) const final;
@@ -122,10 +122,10 @@ struct Tree {
         return getValueXYZ(at, dim);
     }
 
-    // Square of the distance from a place to the point at a position of `order`.
+    // Square of the distance from `at` to the point at a position of `order`.
     virtual double dist2(const Point<D>& at, std::int32_t position) const final;
 
-    std::array<std::uint64_t, 2> random{}; // state of the source of random positions
+    std::array<std::uint64_t, 2> random{}; // state of the random number generator
 };
 
 using KDTree2D = Tree<2>;

@@ -4,12 +4,12 @@
 
 #include <algorithm>
 
-// Geometry of the boxes of a tree. What is no number lies in no box, and a box with a bound that is
-// none meets every other and is held by none.
+// Geometry of the boxes of a tree. NaN is in no box. A box with a bound of NaN intersects every box
+// and is contained in none.
 namespace KDTree {
 
-// The dimension in which the box is widest, the first among equals; a box without extent takes its
-// turn with the depth.
+// Returns the dimension in which the box is widest, the first among equals. For a box without
+// extent the dimension changes with the depth.
 template<std::size_t D>
 std::int32_t splitOnWidest(const Box<D>& box, std::int32_t depth) {
     std::int32_t widest = 0;
@@ -22,8 +22,8 @@ std::int32_t splitOnWidest(const Box<D>& box, std::int32_t depth) {
     return widest > 0 ? widest : depth % static_cast<std::int32_t>(D) + 1;
 }
 
-// Square of the distance from a place to the nearest one of a box. Computed as that to a point is,
-// so that rounding cannot put a point of the box nearer.
+// Returns the square of the distance from a point to a box. It is computed as that to a point is,
+// so that with the same rounding no point in the box is nearer.
 template<std::size_t D>
 double boxDist2(const Box<D>& box, const Point<D>& at) {
     double sum = 0;

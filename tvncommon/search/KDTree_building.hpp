@@ -13,11 +13,12 @@
 #include <string_view>
 #include <utility>
 
-// How a tree is built over its points.
+// Construction of a tree.
 namespace KDTree {
 
-constexpr std::uint64_t randomSeed = 20240327;
-constexpr std::int32_t insertionSortBelow = 8;
+constexpr std::uint64_t randomSeed =
+    20240327; // any number: it only has to be the same in every run
+constexpr std::int32_t insertionSortBelow = 8; // of shorter ranges the median is found by sorting
 
 struct Names {
     std::string_view node, order, pushback;
@@ -32,12 +33,14 @@ inline std::size_t offset(std::int32_t number) {
     return static_cast<std::size_t>(number) - 1;
 }
 
-// Order of coordinates in which what is no number stands behind all numbers.
+// Order of coordinates in which NaN is after all numbers.
 inline bool below(double a, double b) {
     return a < b || (std::isnan(b) && !std::isnan(a));
 }
 
-// The same sequence gives the same tree in every build.
+// A fixed sequence of random numbers gives the same tree in every build. The multiplier and the
+// modulus are those of a Lehmer generator (modulus 2^32 - 5, the greatest prime below 2^32);
+// 104729, the 10,000th prime, replaces 0, which it would never leave.
 inline void initRandomSeed(std::uint64_t seed, std::array<std::uint64_t, 2>& random) {
     std::vector<std::int32_t> seeds;
     ArrayHelpers::allocateArray(seeds, 4, "KDTree3D RNG seed array");
@@ -51,7 +54,8 @@ inline void initRandomSeed(std::uint64_t seed, std::array<std::uint64_t, 2>& ran
     random = {word(0) << 32 | word(1), word(2) << 32 | word(3)};
 }
 
-// Evenly distributed from 0 up to but not including 1.
+// Returns a number from 0 up to but not including 1, by xoroshiro128+ (Blackman and Vigna, 2018).
+// The upper 53 bits, which are the best, fill the significand of a double.
 inline double nextRandom(std::array<std::uint64_t, 2>& random) {
     const std::uint64_t a = random[0], sum = a + random[1], b = random[1] ^ a;
     random = {(a << 24 | a >> 40) ^ b ^ b << 16, b << 37 | b >> 27};
@@ -63,7 +67,8 @@ inline double medianOf3(double a, double b, double c) {
     return below(c, b) ? (below(c, a) ? a : c) : b;
 }
 
-// A dimension in which some point has no number has no upper bound: nothing holds that point.
+// A dimension in which some coordinate is NaN has an upper bound of NaN, so that no box contains
+// it.
 template<std::size_t D>
 Box<D> makeBoundingBox(const Tree<D>& tree) {
     Box<D> box{};
@@ -116,7 +121,7 @@ void insertionSort(Tree<D>& tree, std::int32_t first, std::int32_t last, std::in
         }
 }
 
-// The median of three medians of three coordinates from anywhere in the range.
+// Returns the median of three medians of three coordinates at random positions of the range.
 template<std::size_t D>
 double pivotValue(Tree<D>& tree, std::int32_t first, std::int32_t last, std::int32_t dim) {
     std::array<double, 3> medians{};
@@ -124,7 +129,7 @@ double pivotValue(Tree<D>& tree, std::int32_t first, std::int32_t last, std::int
         std::array<double, 3> values{};
         for (double& value : values) {
             const double position = nextRandom(tree.random) * (last - first + 1.0) + first;
-            // Rounding can take the position to the one behind the range.
+            // Rounding can give the position after the range.
             value = tree.getValueIndex(std::min(static_cast<std::int32_t>(position), last), dim);
         }
         median = medianOf3(values[0], values[1], values[2]);

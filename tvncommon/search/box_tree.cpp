@@ -16,91 +16,92 @@ namespace {
 constexpr double infinity = std::numeric_limits<double>::infinity();
 constexpr const char* arrayName = "search tree";
 
-// A place on an item as parts of the longest side of the whole, which is all that the order needs.
-struct Place {
+// A point of an item, relative to the longest side of the box around all items. The order needs no
+// more precision than that.
+struct Location {
     std::array<float, 3> at;
     std::int32_t item;
 };
 
-struct Side {
+struct Extent {
     double low = infinity, high = -infinity;
 };
 
-Side sideOf(std::span<const double> axis) {
-    Side side;
+Extent extentOf(std::span<const double> axis) {
+    Extent extent;
     for (const double v : axis) {
         if (!std::isfinite(v)) continue;
-        side.low = std::min(side.low, v);
-        side.high = std::max(side.high, v);
+        extent.low = std::min(extent.low, v);
+        extent.high = std::max(extent.high, v);
     }
-    return side.low > side.high ? Side{0, 0} : side;
+    return extent.low > extent.high ? Extent{0, 0} : extent;
 }
 
-// Moves the places for which `isFront` holds to the front and returns their number. Without a
-// branch: which side a place goes to is anyone's guess.
+// Moves the items for which `isFront` is true to the front and returns their number. Without a
+// branch, which would be mispredicted for every second item.
 template<class IsFront>
-std::size_t bringForward(std::span<Place> places, IsFront isFront) {
+std::size_t partition(std::span<Location> items, IsFront isFront) {
     std::size_t front = 0;
-    for (Place& place : places) {
-        const Place here = place;
-        place = places[front];
-        places[front] = here;
-        front += isFront(here);
+    for (Location& item : items) {
+        const Location current = item;
+        item = items[front];
+        items[front] = current;
+        front += isFront(current);
     }
     return front;
 }
 
-// A value with about as many places below it as come before `nth`.
-float guess(std::span<const Place> places, std::size_t nth, std::size_t axis) {
+// Estimates the value of the nth item along the axis from a sample.
+float estimateNth(std::span<const Location> items, std::size_t nth, std::size_t axis) {
     std::array<float, 16> sample;
     for (std::size_t i = 0; i < sample.size(); ++i)
-        sample[i] = places[i * places.size() / sample.size()].at[axis];
+        sample[i] = items[i * items.size() / sample.size()].at[axis];
     const auto at =
-        sample.begin() + static_cast<std::ptrdiff_t>(nth * sample.size() / places.size());
+        sample.begin() + static_cast<std::ptrdiff_t>(nth * sample.size() / items.size());
     std::nth_element(sample.begin(), at, sample.end());
     return *at;
 }
 
-// Puts the place that is the nth along the axis there, those not above it in front, those not below
-// it behind.
-void select(std::span<Place> places, std::size_t nth, std::size_t axis) {
+// Moves the nth item along the axis to position `nth`, items that are not above it before it and
+// items that are not below it after it.
+void selectNth(std::span<Location> items, std::size_t nth, std::size_t axis) {
     constexpr std::size_t few = 64;
-    while (places.size() > few) {
-        const float value = guess(places, nth, axis);
+    while (items.size() > few) {
+        const float value = estimateNth(items, nth, axis);
         const std::size_t below =
-            bringForward(places, [=](const Place& p) { return p.at[axis] < value; });
+            partition(items, [=](const Location& p) { return p.at[axis] < value; });
         if (nth < below) {
-            places = places.first(below);
+            items = items.first(below);
             continue;
         }
-        places = places.subspan(below);
+        items = items.subspan(below);
         nth -= below;
         const std::size_t equal =
-            bringForward(places, [=](const Place& p) { return p.at[axis] <= value; });
+            partition(items, [=](const Location& p) { return p.at[axis] <= value; });
         if (nth < equal) return;
-        places = places.subspan(equal);
+        items = items.subspan(equal);
         nth -= equal;
     }
-    std::nth_element(places.begin(), places.begin() + static_cast<std::ptrdiff_t>(nth),
-                     places.end(),
-                     [axis](const Place& a, const Place& b) { return a.at[axis] < b.at[axis]; });
+    std::nth_element(
+        items.begin(), items.begin() + static_cast<std::ptrdiff_t>(nth), items.end(),
+        [axis](const Location& a, const Location& b) { return a.at[axis] < b.at[axis]; });
 }
 
-// Cuts the longer side in two again and again. The first part has a power of two of groups, so that
-// no group and no block has something from both.
-void arrange(std::span<Place> places, std::size_t runLength, std::array<float, 3> low,
-             std::array<float, 3> high) {
-    while (places.size() > runLength) {
+// Divides the items at the longest side of their box, recursively. The number of items in the first
+// part is a power of two, so that no group and no block has items of both parts.
+void sortSpatially(std::span<Location> items, std::size_t runLength, std::array<float, 3> low,
+                   std::array<float, 3> high) {
+    while (items.size() > runLength) {
         std::size_t axis = 0;
         for (std::size_t a = 1; a < 3; ++a)
             if (high[a] - low[a] > high[axis] - low[axis]) axis = a;
-        const std::size_t first = std::bit_floor(places.size() - 1);
-        select(places, first, axis);
+        const std::size_t first = std::bit_floor(items.size() - 1);
+        selectNth(items, first, axis);
         std::array<float, 3> middle = high;
-        middle[axis] = places[first].at[axis];
-        arrange(places.first(first), runLength, low, middle);
+        middle[axis] = items[first].at[axis];
+        sortSpatially(items.first(first), runLength, low, middle);
         low[axis] = middle[axis];
-        places = places.subspan(first);
+        items = items.subspan(first);
     }
 }
 
@@ -114,7 +115,7 @@ Block emptyBlock() {
     return block;
 }
 
-void place(Block& block, std::size_t slot, const Box& box, std::int32_t number) {
+void setBox(Block& block, std::size_t slot, const Box& box, std::int32_t number) {
     for (std::size_t a = 0; a < 3; ++a) {
         block.low[a][slot] = box.low[a];
         block.high[a][slot] = box.high[a];
@@ -130,7 +131,7 @@ void summarize(const Block& block, Box& box, std::int32_t& number) {
     number = *std::min_element(block.number.begin(), block.number.end());
 }
 
-// An empty level for this many boxes.
+// Adds an empty level for this number of boxes.
 std::vector<Block>& addLevel(Tree& tree, std::size_t boxes) {
     std::vector<Block>& level = tree.levels.emplace_back();
     const std::size_t blocks = std::max<std::size_t>(1, (boxes + fanOut - 1) / fanOut);
@@ -139,8 +140,8 @@ std::vector<Block>& addLevel(Tree& tree, std::size_t boxes) {
     return level;
 }
 
-// Bit k is set where box k holds the point and has a number below `bound`.
-unsigned holding(const Block& block, const Point& p, std::int32_t bound) {
+// Returns bits: bit k is 1 if box k contains the point and its number is below `bound`.
+unsigned containing(const Block& block, const Point& p, std::int32_t bound) {
     unsigned bits = 0;
     for (std::size_t k = 0; k < fanOut; ++k) {
         const bool holds = (block.low[0][k] <= p[0]) && (p[0] <= block.high[0][k]) &&
@@ -152,7 +153,8 @@ unsigned holding(const Block& block, const Point& p, std::int32_t bound) {
     return bits;
 }
 
-// Two boxes at a time, which few compilers find in a loop over single ones: it takes half the time.
+// Two boxes at a time take half the time; few compilers make such code from a loop over single
+// boxes.
 using Pair = double __attribute__((vector_size(16)));
 
 Pair pairAt(const double* values) {
@@ -165,8 +167,9 @@ Pair greater(Pair a, Pair b) {
     return a > b ? a : b;
 }
 
-// Squares of the distances to the boxes; bit k is set where one is not above `bound`. How far the
-// point lies outside along each axis rounds as an item's own difference does.
+// Computes the squares of the distances to the boxes; bit k of the result is 1 if that of box k is
+// not above `bound`. The differences are rounded as those to an item in the box are, so that no
+// item is nearer than its box.
 unsigned near(const Block& block, const Point& p, double bound,
               std::array<double, fanOut>& square) {
     unsigned bits = 0;
@@ -186,8 +189,8 @@ unsigned near(const Block& block, const Point& p, double bound,
     return bits;
 }
 
-// Puts a step on the pile, under those of smaller key that came in since `bottom`.
-void pile(Search& search, std::size_t bottom, const Search::Step& step) {
+// Pushes a step onto the stack, below the steps since `bottom` that have a smaller key.
+void pushSorted(Search& search, std::size_t bottom, const Search::Step& step) {
     std::size_t at = search.size++;
     for (; at > bottom && search.steps[at - 1].key < step.key; --at)
         search.steps[at] = search.steps[at - 1];
@@ -200,28 +203,28 @@ Box::Box() : low{infinity, infinity, infinity}, high{-infinity, -infinity, -infi
 
 std::vector<std::int32_t> spatialOrder(std::span<const double> x, std::span<const double> y,
                                        std::span<const double> z, std::size_t runLength) {
-    const std::array<Side, 3> sides{sideOf(x), sideOf(y), sideOf(z)};
+    const std::array<Extent, 3> extents{extentOf(x), extentOf(y), extentOf(z)};
     double longest = 0;
-    for (const Side& side : sides) longest = std::max(longest, side.high - side.low);
+    for (const Extent& extent : extents) longest = std::max(longest, extent.high - extent.low);
     const double perLength = longest > 0 ? 1 / longest : 0;
     const auto partOf = [&](std::size_t a, double v) {
-        const double part = (v - sides[a].low) * perLength;
+        const double part = (v - extents[a].low) * perLength;
         return part >= 0 && part <= 1 ? static_cast<float>(part) : 0.0F;
     };
 
     const auto count = static_cast<std::int64_t>(x.size());
-    std::vector<Place> places;
-    ArrayHelpers::allocateArray(places, count, arrayName);
-    for (std::size_t i = 0; i < places.size(); ++i)
-        places[i] = {{partOf(0, x[i]), partOf(1, y[i]), partOf(2, z[i])},
-                     static_cast<std::int32_t>(i)};
+    std::vector<Location> items;
+    ArrayHelpers::allocateArray(items, count, arrayName);
+    for (std::size_t i = 0; i < items.size(); ++i)
+        items[i] = {{partOf(0, x[i]), partOf(1, y[i]), partOf(2, z[i])},
+                    static_cast<std::int32_t>(i)};
     std::array<float, 3> high;
-    for (std::size_t a = 0; a < 3; ++a) high[a] = partOf(a, sides[a].high);
-    arrange(places, runLength, {0, 0, 0}, high);
+    for (std::size_t a = 0; a < 3; ++a) high[a] = partOf(a, extents[a].high);
+    sortSpatially(items, runLength, {0, 0, 0}, high);
 
     std::vector<std::int32_t> order;
     ArrayHelpers::allocateArray(order, count, arrayName);
-    for (std::size_t i = 0; i < places.size(); ++i) order[i] = places[i].item;
+    for (std::size_t i = 0; i < items.size(); ++i) order[i] = items[i].item;
     return order;
 }
 
@@ -240,8 +243,8 @@ void build(Tree& tree, std::span<const Box> groups, std::span<const std::int32_t
     tree.levels.clear();
     std::vector<Block>& lowest = addLevel(tree, groups.size());
     for (std::size_t g = 0; g < groups.size(); ++g)
-        place(lowest[g / fanOut], g % fanOut, groups[g],
-              lowestNumbers.empty() ? 0 : lowestNumbers[g]);
+        setBox(lowest[g / fanOut], g % fanOut, groups[g],
+               lowestNumbers.empty() ? 0 : lowestNumbers[g]);
     while (tree.levels.back().size() > 1) {
         std::vector<Block>& above = addLevel(tree, tree.levels.back().size());
         const std::vector<Block>& below = tree.levels[tree.levels.size() - 2];
@@ -249,7 +252,7 @@ void build(Tree& tree, std::span<const Box> groups, std::span<const std::int32_t
             Box box;
             std::int32_t number = 0;
             summarize(below[b], box, number);
-            place(above[b / fanOut], b % fanOut, box, number);
+            setBox(above[b / fanOut], b % fanOut, box, number);
         }
     }
 }
@@ -261,7 +264,7 @@ void begin(Search& search, const Tree& tree, const Point& point) {
     search.steps[0] = {-infinity, static_cast<std::int32_t>(tree.levels.size()) - 1, 0};
 }
 
-bool nextHolding(Search& search, std::int32_t bound, std::size_t& group) {
+bool nextContaining(Search& search, std::int32_t bound, std::size_t& group) {
     while (search.size > 0) {
         const Search::Step step = search.steps[--search.size];
         if (step.key >= bound) continue;
@@ -269,10 +272,11 @@ bool nextHolding(Search& search, std::int32_t bound, std::size_t& group) {
         if (step.level < 0) return true;
         const Block& block = search.tree->levels[static_cast<std::size_t>(step.level)][step.index];
         const std::size_t bottom = search.size;
-        for (unsigned in = holding(block, search.point, bound); in != 0; in &= in - 1) {
+        for (unsigned in = containing(block, search.point, bound); in != 0; in &= in - 1) {
             const auto k = static_cast<std::size_t>(std::countr_zero(in));
-            pile(search, bottom,
-                 {static_cast<double>(block.number[k]), step.level - 1, step.index * fanOut + k});
+            pushSorted(
+                search, bottom,
+                {static_cast<double>(block.number[k]), step.level - 1, step.index * fanOut + k});
         }
     }
     return false;
@@ -289,7 +293,7 @@ bool nextNear(Search& search, double bound, std::size_t& group) {
         std::array<double, fanOut> square;
         for (unsigned in = near(block, search.point, bound, square); in != 0; in &= in - 1) {
             const auto k = static_cast<std::size_t>(std::countr_zero(in));
-            pile(search, bottom, {square[k], step.level - 1, step.index * fanOut + k});
+            pushSorted(search, bottom, {square[k], step.level - 1, step.index * fanOut + k});
         }
     }
     return false;

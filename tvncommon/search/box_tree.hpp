@@ -5,12 +5,13 @@
 #include <span>
 #include <vector>
 
-// A tree over items in space: which of them may hold a point, and which may be near it.
+// A tree of boxes over items in space. It finds the items that may contain a point, and those that
+// may be near it.
 //
-// The items stand in an order in which neighbours are neighbours in space. Eight of them in a row
-// are a group, which the caller keeps and searches itself; eight groups are a block, eight blocks a
-// block of the next level. The order makes the boxes small and the search fast, but does not touch
-// its result: a search goes by the boxes alone.
+// The items are sorted so that neighbours in the order are neighbours in space. `groupSize` items
+// in a row are a group, which the caller stores and searches itself. Eight groups are a block of
+// the lowest level, eight blocks a block of the next level. The order makes the boxes small and so
+// the search fast; the result depends on the boxes alone.
 namespace box_tree {
 
 inline constexpr std::size_t groupSize = 32; // larger ones take less time to build
@@ -18,13 +19,13 @@ inline constexpr std::size_t fanOut = 8;
 
 using Point = std::array<double, 3>;
 
-// What lies within a box, its bounds included. A new box is empty; infinite bounds are allowed.
+// A box with its bounds. A new box is empty; infinite bounds are allowed.
 struct Box {
     Point low, high;
     Box();
 };
 
-// Up to eight boxes side by side.
+// Up to eight boxes, coordinate by coordinate, so that several are compared at a time.
 struct Block {
     std::array<std::array<double, fanOut>, 3> low, high;
     std::array<std::int32_t, fanOut> number; // smallest item number within each box
@@ -34,23 +35,23 @@ struct Tree {
     std::vector<std::vector<Block>> levels; // from the groups up; the last has one block
 };
 
-// Item numbers from 0 in such an order; x, y, z lie somewhere on the items. A value that is no
-// number has no place of its own. Within runs of `runLength` the order is any.
+// Returns the item numbers, from 0, in a spatial order. x, y, z are a point of each item; NaN and
+// infinities count as the least value. Within runs of `runLength` items the order is arbitrary.
 std::vector<std::int32_t> spatialOrder(std::span<const double> x, std::span<const double> y,
                                        std::span<const double> z,
                                        std::size_t runLength = groupSize);
 
-// Number of groups of so many items.
+// Returns the number of groups of this number of items.
 std::size_t groupCount(std::size_t items);
 
-// Puts an item into the box of its group.
+// Extends the box of a group by an item from `low` to `high`.
 void extend(Box& box, const Point& low, const Point& high);
 
-// Builds the tree over the boxes of the groups and the smallest item number in each, which only
-// `nextHolding` goes by: none need be given for the other search.
+// Builds the tree over the boxes of the groups and the smallest item number in each. Only
+// `nextContaining` uses the numbers; they may be empty for the other search.
 void build(Tree& tree, std::span<const Box> groups, std::span<const std::int32_t> lowestNumbers);
 
-// A search under way. Neither the tree nor the point may change until it ends.
+// State of a search. The tree must not change until it ends.
 struct Search {
     struct Step {
         double key; // smallest number, or square of the distance
@@ -60,17 +61,21 @@ struct Search {
     const Tree* tree = nullptr;
     Point point{};
     std::size_t size = 0;
-    std::array<Step, 96> steps; // at most seven left over from each level
+    // A stack, sorted by key within each block. At most seven steps remain of each level, and 11
+    // levels are enough for 2^31 groups.
+    std::array<Step, 96> steps;
 };
 
 void begin(Search& search, const Tree& tree, const Point& point);
 
-// The next group whose box holds the point and whose smallest item number is below `bound`; false
-// when there is none. The bound may fall from call to call.
-bool nextHolding(Search& search, std::int32_t bound, std::size_t& group);
+// Finds the next group whose box contains the point and whose smallest item number is below
+// `bound`; false if there is none. The bound may decrease from call to call.
+bool nextContaining(Search& search, std::int32_t bound, std::size_t& group);
 
-// The next group with a box no farther from the point than the root of `bound`, near ones first.
-// Distances are dx * dx + dy * dy + dz * dz as they round: no item in the box is nearer than that.
+// Finds the next group whose box is not farther from the point than the square root of `bound`,
+// near ones first; false if there is none. Squares are computed as dx * dx + dy * dy + dz * dz, so
+// that with the same rounding no item is nearer than its box. The bound may decrease from call to
+// call.
 bool nextNear(Search& search, double bound, std::size_t& group);
 
 } // namespace box_tree
