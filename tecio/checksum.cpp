@@ -40,8 +40,9 @@ void addBlocks(Checksum& checksum, const char* bytes, std::int64_t size) {
     checksum.lanes = lanes;
 }
 
-// The result differs for each value of `word`. The rotation carries high bits down, which a product
-// only moves up. The factor is 2^64 divided by the golden ratio, made odd.
+// For a given hash the result is different for each `word`. A product carries differences only to
+// higher bits; the rotation brings them back to the lower ones. The factor is the odd integer next
+// to 2^64 divided by the golden ratio.
 std::uint64_t mixed(std::uint64_t hash, std::uint64_t word) {
     constexpr std::uint64_t factor = 0x9E3779B97F4A7C15U;
     return std::rotl((hash + word) * factor, 29);
@@ -82,7 +83,7 @@ std::uint64_t zoneChecksum(std::string_view begin, const std::vector<Checksum>& 
     addBytes(first, begin.data(), static_cast<std::int64_t>(begin.size()));
     std::uint64_t result = resultOf(first);
     for (const Checksum& array : arrays) result = mixed(result, resultOf(array));
-    return result | 1; // 0 means none
+    return result | 1; // 0 in the sidecar means that there is no checksum
 }
 
 } // namespace tecio

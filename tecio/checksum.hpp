@@ -6,11 +6,11 @@
 #include <string_view>
 #include <vector>
 
-// Checksum of the data of a zone, with which a later run finds data that the disk lost or changed.
-// It gives no protection against intent.
+// Checksum of the data of a zone, with which a later run detects data that the disk lost or
+// changed. It does not detect deliberate changes.
 namespace tecio {
 
-// State for one array, whose bytes may come in pieces of any length.
+// State for one array, whose bytes may be added in pieces of any length.
 struct Checksum {
     static constexpr std::size_t laneCount = 16;
     static constexpr std::int64_t blockBytes = 256; // two 8-byte words for each lane
@@ -21,7 +21,7 @@ struct Checksum {
 
 void addBytes(Checksum& checksum, const void* bytes, std::int64_t size);
 
-// Checksum of a zone: of the bytes before its arrays, and of all arrays. Never 0.
+// Returns the checksum of a zone: of the bytes before its arrays, and of all arrays. Never 0.
 std::uint64_t zoneChecksum(std::string_view begin, const std::vector<Checksum>& arrays);
 
 } // namespace tecio

@@ -13,7 +13,7 @@ using io_layer::ok;
 
 namespace {
 
-constexpr std::int64_t notBegun = -1;
+constexpr std::int64_t noCall = -1; // even an empty array needs a call
 constexpr std::int64_t unshared = 0;
 
 // A variable can share an array of the same type, location and number of values.
@@ -34,8 +34,8 @@ bool fitsFirstZone(const Zone& zone, const Zone& first) {
     return fits;
 }
 
-// Replaces a source that is itself shared by the zone that has the values: some readers do not
-// follow a second share.
+// Replaces the source of a share by the zone that has the values if the source shares them itself:
+// some readers do not follow a second share.
 bool resolveShares(const std::vector<Zone>& zones, Zone& zone) {
     const auto earlier = static_cast<std::int32_t>(zones.size());
     const auto sourceOf = [&](std::int32_t number) -> const Zone& {
@@ -55,7 +55,7 @@ bool resolveShares(const std::vector<Zone>& zones, Zone& zone) {
     return meshFits(zone, source);
 }
 
-// Every array must have been written, also one without values.
+// Every array needs a call, even if it has no values.
 bool isComplete(const CurrentZone& current) {
     const Zone& zone = current.zone;
     for (std::size_t v = 0; v < zone.types.size(); ++v)
@@ -78,7 +78,7 @@ int commitCurrentZone(DataFile& f) {
     const std::uint64_t checksum = f.durable ? zoneChecksum(begin, current.checksums) : 0;
     if (status == ok) status = sidecarStatus(f, commitZone(f.sidecar, current.zone, checksum));
     if (status != ok) return status;
-    f.dataEnd += current.part.size;
+    f.dataEnd += current.layout.size;
     f.zones.push_back(std::move(current.zone));
     f.resumed = false;
     current = {};
@@ -89,11 +89,11 @@ bool isAt(const Zone& zone, double time, std::int32_t strand) {
     return zone.time == time && zone.strand == strand;
 }
 
-// Drops the first zone with this time that is not kept, and all after it.
+// Removes the first zone with this time that is not kept, and all zones after it.
 int dropZonesFrom(DataFile& f, double time, std::int32_t strand) {
-    std::int32_t others = f.zonesKept;
+    std::int32_t keptAtTime = f.zonesKept;
     const auto same = std::find_if(f.zones.begin(), f.zones.end(), [&](const Zone& zone) {
-        return isAt(zone, time, strand) && others-- <= 0;
+        return isAt(zone, time, strand) && keptAtTime-- <= 0;
     });
     if (same == f.zones.end()) return ok;
     const auto kept = static_cast<std::size_t>(same - f.zones.begin());
@@ -103,16 +103,18 @@ int dropZonesFrom(DataFile& f, double time, std::int32_t strand) {
 
 int writeData(DataFile& f, std::int64_t position, const void* from, std::int64_t bytes) {
     int status = ok;
-    if (!f.current.begun) status = byte_file::reserve(f.file, f.dataEnd, f.current.part.size);
-    f.current.begun = true;
+    if (!f.current.anyWritten)
+        status = byte_file::reserve(f.file, f.dataEnd, f.current.layout.size);
+    f.current.anyWritten = true;
     if (status == ok) status = byte_file::writeAt(f.file, position, from, bytes);
     if (status == ok) f.size = std::max(f.size, position + bytes);
-    // Frees what was reserved or partly written: the disk may be full.
+    // The disk may be full: frees the space that was reserved or partly written.
     if (status != ok) byte_file::truncate(f.file, f.size);
     return status;
 }
 
-// Updates range and checksum, a block at a time: it stays in the cache for the second pass.
+// Updates range and checksum block by block. A block of at most 128 KiB is still in the cache for
+// the second pass.
 void summarize(DataFile& f, std::size_t v, std::int64_t count, const void* values) {
     constexpr std::int64_t blockValues = 16384;
     const std::int32_t type = f.current.zone.types[v];
@@ -141,14 +143,14 @@ int beginZone(DataFile& f, Zone zone, std::int32_t& number) {
     if (status == ok && !resolveShares(f.zones, zone)) status = refused;
     if (status != ok) return status;
     CurrentZone& current = f.current;
-    current.part = dataPartOf(zone);
-    status = writeHeader(f, current.part.size);
+    current.layout = layoutOf(zone);
+    status = writeHeader(f, current.layout.size);
     if (status != ok) return status;
-    current.written.assign(zone.types.size(), notBegun);
+    current.written.assign(zone.types.size(), noCall);
     current.ranges.clear();
     for (const std::int32_t type : zone.types) current.ranges.push_back(rangeOf(type, nullptr, 0));
     current.checksums.assign(zone.types.size() + 1, {});
-    current.nodesWritten = notBegun;
+    current.nodesWritten = noCall;
     current.zone = std::move(zone);
     number = current.number = static_cast<std::int32_t>(f.zones.size()) + 1;
     return ok;
@@ -163,7 +165,7 @@ std::int32_t resumedZonesAt(const DataFile& f, double time, std::int32_t strand)
 
 int setTime(DataFile& f, double time, std::int32_t strand) {
     CurrentZone& current = f.current;
-    if (current.begun) return refused;
+    if (current.anyWritten) return refused;
     current.zone.time = time;
     current.zone.strand = strand;
     if (f.resumed) {
@@ -184,7 +186,7 @@ int writeValues(DataFile& f, std::size_t v, std::int64_t count, const void* valu
     summarize(f, v, count, values);
     const std::int64_t each = valueBytes(current.zone.types[v]);
     const int status =
-        writeData(f, f.dataEnd + current.part.values[v] + written * each, values, count * each);
+        writeData(f, f.dataEnd + current.layout.values[v] + written * each, values, count * each);
     written += count;
     return commitIfComplete(f, status);
 }
@@ -195,7 +197,8 @@ int writeNodes(DataFile& f, std::int64_t count, const std::int32_t* nodes, std::
     if (current.zone.connectivityShare > 0 || current.nodesWritten == all) return refused;
     current.nodesWritten = std::max<std::int64_t>(current.nodesWritten, 0);
     if (count < 0 || count > all - current.nodesWritten) return refused;
-    // The file counts nodes from 0. A block at a time stays in the cache until it is written.
+    // The file counts nodes from 0. A block of at most 256 KiB is still in the cache when it is
+    // written.
     constexpr std::int64_t blockNodes = 65536;
     std::vector<std::int32_t> block(static_cast<std::size_t>(std::min(count, blockNodes)));
     int status = ok;
@@ -204,7 +207,7 @@ int writeNodes(DataFile& f, std::int64_t count, const std::int32_t* nodes, std::
         std::transform(nodes + done, nodes + done + n, block.begin(),
                        [firstNode](std::int32_t node) { return node - firstNode; });
         if (f.durable) addBytes(current.checksums.back(), block.data(), n * 4);
-        status = writeData(f, f.dataEnd + current.part.nodeMap + current.nodesWritten * 4,
+        status = writeData(f, f.dataEnd + current.layout.nodeMap + current.nodesWritten * 4,
                            block.data(), n * 4);
         current.nodesWritten += n;
         done += n;

@@ -12,14 +12,17 @@ using io_layer::ok;
 
 namespace {
 
-// Padding for the headers of later zones. Large zones get more of it, since more padding later
-// means a copy of all data.
+// Padding of a new file for the headers of later zones. A header has about 80 bytes, and 4 more for
+// each variable if some are of elements: 16 pages take at least 300 zones of 30 variables. More
+// padding later means a copy of all data, so large zones get more at first. 1/16 of a zone is
+// little beside its data. Each copy multiplies the padding by 4, so that the number of copies stays
+// small.
 constexpr std::int64_t leastPadding = 65536;
 constexpr std::int64_t mostPaddingAtFirst = 262144;
 constexpr std::int64_t zoneBytesPerPaddingByte = 16;
 constexpr std::int64_t paddingGrowth = 4;
 
-constexpr std::int64_t copyBytes = 1048576;
+constexpr std::int64_t copyBytes = 1048576; // few calls, and little memory
 
 int write(DataFile& f, std::int64_t position, const Bytes& bytes) {
     f.size = std::max(f.size, position + sizeOf(bytes));
@@ -30,8 +33,8 @@ int syncIfDurable(const DataFile& f) {
     return f.durable ? byte_file::sync(f.file) : ok;
 }
 
-// Gives a complete file the name of the data set.
-int putInPlace(const DataFile& f, const byte_file::File& file, Replacement& replacement) {
+// Renames a complete file to the data set.
+int commitFile(const DataFile& f, const byte_file::File& file, Replacement& replacement) {
     int status = f.durable ? byte_file::sync(file) : ok;
     if (status == ok)
         status = file_replacement::commit(replacement);
@@ -40,7 +43,7 @@ int putInPlace(const DataFile& f, const byte_file::File& file, Replacement& repl
     return status == ok && f.durable ? byte_file::syncFolderOf(replacement.target) : status;
 }
 
-// Writes one page at a time; the file is valid after each.
+// Writes headers or padding one page at a time; the file is valid after each.
 int writePages(DataFile& f, std::int64_t position, const Bytes& bytes, bool lastFirst) {
     const std::int64_t end = position + sizeOf(bytes);
     std::vector<std::int64_t> begins{position};
@@ -57,7 +60,8 @@ int writePages(DataFile& f, std::int64_t position, const Bytes& bytes, bool last
     return status;
 }
 
-// Headers of the zones that have none in the file yet, for the position after those that have.
+// Returns the headers of the zones that have none in the file yet, for the position after the last
+// header.
 Bytes pagesToPublish(DataFile& f) {
     const std::int64_t at = headersEnd(f, f.headerEnds.size());
     Bytes out;
@@ -69,7 +73,8 @@ Bytes pagesToPublish(DataFile& f) {
     return out;
 }
 
-// Everything before the data, with at least `padding` bytes for more headers; sets the positions.
+// Returns everything before the data, with at least `padding` bytes for more headers, and sets the
+// positions.
 Bytes headerBytes(DataFile& f, std::int64_t padding) {
     Bytes out = headBytes(f.head);
     f.auxAt = sizeOf(out);
@@ -105,7 +110,7 @@ int replaceWithCopy(DataFile& f, std::int64_t padding) {
     if (status == ok) status = byte_file::writeAt(copy, 0, header.data(), sizeOf(header));
     if (status == ok) status = copyData(f.file, oldDataAt, copy, sizeOf(header), dataBytes);
     if (status == ok)
-        status = putInPlace(f, copy, replacement);
+        status = commitFile(f, copy, replacement);
     else
         file_replacement::discard(replacement);
     if (status != ok) {
@@ -119,20 +124,20 @@ int replaceWithCopy(DataFile& f, std::int64_t padding) {
     return ok;
 }
 
-// A new file gets its name when its header is complete.
+// A new file is renamed to the data set when its header is complete.
 int writeNewHeader(DataFile& f, std::int64_t zoneBytes) {
     const std::int64_t padding =
         std::clamp(zoneBytes / zoneBytesPerPaddingByte, leastPadding, mostPaddingAtFirst);
     const Bytes header = headerBytes(f, padding);
     f.dataAt = f.dataEnd = sizeOf(header);
     const int status = write(f, 0, header);
-    if (status == ok) return putInPlace(f, f.file, f.replacement);
+    if (status == ok) return commitFile(f, f.file, f.replacement);
     file_replacement::discard(f.replacement);
     return status;
 }
 
-// True if any mixture of pages of both, which an interrupted write leaves, is a valid sequence of
-// texts: the texts end at the same positions.
+// True if all texts end at the same positions. Then any mixture of old and new pages, which a kill
+// may leave, is a valid sequence of texts.
 bool canPatchInPlace(const Bytes& some, const Bytes& others) {
     const auto endsText = [](const Bytes& bytes, std::size_t at) {
         return bytes.compare(at, 4, "\0\0\0\0", 4) == 0;
@@ -184,7 +189,7 @@ int flush(DataFile& f) {
         status = fits ? writePages(f, at, pages, false)
                       : replaceWithCopy(f, (f.dataAt - f.zonesAt) * paddingGrowth);
     }
-    // Left over from an interrupted run, or from a longer zone that was replaced.
+    // Bytes after the data are of an interrupted run, or of a longer zone that was replaced.
     if (status == ok && f.size > f.dataEnd) {
         status = byte_file::truncate(f.file, f.dataEnd);
         f.size = f.dataEnd;
@@ -196,9 +201,9 @@ std::int64_t headersEnd(const DataFile& f, std::size_t count) {
     return count == 0 ? f.zonesAt : f.headerEnds[count - 1];
 }
 
-// The padding begins at the end of the last header that is kept, which may be on an earlier page:
-// padding before a header is no part of it. The last page is written first, so that a reader never
-// misses a header before one that it finds.
+// The padding begins at the end of the last header that is kept, which may be on an earlier page
+// than the next header. The last page is written first, so that a reader finds no header without
+// those before it.
 int hideHeaders(DataFile& f, std::size_t count) {
     if (f.headerEnds.size() <= count) return ok;
     const std::int64_t begin = headersEnd(f, count), end = f.headerEnds.back();
@@ -209,12 +214,13 @@ int hideHeaders(DataFile& f, std::size_t count) {
     return writePages(f, begin, padding, true);
 }
 
-// The headers are removed first: the data of a zone in the sidecar must stay as they are.
+// The headers are removed first: a reader must not find a zone that is no longer committed, because
+// its data may be overwritten.
 int dropZones(DataFile& f, std::size_t count) {
     int status = hideHeaders(f, count);
     if (status == ok) status = sidecarStatus(f, rollbackZones(f.sidecar, count));
     if (status != ok) return status;
-    for (; f.zones.size() > count; f.zones.pop_back()) f.dataEnd -= dataPartOf(f.zones.back()).size;
+    for (; f.zones.size() > count; f.zones.pop_back()) f.dataEnd -= layoutOf(f.zones.back()).size;
     return ok;
 }
 

@@ -9,24 +9,12 @@
 #include "tecio/sidecar.hpp"
 #include "tvncommon/io/byte_file.hpp"
 
-// An unfinished data set. In this order of writes neither a reader nor a later run after a kill
-// finds a zone whose data are missing:
-//
-//     create        sidecar without zones; then, with the first zone, the data set's header
-//     write a zone  values and node lists after the committed data, then its data head and ranges
-//     commit it     its entry in the sidecar, then the sidecar's size and hash
-//     flush         zone headers replace padding, page by page from the first
-//     drop zones    padding replaces their headers, page by page from the last; then size and hash
-//                   of the sidecar exclude them; only then may other data overwrite theirs
-//     finish        flush, then the sidecar is removed
-//
-// A new file or copy is complete before it is renamed. In a durable data set each step, each page
-// of headers and each rename is on the disk before the next one, so a power cut does no more harm
-// than a kill. A zone is committed by the call that completes its last array. Any other data set is
-// synced once, before its sidecar is removed.
+// An unfinished data set. The functions write in an order in which neither a reader nor a later run
+// after a kill finds a zone whose data are missing. docs/formats.md, "Order of writes", describes
+// the order and the syncs of a durable data set; a change here must keep to it.
 namespace tecio {
 
-// Least and greatest value, without NaN; the least is above the greatest if there is no other.
+// Least and greatest value, NaN excluded. Without any value the least is above the greatest.
 struct Range {
     double least, greatest;
 };
@@ -35,18 +23,18 @@ struct Range {
 struct CurrentZone {
     std::int32_t number = 0; // from 1, 0: no zone
     Zone zone;
-    DataPart part;
-    std::vector<std::int64_t> written; // values of each variable that are in the file
+    ZoneLayout layout;
+    std::vector<std::int64_t> written; // number of values of each variable in the file, -1: no call
     std::vector<Range> ranges;
     std::int64_t nodesWritten = 0;
     std::vector<Checksum> checksums; // of the variables and the node lists, if durable
-    bool begun = false;              // something was written
+    bool anyWritten = false;         // values or nodes are in the file
 };
 
 struct DataFile {
     std::string path;
     byte_file::File file;
-    file_replacement::Replacement replacement; // by a file whose header is not complete
+    file_replacement::Replacement replacement; // while the header of a new file is incomplete
     Sidecar sidecar;
     bool durable = false;
     bool failed = false;
@@ -56,7 +44,7 @@ struct DataFile {
     Bytes aux;                  // auxiliary records of this opening
     bool headerWritten = false; // head and auxiliary records of this opening are in the file
     bool resumed = false;       // the file has zones of an earlier opening, none of this one
-    std::int32_t zonesKept = 0; // of those with the time of the first new zone
+    std::int32_t zonesKept = 0; // zones with the time of the first new zone that are not replaced
     Bytes auxInFile;            // auxiliary records of a resumed file
     std::int64_t auxAt = 0;     // positions in the file: auxiliary records,
     std::int64_t zonesAt = 0;   // first zone header,
@@ -66,7 +54,7 @@ struct DataFile {
 
     std::vector<Zone> zones;              // committed
     std::vector<std::int64_t> headerEnds; // of those whose headers are in the file
-    bool headerIsCut = false;             // the last of these is incomplete
+    bool headerIsIncomplete = false;      // the last of these is incomplete
     CurrentZone current;
 };
 
@@ -103,15 +91,18 @@ int dropZones(DataFile& file, std::size_t count);
 // Flushes and ends the data set.
 int finish(DataFile& file);
 
-// Makes `zone` the current one. A share is replaced by the zone that has the values.
+// Makes `zone` the current zone and returns its number. A share of a shared array is replaced by
+// the zone that has the values.
 int beginZone(DataFile& file, Zone zone, std::int32_t& number);
 int setTime(DataFile& file, double time, std::int32_t strand);
 
-// Zones with this time that a first new zone would replace; 0 if there is one already.
+// Returns the number of zones with this time that a first new zone would replace; 0 if there is a
+// new zone already.
 std::int32_t resumedZonesAt(const DataFile& file, double time, std::int32_t strand);
 
-// The next values of a variable (from 0), of its type, or the next node numbers, which count from
-// `firstNode`.
+// Write the next values of a variable (from 0) in the type of the variable, or the next node
+// numbers, which count from `firstNode`. The call that completes the last array of the zone commits
+// it.
 int writeValues(DataFile& file, std::size_t variable, std::int64_t count, const void* values);
 int writeNodes(DataFile& file, std::int64_t count, const std::int32_t* nodes,
                std::int32_t firstNode);

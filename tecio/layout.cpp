@@ -4,7 +4,7 @@
 #include <bit>
 #include <cstring>
 
-static_assert(std::endian::native == std::endian::little, "numbers are written as they are");
+static_assert(std::endian::native == std::endian::little, "numbers are written without conversion");
 
 namespace tecio {
 
@@ -12,8 +12,10 @@ namespace {
 
 constexpr std::string_view magic = "#!TDV112";
 constexpr std::string_view paddingName = "_";
+// Marker, name and its 0, type of the value, and the 0 after the value: 5 words of 4 bytes.
 constexpr std::int64_t emptyPaddingBytes = 20;
-constexpr std::int64_t leastPaddingBytes = emptyPaddingBytes + 4; // a value is never empty
+// With one blank: some readers lose the position of the next record after an empty value.
+constexpr std::int64_t leastPaddingBytes = emptyPaddingBytes + 4;
 
 // By zone type.
 constexpr std::int64_t nodesPerElement[] = {0, 2, 3, 4, 4, 8};
@@ -40,7 +42,7 @@ void putAux(Bytes& out, std::string_view name, std::string_view value) {
     putText(out, value);
 }
 
-// A number that counts from 1 and is 0 for none counts from 0 in the file and is -1 for none.
+// Numbers from 1, with 0 for none, are numbers from 0 in the file, with -1 for none.
 void putNumbers(Bytes& out, const std::vector<std::int32_t>& fromOne) {
     for (const std::int32_t number : fromOne) putInt(out, number - 1);
 }
@@ -52,7 +54,7 @@ bool any(const std::vector<std::int32_t>& list, std::int32_t least) {
 }
 
 template<class T>
-T take(Reader& reader) {
+T readValue(Reader& reader) {
     T value{};
     reader.good = reader.good && reader.bytes.size() - reader.position >= sizeof value;
     if (!reader.good) return value;
@@ -100,20 +102,20 @@ std::int32_t greatestShare(const Zone& zone) {
     return greatest;
 }
 
-DataPart dataPartOf(const Zone& zone) {
-    DataPart part;
-    part.ranges = sizeOf(dataHeadBytes(zone));
-    part.size = part.ranges;
-    for (const std::int32_t share : zone.shares) part.size += share > 0 ? 0 : rangeBytes;
-    part.values.assign(zone.types.size(), 0);
+ZoneLayout layoutOf(const Zone& zone) {
+    ZoneLayout layout;
+    layout.ranges = sizeOf(dataHeadBytes(zone));
+    layout.size = layout.ranges;
+    for (const std::int32_t share : zone.shares) layout.size += share > 0 ? 0 : rangeBytes;
+    layout.values.assign(zone.types.size(), 0);
     for (std::size_t v = 0; v < zone.types.size(); ++v) {
         if (zone.shares[v] > 0) continue;
-        part.values[v] = part.size;
-        part.size += valueCount(zone, v) * valueBytes(zone.types[v]);
+        layout.values[v] = layout.size;
+        layout.size += valueCount(zone, v) * valueBytes(zone.types[v]);
     }
-    part.nodeMap = part.size;
-    part.size += nodeMapCount(zone) * 4;
-    return part;
+    layout.nodeMap = layout.size;
+    layout.size += nodeMapCount(zone) * 4;
+    return layout;
 }
 
 Bytes headBytes(const Head& head) {
@@ -205,20 +207,21 @@ void padPage(Bytes& out, std::int64_t at) {
     if ((at + sizeOf(out)) % pageBytes != 0) out += paddingAt(at + sizeOf(out));
 }
 
+// A long header begins a page. The padding after it has 0 or at least `leastPaddingBytes` bytes.
 std::int64_t pagesOf(const Bytes& header) {
     return (sizeOf(header) + leastPaddingBytes - 1) / pageBytes + 1;
 }
 
 std::int32_t readInt(Reader& reader) {
-    return take<std::int32_t>(reader);
+    return readValue<std::int32_t>(reader);
 }
 
 float readFloat(Reader& reader) {
-    return take<float>(reader);
+    return readValue<float>(reader);
 }
 
 std::uint64_t readWord(Reader& reader) {
-    return take<std::uint64_t>(reader);
+    return readValue<std::uint64_t>(reader);
 }
 
 std::string readText(Reader& reader) {
@@ -250,7 +253,7 @@ Zone readZone(Reader& reader, std::size_t variables) {
     zone.title = readText(reader);
     expect(reader, readInt(reader) == -1);
     zone.strand = readInt(reader);
-    zone.time = take<double>(reader);
+    zone.time = readValue<double>(reader);
     expect(reader, readInt(reader) == -1);
     zone.type = readInts(reader, 1, 0, 5)[0];
     zone.locations.assign(variables, 1);

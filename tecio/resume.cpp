@@ -13,9 +13,9 @@ using system_calls::OpenMode;
 
 namespace {
 
-constexpr std::int64_t readBytes = 1048576;
+constexpr std::int64_t readBytes = 1048576; // few calls, and little memory
 
-// End of the auxiliary records, which is where a zone header or padding begins.
+// Finds the end of the auxiliary records, where a zone header or padding begins.
 bool findAuxEnd(const DataFile& f, std::string_view bytes, std::int64_t& end) {
     Reader reader{bytes, static_cast<std::size_t>(f.auxAt)};
     for (;;) {
@@ -32,38 +32,40 @@ bool findAuxEnd(const DataFile& f, std::string_view bytes, std::int64_t& end) {
     }
 }
 
-// Requires the headers of the first zones, then padding, and finds the beginning of the data. A run
-// that was killed while it wrote or hid a header of several pages left pages of neither kind. They
-// count as an incomplete header.
+// Checks that the file has the headers of the first zones and then padding, and finds the beginning
+// of the data. A run that was killed while it wrote or removed a header of several pages left pages
+// that are neither. They count as one incomplete header, of at most as many pages as the longest
+// header.
 bool compareHeaders(DataFile& f, std::string_view bytes) {
     f.headerEnds.clear();
-    f.headerIsCut = false;
-    std::int64_t at = f.zonesAt, longest = 1, cutPages = 0;
+    f.headerIsIncomplete = false;
+    std::int64_t at = f.zonesAt, longest = 1, incompletePages = 0;
     const auto take = [&](const Bytes& wanted) {
-        const bool there = at <= static_cast<std::int64_t>(bytes.size()) &&
+        const bool found = at <= static_cast<std::int64_t>(bytes.size()) &&
                            bytes.substr(static_cast<std::size_t>(at)).starts_with(wanted);
-        if (there) at += sizeOf(wanted);
-        return there;
+        if (found) at += sizeOf(wanted);
+        return found;
     };
     for (const Zone& zone : f.zones) longest = std::max(longest, pagesOf(zoneHeaderBytes(zone)));
     for (;;) {
         const std::size_t zone = f.headerEnds.size();
-        if (!f.headerIsCut && zone < f.zones.size() && take(zoneHeaderBytes(f.zones[zone]))) {
+        if (!f.headerIsIncomplete && zone < f.zones.size() &&
+            take(zoneHeaderBytes(f.zones[zone]))) {
             f.headerEnds.push_back(at);
         } else if (!take(paddingAt(at))) {
             const bool ends = take(headersEndBytes());
             f.dataAt = at;
-            if (ends || longest == 1 || cutPages++ > longest) return ends;
+            if (ends || longest == 1 || incompletePages++ > longest) return ends;
             at += leftOnPage(at);
-            f.headerEnds.resize(zone - (f.headerIsCut ? 1 : 0));
+            f.headerEnds.resize(zone - (f.headerIsIncomplete ? 1 : 0));
             f.headerEnds.push_back(at);
-            f.headerIsCut = true;
+            f.headerIsIncomplete = true;
         }
     }
 }
 
-// The length of the header region is known only after it was parsed: reads more until it fits.
-// It has at most `most` bytes.
+// Reads and checks everything before the data, which has at most `most` bytes. Its length is known
+// only after it was parsed, so more bytes are read until it is complete.
 int checkHeader(DataFile& f, std::int64_t most) {
     const Bytes head = headBytes(f.head);
     f.auxAt = sizeOf(head);
@@ -89,21 +91,22 @@ int checkData(DataFile& f) {
         const int status = byte_file::readAt(f.file, f.dataEnd, found.data(), sizeOf(found));
         if (status != ok) return status;
         if (found != wanted) return damagedData;
-        f.dataEnd += dataPartOf(zone).size;
+        f.dataEnd += layoutOf(zone).size;
     }
     return f.dataEnd <= f.size ? ok : damagedData;
 }
 
-// Compares the data of the last zone with their checksum in the sidecar. A durable data set must
-// have been durable before.
+// Compares the data of the last zone with their checksum in the sidecar. In a durable data set
+// every zone was synced before its entry in the sidecar, so only the last one can have been lost
+// unnoticed.
 int checkLastZone(const DataFile& f, std::uint64_t checksum) {
     if (checksum == 0) return f.durable ? notDurable : ok;
     const Zone& zone = f.zones.back();
-    const DataPart part = dataPartOf(zone);
-    const std::int64_t zoneAt = f.dataEnd - part.size;
-    std::int64_t arraysAt = part.nodeMap;
+    const ZoneLayout layout = layoutOf(zone);
+    const std::int64_t zoneAt = f.dataEnd - layout.size;
+    std::int64_t arraysAt = layout.nodeMap;
     std::vector<Checksum> arrays(zone.types.size() + 1);
-    std::vector<char> block(static_cast<std::size_t>(std::min(part.size, readBytes)));
+    std::vector<char> block(static_cast<std::size_t>(std::min(layout.size, readBytes)));
     const auto add = [&](Checksum& array, std::int64_t at, std::int64_t size) {
         int status = ok;
         for (std::int64_t done = 0; done < size && status == ok; done += readBytes) {
@@ -116,18 +119,19 @@ int checkLastZone(const DataFile& f, std::uint64_t checksum) {
     int status = ok;
     for (std::size_t v = 0; v < zone.types.size() && status == ok; ++v) {
         if (zone.shares[v] > 0) continue;
-        arraysAt = std::min(arraysAt, part.values[v]);
-        status = add(arrays[v], part.values[v], valueCount(zone, v) * valueBytes(zone.types[v]));
+        arraysAt = std::min(arraysAt, layout.values[v]);
+        status = add(arrays[v], layout.values[v], valueCount(zone, v) * valueBytes(zone.types[v]));
     }
-    if (status == ok) status = add(arrays.back(), part.nodeMap, nodeMapCount(zone) * 4);
+    if (status == ok) status = add(arrays.back(), layout.nodeMap, nodeMapCount(zone) * 4);
     Bytes begin(static_cast<std::size_t>(arraysAt), '\0');
     if (status == ok) status = byte_file::readAt(f.file, zoneAt, begin.data(), arraysAt);
     if (status != ok) return status;
     return zoneChecksum(begin, arrays) == checksum ? ok : damagedData;
 }
 
-// A data set without zones is replaced, since nothing is lost. One with zones is not that of its
-// sidecar: the run that created the sidecar was killed before it replaced the data set.
+// The sidecar lists no zones. A data set without zones is replaced, since nothing is lost. One with
+// zones does not belong to the sidecar: the run that created the sidecar was killed before it
+// replaced the data set.
 int recreate(DataFile& f, bool anyVariables) {
     Bytes bytes(static_cast<std::size_t>(std::min(f.size, readBytes)), 0);
     int status = byte_file::readAt(f.file, 0, bytes.data(), sizeOf(bytes));
@@ -144,22 +148,22 @@ int recreate(DataFile& f, bool anyVariables) {
 } // namespace
 
 int resumeDataFile(DataFile& f) {
-    Head there;
+    Head onDisk;
     std::uint64_t checksum = 0;
     int status =
-        sidecarStatus(f, openSidecar(sidecarPath(f.path), f.sidecar, there, f.zones, checksum));
+        sidecarStatus(f, openSidecar(sidecarPath(f.path), f.sidecar, onDisk, f.zones, checksum));
     if (status == ok) status = byte_file::open(f.path, OpenMode::update, f.file, f.size);
     if (status != ok) return status;
     const bool anyVariables = f.head.variables == std::vector<std::string>{""};
     if (f.zones.empty()) return recreate(f, anyVariables);
-    if (!anyVariables && f.head.variables != there.variables) return otherVariables;
-    f.head = there;
+    if (!anyVariables && f.head.variables != onDisk.variables) return otherVariables;
+    f.head = onDisk;
     std::int64_t dataBytes = 0;
-    for (const Zone& zone : f.zones) dataBytes += dataPartOf(zone).size;
+    for (const Zone& zone : f.zones) dataBytes += layoutOf(zone).size;
     status = checkHeader(f, f.size - dataBytes);
     if (status == ok) status = checkData(f);
     if (status == ok) status = checkLastZone(f, checksum);
-    if (status == ok && f.headerIsCut) status = hideHeaders(f, f.headerEnds.size() - 1);
+    if (status == ok && f.headerIsIncomplete) status = hideHeaders(f, f.headerEnds.size() - 1);
     f.resumed = true;
     return status;
 }

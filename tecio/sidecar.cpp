@@ -16,11 +16,12 @@ namespace {
 constexpr std::string_view magic = "#!TVNSH2";
 constexpr std::int64_t checkpointAt = 8;
 constexpr std::int64_t contentsAt = 24;
-constexpr Checkpoint nothing{contentsAt, 14695981039346656037U};
+constexpr Checkpoint emptyContents{contentsAt, 14695981039346656037U}; // offset basis of FNV-1a
 
 static_assert(sizeof(Checkpoint) == contentsAt - checkpointAt);
 
-// The FNV-1a hash, which can be extended without the bytes before.
+// Extends a checkpoint by further bytes. The 64-bit FNV-1a hash needs only the hash of the bytes
+// before, so that a commit does not read the sidecar. The factor is the FNV prime.
 Checkpoint extended(Checkpoint checkpoint, std::string_view bytes) {
     checkpoint.size += static_cast<std::int64_t>(bytes.size());
     for (const char c : bytes) {
@@ -52,14 +53,14 @@ int readContents(const byte_file::File& file, std::int64_t size, Bytes& contents
     contents.resize(static_cast<std::size_t>(checkpoint.size - contentsAt));
     status = byte_file::readAt(file, contentsAt, contents.data(), checkpoint.size - contentsAt);
     if (status != ok) return status;
-    return extended(nothing, contents).checksum == checkpoint.checksum ? ok : damagedSidecar;
+    return extended(emptyContents, contents).checksum == checkpoint.checksum ? ok : damagedSidecar;
 }
 
 } // namespace
 
 int createSidecar(const std::string& path, const Head& head, Sidecar& sidecar) {
     const Bytes contents = headBytes(head);
-    sidecar.checkpoints = {extended(nothing, contents)};
+    sidecar.checkpoints = {extended(emptyContents, contents)};
     Bytes all(magic);
     all.append(reinterpret_cast<const char*>(&sidecar.checkpoints.back()), sizeof(Checkpoint));
     all += contents;
@@ -84,7 +85,7 @@ int openSidecar(const std::string& path, Sidecar& sidecar, Head& head, std::vect
     if (status != ok) return status;
     Reader reader{contents};
     head = readHead(reader);
-    sidecar.checkpoints = {extended(nothing, reader.bytes.substr(0, reader.position))};
+    sidecar.checkpoints = {extended(emptyContents, reader.bytes.substr(0, reader.position))};
     while (reader.good && reader.position < contents.size()) {
         const std::size_t begin = reader.position;
         zones.push_back(readZone(reader, head.variables.size()));

@@ -7,8 +7,8 @@
 #include "tecio/layout.hpp"
 #include "tvncommon/io/byte_file.hpp"
 
-// The file beside an unfinished data set with which a later run resumes it. It lists all committed
-// zones, also those whose headers are not in the data set yet:
+// The sidecar is a file in the folder of an unfinished data set, from which a later run resumes it.
+// It lists all committed zones, also those whose headers are not in the data set yet:
 //
 //     0   8 bytes  "#!TVNSH2"
 //     8   int64    size of the valid contents, from byte 0
@@ -16,13 +16,13 @@
 //    24            head of the data set, then for each zone its header, its data head and a
 //                  uint64, the checksum of its data, or 0 where the data set is not durable
 //
-// Bytes 8 to 23 change in one write, after that of the zone's entry: a zone is committed or it is
-// not. In a durable data set each of the two writes is synced.
+// Bytes 8 to 23 are a checkpoint. They change in one write after that of the zone's entry, so a
+// zone is either committed or not. In a durable data set each of the two writes is synced.
 namespace tecio {
 
 struct Checkpoint {
-    std::int64_t size = 0;
-    std::uint64_t checksum = 0;
+    std::int64_t size = 0;      // bytes of the valid contents
+    std::uint64_t checksum = 0; // their hash
 };
 
 struct Sidecar {
@@ -31,14 +31,19 @@ struct Sidecar {
     std::vector<Checkpoint> checkpoints; // of the head alone, then after each zone
 };
 
-// All return a status. `createSidecar` replaces a file of that name by a rename.
+// All functions return a status.
+
+// Creates a sidecar without zones; an existing file is replaced by a rename.
 int createSidecar(const std::string& path, const Head& head, Sidecar& sidecar);
 
-// Also returns the checksum of the last zone.
+// Reads the committed zones and the checksum of the last one.
 int openSidecar(const std::string& path, Sidecar& sidecar, Head& head, std::vector<Zone>& zones,
                 std::uint64_t& checksum);
 
+// Adds a zone, whose data must be in the data set.
 int commitZone(Sidecar& sidecar, const Zone& zone, std::uint64_t checksum);
-int rollbackZones(Sidecar& sidecar, std::size_t count); // all after the first `count`
+
+// Removes the zones after the first `count`.
+int rollbackZones(Sidecar& sidecar, std::size_t count);
 
 } // namespace tecio

@@ -1,6 +1,6 @@
 #pragma once
 
-// The statuses of tecio.h that are not those of the I/O layer.
+// The statuses in tecio.h that are not those of the I/O layer.
 namespace tecio {
 
 inline constexpr int refused = 1;

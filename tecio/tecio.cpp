@@ -17,7 +17,7 @@ using tecio::refused;
 
 namespace {
 
-// Open data sets. One that a run left open is discarded when its name is opened again.
+// Open data sets. A data set that was left open is discarded when its name is opened again.
 struct State {
     std::vector<std::unique_ptr<DataFile>> open;
     bool durable = false;       // for data sets opened later
@@ -42,7 +42,8 @@ DataFile* find(const void* handle) {
     return it == state.open.end() ? nullptr : it->get();
 }
 
-// Runs a step of a call on a handle. After a failure nothing more is written.
+// Calls `step` for the data set of a handle. After a failure every call but the close is refused,
+// so that nothing more is written.
 template<class Step>
 int32_t with(void* handle, Step step) {
     DataFile* file = find(handle);
@@ -193,18 +194,18 @@ int32_t tecZoneCreateFE(void* fileHandle, const char* zoneTitle, int32_t zoneTyp
         if (zoneType < 0 || zoneType > 5 || numFaceConnections != 0) return refused;
         if (numNodes < 0 || numNodes > greatest || numElements < 0 || numElements > greatest)
             return refused;
-        tecio::Zone made;
-        made.title = zoneTitle;
-        made.type = zoneType;
-        made.nodes = numNodes;
-        made.elements = numElements;
-        made.types = listOf(varTypes);
-        made.shares = listOf(shareVarFromZone);
-        made.locations = listOf(valueLocations);
-        made.connectivityShare = connectivityShareZone;
-        const bool fits = allIn(made.types, 1, 3) && allIn(made.locations, 0, 1) &&
+        tecio::Zone created;
+        created.title = zoneTitle;
+        created.type = zoneType;
+        created.nodes = numNodes;
+        created.elements = numElements;
+        created.types = listOf(varTypes);
+        created.shares = listOf(shareVarFromZone);
+        created.locations = listOf(valueLocations);
+        created.connectivityShare = connectivityShareZone;
+        const bool fits = allIn(created.types, 1, 3) && allIn(created.locations, 0, 1) &&
                           allIn(listOf(passiveVarList), 0, 0);
-        return fits ? tecio::beginZone(file, std::move(made), *zone) : refused;
+        return fits ? tecio::beginZone(file, std::move(created), *zone) : refused;
     });
 }
 

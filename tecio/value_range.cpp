@@ -8,8 +8,8 @@ namespace tecio {
 
 namespace {
 
-// Independent lanes, too many to be unrolled, let the compiler take several values in one
-// instruction. A comparison with NaN is false, so it changes nothing.
+// With independent lanes the compiler compares several values in one instruction; 32 are too many
+// for it to unroll the inner loop instead. A comparison with NaN is false and changes nothing.
 template<class T>
 Range range(const T* values, std::int64_t count) {
     using Limits = std::numeric_limits<T>;

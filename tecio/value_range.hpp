@@ -6,7 +6,8 @@
 
 namespace tecio {
 
-// Least and greatest value of an array of a type: 1 float, 2 double, 3 int32_t. NaN is left out.
+// Returns the least and greatest value of an array of this type: 1 float, 2 double, 3 int32_t. NaN
+// is ignored.
 Range rangeOf(std::int32_t type, const void* values, std::int64_t count);
 
 } // namespace tecio
