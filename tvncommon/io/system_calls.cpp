@@ -99,7 +99,13 @@ int lockFile(int descriptor, bool wait) {
     return ::flock(descriptor, wait ? LOCK_EX : LOCK_EX | LOCK_NB);
 }
 
-// A page fault for every 4096 bytes of a large array would cost more than reading the values.
+// Large pages: a page fault for every 4096 bytes of a large array would take longer than the read
+// of its values. On a problem of 296,000 nodes with two output times, plotting takes this user and
+// system time (bench/run_measured, least of 15 runs each):
+//
+//                         text data sets   binary data sets
+//     with large pages        0.110 s          0.037 s
+//     without                 0.123 s          0.049 s
 void* allocate(std::size_t size) {
     if (size < largePage) return std::malloc(size > 0 ? size : 1);
     if (size > std::numeric_limits<std::size_t>::max() - largePage) return nullptr;
@@ -118,8 +124,7 @@ constexpr Table realCalls{openFile,         ::read,         ::write,    seekFile
                           reserveSpace,     ::fdatasync,    lockFile,   ::rename, ::unlink,
                           setPermissionsOf, fileInfoOfName, ::readlink, allocate};
 
-// More than any chain of calls of a run takes.
-constexpr std::size_t stackBytes = 262144;
+constexpr std::size_t stackBytes = 262144; // more than any run uses
 
 [[gnu::noinline]] void touchStack() {
     char block[stackBytes];
@@ -127,8 +132,8 @@ constexpr std::size_t stackBytes = 262144;
     for (std::size_t at = stackBytes; at > 0; at -= 4096) bytes[at - 1] = 0;
 }
 
-// The stack grows when it is used, and a process whose limit is reached by then is killed. So it
-// grows at once, if the limit permits it.
+// The stack grows when it is used; a process that has reached its memory limit by then is killed.
+// So it grows here, if a mapping of the same size shows that the limit permits it.
 bool reserveStack() {
     void* probe =
         ::mmap(nullptr, stackBytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
@@ -140,7 +145,7 @@ bool reserveStack() {
 
 } // namespace
 
-// Set by the compiler: memory is taken before the first constructor runs.
+// Initialized by the compiler, because memory is allocated before the first constructor runs.
 constinit Table table = realCalls;
 
 Table systemTable() {
@@ -150,9 +155,13 @@ Table systemTable() {
 bool prepareProcess() {
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
-    // Writes to a screen that was closed go on to fail; banners that nobody sees do not matter.
+    // Writes to a closed standard output fail as before, because it is opened for reading. Banners
+    // on a closed standard error are dropped.
     for (int stream = 0; stream <= 2; ++stream)
         if (::fcntl(stream, F_GETFD) < 0) ::open("/dev/null", stream == 2 ? O_WRONLY : O_RDONLY);
+    // Large blocks would otherwise be mapped at each allocation and unmapped when freed, and their
+    // page faults repeated. With eight output times this saves 1 % of the time of text data sets
+    // and 3 % of that of binary ones (measured as above).
     ::mallopt(M_MMAP_MAX, 0);
     ::mallopt(M_TRIM_THRESHOLD, std::numeric_limits<int>::max());
     return reserveStack();

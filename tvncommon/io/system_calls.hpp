@@ -54,11 +54,9 @@ struct Table {
     int (*fileInfoOfName)(const char* path, FileInfo& info);
     // Reads the target of a link, without a NUL; EINVAL for a name that is no link.
     std::ptrdiff_t (*readLink)(const char* path, char* into, std::size_t size);
-    // Memory of every `operator new` of the program, null when there is none; `std::free` takes it
-    // back. Blocks from `largePage` on begin at a large page. To make the n-th allocation of a run
-    // fail, a test puts a function here that counts its calls, returns null at the n-th and else
-    // what `systemTable().allocate(size)` returns. The test's own allocations count too, unless it
-    // switches the counting off in them, for instance in its own `write`.
+    // Memory for `operator new` of a program that links operator_new.cpp; null for a failure.
+    // `std::free` frees it. Blocks of `largePage` bytes and more begin at a large page. A test that
+    // replaces this entry counts its own allocations too, unless it disables the count in them.
     void* (*allocate)(std::size_t size);
 };
 
@@ -75,9 +73,12 @@ auto restart(Call call) {
     }
 }
 
-// Makes the process fit for the run: a reader that goes away and a file size limit are failures of
-// a write, not the end of it, a standard stream that was closed leaves its number to no file, and
-// freed memory stays with the process. Returns false where the process has no memory for its stack.
+// Prepares the process for the run; `main` calls it first.
+// - A pipe whose reader has ended and a file size limit make a write fail instead of a signal that
+//   ends the process.
+// - The descriptor of a closed standard stream is not given to a file.
+// - Freed memory is kept for later allocations.
+// Returns false if there is no memory for the stack.
 bool prepareProcess();
 
 // Local date and time, with the offset from universal time.

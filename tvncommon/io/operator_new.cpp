@@ -8,14 +8,17 @@
 #include <typeinfo>
 #include <unistd.h>
 
-// The program's memory comes through the table of system calls. The forms of `operator new` for
-// arrays and those that do not throw call the one below; no type of the program is aligned to more
-// than `std::malloc` gives.
+// Replaces `operator new` of a program that links this file, which the programs of this project do
+// and the library does not: other users of the library keep their own. Memory then comes from
+// `system_calls::table.allocate`. The forms of `operator new` for arrays and those that do not
+// throw call the one below. No type of the programs has an alignment greater than that of
+// `std::malloc`.
 
 namespace {
 
-// Where no exception can be caught: before `main`, in a function that must not throw, or when the
-// exception itself finds no memory, which leaves none to be current.
+// For an exception that nothing catches: one thrown before `main` or in a function that must not
+// throw, or `std::bad_alloc` without memory for the exception itself, which is no current exception
+// then.
 [[noreturn]] void endProcess() noexcept {
     const std::type_info* thrown = abi::__cxa_current_exception_type();
     const bool memory = !thrown || *thrown == typeid(std::bad_alloc);
@@ -23,8 +26,8 @@ namespace {
     ::_exit(1);
 }
 
-// Ahead of all constructors without a priority.
-[[gnu::constructor(101)]] void setEnd() {
+// Runs before all constructors without a priority.
+[[gnu::constructor(101)]] void setTerminate() {
     std::set_terminate(endProcess);
 }
 
