@@ -166,9 +166,9 @@ void FixedResGrid::buildTable() {
         const std::array<double, 4> box = boxOf(*this, corners);
         const bool bounded = isTestBoundedByBox(*this, corners, box);
         forEachCell(*this, box, [&](std::int32_t i, std::int32_t j, std::size_t cell) {
-            const auto place = static_cast<std::size_t>(cursors[cell]++);
-            elementIndex[place] = e;
-            extents[place] = bounded ? cellExtentOf(*this, box, i, j) : CellExtent{0, 255, 0, 255};
+            const auto entry = static_cast<std::size_t>(cursors[cell]++);
+            elementIndex[entry] = e;
+            extents[entry] = bounded ? cellExtentOf(*this, box, i, j) : CellExtent{0, 255, 0, 255};
         });
     }
 }
@@ -208,7 +208,7 @@ std::int32_t FixedResGrid::findElement(double atX, double atY) const {
             if (pointIn(elementIndex[k], atX, atY)) return elementIndex[k];
         return 0;
     }
-    // The extents are those of the inside test below, which a derived record may have replaced.
+    // The inside test rejects a point outside the extents, so it need not be called for one.
     const std::uint8_t partX = partOf(atX, xmin, dx, i, 0), partY = partOf(atY, ymin, dy, j, 0);
     for (std::size_t k = begin; k < end; ++k) {
         const CellExtent& r = extents[k];

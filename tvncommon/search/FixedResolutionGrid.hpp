@@ -5,15 +5,15 @@
 #include <span>
 #include <vector>
 
-// Finds the element of a layered mesh under which or over which a place in plan lies. A lattice of
-// cells over the mesh tells for each cell the elements that may extents into it, so that a question
-// costs a few triangle tests however large the mesh is.
+// Finds the element of a layered mesh that contains a point in plan. A grid of rectangular cells
+// covers the mesh; each cell has a list of the elements that may overlap it. A query needs a few
+// triangle tests, whatever the size of the mesh.
 //
-// Elements are prisms of 6 or blocks of 8 nodes, of which the first half is the plan polygon: a
-// triangle, or a quadrilateral cut in two from its first to its third node. Node and element
-// numbers count from 1, and the nodes of an element stand side by side. The grid looks at the
-// caller's arrays, which must outlive it. An element with a node outside the coordinate arrays
-// holds no place, and one without extent at the upper edge of the mesh is in no cell.
+// Elements are prisms of 6 or blocks of 8 nodes. The first half of the nodes is the plan polygon: a
+// triangle, or a quadrilateral divided from its first to its third node. Node and element numbers
+// count from 1, and the nodes of an element are contiguous. The grid refers to the caller's arrays,
+// which must outlive it. An element with a node outside the coordinate arrays contains no point,
+// and one without extent at the upper edge of the mesh is in no cell.
 namespace FixedResolutionGrid {
 
 // The part of a cell outside of which an element contains no point, in 256ths of the cell.

@@ -18,17 +18,17 @@ constexpr double farthest = std::numeric_limits<double>::max();
 // list is full, its last point is dropped; the distance must be below that of the last point.
 void insertPriority(double distance, std::int32_t index, std::span<double> distances,
                     std::span<std::int32_t> indices, std::int32_t& found) {
-    auto place = static_cast<std::size_t>(found);
-    if (place == distances.size())
-        --place;
+    auto position = static_cast<std::size_t>(found);
+    if (position == distances.size())
+        --position;
     else
         ++found;
-    for (; place > 0 && distances[place - 1] > distance; --place) {
-        distances[place] = distances[place - 1];
-        indices[place] = indices[place - 1];
+    for (; position > 0 && distances[position - 1] > distance; --position) {
+        distances[position] = distances[position - 1];
+        indices[position] = indices[position - 1];
     }
-    distances[place] = distance;
-    indices[place] = index;
+    distances[position] = distance;
+    indices[position] = index;
 }
 
 // The children of a node in the order in which a search for near points visits them.
@@ -130,9 +130,9 @@ void Tree<D>::rangeSearch(const Box<D>& box, std::vector<std::int32_t>& indices,
 }
 
 template<std::size_t D>
-void Tree<D>::nearestNeighborSearchRec(std::int32_t place, const Point<D>& at, double& best,
+void Tree<D>::nearestNeighborSearchRec(std::int32_t nodeIndex, const Point<D>& at, double& best,
                                        std::int32_t& bestIndex) const {
-    const Node<D>& node = nodes[static_cast<std::size_t>(place)];
+    const Node<D>& node = nodes[static_cast<std::size_t>(nodeIndex)];
     if (node.splitDim > 0) {
         const ChildOrder children = childOrder(node, getValueXYZ(at, node.splitDim));
         nearestNeighborSearchRec(children.near, at, best, bestIndex);
@@ -149,10 +149,10 @@ void Tree<D>::nearestNeighborSearchRec(std::int32_t place, const Point<D>& at, d
 }
 
 template<std::size_t D>
-void Tree<D>::nearestNeighborSearchTiesRec(std::int32_t place, const Point<D>& at, double& best,
+void Tree<D>::nearestNeighborSearchTiesRec(std::int32_t nodeIndex, const Point<D>& at, double& best,
                                            std::vector<std::int32_t>& indices,
                                            std::int32_t& count) const {
-    const Node<D>& node = nodes[static_cast<std::size_t>(place)];
+    const Node<D>& node = nodes[static_cast<std::size_t>(nodeIndex)];
     if (node.splitDim > 0) {
         const ChildOrder children = childOrder(node, getValueXYZ(at, node.splitDim));
         nearestNeighborSearchTiesRec(children.near, at, best, indices, count);
@@ -170,11 +170,11 @@ void Tree<D>::nearestNeighborSearchTiesRec(std::int32_t place, const Point<D>& a
 }
 
 template<std::size_t D>
-void Tree<D>::nearestNNeighborSearchRec(std::int32_t place, const Point<D>& at,
+void Tree<D>::nearestNNeighborSearchRec(std::int32_t nodeIndex, const Point<D>& at,
                                         std::span<double> distances,
                                         std::span<std::int32_t> indices,
                                         std::int32_t& found) const {
-    const Node<D>& node = nodes[static_cast<std::size_t>(place)];
+    const Node<D>& node = nodes[static_cast<std::size_t>(nodeIndex)];
     if (node.splitDim > 0) {
         const ChildOrder children = childOrder(node, getValueXYZ(at, node.splitDim));
         nearestNNeighborSearchRec(children.near, at, distances, indices, found);
@@ -190,9 +190,9 @@ void Tree<D>::nearestNNeighborSearchRec(std::int32_t place, const Point<D>& at,
 }
 
 template<std::size_t D>
-void Tree<D>::radiusSearchRec(std::int32_t place, const Point<D>& at, double radius2,
+void Tree<D>::radiusSearchRec(std::int32_t nodeIndex, const Point<D>& at, double radius2,
                               std::vector<std::int32_t>& indices, std::int32_t& count) const {
-    const Node<D>& node = nodes[static_cast<std::size_t>(place)];
+    const Node<D>& node = nodes[static_cast<std::size_t>(nodeIndex)];
     if (node.splitDim > 0) {
         const ChildOrder children = childOrder(node, getValueXYZ(at, node.splitDim));
         radiusSearchRec(children.near, at, radius2, indices, count);
@@ -206,9 +206,9 @@ void Tree<D>::radiusSearchRec(std::int32_t place, const Point<D>& at, double rad
 }
 
 template<std::size_t D>
-void Tree<D>::rangeSearchRec(std::int32_t place, const Box<D>& box,
+void Tree<D>::rangeSearchRec(std::int32_t nodeIndex, const Box<D>& box,
                              std::vector<std::int32_t>& indices, std::int32_t& count) const {
-    const Node<D>& node = nodes[static_cast<std::size_t>(place)];
+    const Node<D>& node = nodes[static_cast<std::size_t>(nodeIndex)];
     if (!intersectsBoundingBox(box, node.box)) return;
     const bool all = containsBoundingBox(box, node.box);
     if (node.splitDim > 0 && !all) {

@@ -89,18 +89,18 @@ struct Tree {
     virtual void rangeSearch(const Box<D>& box, std::vector<std::int32_t>& indices,
                              std::int32_t& count) const;
 
-    virtual void nearestNeighborSearchRec(std::int32_t node, const Point<D>& at, double& best,
+    virtual void nearestNeighborSearchRec(std::int32_t nodeIndex, const Point<D>& at, double& best,
                                           std::int32_t& bestIndex) const;
-    virtual void nearestNeighborSearchTiesRec(std::int32_t node, const Point<D>& at, double& best,
-                                              std::vector<std::int32_t>& indices,
+    virtual void nearestNeighborSearchTiesRec(std::int32_t nodeIndex, const Point<D>& at,
+                                              double& best, std::vector<std::int32_t>& indices,
                                               std::int32_t& count) const;
-    virtual void nearestNNeighborSearchRec(std::int32_t node, const Point<D>& at,
+    virtual void nearestNNeighborSearchRec(std::int32_t nodeIndex, const Point<D>& at,
                                            std::span<double> distances,
                                            std::span<std::int32_t> indices,
                                            std::int32_t& found) const;
-    virtual void radiusSearchRec(std::int32_t node, const Point<D>& at, double radius2,
+    virtual void radiusSearchRec(std::int32_t nodeIndex, const Point<D>& at, double radius2,
                                  std::vector<std::int32_t>& indices, std::int32_t& count) const;
-    virtual void rangeSearchRec(std::int32_t node, const Box<D>& box,
+    virtual void rangeSearchRec(std::int32_t nodeIndex, const Box<D>& box,
                                 std::vector<std::int32_t>& indices, std::int32_t& count) const;
 
     // Creates the node of a range and its descendants; returns its index in `nodes`.

@@ -163,7 +163,7 @@ void Tree<D>::init2(std::span<const double> points, std::optional<std::int32_t> 
 template<std::size_t D>
 std::int32_t Tree<D>::buildTree(std::int32_t first, std::int32_t last, std::int32_t depth,
                                 const Box<D>& box) {
-    const std::int32_t place = addNode(*this, first, last, box);
+    const std::int32_t nodeIndex = addNode(*this, first, last, box);
     bool split = last - first >= leafSize && depth != maxDepth;
     std::int32_t mid = last;
     const std::int32_t dim = splitOnWidest(box, depth);
@@ -174,7 +174,7 @@ std::int32_t Tree<D>::buildTree(std::int32_t first, std::int32_t last, std::int3
     if (!split) {
         treeDepth = std::max(treeDepth, depth);
         ++leafCount;
-        return place;
+        return nodeIndex;
     }
     const double splitValue = getValueIndex(mid, dim);
     Box<D> leftBox = box, rightBox = box;
@@ -184,12 +184,12 @@ std::int32_t Tree<D>::buildTree(std::int32_t first, std::int32_t last, std::int3
     if (lower < splitValue) lower = splitValue;
     const std::int32_t left = buildTree(first, mid, depth + 1, leftBox);
     const std::int32_t right = buildTree(mid + 1, last, depth + 1, rightBox);
-    Node<D>& node = nodes[static_cast<std::size_t>(place)];
+    Node<D>& node = nodes[static_cast<std::size_t>(nodeIndex)];
     node.splitDim = dim;
     node.splitValue = splitValue;
     node.left = left;
     node.right = right;
-    return place;
+    return nodeIndex;
 }
 
 template<std::size_t D>
