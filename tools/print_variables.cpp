@@ -3,8 +3,8 @@
 //     print_variables > docs/variables.md
 //     print_variables --check docs/variables.md
 //
-// A row of the table with steps of its own says less than its variable does, so it needs a note
-// here; without one, and for a note without a row, the program ends with status 1.
+// A row with functions of its own does not describe its variable fully, so it needs a note here.
+// For a missing note, and for a note without a row, the program ends with status 1.
 
 #include "meshrake/variables/common_node_table.hpp"
 #include "meshrake/variables/variable_table.hpp"
@@ -34,45 +34,50 @@ struct Note {
 
 constexpr Note notes[] = {
     {"coordinates", "Coordinates of the nodes, from the mesh."},
-    {"zone", "Always there: without a file, the zones of the element list. A file at a later time "
-             "brings new ones."},
-    {"nodeNumber", "Number of the pm node under each node, from the mesh. Not in a problem with "
-                   "cutoff walls."},
+    {"zone",
+     "Every plot file has it: without a file, the zones of the element list. A file at a later "
+     "time replaces them."},
+    {"nodeNumber",
+     "Number of the pm node at each node, from the mesh. Not in a problem with cutoff "
+     "walls."},
     {"layerNumber", "Layer of the element, counted from the bottom, from the mesh."},
-    {"columnNumber", "Place of the element in its layer, from the mesh."},
+    {"columnNumber", "Position of the element in its layer, from the mesh."},
     {"thickness", "Mean height of the element: the differences between its upper and lower nodes, "
                   "summed, then divided by their number."},
-    {"depth2Surf", "Height of the ground above the node. Only with the instruction "
+    {"depth2Surf", "Height of the ground surface above the node. Only with the instruction "
                    "`plot pm depth below ground surface`."},
-    {"head", "Two or three columns. Behind `Head` follow in olf and chan `Depth`, the water depth, "
-             "and `LogDepth`, its common logarithm with 1.0E-8 for less (both 32-bit); in the "
-             "other domains `Pressure Head`, the head above the node (64-bit), unless "
-             "`no <domain> pressure heads` switches it off. They have the unit of `Head`."},
-    {"depth2gwt", "Height of the node above the water table nearest to it in its column, negative "
-                  "below it; computed from the heads, so there is none without them. Not for "
-                  "elements of 4 nodes."},
+    {"head",
+     "Two or three columns. In olf and chan `Head` is followed by `Depth`, the water depth, "
+     "and `LogDepth`, its common logarithm with a least depth of 1.0E-8 (both 32-bit). In the "
+     "other domains it is followed by `Pressure Head`, the head minus the elevation of the "
+     "node (64-bit), unless `no <domain> pressure heads` switches it off. They have the unit "
+     "of `Head`."},
+    {"depth2gwt",
+     "Height of the node above the water table that is nearest in its column, negative "
+     "below it. It is computed from the heads and missing without them. Not for "
+     "elements of 4 nodes."},
     {"depth2gwt2d", "Depth of the lowest water table below the top node, the same at all nodes of "
                     "a column. Conditions as for `Depth2GWT`."},
     {"elemK", "Three columns, or all six when the message in the file's header is 3."},
-    {"et3dEvap", "The file of the first output time is spelt `ETPMEvap3D_`, those of later ones "
+    {"et3dEvap", "The file of the first output time is spelt `ETPMEvap3D_`, those of later times "
                  "`ETPmEvap3D_`; both spellings are tried."},
-    {"concSolid", "Species made of particles only."},
-    {"massSorbed", "Species that stand for heat only."},
+    {"concSolid", "Only for species that consist of particles."},
+    {"massSorbed", "Only for species that represent heat."},
     {"hmc",
-     "The files lie in the folder `hmc` of the working directory: "
+     "The files are in the folder `hmc` of the working directory: "
      "`./hmc/<prefix>o.hmc_<domain>.<fraction>.<index>`, with `mixing_ratio` and `hmc_error` "
      "for the last two."},
     {"redoxCapacity", "File `conc_<domain>.<species>-Redox` of the first species; at later "
-                      "times that of the last mobile species that has one."},
+                      "times the file of the last mobile species that has one."},
     {"rainSnowmelt", "Files `snowdepth`, `snowmelt`, `liquid_p`, `solid_p` and `snowcover`, whose "
-                     "names have no domain. The first four hold values of elements, `snowcover` "
-                     "values of nodes. Depth and elevation are lengths (`L`), the others rates "
-                     "(`L * T^-1`). At later times `snowdepth` decides for all five."},
+                     "names have no domain. The first four have values of elements, `snowcover` "
+                     "has values of nodes. Depth and elevation are lengths (`L`), the others are "
+                     "rates (`L * T^-1`). At later times all five are read if `snowdepth` exists."},
     {"aperture", "From the list of fracture elements."},
-    {"tvTopo", "Elevations of a ground that moves. From then on depths and pressure heads go by "
-               "them, with the exception of `LogDepth`. `tvTopoZAbsDiff`, in pm alone, is the "
-               "elevation of the mesh minus the current one."},
-    {"tvTopoZone", "Element zones that move with the ground."},
+    {"tvTopo", "Elevations of a topography that changes with time. Depths and pressure heads use "
+               "them, except for `LogDepth`. `tvTopoZAbsDiff`, only in pm, is the elevation of the "
+               "mesh minus the current elevation."},
+    {"tvTopoZone", "Element zones that change with the topography."},
 };
 
 std::string_view noteOf(std::string_view key) {
@@ -81,31 +86,31 @@ std::string_view noteOf(std::string_view key) {
     return note == std::end(notes) ? std::string_view() : note->text;
 }
 
-bool plain(const VariableRow& row) {
+bool isPlain(const VariableRow& row) {
     return !row.init && !row.read && !row.write;
 }
 
-// Tells of notes and rows that do not belong together.
-bool notesFit(std::span<const VariableRow> table) {
-    bool fit = true;
+// Reports rows without a note that they need, and notes without a row.
+bool checkNotes(std::span<const VariableRow> table) {
+    bool complete = true;
     for (const VariableRow& row : table) {
         const bool hasColumns = plot_data::columnCount(row) > 0;
-        if (plain(row) || !hasColumns || !noteOf(row.key).empty()) continue;
-        std::fprintf(stderr, "print_variables: \"%s\" has steps of its own and needs a note\n",
+        if (isPlain(row) || !hasColumns || !noteOf(row.key).empty()) continue;
+        std::fprintf(stderr, "print_variables: \"%s\" has functions of its own and needs a note\n",
                      std::string(row.key).c_str());
-        fit = false;
+        complete = false;
     }
     for (const Note& note : notes) {
-        const auto isMeant = [&](const VariableRow& row) { return row.key == note.key; };
-        if (std::any_of(table.begin(), table.end(), isMeant)) continue;
+        const auto belongs = [&](const VariableRow& row) { return row.key == note.key; };
+        if (std::any_of(table.begin(), table.end(), belongs)) continue;
         std::fprintf(stderr, "print_variables: the note \"%s\" has no row\n",
                      std::string(note.key).c_str());
-        fit = false;
+        complete = false;
     }
-    return fit;
+    return complete;
 }
 
-// What the columns and files of a row are called. The members of a family go by their own names.
+// A family has one variable for each species or mixing fraction, with the name of that member.
 bool isFamily(const VariableRow& row) {
     return row.family != Family::oneFile;
 }
@@ -159,7 +164,7 @@ std::string switchesOf(const VariableRow& row) {
     return list;
 }
 
-// A row without a name of its own shows the columns that the variable of this key has in pm.
+// A row without names of columns has those of the variable of the same key in pm.
 const VariableRow& namedRow(const VariableRow& row) {
     if (!namesOf(row).empty()) return row;
     for (const VariableRow& other : variables::variableTable())
@@ -168,34 +173,34 @@ const VariableRow& namedRow(const VariableRow& row) {
 }
 
 constexpr std::string_view introduction =
-    R"(<!-- Made by tools/print_variables from the tables of variables. Do not edit it here. -->
+    R"(<!-- Generated by tools/print_variables from the tables of variables. Do not edit. -->
 # Variables
 
-All variables that meshrake knows, in the order of the columns of a plot file. The first output time
-decides which of them a plot file has: those of its domain whose file is there and which no line of
-the control file switches off.
+All variables of meshrake, in the order of the columns of a plot file. A plot file has the variables
+of its domain whose file exists at the first output time, except those that a line of the control
+file switches off.
 
-- **File** is what stands between `<prefix>o.` and `.<index>` in the name of the result file, whose
-  bytes are told in [formats.md](formats.md). Where it is empty, see the note.
-- **Values** tells their type in the result file and in the plot file, and whether there is one for
-  each node or one for each element.
+- **File** is the part of the name of the result file between `<prefix>o.` and `.<index>`; its
+  format is in [formats.md](formats.md). If it is empty, see the note.
+- **Values** is their type in the result file and in the plot file, and whether there is a value for
+  each node or for each element.
 - **Unit** is a dimension expression: M mass, L length, T time, K temperature, Nc number of
-  particles; 1 is none. The plot file has it in the units of the problem. Where it is empty, the plot
-  file tells no unit.
-- **Times** tells which output times have a file: `every`; `first`, read at the first output time
-  of the run and the same from then on; `0001`, that of time index 1, whatever the time.
-- **Switched off by** is the line of the control file, with the domain for `<domain>`. Where it is
-  empty, no line does.
-- `<species>` and `<fraction>` stand for the name of each solute or mixing fraction: there is one
-  file and one column for each, and the first one's file decides for all.
+  particles; 1 means without dimension. The plot file has it in the units of the problem. If it is
+  empty, the plot file has no unit.
+- **Times** is `every`: a file for every output time; `first`: read at the first output time of the
+  run, for all times; or `0001`: the file of time index 1, for all times.
+- **Switched off by** is the line of the control file, with the tag of the domain for `<domain>`. If
+  it is empty, the variable cannot be switched off.
+- `<species>` and `<fraction>` are the name of a solute or mixing fraction: each has a file and a
+  column. All of them are in the plot file if the file of the first exists.
 
 )";
 
 constexpr std::string_view commonNodeIntroduction = R"(
 ## Domains that share the nodes of pm
 
-They have fewer columns. Where File is empty, the values are those of pm at the nodes of the domain,
-and the column is there when pm has it; the coordinates and the aperture come from the mesh.
+They have fewer columns. If File is empty, the values are those of pm at the nodes of the domain,
+and the plot file has the column if pm has it. The coordinates and the aperture are from the mesh.
 
 )";
 
@@ -228,6 +233,6 @@ std::string pageText() {
 } // namespace
 
 int main(int argc, char** argv) {
-    if (!notesFit(variables::variableTable())) return 1;
+    if (!checkNotes(variables::variableTable())) return 1;
     return page::printOrCheck(argc, argv, pageText());
 }
