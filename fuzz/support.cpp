@@ -1,13 +1,10 @@
 #include "fuzz/support.hpp"
 
 #include "meshrake/meshrake.hpp"
-#include "meshrake/model/run_state.hpp"
 #include "tools/data_set_file.hpp"
 #include "tvncommon/diagnostics/error.hpp"
-#include "tvncommon/diagnostics/warning_messages.hpp"
 #include "tvncommon/io/io_layer.hpp"
 #include "tvncommon/io/system_calls.hpp"
-#include "tvncommon/units/units.hpp"
 
 #include <algorithm>
 #include <cerrno>
@@ -311,14 +308,6 @@ Files files() {
         if (bytes) now[name] = *bytes;
     }
     return now;
-}
-
-void reset() {
-    model::run = {};
-    io_layer::reset();
-    error::reset();
-    units::reset();
-    warning_messages::reset();
 }
 
 bool endsRun(const std::function<void()>& call) {

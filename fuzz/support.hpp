@@ -29,9 +29,6 @@ Files smallProblem(int times = 2);
 void setFiles(const Files& before, const Files& changed);
 Files files();
 
-// Puts all modules into the state of a program start.
-void reset();
-
 // Makes the call; true if it ended the run. Then there must be a banner, and no file open but those
 // of a binary data set.
 bool endsRun(const std::function<void()>& call);

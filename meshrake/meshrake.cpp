@@ -10,6 +10,7 @@
 #include "meshrake/run/control_file.hpp"
 #include "meshrake/run/domains.hpp"
 #include "meshrake/run/problem_prefix.hpp"
+#include "meshrake/run/reset.hpp"
 #include "meshrake/run/time_loop.hpp"
 #include "meshrake/surface_plots/depth_plot.hpp"
 #include "meshrake/surface_plots/isopach_plot.hpp"
@@ -17,7 +18,6 @@
 #include "tvncommon/diagnostics/warning_messages.hpp"
 #include "tvncommon/io/file_units.hpp"
 #include "tvncommon/io/io_layer.hpp"
-#include "tvncommon/units/units.hpp"
 
 #include <exception>
 #include <new>
@@ -26,14 +26,6 @@ using model::run;
 using namespace run_driver;
 
 namespace {
-
-void startFresh() {
-    run = {};
-    io_layer::reset();
-    error::reset();
-    units::reset();
-    warning_messages::reset();
-}
 
 // The lock of the echo file keeps other runs from the files of this prefix.
 void openEchoFile() {
@@ -74,7 +66,7 @@ void writeProducts(Domains& domains) {
 }
 
 void runMeshrake(int argc, const char* const* argv, bool legacyVtk) {
-    startFresh();
+    resetAll();
     run.paraviewMode = run.bcLocationOutput = legacyVtk;
     header(io_layer::screen);
     readCommandLine(argc, argv);

@@ -4,6 +4,7 @@
 #include "tecio/durability.hpp"
 #include "tecio/failed_file.hpp"
 #include "tecio/repeated_times.hpp"
+#include "tecio/reset.hpp"
 #include "tecio/status.hpp"
 #include "tvncommon/io/io_layer.hpp"
 
@@ -17,23 +18,26 @@ using tecio::refused;
 
 namespace {
 
-// Open data sets. A data set that was left open is discarded when its name is opened again.
 struct State {
+    // One that is still open is discarded when its name is opened again.
     std::vector<std::unique_ptr<DataFile>> open;
     bool durable = false;       // for data sets opened later
     bool sidecarFailed = false; // in the last call that failed
 };
 State state;
 
+void closeAndDiscard(DataFile& file) {
+    byte_file::close(file.file);
+    file_replacement::discard(file.replacement);
+    byte_file::close(file.sidecar.file);
+}
+
 void closeAndDiscard(const std::string& path) {
-    const auto gone = [&](const std::unique_ptr<DataFile>& file) {
-        if (file->path != path) return false;
-        byte_file::close(file->file);
-        file_replacement::discard(file->replacement);
-        byte_file::close(file->sidecar.file);
-        return true;
-    };
-    std::erase_if(state.open, gone);
+    std::erase_if(state.open, [&](const std::unique_ptr<DataFile>& file) {
+        const bool isMeant = file->path == path;
+        if (isMeant) closeAndDiscard(*file);
+        return isMeant;
+    });
 }
 
 DataFile* find(const void* handle) {
@@ -112,6 +116,11 @@ int32_t writeValues(void* handle, int32_t zone, int32_t var, int32_t partition, 
 }
 
 } // namespace
+
+void tecio::reset() {
+    for (const auto& file : state.open) closeAndDiscard(*file);
+    state = {};
+}
 
 void tecio::setDurable(bool durable) {
     state.durable = durable;

@@ -2,12 +2,11 @@
 
 #include "meshrake/meshrake.hpp"
 #include "meshrake/model/run_state.hpp"
+#include "meshrake/run/reset.hpp"
 #include "tvncommon/diagnostics/error.hpp"
-#include "tvncommon/diagnostics/warning_messages.hpp"
 #include "tvncommon/io/file_units.hpp"
 #include "tvncommon/io/io_layer.hpp"
 #include "tvncommon/io/system_calls.hpp"
-#include "tvncommon/units/units.hpp"
 
 #include <cstdlib>
 #include <fcntl.h>
@@ -47,11 +46,7 @@ struct Keeping {
 
 void resetModules() {
     system_calls::table = system_calls::systemTable();
-    model::run = {};
-    io_layer::reset();
-    error::reset();
-    units::reset();
-    warning_messages::reset();
+    run_driver::resetAll();
 }
 
 } // namespace

@@ -176,9 +176,15 @@ Bytes get(const std::string& path) {
 
 Bytes getDated(const std::string& path) {
     Bytes contents = get(path);
-    const std::size_t at = contents.find("Date_Created=\"");
+    const std::string name = "Date_Created";
+    Bytes wideName; // in characters of four bytes
+    for (const char c : name) wideName += Bytes{c, 0, 0, 0};
+    if (const std::size_t at = contents.find(wideName); at != Bytes::npos)
+        return contents.erase(at + wideName.size(), 120);
+    const std::size_t at = contents.find(name + "=\"");
     if (at == Bytes::npos) return contents;
-    return contents.erase(at + 14, contents.find('"', at + 14) - at - 14);
+    const std::size_t value = at + name.size() + 2;
+    return contents.erase(value, contents.find('"', value) - value);
 }
 
 Bytes expected(const std::string& name) {

@@ -58,7 +58,7 @@ void write(const Problem& problem);
 void put(const std::string& path, std::string_view contents);
 Bytes get(const std::string& path);
 
-// The same with the value of Date_Created taken out.
+// The same without the value of Date_Created of a text or binary data set.
 Bytes getDated(const std::string& path);
 
 // Expects the text to be that of a file of tests/expected. tools/rewrite_expected.sh sets the

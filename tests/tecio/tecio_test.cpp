@@ -1,3 +1,4 @@
+#include "tecio/reset.hpp"
 #include "tests/tecio/tecio_calls.hpp"
 #include "tools/data_set_file.hpp"
 #include "tvncommon/io/system_calls.hpp"
@@ -220,6 +221,24 @@ TEST(Tecio, CountsAndSizesBeyond32Bits) {
     const std::int64_t zones = 3 * (4 * (1 + 2 + 3) + 2 * 16 + most * 8);
     const auto size = static_cast<std::int64_t>(std::filesystem::file_size("s.szplt"));
     EXPECT_TRUE(zones + 65536 < size && size < zones + 600000) << size;
+}
+
+TEST(Tecio, ResetClosesOpenDataSetsUnfinished) {
+    const Folder folder;
+    const auto openFiles = [] {
+        return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+    };
+    const auto before = openFiles();
+    open("T");
+    addZone(1);
+    EXPECT_GT(openFiles(), before);
+    tecio::reset();
+    EXPECT_EQ(openFiles(), before);
+    EXPECT_EQ(flush(), 1); // the handle is unknown
+    EXPECT_TRUE(std::filesystem::exists("s.szplt.szhdr"));
+    open("T");
+    addZone(2);
+    finish(2);
 }
 
 } // namespace

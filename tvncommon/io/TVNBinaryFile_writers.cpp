@@ -15,7 +15,10 @@ namespace TVNBinaryFile {
 
 namespace {
 
-bool useOldFormat = false;
+struct State {
+    bool useOldFormat = false;
+};
+State state;
 
 template<class T>
 constexpr std::string_view typeCode;
@@ -77,7 +80,7 @@ void write_2d(const std::string& filename, std::string_view message, std::int32_
     const Part part = partOf(first, last, rows, filename);
     const int unit = openWithHeader(filename, message, typeCode<T>,
                                     static_cast<std::int32_t>(width), part.count);
-    if (useOldFormat) {
+    if (state.useOldFormat) {
         std::vector<T> row(width);
         for (std::size_t i = part.begin; i < part.begin + part.count; ++i) {
             for (std::size_t c = 0; c < width; ++c) row[c] = array[c * rows + i];
@@ -93,7 +96,11 @@ void write_2d(const std::string& filename, std::string_view message, std::int32_
 } // namespace
 
 void setUseOldFormat(bool on) {
-    useOldFormat = on;
+    state.useOldFormat = on;
+}
+
+void resetWriters() {
+    state = {};
 }
 
 void write_i4_1d(const std::string& filename, std::string_view message, std::int32_t first,
@@ -126,7 +133,7 @@ void writeFormattedHeader(int unit, std::string_view message, std::string_view t
     std::string header(StringHelpers::trimLeft(message)), code(type);
     code.resize(3, ' ');
     header.resize(headerLength, ' ');
-    if (!useOldFormat)
+    if (!state.useOldFormat)
         header.replace(magicOffset, std::string::npos,
                        std::string(magicText) + "001LE" + code +
                            utils::zeroPaddedIntString(numComponents, 2) +

@@ -10,9 +10,10 @@
 // A failed open or write ends the run with a banner that names the file.
 namespace TVNBinaryFile {
 
-// While this is on, files are of the older generation: the header has no magic and nothing after
-// it.
+// While this is on, files are of the older generation: their headers have no magic and nothing
+// after it. `resetWriters` returns to the newer one.
 void setUseOldFormat(bool on);
+void resetWriters();
 
 // Write the entries `first` to `last` of the array, counted from 1; none if `last` is below
 // `first`. An entry outside the array ends the run.

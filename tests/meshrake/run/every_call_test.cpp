@@ -100,14 +100,6 @@ const Scenario scenarios[] = {
     {"ResumeWithAnotherDataSet", true, [] { prepareAppend(2, 2, false); }},
     {"ResumeTakingZonesBack", true, [] { prepareAppend(3, 1, true); }}};
 
-// The value of the auxiliary record with the date, in characters of four bytes, taken out.
-Bytes undated(Bytes file) {
-    Bytes name;
-    for (const char c : std::string("Date_Created")) name += Bytes{c, 0, 0, 0};
-    const std::size_t at = file.find(name);
-    return at == Bytes::npos ? file : file.replace(at + name.size(), 120, "");
-}
-
 Bytes withoutWarnings(Bytes echo) {
     const std::string stars(33, '*'), begin = "\n" + stars + "\n***      WARNING MESSAGE";
     for (std::size_t at = 0; (at = echo.find(begin, at)) != Bytes::npos;)
@@ -125,9 +117,7 @@ Problem folderContents(const Scenario& scenario) {
         if (scenario.append && dataSet)
             files[name] = data_set::contentsOf(data_set_file::read(name));
         else if (!scenario.append || !(name.ends_with(".szhdr") || name == echoFile))
-            files[name] = dataSet            ? undated(get(name))
-                          : name == echoFile ? withoutWarnings(get(name))
-                                             : getDated(name);
+            files[name] = name == echoFile ? withoutWarnings(get(name)) : getDated(name);
     }
     return files;
 }

@@ -20,7 +20,10 @@ using sample_files::Reals;
 
 class BinaryFile : public testing::Test {
 protected:
-    ~BinaryFile() override { io_layer::reset(); }
+    ~BinaryFile() override {
+        io_layer::reset();
+        resetWriters();
+    }
     sample_files::Folder folder;
 };
 
@@ -181,7 +184,9 @@ TEST_F(BinaryFile, WritersAndReadersOfBothGenerations) {
         read_r4_vec2("file", 1, &u[4], &u[3]);
         EXPECT_EQ(u, (std::array<float, 6>{3, 2, 1, 8, 7, 1}));
     }
-    setUseOldFormat(false);
+    resetWriters();
+    write_r4_2d("file", "1", 1, 1, 2, singles);
+    EXPECT_TRUE(isNewerFileFormat(readTVNBinFileHeader("file")));
 }
 
 TEST_F(BinaryFile, OneComponentOfAKnownLength) {
@@ -277,7 +282,7 @@ TEST_F(BinaryFile, ArgumentsThatMakeNoSenseStayInsideTheArrays) {
                       [&] { write_r8_2d("file", "1.0 m", 1, 1, columns, Reals{1}); });
         }
     }
-    setUseOldFormat(false);
+    resetWriters();
     const int unit = file_units::getUnit();
     ASSERT_EQ(io_layer::openRecordsReplace(unit, "short"), io_layer::ok);
     int status = 1;

@@ -1,0 +1,21 @@
+#include "meshrake/run/reset.hpp"
+
+#include "meshrake/model/run_state.hpp"
+#include "tecio/reset.hpp"
+#include "tvncommon/diagnostics/error.hpp"
+#include "tvncommon/diagnostics/warning_messages.hpp"
+#include "tvncommon/io/io_layer.hpp"
+#include "tvncommon/units/units.hpp"
+
+namespace run_driver {
+
+void resetAll() {
+    model::run = {};
+    if constexpr (MESHRAKE_OWN_TECIO) tecio::reset();
+    io_layer::reset();
+    error::reset();
+    units::reset();
+    warning_messages::reset();
+}
+
+} // namespace run_driver
