@@ -49,7 +49,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const Part& part = parts[data[0] % std::size(parts)];
     const std::string file(reinterpret_cast<const char*>(data) + 1, size - 1);
     fuzz::setFiles(fuzz::noFiles, {{part.file, file}});
-    run_driver::resetAll();
+    run::resetAll();
     run.problemPrefix = "t";
     if (!fuzz::endsRun(part.read)) part.check();
     return 0;

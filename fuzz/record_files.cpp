@@ -93,7 +93,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (size < 2) return 0;
     const std::string file(reinterpret_cast<const char*>(data) + 2, size - 2);
     fuzz::setFiles(fuzz::noFiles, {{"file", file}});
-    run_driver::resetAll();
+    run::resetAll();
     const std::size_t reader = data[0] % (readers.size() + 2);
     if (reader == readers.size())
         compareRecords(file, data[1]);

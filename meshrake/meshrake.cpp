@@ -22,81 +22,80 @@
 #include <exception>
 #include <new>
 
-using model::run;
-using namespace run_driver;
-
 namespace {
 
 // The lock of the echo file keeps other runs from the files of this prefix.
 void openEchoFile() {
     const std::string name = model::problemFile("meshrake.eco");
-    run.echoUnit = file_units::getUnit();
+    model::run.echoUnit = file_units::getUnit();
     const int status =
-        io_layer::openTextLocked(run.echoUnit, name, io_layer::Flush::everyLine, false);
+        io_layer::openTextLocked(model::run.echoUnit, name, io_layer::Flush::everyLine, false);
     if (status == io_layer::lockedElsewhere)
-        error::fatalError("Another run is using " + run.problemPrefix);
+        error::fatalError("Another run is using " + model::run.problemPrefix);
     error::checkFileOpen(status, name);
-    error::setErrorLoggingFileUnit(run.echoUnit);
+    error::setErrorLoggingFileUnit(model::run.echoUnit);
     warning_messages::clearCurrentCmd();
     warning_messages::warnNow();
 }
 
 // Each of them by a wish of the control file, on the state of the last output time.
-void writeProducts(Domains& domains) {
+void writeProducts(run::Domains& domains) {
     using namespace observation_compare;
-    if (run.compareHeads) {
+    if (model::run.compareHeads) {
         read_obs_heads_xyz(domains.pm);
         compare_heads_output(domains.pm);
     }
-    if (run.compareWaterTable) {
+    if (model::run.compareWaterTable) {
         read_obs_heads_xy(domains.pm);
         compare_gwtable_elevation_output(domains.pm);
     }
-    if (run.compareDepthToTable) {
+    if (model::run.compareDepthToTable) {
         read_d2gwt_heads(domains.pm);
         compare_deth2gwtable_output(domains.pm);
     }
-    if (run.compareSurfaceDepth) {
+    if (model::run.compareSurfaceDepth) {
         read_obs_heads_xy(domains.olf);
         compare_heads_output(domains.olf);
     }
-    if (run.bcLocationOutput) paraview::addition_paraview_bclocationout();
-    if (run.plotIsopach) surface_plots::plot_pmzone_isopach_structure(domains.olf, domains.pm);
-    if (run.plotDepthBelowSurface) surface_plots::plot_pmdepth_grndsurf(domains.olf, domains.pm);
+    if (model::run.bcLocationOutput) paraview::addition_paraview_bclocationout();
+    if (model::run.plotIsopach)
+        surface_plots::plot_pmzone_isopach_structure(domains.olf, domains.pm);
+    if (model::run.plotDepthBelowSurface)
+        surface_plots::plot_pmdepth_grndsurf(domains.olf, domains.pm);
 }
 
 void runMeshrake(int argc, const char* const* argv, bool legacyVtk) {
-    resetAll();
-    run.paraviewMode = run.bcLocationOutput = legacyVtk;
-    header(io_layer::screen);
-    readCommandLine(argc, argv);
+    run::resetAll();
+    model::run.paraviewMode = model::run.bcLocationOutput = legacyVtk;
+    run::header(io_layer::screen);
+    run::readCommandLine(argc, argv);
     bool answered = false;
-    run.problemPrefix = getModelPrefix(".skiv", answered);
+    model::run.problemPrefix = run::getModelPrefix(".skiv", answered);
 
     // From here on every banner stands in the echo file too.
     openEchoFile();
-    header(run.echoUnit);
+    run::header(model::run.echoUnit);
     // Only now: a run that is refused because another one holds the lock changes no file.
-    if (answered) writeBatchFile(run.problemPrefix);
+    if (answered) run::writeBatchFile(model::run.problemPrefix);
     error::warningMsg("Meshrake has been deprecated and will be removed in a future release.\n"
                       "We recommend using tvn2vtu for post-processing going forward.");
 
     model::titleRead();
     model::speciesRead();
     model::hmcFractionsRead();
-    Domains domains;
-    createDomains(domains);
-    processControlFile(domains);
+    run::Domains domains;
+    run::createDomains(domains);
+    run::processControlFile(domains);
 
     // From here on nodes, elements and wishes are fixed.
-    run.pmPassRequired = pmNeededByCommonNodeDomains(domains);
-    timeLoop(domains);
+    model::run.pmPassRequired = run::pmNeededByCommonNodeDomains(domains);
+    run::timeLoop(domains);
     model::writeScreen("");
     model::writeEcho("");
-    closeAll(domains);
-    run.tecplotAppend = false;
+    run::closeAll(domains);
+    model::run.tecplotAppend = false;
     writeProducts(domains);
-    normalExitStop();
+    run::normalExitStop();
 }
 
 } // namespace

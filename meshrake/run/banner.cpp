@@ -8,7 +8,7 @@
 
 #include <string>
 
-namespace run_driver {
+namespace run {
 
 namespace {
 
@@ -61,4 +61,4 @@ void normalExitStop(std::string_view message) {
     throw error::RunEnded{0};
 }
 
-} // namespace run_driver
+} // namespace run

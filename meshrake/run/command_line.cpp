@@ -3,7 +3,7 @@
 #include "meshrake/model/run_state.hpp"
 #include "tvncommon/text/StringHelpers.hpp"
 
-namespace run_driver {
+namespace run {
 
 void readCommandLine(int argc, const char* const* argv) {
     for (int i = 1; i < argc; ++i) {
@@ -17,4 +17,4 @@ void readCommandLine(int argc, const char* const* argv) {
     }
 }
 
-} // namespace run_driver
+} // namespace run

@@ -10,9 +10,7 @@
 #include "tvncommon/io/file_units.hpp"
 #include "tvncommon/io/io_layer.hpp"
 
-namespace run_driver {
-
-using model::run;
+namespace run {
 
 namespace {
 
@@ -39,37 +37,38 @@ void readControl(const std::string& name, Domains& domains) {
     const int scratch = openScratchFile();
     plot_control::strip_comments(control, scratch);
     file_units::freeUnit(control);
-    error::checkFileOpen(io_layer::openTextRead(run.controlUnit, scratchFile), scratchFile);
+    error::checkFileOpen(io_layer::openTextRead(model::run.controlUnit, scratchFile), scratchFile);
     plot_control::readPlotControlInit();
     for (model::Domain* domain : processingOrder(domains)) plot_control::readPlotControl(*domain);
     plot_control::readPlotControl(domains.addition);
     plot_data::selectWriter();
-    file_units::freeUnit(run.controlUnit);
+    file_units::freeUnit(model::run.controlUnit);
     file_units::freeUnit(scratch);
 }
 
 void writeTemplate(const std::string& name, Domains& domains) {
-    error::checkFileOpen(io_layer::openTextForCommit(run.controlUnit, name), name);
+    error::checkFileOpen(io_layer::openTextForCommit(model::run.controlUnit, name), name);
     plot_control::writePlotControlInit();
     for (const model::Domain* domain : processingOrder(domains))
         plot_control::writePlotControl(*domain);
     plot_control::writePlotControl(domains.addition);
     plot_control::writePlotControlEnd();
-    file_units::commitUnit(run.controlUnit);
+    file_units::commitUnit(model::run.controlUnit);
 }
 
 } // namespace
 
 void processControlFile(Domains& domains) {
-    const std::string name = model::fileName(run.problemPrefix + ".plot.control");
-    run.controlFileExists = file_units::exists(name);
-    run.controlUnit = file_units::getUnit();
-    if (run.controlFileExists && !run.makePlotControl)
+    const std::string name = model::fileName(model::run.problemPrefix + ".plot.control");
+    model::run.controlFileExists = file_units::exists(name);
+    model::run.controlUnit = file_units::getUnit();
+    if (model::run.controlFileExists && !model::run.makePlotControl)
         readControl(name, domains);
     else
         writeTemplate(name, domains);
-    if (run.makePlotControl)
-        normalExitStop("Generate " + run.problemPrefix + ".plot.control file and terminate...");
+    if (model::run.makePlotControl)
+        normalExitStop("Generate " + model::run.problemPrefix +
+                       ".plot.control file and terminate...");
 }
 
-} // namespace run_driver
+} // namespace run

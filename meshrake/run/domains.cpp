@@ -9,16 +9,15 @@
 
 #include <algorithm>
 
-namespace run_driver {
+namespace run {
 
 using model::Domain;
-using model::run;
 
 namespace {
 
 // Behind the plot file's zone, from the same arrays.
 void writeForParaview(Domain& domain) {
-    if (run.paraviewMode && domain.writeDomain.enabled) paraview::multiParaview(domain);
+    if (model::run.paraviewMode && domain.writeDomain.enabled) paraview::multiParaview(domain);
 }
 
 void init(Domain& domain, const Domain& pm) {
@@ -82,4 +81,4 @@ void closeAll(Domains& domains) {
     for (Domain* domain : processingOrder(domains)) plot_data::tecplotFileClose(*domain);
 }
 
-} // namespace run_driver
+} // namespace run

@@ -4,7 +4,7 @@
 
 #include <array>
 
-namespace run_driver {
+namespace run {
 
 // The domains of a run. Others see pm as it is after its own step of the same output time.
 struct Domains {
@@ -28,4 +28,4 @@ void appendAll(Domains& domains);
 
 void closeAll(Domains& domains);
 
-} // namespace run_driver
+} // namespace run

@@ -7,7 +7,7 @@
 #include "tvncommon/text/StringHelpers.hpp"
 #include "tvncommon/text/free_form.hpp"
 
-namespace run_driver {
+namespace run {
 
 using model::writeScreen;
 
@@ -94,4 +94,4 @@ void writeBatchFile(const std::string& prefix) {
     file_units::commitUnit(unit);
 }
 
-} // namespace run_driver
+} // namespace run

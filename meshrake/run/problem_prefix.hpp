@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-namespace run_driver {
+namespace run {
 
 // Prefix of the problem's files: from `batch.pfx`, or asked for on the screen until a file of that
 // prefix and `extension` exists, which sets `answered`. The end of the standard input ends the run.
@@ -13,4 +13,4 @@ std::string getModelPrefix(std::string_view extension, bool& answered);
 // screen; a failed write ends the run.
 void writeBatchFile(const std::string& prefix);
 
-} // namespace run_driver
+} // namespace run

@@ -7,7 +7,7 @@
 #include "tvncommon/io/io_layer.hpp"
 #include "tvncommon/units/units.hpp"
 
-namespace run_driver {
+namespace run {
 
 void resetAll() {
     model::run = {};
@@ -18,4 +18,4 @@ void resetAll() {
     warning_messages::reset();
 }
 
-} // namespace run_driver
+} // namespace run

@@ -4,48 +4,48 @@
 #include "meshrake/model/result_files.hpp"
 #include "meshrake/model/run_state.hpp"
 
-namespace run_driver {
+namespace run {
 
-using model::run;
 using model::write_string;
 
 namespace {
 
 std::string timeLine() {
-    return run.timeSuffix + ": " + run.currentTimeText;
+    return model::run.timeSuffix + ": " + model::run.currentTimeText;
 }
 
 // Finds the files of the current index and takes their time.
 bool findOutputTime() {
-    run.timeSuffix = model::outputTimeIndex(run.timeIndex);
+    model::run.timeSuffix = model::outputTimeIndex(model::run.timeIndex);
     bool found = false;
-    model::getTimestamp("." + run.timeSuffix, found);
-    if (!found) write_string("Warning: No output file found with extension: " + run.timeSuffix);
+    model::getTimestamp("." + model::run.timeSuffix, found);
+    if (!found)
+        write_string("Warning: No output file found with extension: " + model::run.timeSuffix);
     return found;
 }
 
 void recordProgress() {
-    if (run.tecplotAppend) model::writeTecplotAppend(run.timeIndex);
+    if (model::run.tecplotAppend) model::writeTecplotAppend(model::run.timeIndex);
 }
 
 } // namespace
 
 void timeLoop(Domains& domains) {
-    run.timeIndex = run.firstTimeIndex = run.startTimeIndex;
+    model::run.timeIndex = model::run.firstTimeIndex = model::run.startTimeIndex;
     bool firstInWindowFound = false;
-    for (;; ++run.timeIndex) {
+    for (;; ++model::run.timeIndex) {
         const bool found = findOutputTime();
-        if (!found && run.tecplotAppend && run.startTimeIndex > 1)
+        if (!found && model::run.tecplotAppend && model::run.startTimeIndex > 1)
             return write_string("No more data to append");
-        if (found && run.truncateTime) {
+        if (found && model::run.truncateTime) {
             if (!model::inTimeWindow()) {
                 write_string("Skip Time " + timeLine());
                 continue;
             }
-            if (!firstInWindowFound) run.firstTimeIndex = run.timeIndex;
+            if (!firstInWindowFound) model::run.firstTimeIndex = model::run.timeIndex;
             firstInWindowFound = true;
         }
-        if (run.timeIndex == run.firstTimeIndex) {
+        if (model::run.timeIndex == model::run.firstTimeIndex) {
             // Mesh and properties are written even where there is no output time at all.
             initAll(domains);
             recordProgress();
@@ -58,8 +58,8 @@ void timeLoop(Domains& domains) {
             appendAll(domains);
             recordProgress();
         }
-        run.lastTimeText = run.currentTimeText;
+        model::run.lastTimeText = model::run.currentTimeText;
     }
 }
 
-} // namespace run_driver
+} // namespace run

@@ -46,7 +46,7 @@ struct Keeping {
 
 void resetModules() {
     system_calls::table = system_calls::systemTable();
-    run_driver::resetAll();
+    run::resetAll();
 }
 
 } // namespace
