@@ -10,26 +10,29 @@
 namespace {
 
 using fuzz::require;
-using model::run;
 
 void checkTitle() {
-    require(run.titleLines.size() == static_cast<std::size_t>(std::max(run.numTitleLines, 1)),
+    require(model::run.titleLines.size() ==
+                static_cast<std::size_t>(std::max(model::run.numTitleLines, 1)),
             "another number of title lines");
-    for (const std::string& line : run.titleLines) require(line.size() == 60, "a short title line");
+    for (const std::string& line : model::run.titleLines)
+        require(line.size() == 60, "a short title line");
 }
 
 void checkSpecies() {
-    const auto count = static_cast<std::size_t>(run.numSpecies);
-    require(run.numMobileSpecies >= 0 && run.numImmobileSpecies >= 0, "a negative count");
-    require(run.speciesNames.size() == count && run.speciesFlagA.size() == count &&
-                run.speciesFlagB.size() == count,
+    const auto count = static_cast<std::size_t>(model::run.numSpecies);
+    require(model::run.numMobileSpecies >= 0 && model::run.numImmobileSpecies >= 0,
+            "a negative count");
+    require(model::run.speciesNames.size() == count && model::run.speciesFlagA.size() == count &&
+                model::run.speciesFlagB.size() == count,
             "arrays of species do not fit");
 }
 
 void checkFractions() {
-    require(run.hmcFractionNames.size() == static_cast<std::size_t>(run.numHmcFractions),
+    require(model::run.hmcFractionNames.size() ==
+                static_cast<std::size_t>(model::run.numHmcFractions),
             "another number of fractions");
-    for (const std::string& name : run.hmcFractionNames)
+    for (const std::string& name : model::run.hmcFractionNames)
         require(name.starts_with("f_") && name.size() <= 80, "a name that cannot be");
 }
 
@@ -50,7 +53,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string file(reinterpret_cast<const char*>(data) + 1, size - 1);
     fuzz::setFiles(fuzz::noFiles, {{part.file, file}});
     run::resetAll();
-    run.problemPrefix = "t";
+    model::run.problemPrefix = "t";
     if (!fuzz::endsRun(part.read)) part.check();
     return 0;
 }

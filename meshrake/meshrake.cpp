@@ -38,7 +38,7 @@ void openEchoFile() {
     warning_messages::warnNow();
 }
 
-// Each of them by a wish of the control file, on the state of the last output time.
+// Writes the comparisons and plots that the control file requests, of the last output time.
 void writeProducts(run::Domains& domains) {
     using namespace observation_compare;
     if (model::run.compareHeads) {
@@ -72,10 +72,10 @@ void runMeshrake(int argc, const char* const* argv, bool legacyVtk) {
     bool answered = false;
     model::run.problemPrefix = run::getModelPrefix(".skiv", answered);
 
-    // From here on every banner stands in the echo file too.
+    // From here on every banner is written to the echo file too.
     openEchoFile();
     run::header(model::run.echoUnit);
-    // Only now: a run that is refused because another one holds the lock changes no file.
+    // Not before: a run that ends because another one holds the lock must not change a file.
     if (answered) run::writeBatchFile(model::run.problemPrefix);
     error::warningMsg("Meshrake has been deprecated and will be removed in a future release.\n"
                       "We recommend using tvn2vtu for post-processing going forward.");
@@ -87,7 +87,7 @@ void runMeshrake(int argc, const char* const* argv, bool legacyVtk) {
     run::createDomains(domains);
     run::processControlFile(domains);
 
-    // From here on nodes, elements and wishes are fixed.
+    // From here on the mesh and the requested options are fixed.
     model::run.pmPassRequired = run::pmNeededByCommonNodeDomains(domains);
     run::timeLoop(domains);
     model::writeScreen("");

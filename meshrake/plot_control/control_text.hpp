@@ -2,11 +2,10 @@
 
 namespace plot_control {
 
-// Copies the control text of one open unit to another and rewinds that. Blank lines and lines that
-// begin with "!" are dropped, leading and trailing blanks too; a line that begins with "include" is
-// replaced by the lines of the file that it names, of which none includes a further one. Lines are
-// cut at 256 characters. An include file that is missing, and a failed read of any of the
-// files, end the run.
+// Copies the control text of one open unit to another and rewinds the copy. Drops blank lines,
+// lines that begin with "!", and leading and trailing blanks. A line that begins with "include" is
+// replaced by the lines of the file that it names; an "include" in that file is copied as it is.
+// Lines are cut at 256 characters. A missing include file and a failed read end the run.
 void strip_comments(int inputUnit, int outputUnit);
 
 } // namespace plot_control

@@ -4,10 +4,10 @@
 
 namespace run {
 
-// Writes the program's banner on a file unit; on the screen for a unit below 1.
+// Writes the program's banner on a file unit; a unit below 1 is the screen.
 void header(int unit);
 
-// Ends the run with status 0, after the message, if there is one, and the closing lines.
+// Writes the message, unless it is empty, and the closing lines. Ends the run with status 0.
 [[noreturn]] void normalExitStop(std::string_view message = {});
 
 } // namespace run

@@ -2,8 +2,8 @@
 
 namespace run {
 
-// Takes the one option, --make_plot_control in any case, into `run`; shows any other argument as
-// invalid and goes on. The scan ends at the first empty argument.
+// Sets `makePlotControl` of the run for --make_plot_control in any case of letters, the only
+// option. Reports any other argument on the screen. Stops at the first empty argument.
 void readCommandLine(int argc, const char* const* argv);
 
 } // namespace run

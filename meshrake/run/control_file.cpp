@@ -16,7 +16,7 @@ namespace {
 
 const std::string scratchFile = "scratch_plot";
 
-// All runs in a folder share the file: each has it locked from the first write to the last read.
+// All runs in a folder share the file. Each holds its lock from the first write to the last read.
 int openScratchFile() {
     const int unit = file_units::getUnit();
     const auto open = [unit](bool wait) {
@@ -32,7 +32,7 @@ int openScratchFile() {
 }
 
 void readControl(const std::string& name, Domains& domains) {
-    // Opened first, so that a scratch file that is a link to it is refused.
+    // Open first: a scratch file that is a link to the control file is then refused.
     const int control = file_units::openTextRead(name);
     const int scratch = openScratchFile();
     plot_control::strip_comments(control, scratch);

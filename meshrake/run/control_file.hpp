@@ -4,8 +4,9 @@
 
 namespace run {
 
-// What the modeller asks for: reads <prefix>.plot.control or, where there is none or a new one is
-// wanted, writes the template and leaves all options at their defaults.
+// Reads <prefix>.plot.control. If it does not exist, writes the template instead and leaves all
+// options at their defaults. With --make_plot_control, replaces it by the template and ends the
+// run.
 void processControlFile(Domains& domains);
 
 } // namespace run

@@ -15,7 +15,7 @@ using model::Domain;
 
 namespace {
 
-// Behind the plot file's zone, from the same arrays.
+// Writes the arrays of the zone that the plot file has just received.
 void writeForParaview(Domain& domain) {
     if (model::run.paraviewMode && domain.writeDomain.enabled) paraview::multiParaview(domain);
 }
@@ -62,11 +62,11 @@ void createDomains(Domains& d) {
 
 bool pmNeededByCommonNodeDomains(const Domains& d) {
     if (d.pm.writeDomain.enabled) return false;
-    const Domain* commonNodeDomains[] = {&d.frac, &d.olf, &d.well, &d.tile, &d.chan};
-    return std::any_of(std::begin(commonNodeDomains), std::end(commonNodeDomains),
-                       [](const Domain* domain) {
-                           return domain->couplingScheme == 0 && domain->writeDomain.enabled;
-                       });
+    // Not dual: if pm is not read, a common-node dual has no columns of pm.
+    const Domain* others[] = {&d.frac, &d.olf, &d.well, &d.tile, &d.chan};
+    return std::any_of(std::begin(others), std::end(others), [](const Domain* domain) {
+        return domain->couplingScheme == 0 && domain->writeDomain.enabled;
+    });
 }
 
 void initAll(Domains& domains) {

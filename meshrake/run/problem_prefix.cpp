@@ -15,15 +15,15 @@ namespace {
 
 const std::string batchFile = "batch.pfx";
 constexpr std::size_t prefixLength = 300;
-// A program that answers the prompt need not come to an end.
-constexpr int mostAnswers = 1000;
+// A program that answers the prompt may never stop.
+constexpr int maximumLines = 1000;
 
-// First word of the text on the unit; blank lines are passed over. On the standard input, which has
-// given `lines` lines already, it ends the run when they are too many.
+// Reads the first word on the unit, and skips blank lines before it. `lines` counts the lines that
+// were read; too many from the standard input end the run.
 int readPrefix(int unit, std::string& prefix, int& lines) {
     std::string line;
     for (;; ++lines) {
-        if (unit == io_layer::standardInput && lines == mostAnswers)
+        if (unit == io_layer::standardInput && lines == maximumLines)
             file_units::badContents(unit, "None of the first " + std::to_string(lines) +
                                               " lines names a problem.");
         int status = io_layer::readLine(unit, line);

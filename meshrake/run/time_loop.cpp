@@ -14,7 +14,7 @@ std::string timeLine() {
     return model::run.timeSuffix + ": " + model::run.currentTimeText;
 }
 
-// Finds the files of the current index and takes their time.
+// Reads the time of the current index from its result files; false if there are none.
 bool findOutputTime() {
     model::run.timeSuffix = model::outputTimeIndex(model::run.timeIndex);
     bool found = false;
@@ -46,7 +46,7 @@ void timeLoop(Domains& domains) {
             firstInWindowFound = true;
         }
         if (model::run.timeIndex == model::run.firstTimeIndex) {
-            // Mesh and properties are written even where there is no output time at all.
+            // Also without any output time: the mesh and its properties are still written.
             initAll(domains);
             recordProgress();
             if (!found) return;

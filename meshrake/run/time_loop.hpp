@@ -4,8 +4,8 @@
 
 namespace run {
 
-// Goes through the output times from `run.startTimeIndex` on, up to the first index of which no
-// result file is there. The first time in the window gets the first pass, each later one a zone.
+// Processes the output times from `startTimeIndex` of the run on, up to the first index without
+// result files. The first one in the time window creates the data sets; each later one adds a zone.
 void timeLoop(Domains& domains);
 
 } // namespace run

@@ -228,6 +228,7 @@ TEST(Tecio, ResetClosesOpenDataSetsUnfinished) {
     const auto openFiles = [] {
         return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
     };
+    tecio::reset(); // data sets of other tests
     const auto before = openFiles();
     open("T");
     addZone(1);
