@@ -46,7 +46,7 @@ void read(Domain& domain, const VariableRow& row, OutputVar& var, DepthFunction 
     if (var.exists)
         compute(domain, row, var, depthFunction);
     else
-        plot_data::shareColumns(var.columns);
+        plot_data::shareColumns(domain, var.columns);
 }
 
 } // namespace

@@ -71,7 +71,7 @@ void tvTopoInit(Domain& domain, const VariableRow& row, OutputVar& var) {
 void tvTopoRead(Domain& domain, const VariableRow& row, OutputVar& var) {
     const std::string name = plot_data::variableFile(domain, row.stem);
     var.exists = file_units::exists(name);
-    if (!var.exists) return plot_data::shareColumns(var.columns);
+    if (!var.exists) return plot_data::shareColumns(domain, var.columns);
     readElevations(domain, row, var, name);
     computeChange(domain, var);
 }

@@ -36,11 +36,18 @@ struct OutputVar {
     std::vector<Column> columns;
 };
 
+// What the next zone of a data set specifies of its variables, by their numbers.
+struct NextZone {
+    std::vector<std::int32_t> sharedVars; // values are those of zone 1
+    std::vector<std::int32_t> cellCenteredVars;
+};
+
 // The plot file that a domain writes.
 struct DataSet {
     std::string fileName;        // as given to tecplotFileOpen, without extension
     std::int32_t zoneNumber = 0; // zone created last, 0 before the first
     std::int32_t numVars = 0;    // variables declared so far
+    NextZone nextZone;           // emptied when the zone is created
     std::string varNameList;     // names separated by commas, in the text form in quotes
 
     // Text form

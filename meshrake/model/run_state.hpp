@@ -96,10 +96,9 @@ struct RunState {
 
     ObservationSet observations; // set up and given back by each comparison
 
-    // Plot files: what the next zone line says, and where text is put together. One domain's zone
-    // is complete before the next domain's begins, so one of each is enough.
-    std::vector<std::int32_t> cellCenteredVars, sharedVars; // variable numbers
-    std::vector<char> writeBuffer;                          // the block that goes out next
+    // Text of the plot files until it is written. One domain's zone is complete before the next
+    // domain's begins, so one buffer is enough.
+    std::vector<char> writeBuffer;
 };
 
 extern RunState run;

@@ -141,9 +141,9 @@ void writeZone(std::string_view title, std::string_view solutionTime, int connec
     DataSet& set = domain.dataSet;
     const bool hasTime = !trimmed(solutionTime).empty();
     const double time = hasTime ? timeOf(solutionTime, domain) : 0;
-    const std::vector<std::int32_t> varShare = entries(run.sharedVars, 1, 0, set);
+    const std::vector<std::int32_t> varShare = entries(set.nextZone.sharedVars, 1, 0, set);
     const std::vector<std::int32_t> varPassive = entries({}, 0, 0, set);
-    set.varLocation = entries(run.cellCenteredVars, 0, 1, set);
+    set.varLocation = entries(set.nextZone.cellCenteredVars, 0, 1, set);
     check(tecZoneCreateFE(set.handle, trimmed(title).c_str(), zoneTypeCode(domain.zoneType),
                           domain.nnTruncated, domain.neTruncated, set.varTypes.data(),
                           varShare.data(), set.varLocation.data(), varPassive.data(),

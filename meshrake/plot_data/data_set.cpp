@@ -56,8 +56,6 @@ std::string_view tecDt2String(DataType type) {
 
 void tecplotInit(Domain& domain) {
     domain.dataSet = {};
-    run.cellCenteredVars.clear();
-    run.sharedVars.clear();
 }
 
 std::int32_t tecplotVarAdd(std::string_view name, Domain& domain) {
@@ -73,12 +71,12 @@ void tecplotDataType(DataType type, Domain& domain) {
     writer().addDataType(type, domain);
 }
 
-void tecplotVarShareAdd(std::int32_t varNumber) {
-    run.sharedVars.push_back(varNumber);
+void tecplotVarShareAdd(std::int32_t varNumber, Domain& domain) {
+    domain.dataSet.nextZone.sharedVars.push_back(varNumber);
 }
 
-void tecplotVarLocCCAdd(std::int32_t varNumber) {
-    run.cellCenteredVars.push_back(varNumber);
+void tecplotVarLocCCAdd(std::int32_t varNumber, Domain& domain) {
+    domain.dataSet.nextZone.cellCenteredVars.push_back(varNumber);
 }
 
 void tecplotFileOpen(std::string_view name, std::string_view title, Domain& domain) {

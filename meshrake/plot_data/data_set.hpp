@@ -33,10 +33,11 @@ std::int32_t tecplotVarAdd(std::string_view name, Domain& domain);
 void tecplotDataType(DataType type, Domain& domain);
 
 // The variable's values in the next zone are those of zone 1.
-void tecplotVarShareAdd(std::int32_t varNumber);
+void tecplotVarShareAdd(std::int32_t varNumber, Domain& domain);
 
-// The variable is cell-centred in the next zone. To be said again for every zone.
-void tecplotVarLocCCAdd(std::int32_t varNumber);
+// The variable is cell-centred in the next zone. Every zone needs this call, also for a variable
+// that is shared.
+void tecplotVarLocCCAdd(std::int32_t varNumber, Domain& domain);
 
 // Opens the plot file <name> + plotFileExtension() and writes title, variables and metadata. A
 // binary run that appends resumes an existing file, any other run replaces it. A failed open ends

@@ -16,7 +16,6 @@
 namespace plot_data {
 
 using model::DataSet;
-using model::run;
 
 namespace {
 
@@ -109,11 +108,11 @@ void writeZone(std::string_view title, std::string_view solutionTime, int connec
     appendPart(zoneHeader, ", NODES=" + std::to_string(domain.nnTruncated));
     appendPart(zoneHeader, ", ELEMENTS=" + std::to_string(domain.neTruncated));
     appendPart(zoneHeader, ", ZONETYPE=" + domain.zoneType);
-    if (!run.cellCenteredVars.empty())
+    if (!set.nextZone.cellCenteredVars.empty())
         appendPart(zoneHeader,
-                   ", VARLOCATION=([" + listOf(run.cellCenteredVars) + "]=CELLCENTERED)");
-    if (set.zoneNumber > 1 && !run.sharedVars.empty())
-        appendPart(zoneHeader, ", VARSHARELIST=([" + listOf(run.sharedVars) + "])");
+                   ", VARLOCATION=([" + listOf(set.nextZone.cellCenteredVars) + "]=CELLCENTERED)");
+    if (set.zoneNumber > 1 && !set.nextZone.sharedVars.empty())
+        appendPart(zoneHeader, ", VARSHARELIST=([" + listOf(set.nextZone.sharedVars) + "])");
     if (connectivityShareZone > 0)
         appendPart(zoneHeader, ", CONNECTIVITYSHAREZONE=" + std::to_string(connectivityShareZone));
     file_units::writeLine(domain.tecplotUnit, StringHelpers::trimRight(zoneHeader));

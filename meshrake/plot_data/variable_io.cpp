@@ -77,7 +77,7 @@ void declareColumn(Domain& domain, Column& column, std::string_view name, std::s
     column.varNumber = tecplotVarAdd(name, domain);
     tecplotDataType(column.type, domain);
     if (!unit.empty()) tecplotVarUnitsAdd(name, column.varNumber, unit, domain);
-    if (column.location == Location::element) tecplotVarLocCCAdd(column.varNumber);
+    if (column.location == Location::element) tecplotVarLocCCAdd(column.varNumber, domain);
 }
 
 void allocateColumn(const Domain& domain, Column& column, std::string_view arrayText) {
@@ -113,13 +113,13 @@ void readColumns(const Domain& domain, std::span<Column> columns, const std::str
     }
 }
 
-void shareColumns(std::span<const Column> columns) {
-    for (const Column& column : columns) tecplotVarShareAdd(column.varNumber);
+void shareColumns(Domain& domain, std::span<const Column> columns) {
+    for (const Column& column : columns) tecplotVarShareAdd(column.varNumber, domain);
 }
 
-void markColumns(std::span<const Column> columns) {
+void markColumns(Domain& domain, std::span<const Column> columns) {
     for (const Column& column : columns)
-        if (column.location == Location::element) tecplotVarLocCCAdd(column.varNumber);
+        if (column.location == Location::element) tecplotVarLocCCAdd(column.varNumber, domain);
 }
 
 void writeColumn(Domain& domain, const Column& column) {
@@ -160,18 +160,18 @@ void plainRead(Domain& domain, const VariableRow& row, OutputVar& var) {
     if (var.exists)
         readColumns(domain, var.columns, name);
     else
-        shareColumns(var.columns);
-    markColumns(var.columns);
+        shareColumns(domain, var.columns);
+    markColumns(domain, var.columns);
 }
 
 void plainWrite(Domain& domain, const VariableRow&, OutputVar& var) {
     for (const Column& column : var.columns) writeColumn(domain, column);
 }
 
-void constantRead(Domain&, const VariableRow&, OutputVar& var) {
+void constantRead(Domain& domain, const VariableRow&, OutputVar& var) {
     var.exists = false;
-    shareColumns(var.columns);
-    markColumns(var.columns);
+    shareColumns(domain, var.columns);
+    markColumns(domain, var.columns);
 }
 
 } // namespace plot_data

@@ -90,8 +90,8 @@ std::vector<Column> columnsOf(const VariableRow& row);
 void declareColumn(Domain& domain, Column& column, std::string_view name, std::string_view unit);
 void allocateColumn(const Domain& domain, Column& column, std::string_view arrayText);
 void readColumns(const Domain& domain, std::span<Column> columns, const std::string& name);
-void shareColumns(std::span<const Column> columns);
-void markColumns(std::span<const Column> columns);
+void shareColumns(Domain& domain, std::span<const Column> columns);
+void markColumns(Domain& domain, std::span<const Column> columns);
 void writeColumn(Domain& domain, const Column& column);
 
 // First pass: finds the file, declares the columns and reads the values.

@@ -1,17 +1,13 @@
 #include "meshrake/plot_data/zone.hpp"
 
-#include "meshrake/model/run_state.hpp"
 #include "meshrake/plot_data/writer_functions.hpp"
 
 namespace plot_data {
 
-using model::run;
-
 void tecplotWriteZoneFE(std::string_view title, std::string_view solutionTime,
                         int connectivityShareZone, model::Domain& domain) {
     writer().writeZone(title, solutionTime, connectivityShareZone, domain);
-    run.cellCenteredVars.clear();
-    run.sharedVars.clear();
+    domain.dataSet.nextZone = {};
 }
 
 void tecplotWriteConnectivity(model::Domain& domain) {

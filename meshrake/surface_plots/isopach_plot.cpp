@@ -137,7 +137,7 @@ void writeThickness(Domain& olf, const Isopach& isopach, std::string_view label)
 }
 
 void writeFirstZone(Domain& olf, const Domain& pm, const Isopach& isopach, std::string_view time) {
-    plot_data::tecplotVarLocCCAdd(thickness);
+    plot_data::tecplotVarLocCCAdd(thickness, olf);
     plot_data::tecplotWriteZoneFE("Isopach", time, 0, olf);
     std::vector<double> gathered;
     writeNodes(olf, x, surfaceCoordinate(olf, olf.x, pm.x, gathered), "x");
@@ -148,8 +148,8 @@ void writeFirstZone(Domain& olf, const Domain& pm, const Isopach& isopach, std::
 }
 
 void writeLaterZone(Domain& olf, const Isopach& isopach, std::string_view time) {
-    plot_data::tecplotVarLocCCAdd(thickness);
-    for (const std::int32_t shared : {x, y}) plot_data::tecplotVarShareAdd(shared);
+    plot_data::tecplotVarLocCCAdd(thickness, olf);
+    for (const std::int32_t shared : {x, y}) plot_data::tecplotVarShareAdd(shared, olf);
     plot_data::tecplotWriteZoneFE("Isopach", time, 1, olf);
     writeNodes(olf, z, isopach.topElevation, "z (isopach top)");
     writeThickness(olf, isopach, "isopach thickness");

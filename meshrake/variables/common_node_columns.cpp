@@ -64,7 +64,7 @@ void commonNodeConcInit(Domain& domain, const VariableRow& row, OutputVar& var) 
 
 void commonNodeRead(Domain& domain, const VariableRow& row, OutputVar& var) {
     var.exists = pmSource(domain, row.key).exists;
-    if (!var.exists) plot_data::shareColumns(var.columns);
+    if (!var.exists) plot_data::shareColumns(domain, var.columns);
 }
 
 void commonNodeWrite(Domain& domain, const VariableRow& row, OutputVar& var) {

@@ -92,7 +92,7 @@ void readOrShare(const Domain& domain, OutputVar& var, std::span<Column> columns
     if (var.exists)
         plot_data::readColumns(domain, columns, name);
     else
-        plot_data::shareColumns(columns);
+        plot_data::shareColumns(domain, columns);
 }
 
 std::string redoxFile(const Domain& domain, const VariableRow& row, std::size_t species) {

@@ -105,8 +105,7 @@ void initTecplot(Domain& domain, Table table) {
 }
 
 void appendTecplot(Domain& domain, Table table) {
-    run.cellCenteredVars.clear();
-    run.sharedVars.clear();
+    domain.dataSet.nextZone = {}; // pm collects marks for a zone that it may not write
     readOrShare(domain, table);
     if (model::isOnlyLent(domain)) return;
 

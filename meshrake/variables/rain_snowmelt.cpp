@@ -55,8 +55,8 @@ void rainSnowmeltRead(Domain& domain, const VariableRow&, OutputVar& var) {
             plot_data::readColumns(domain, column,
                                    plot_data::variableFile(domain, snowFiles[file].stem));
         else
-            plot_data::shareColumns(column);
-        plot_data::markColumns(column);
+            plot_data::shareColumns(domain, column);
+        plot_data::markColumns(domain, column);
     }
 }
 

@@ -31,8 +31,8 @@ void zoneRead(Domain& domain, const VariableRow& row, OutputVar& var) {
     if (var.exists)
         TVNBinaryFile::read_i4_1d(name, domain.elementCount, domain.elementZone.data());
     else
-        plot_data::shareColumns(var.columns);
-    plot_data::markColumns(var.columns);
+        plot_data::shareColumns(domain, var.columns);
+    plot_data::markColumns(domain, var.columns);
 }
 
 void zoneWrite(Domain& domain, const VariableRow& row, OutputVar& var) {

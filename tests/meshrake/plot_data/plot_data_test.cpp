@@ -39,7 +39,7 @@ protected:
 };
 
 TEST_F(PlotData, FirstZoneSharesNothing) {
-    tecplotVarShareAdd(1);
+    tecplotVarShareAdd(1, domain);
     tecplotWriteZoneFE("pm  ", " ", 0, domain);
     EXPECT_EQ(take(), "ZONE T=\"pm\", DATAPACKING=BLOCK, NODES=0, ELEMENTS=0, ZONETYPE=\n");
 }
@@ -54,7 +54,7 @@ TEST_F(PlotData, ListsAndZoneLinesAreCutAt512) {
     std::string list;
     for (int v = 1; v <= 200; ++v) {
         list += (v > 1 ? "," : "") + std::to_string(v);
-        tecplotVarLocCCAdd(v);
+        tecplotVarLocCCAdd(v, domain);
     }
     tecplotWriteZoneFE("pm", "", 1, domain);
     const std::string whole =
@@ -66,8 +66,8 @@ TEST_F(PlotData, ListsAndZoneLinesAreCutAt512) {
     const std::string front =
         ", DATAPACKING=BLOCK, NODES=0, ELEMENTS=0, ZONETYPE=, VARLOCATION=([1]=CELLCENTERED)";
     const std::string title(510 - front.size() - 9, 'x');
-    tecplotVarLocCCAdd(1);
-    tecplotVarShareAdd(2);
+    tecplotVarLocCCAdd(1, domain);
+    tecplotVarShareAdd(2, domain);
     tecplotWriteZoneFE(title, "", 1, domain);
     EXPECT_EQ(take(), "ZONE T=\"" + title + "\"" + front + ",,\n");
 }
