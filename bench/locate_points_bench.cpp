@@ -4,6 +4,7 @@
 // points; that of the plain loop is taken on a sample of them.
 
 #include "bench/bench_files.hpp"
+#include "meshrake/model/file_names.hpp"
 #include "meshrake/model/run_state.hpp"
 #include "meshrake/observation_compare/element_search.hpp"
 #include "meshrake/observation_compare/node_search.hpp"

@@ -1,5 +1,7 @@
 #include "meshrake/meshrake.hpp"
 
+#include "meshrake/model/file_names.hpp"
+#include "meshrake/model/output_lines.hpp"
 #include "meshrake/model/problem_description.hpp"
 #include "meshrake/model/run_state.hpp"
 #include "meshrake/observation_compare/comparisons.hpp"

@@ -2,6 +2,7 @@
 
 #include "meshrake/derived_columns/depth_to_groundwater.hpp"
 #include "meshrake/derived_columns/topography.hpp"
+#include "meshrake/model/file_names.hpp"
 #include "meshrake/model/run_state.hpp"
 #include "tvncommon/diagnostics/error.hpp"
 

@@ -1,5 +1,6 @@
 #include "meshrake/derived_columns/mesh_columns.hpp"
 
+#include "meshrake/model/file_names.hpp"
 #include "meshrake/model/run_state.hpp"
 #include "meshrake/plot_data/array_writing.hpp"
 #include "tvncommon/diagnostics/ArrayHelpers.hpp"
@@ -90,7 +91,7 @@ void meshColumnInit(Domain& domain, const VariableRow& row, OutputVar& var) {
 }
 
 void coordinatesWrite(Domain& domain, const VariableRow& row, OutputVar& var) {
-    const Packing packing{domain.truncateEnabled, domain.nodeIncluded.data()};
+    const Packing packing{domain.outputIsPacked, domain.nodeIncluded.data()};
     const Domain& mesh = nodesOf(domain);
     const std::vector<double>* coordinates[] = {&mesh.x, &mesh.y, &mesh.z};
     for (std::size_t c = 0; c < 3; ++c)
@@ -163,7 +164,7 @@ void depth2SurfInit(Domain& domain, const VariableRow& row, OutputVar& var) {
 }
 
 void apertureWrite(Domain& domain, const VariableRow& row, OutputVar& var) {
-    const Packing packing{domain.truncateEnabled, domain.elementIncluded.data()};
+    const Packing packing{domain.outputIsPacked, domain.elementIncluded.data()};
     plot_data::tecplotWriteArrayReal8(var.columns[0].varNumber, domain.elementCount,
                                       domain.fractureAperture.data(), packing, row.columns[0].label,
                                       domain);

@@ -1,5 +1,7 @@
 #include "meshrake/model/append_state.hpp"
 
+#include "meshrake/model/file_names.hpp"
+#include "meshrake/model/output_lines.hpp"
 #include "meshrake/model/result_files.hpp"
 #include "meshrake/model/run_state.hpp"
 #include "tvncommon/diagnostics/error.hpp"

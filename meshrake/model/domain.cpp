@@ -1,5 +1,6 @@
 #include "meshrake/model/domain.hpp"
 
+#include "meshrake/model/file_names.hpp"
 #include "meshrake/model/mesh_reading.hpp"
 #include "meshrake/model/run_state.hpp"
 #include "tvncommon/diagnostics/error.hpp"
@@ -51,6 +52,10 @@ bool enabled(const Domain& domain, Option option) {
 
 bool hasOwnNodes(const Domain& domain) {
     return domain.couplingScheme == 1;
+}
+
+bool isReadButNotWritten(const Domain& domain) {
+    return domain.tag == tags::pm && run.pmPassRequired && !domain.writeDomain.enabled;
 }
 
 const OutputVar* findOutputVar(const Domain& domain, std::string_view key) {

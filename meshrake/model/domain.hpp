@@ -89,12 +89,13 @@ struct Domain {
     std::vector<std::int32_t> fractureLink; // frac: elementCount first values, then the second
     std::vector<double> fractureAperture;   // frac: elementCount, length unit
 
-    bool truncateEnabled = false; // asked for; after truncation: the output is packed
-    bool truncateByLayerEnabled = false;
+    bool truncateEnabled = false;        // the control file has "truncate <tag> domain"
+    bool truncateByLayerEnabled = false; // the control file has "truncate <tag> domain by layer"
     std::array<double, 6> truncateBounds{-1e20, 1e20, -1e20, 1e20, -1e20, 1e20}; // x, y, z pairs
     std::array<std::int32_t, 2> truncateLayers{0, 1000};                         // first, last
 
     // Results of the truncation, fixed for the run.
+    bool outputIsPacked = false;                  // values of included nodes and elements alone
     std::vector<std::uint8_t> nodeIncluded;       // nodeCount; of pm for a common-node domain
     std::vector<std::uint8_t> domainNodeIncluded; // nodeCount; common-node only
     std::vector<std::uint8_t> elementIncluded;    // elementCount
@@ -112,6 +113,9 @@ bool enabled(const Domain& domain, Option option); // true for Option::none
 
 // True for pm and for a domain on the multi-node scheme.
 bool hasOwnNodes(const Domain& domain);
+
+// True if pm is read only because common-node domains take their values from it.
+bool isReadButNotWritten(const Domain& domain);
 
 // Node slots of an element from 0, nodesPerElement of them: pm node numbers, unused ones below 1.
 inline const std::int32_t* slotsOf(const Domain& domain, std::size_t element) {

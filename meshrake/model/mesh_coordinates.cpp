@@ -1,5 +1,7 @@
 #include "meshrake/model/mesh_reading.hpp"
 
+#include "meshrake/model/file_names.hpp"
+#include "meshrake/model/output_lines.hpp"
 #include "meshrake/model/run_state.hpp"
 #include "tvncommon/io/file_units.hpp"
 

@@ -1,5 +1,7 @@
 #include "meshrake/model/problem_description.hpp"
 
+#include "meshrake/model/file_names.hpp"
+#include "meshrake/model/output_lines.hpp"
 #include "meshrake/model/run_state.hpp"
 #include "meshrake/model/version.hpp"
 #include "tvncommon/diagnostics/error.hpp"

@@ -1,5 +1,6 @@
 #include "meshrake/model/result_files.hpp"
 
+#include "meshrake/model/file_names.hpp"
 #include "meshrake/model/run_state.hpp"
 #include "tvncommon/diagnostics/error.hpp"
 #include "tvncommon/io/TVNBinaryFile.hpp"
@@ -8,7 +9,6 @@
 #include "tvncommon/text/StringHelpers.hpp"
 #include "tvncommon/text/free_form.hpp"
 #include "tvncommon/text/number_formats.hpp"
-#include "tvncommon/text/utils.hpp"
 
 #include <array>
 #include <cmath>
@@ -128,11 +128,6 @@ std::string convertedTime(const std::string& timestamp) {
 }
 
 } // namespace
-
-std::string outputTimeIndex(std::int32_t index) {
-    const std::string digits = utils::zeroPaddedIntString(index, 10);
-    return digits.substr(digits.size() - static_cast<std::size_t>(run.suffixDigits));
-}
 
 bool findTimeFile(std::string_view suffix) {
     if (run.timeFileKnown && sameKindExists(suffix)) return true;

@@ -1,14 +1,8 @@
 #pragma once
 
-#include <cstdint>
-#include <string>
 #include <string_view>
 
 namespace model {
-
-// The time index of a file name: the last `suffixDigits` of ten digits with leading zeros, so an
-// index that needs more loses its leading digits.
-std::string outputTimeIndex(std::int32_t index);
 
 // Looks for a result file of any known kind with this suffix ("." and the index text), takes the
 // time stamp from its header into `run.currentTimeText` and converts it when the control file says

@@ -13,108 +13,99 @@ struct WriterFunctions;
 
 namespace model {
 
-// Field measurements that are compared with the results of the last output time: those of one file
-// at a time.
+// Field measurements of one file, which are compared with the results of the last output time.
 struct ObservationSet {
-    std::int32_t obsCount = 0;
-    std::vector<double> obsX, obsY, obsZ; // obsCount each, length unit; obsZ 0 where told in plan
+    std::int32_t obsCount = 0;            // observation points
+    std::vector<double> obsX, obsY, obsZ; // obsCount each, length unit; obsZ 0 in a plan comparison
     std::vector<double> obsValue;         // obsCount: head, elevation or depth, length unit
-    std::vector<double> obsShape;         // 8 for each point: shape values in its element
-    std::vector<std::int32_t> obsElement; // obsCount: element of the point, 0 unknown, -1 outside
+    std::vector<double> obsShape;         // 8 for each point: shape function values in its element
+    std::vector<std::int32_t> obsElement; // obsCount: element from 1, 0 unknown, -1 outside
 };
 
-// Everything the run knows beside its domains. A fresh one is a program start.
+// The state of a run apart from its domains. A program starts with a default record.
 struct RunState {
-    // Problem and place in the run
-    std::string problemPrefix;         // every file name begins with it
-    int echoUnit = 0;                  // unit of the echo file, 0 while it is not open
-    int controlUnit = 0;               // unit of the control text while it is processed
-    std::int32_t timeIndex = 1;        // output time being processed
+    // Problem and progress
+    std::string problemPrefix;         // begins the name of every file of the problem
+    int echoUnit = 0;                  // file unit of the echo file, 0 while it is not open
+    int controlUnit = 0;               // file unit of the control text while it is processed
+    std::int32_t timeIndex = 1;        // output time being processed, from 1
     std::int32_t firstTimeIndex = 1;   // output time of the first pass
     std::int32_t startTimeIndex = 1;   // output time at which the loop starts
     std::int32_t appendFirstIndex = 1; // first output time in the time window
-    bool appendIndexWarned = false;    // the index could not be written, and a warning was given
+    bool appendIndexWarned = false;    // the warning that the index cannot be written was shown
     std::string currentTimeText;       // time stamp of the output time, at most 60 characters
     std::string lastTimeText;          // time stamp of the last completed output time
     std::string timeSuffix;            // timeIndex with leading zeros, suffixDigits characters
-    bool timeFileKnown = false;        // timeFile is the file found last
+    bool timeFileKnown = false;        // the last search for a file with a time stamp succeeded
     std::string timeFile;              // result file whose time stamp was read last
-    bool pmPassRequired = false;       // pm is read for others although it is not written
-    bool makePlotControl = false;      // --make_plot_control was given
+    bool pmPassRequired = false;       // pm is not written, but common-node domains need its values
+    bool makePlotControl = false;      // the command line has --make_plot_control
     bool controlFileExists = false;    // <prefix>.plot.control exists
 
-    // Wishes of the control file
-    bool tecplotMode = true;
-    bool tecplotBinary = false;
+    // Requested options
+    bool tecplotMode = true;               // "tecplot mode"; changes nothing, as it is the default
+    bool tecplotBinary = false;            // plot files are binary, otherwise text
     std::int32_t tecplotFlushInterval = 1; // output times between two flushes
-    bool tecplotAppend = false;
-    bool truncateTime = false;
-    double timeWindowMin = 0, timeWindowMax = 0; // in the unit of the time stamps
-    std::int32_t suffixDigits = 4;               // digits of the time index in file names
-    std::int32_t suffixLength = 5;               // those and the leading point
-    bool timeConversion = false;                 // t becomes t * timeUnitFactor + timeUnitOffset
-    double timeUnitOffset = 0, timeUnitFactor = 0;
-    bool plotIsopach = false;
-    bool plotDepthBelowSurface = false;
-    bool interpolateDepthToTable = false;
-    bool compareHeads = false;
-    bool compareWaterTable = false;
-    bool compareDepthToTable = false;
-    bool compareSurfaceDepth = false;
-    std::array<double, 6> compareWindow{}; // x, y, z pairs
-    bool paraviewMode = false;             // no instruction sets these two
-    bool bcLocationOutput = false;
+    bool tecplotAppend = false;            // this run appends to the binary files of an earlier one
+    bool truncateTime = false;             // only output times in the time window are processed
+    double timeWindowMin = 0;              // first time of the window, unit of the time stamps
+    double timeWindowMax = 0;              // last time of the window, unit of the time stamps
+    std::int32_t suffixDigits = 4;         // digits of the time index in file names
+    std::int32_t suffixLength = 5;         // suffixDigits and the point
+    bool timeConversion = false;           // time t becomes t * timeUnitFactor + timeUnitOffset
+    double timeUnitOffset = 0;             // in the converted unit
+    double timeUnitFactor = 0;             // converted units in one unit of the time stamps
+    bool plotIsopach = false;              // a plot of the thickness of the zones of pm
+    bool plotDepthBelowSurface = false;    // a plot of pm's depth below the ground surface
+    bool interpolateDepthToTable = false;  // the depth to groundwater is interpolated in a layer
+    bool compareHeads = false;             // heads of pm with observations
+    bool compareWaterTable = false;        // elevations of the groundwater table with observations
+    bool compareDepthToTable = false;      // depths to the groundwater table with observations
+    bool compareSurfaceDepth = false;      // heads of olf with observations
+    std::array<double, 6> compareWindow{}; // of the comparisons: x, y, z pairs, length unit
+    bool paraviewMode = false;             // legacy VTK files; set by the program, no instruction
+    bool bcLocationOutput = false;         // VTK files of boundary conditions; likewise
 
     // Problem description
-    std::int32_t numTitleLines = 0;
-    std::vector<std::string> titleLines; // 60 characters each, at least one
-    bool speciesPresent = false;
-    std::int32_t numMobileSpecies = 0, numImmobileSpecies = 0, numSpecies = 0;
-    std::vector<std::string> speciesNames;  // numSpecies, mobile first; trailing blanks dropped
-    std::vector<std::uint8_t> speciesFlagA; // numSpecies: the species is heat, or sorbs
-    std::vector<std::uint8_t> speciesFlagB; // numSpecies: the species is made of particles
-    bool anySpeciesFlagB = false;
-    bool hmcPresent = false;
-    std::int32_t numHmcFractions = 0;
-    std::vector<std::string> hmcFractionNames; // "f_" and the name, at most 80 characters
+    std::int32_t numTitleLines = 0;         // lines of the title
+    std::vector<std::string> titleLines;    // numTitleLines, at least 1, of 60 characters each
+    bool speciesPresent = false;            // <prefix>o.species exists
+    std::int32_t numMobileSpecies = 0;      // dissolved species
+    std::int32_t numImmobileSpecies = 0;    // species on the solid phase
+    std::int32_t numSpecies = 0;            // mobile and immobile species
+    std::vector<std::string> speciesNames;  // numSpecies, mobile first; no trailing blanks
+    std::vector<std::uint8_t> speciesFlagA; // numSpecies: 1 for heat; 0 for immobile species
+    std::vector<std::uint8_t> speciesFlagB; // numSpecies: 1 for particles; 0 for immobile species
+    bool anySpeciesFlagB = false;           // an entry of speciesFlagB is set
+    bool hmcPresent = false;                // <prefix>o.hmc exists
+    std::int32_t numHmcFractions = 0;       // mixing fractions
+    std::vector<std::string>
+        hmcFractionNames; // numHmcFractions: "f_" and name, at most 80 characters
 
-    // Mesh as a whole
-    std::int32_t totalNodes = 0;                 // global nodes so far
-    std::int32_t gridCountA = 0, gridCountB = 0; // kept, used by nothing
-    std::int32_t sheetCount = 0;                 // node sheets of pm; layers are one fewer
-    std::int32_t meshNodesPerElement = 0;        // of the last element of a common-node truncation
-    bool wallsPresent = false;                   // olf has cutoff walls: several nodes at a place
-    std::int32_t wallCountA = 0;                 // kept, used by nothing
-    std::int32_t wallLayers = 0;
+    // Mesh of all domains
+    std::int32_t totalNodes = 0;                // global nodes of the domains read so far
+    std::int32_t gridCountA = 0;                // first integer after pm's coordinates, not used
+    std::int32_t gridCountB = 0;                // second integer after pm's coordinates, not used
+    std::int32_t sheetCount = 0;                // sheets of nodes in pm; it has one layer fewer
+    std::int32_t meshNodesPerElement = 0;       // of the last element of a common-node truncation
+    bool wallsPresent = false;                  // olf has cutoff walls: several nodes at one place
+    std::int32_t wallCountA = 0;                // first integer of the wall data, not used
+    std::int32_t wallLayers = 0;                // wall layers of wallNodeTable
     std::vector<std::int32_t> wallNodeFlag;     // olf nodes: not 0 at a node with wall data
     std::vector<std::int32_t> wallNodeTable;    // olf nodes by wallLayers: replacing global node
-    std::vector<std::int32_t> wallNodeValue;    // olf nodes
+    std::vector<std::int32_t> wallNodeValue;    // olf nodes: read, but not used
     std::vector<std::int32_t> wallElementLayer; // olf elements: wall layer of the element
 
-    // Text or binary form of the plot files, selected after the control file is read; null: text.
+    ObservationSet observations; // of the comparison in progress
+
+    // Plot files
+    // Text or binary form, selected after the control file is read; null: text.
     const plot_data::WriterFunctions* plotWriter = nullptr;
-
-    ObservationSet observations; // set up and given back by each comparison
-
-    // Text of the plot files until it is written. One domain's zone is complete before the next
-    // domain's begins, so one buffer is enough.
+    // Text until it is written. One domain's zone is complete before the next domain's begins, so
+    // one buffer is enough.
     std::vector<char> writeBuffer;
 };
 
 extern RunState run;
-
-// True for a pm that lends its arrays to domains without nodes of their own and is not written.
-bool isOnlyLent(const Domain& domain);
-
-// Writes one line on the screen, on the echo file, and on both. A failure ends the run.
-void writeScreen(std::string_view line);
-void writeEcho(std::string_view line);
-void write_string(std::string_view line);
-
-// A file name without its trailing blanks.
-std::string fileName(std::string_view text);
-
-// "<prefix>o.<rest>" as a file name.
-std::string problemFile(std::string_view rest);
 
 } // namespace model

@@ -1,5 +1,6 @@
 #include "meshrake/observation_compare/comparison_files.hpp"
 
+#include "meshrake/model/file_names.hpp"
 #include "meshrake/model/run_state.hpp"
 #include "meshrake/plot_data/data_set.hpp"
 #include "tvncommon/io/file_units.hpp"

@@ -1,6 +1,7 @@
 #include "meshrake/observation_compare/comparisons.hpp"
 
 #include "meshrake/derived_columns/topography.hpp"
+#include "meshrake/model/file_names.hpp"
 #include "meshrake/model/run_state.hpp"
 #include "meshrake/observation_compare/comparison_files.hpp"
 #include "meshrake/observation_compare/node_search.hpp"

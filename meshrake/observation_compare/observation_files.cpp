@@ -1,5 +1,6 @@
 #include "meshrake/observation_compare/observation_files.hpp"
 
+#include "meshrake/model/file_names.hpp"
 #include "meshrake/model/run_state.hpp"
 #include "meshrake/observation_compare/shape_cache.hpp"
 #include "tvncommon/diagnostics/ArrayHelpers.hpp"

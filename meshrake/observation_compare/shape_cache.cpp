@@ -1,5 +1,7 @@
 #include "meshrake/observation_compare/shape_cache.hpp"
 
+#include "meshrake/model/file_names.hpp"
+#include "meshrake/model/output_lines.hpp"
 #include "meshrake/model/run_state.hpp"
 #include "meshrake/observation_compare/element_search.hpp"
 #include "meshrake/plot_data/text_block.hpp"

@@ -1,6 +1,7 @@
 #include "meshrake/paraview/bc_locations.hpp"
 
-#include "meshrake/model/run_state.hpp"
+#include "meshrake/model/file_names.hpp"
+#include "meshrake/model/output_lines.hpp"
 #include "meshrake/paraview/array_rows.hpp"
 #include "tvncommon/diagnostics/ArrayHelpers.hpp"
 #include "tvncommon/diagnostics/error.hpp"
@@ -14,8 +15,6 @@
 #include <span>
 
 namespace paraview {
-
-using model::run;
 
 namespace {
 

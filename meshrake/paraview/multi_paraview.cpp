@@ -1,6 +1,8 @@
 #include "meshrake/paraview/multi_paraview.hpp"
 
 #include "meshrake/model/cell_patterns.hpp"
+#include "meshrake/model/file_names.hpp"
+#include "meshrake/model/output_lines.hpp"
 #include "meshrake/model/result_files.hpp"
 #include "meshrake/model/run_state.hpp"
 #include "meshrake/paraview/array_rows.hpp"
@@ -129,11 +131,11 @@ void writeCells(const Output& out) {
 }
 
 Extent nodes(const Domain& domain) {
-    return {domain.nodeCount, domain.nodeIncluded.data(), domain.truncateEnabled};
+    return {domain.nodeCount, domain.nodeIncluded.data(), domain.outputIsPacked};
 }
 
 Extent elements(const Domain& domain) {
-    return {domain.elementCount, domain.elementIncluded.data(), domain.truncateEnabled};
+    return {domain.elementCount, domain.elementIncluded.data(), domain.outputIsPacked};
 }
 
 // A column that is not there, or was never filled, gives its label alone.

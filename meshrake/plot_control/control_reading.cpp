@@ -1,6 +1,7 @@
 #include "meshrake/plot_control/control_reading.hpp"
 
 #include "meshrake/model/append_state.hpp"
+#include "meshrake/model/output_lines.hpp"
 #include "meshrake/model/run_state.hpp"
 #include "meshrake/plot_control/instruction_table.hpp"
 #include "meshrake/plot_control/value_lines.hpp"

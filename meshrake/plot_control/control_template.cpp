@@ -1,6 +1,6 @@
 #include "meshrake/plot_control/control_template.hpp"
 
-#include "meshrake/model/result_files.hpp"
+#include "meshrake/model/file_names.hpp"
 #include "meshrake/model/run_state.hpp"
 #include "meshrake/plot_control/instruction_table.hpp"
 #include "tvncommon/io/file_units.hpp"

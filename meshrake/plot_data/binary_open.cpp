@@ -1,5 +1,6 @@
 #include "meshrake/plot_data/binary_open.hpp"
 
+#include "meshrake/model/file_names.hpp"
 #include "meshrake/model/run_state.hpp"
 #include "tecio/durability.hpp"
 #include "tecio/failed_file.hpp"

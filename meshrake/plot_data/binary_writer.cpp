@@ -1,4 +1,5 @@
 #include "meshrake/model/append_state.hpp"
+#include "meshrake/model/output_lines.hpp"
 #include "meshrake/model/run_state.hpp"
 #include "meshrake/plot_data/binary_open.hpp"
 #include "meshrake/plot_data/node_lists.hpp"

@@ -1,5 +1,6 @@
 #include "meshrake/plot_data/data_set.hpp"
 
+#include "meshrake/model/output_lines.hpp"
 #include "meshrake/model/run_state.hpp"
 #include "meshrake/model/version.hpp"
 #include "meshrake/plot_data/writer_functions.hpp"

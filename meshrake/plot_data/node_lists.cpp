@@ -25,7 +25,7 @@ OwnNodes ownNodesOf(const Domain& domain) {
     OwnNodes own;
     own.inUse =
         domain.tag != model::tags::pm && model::hasOwnNodes(domain) && domain.nodesPerElement == 4;
-    if (!own.inUse || !domain.truncateEnabled) return own;
+    if (!own.inUse || !domain.outputIsPacked) return own;
     ArrayHelpers::allocateArray(own.place, domain.nodeCount, "Tecplot element connectivity array");
     std::int32_t written = 0;
     for (std::size_t i = 0; i < own.place.size(); ++i)

@@ -1,4 +1,5 @@
-#include "meshrake/model/run_state.hpp"
+#include "meshrake/model/file_names.hpp"
+#include "meshrake/model/output_lines.hpp"
 #include "meshrake/plot_data/data_set.hpp"
 #include "meshrake/plot_data/node_lists.hpp"
 #include "meshrake/plot_data/text_block.hpp"

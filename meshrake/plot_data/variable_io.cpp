@@ -1,6 +1,7 @@
 #include "meshrake/plot_data/variable_io.hpp"
 
-#include "meshrake/model/result_files.hpp"
+#include "meshrake/model/file_names.hpp"
+#include "meshrake/model/output_lines.hpp"
 #include "meshrake/model/run_state.hpp"
 #include "meshrake/plot_data/array_writing.hpp"
 #include "meshrake/plot_data/data_set.hpp"
@@ -127,7 +128,7 @@ void writeColumn(Domain& domain, const Column& column) {
     const std::int32_t n = valueCount(domain, column);
     const std::vector<std::uint8_t>& nodes =
         model::hasOwnNodes(domain) ? domain.nodeIncluded : domain.domainNodeIncluded;
-    const Packing packing{domain.truncateEnabled, (nodal ? nodes : domain.elementIncluded).data()};
+    const Packing packing{domain.outputIsPacked, (nodal ? nodes : domain.elementIncluded).data()};
     switch (column.type) {
     case DataType::single:
         return tecplotWriteArrayReal4(column.varNumber, n, column.real4.data(), packing,

@@ -1,6 +1,6 @@
 #include "meshrake/run/banner.hpp"
 
-#include "meshrake/model/run_state.hpp"
+#include "meshrake/model/output_lines.hpp"
 #include "meshrake/model/version.hpp"
 #include "tvncommon/diagnostics/error.hpp"
 #include "tvncommon/io/file_units.hpp"

@@ -1,5 +1,6 @@
 #include "meshrake/run/command_line.hpp"
 
+#include "meshrake/model/output_lines.hpp"
 #include "meshrake/model/run_state.hpp"
 #include "tvncommon/text/StringHelpers.hpp"
 

@@ -1,5 +1,7 @@
 #include "meshrake/run/control_file.hpp"
 
+#include "meshrake/model/file_names.hpp"
+#include "meshrake/model/output_lines.hpp"
 #include "meshrake/model/run_state.hpp"
 #include "meshrake/plot_control/control_reading.hpp"
 #include "meshrake/plot_control/control_template.hpp"

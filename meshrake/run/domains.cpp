@@ -25,7 +25,7 @@ void init(Domain& domain, const Domain& pm) {
     if (domain.writeDomain.enabled && !model::hasOwnNodes(domain)) {
         truncation::commonTruncate(domain, pm);
         variables::initCommonTecplot(domain);
-    } else if (domain.writeDomain.enabled || model::isOnlyLent(domain)) {
+    } else if (domain.writeDomain.enabled || model::isReadButNotWritten(domain)) {
         truncation::multiTruncate(domain, pm);
         variables::initMultiTecplot(domain);
         writeForParaview(domain);
@@ -36,7 +36,7 @@ void append(Domain& domain) {
     if (!domain.exists) return;
     if (domain.writeDomain.enabled && !model::hasOwnNodes(domain)) {
         variables::appendCommonTecplot(domain);
-    } else if (domain.writeDomain.enabled || model::isOnlyLent(domain)) {
+    } else if (domain.writeDomain.enabled || model::isReadButNotWritten(domain)) {
         variables::appendMultiTecplot(domain);
         writeForParaview(domain);
     }

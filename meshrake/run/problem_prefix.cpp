@@ -1,6 +1,6 @@
 #include "meshrake/run/problem_prefix.hpp"
 
-#include "meshrake/model/run_state.hpp"
+#include "meshrake/model/output_lines.hpp"
 #include "tvncommon/diagnostics/error.hpp"
 #include "tvncommon/io/file_units.hpp"
 #include "tvncommon/io/io_layer.hpp"

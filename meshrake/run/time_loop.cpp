@@ -1,6 +1,8 @@
 #include "meshrake/run/time_loop.hpp"
 
 #include "meshrake/model/append_state.hpp"
+#include "meshrake/model/file_names.hpp"
+#include "meshrake/model/output_lines.hpp"
 #include "meshrake/model/result_files.hpp"
 #include "meshrake/model/run_state.hpp"
 

@@ -1,7 +1,7 @@
 #include "meshrake/surface_plots/depth_plot.hpp"
 
 #include "meshrake/derived_columns/mesh_columns.hpp"
-#include "meshrake/model/run_state.hpp"
+#include "meshrake/model/file_names.hpp"
 #include "meshrake/plot_data/array_writing.hpp"
 #include "meshrake/plot_data/data_set.hpp"
 #include "meshrake/plot_data/zone.hpp"
@@ -12,7 +12,6 @@
 namespace surface_plots {
 
 using model::Domain;
-using model::run;
 using plot_data::Packing;
 
 namespace {
@@ -48,8 +47,8 @@ void plot_pmdepth_grndsurf(const Domain& olf, Domain& pm) {
     std::int32_t variable = 0;
     const auto write = [&](const std::vector<double>& values, std::string_view label) {
         plot_data::tecplotWriteArrayReal8(++variable, pm.nodeCount, values.data(),
-                                          Packing{pm.truncateEnabled, pm.nodeIncluded.data()},
-                                          label, pm);
+                                          Packing{pm.outputIsPacked, pm.nodeIncluded.data()}, label,
+                                          pm);
     };
     write(pm.x, "x");
     write(pm.y, "y");

@@ -1,6 +1,6 @@
 #include "meshrake/surface_plots/isopach_plot.hpp"
 
-#include "meshrake/model/run_state.hpp"
+#include "meshrake/model/file_names.hpp"
 #include "meshrake/plot_data/array_writing.hpp"
 #include "meshrake/plot_data/data_set.hpp"
 #include "meshrake/plot_data/zone.hpp"
@@ -15,7 +15,6 @@
 namespace surface_plots {
 
 using model::Domain;
-using model::run;
 using plot_data::Packing;
 
 namespace {
@@ -127,11 +126,11 @@ void writeNodes(Domain& olf, Variable variable, const std::vector<double>& value
                 std::string_view label) {
     const auto& included = model::hasOwnNodes(olf) ? olf.nodeIncluded : olf.domainNodeIncluded;
     plot_data::tecplotWriteArrayReal8(variable, olf.nodeCount, values.data(),
-                                      Packing{olf.truncateEnabled, included.data()}, label, olf);
+                                      Packing{olf.outputIsPacked, included.data()}, label, olf);
 }
 
 void writeThickness(Domain& olf, const Isopach& isopach, std::string_view label) {
-    const Packing packing{olf.truncateEnabled, olf.elementIncluded.data()};
+    const Packing packing{olf.outputIsPacked, olf.elementIncluded.data()};
     plot_data::tecplotWriteArrayReal8(thickness, olf.elementCount, isopach.zoneThickness.data(),
                                       packing, label, olf);
 }

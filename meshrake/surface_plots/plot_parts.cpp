@@ -1,5 +1,7 @@
 #include "meshrake/surface_plots/plot_parts.hpp"
 
+#include "meshrake/model/file_names.hpp"
+#include "meshrake/model/output_lines.hpp"
 #include "meshrake/model/run_state.hpp"
 #include "meshrake/plot_data/data_set.hpp"
 #include "meshrake/plot_data/unit_labels.hpp"

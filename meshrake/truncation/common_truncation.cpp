@@ -1,5 +1,6 @@
 #include "meshrake/truncation/common_truncation.hpp"
 
+#include "meshrake/model/file_names.hpp"
 #include "meshrake/model/run_state.hpp"
 #include "meshrake/truncation/truncation_parts.hpp"
 #include "tvncommon/diagnostics/ArrayHelpers.hpp"
@@ -100,7 +101,7 @@ void commonTruncate(Domain& domain, const Domain& pm) {
     else
         includeTruncated(domain, pm);
     reportTruncation(domain, wholeMesh);
-    domain.truncateEnabled = true;
+    domain.outputIsPacked = true;
 }
 
 } // namespace truncation

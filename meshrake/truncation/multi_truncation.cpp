@@ -94,7 +94,7 @@ void multiTruncate(Domain& domain, const Domain& pm) {
     // puts them in place of others.
     if (wholeMesh && run.wallsPresent) domain.nnTruncated = domain.nodeCount;
     reportTruncation(domain, wholeMesh);
-    domain.truncateEnabled = !wholeMesh;
+    domain.outputIsPacked = !wholeMesh;
 }
 
 } // namespace truncation

@@ -69,7 +69,7 @@ void commonNodeRead(Domain& domain, const VariableRow& row, OutputVar& var) {
 
 void commonNodeWrite(Domain& domain, const VariableRow& row, OutputVar& var) {
     const OutputVar& source = pmSource(domain, row.key);
-    const plot_data::Packing packing{domain.truncateEnabled, domain.nodeIncluded.data()};
+    const plot_data::Packing packing{domain.outputIsPacked, domain.nodeIncluded.data()};
     static const Column empty;
     for (std::size_t c = 0; c < var.columns.size(); ++c) {
         const Column& shown = var.columns[c];

@@ -1,5 +1,7 @@
 #include "meshrake/variables/passes.hpp"
 
+#include "meshrake/model/file_names.hpp"
+#include "meshrake/model/output_lines.hpp"
 #include "meshrake/model/run_state.hpp"
 #include "meshrake/plot_data/data_set.hpp"
 #include "meshrake/plot_data/unit_labels.hpp"
@@ -23,7 +25,7 @@ using Table = std::span<const VariableRow>;
 void announce(const Domain& domain, const std::string& name) {
     model::write_string("");
     model::write_string(std::string(48, '-'));
-    if (model::isOnlyLent(domain)) {
+    if (model::isReadButNotWritten(domain)) {
         model::write_string("pm data read for common node output");
         return;
     }
@@ -94,7 +96,7 @@ void initTecplot(Domain& domain, Table table) {
     plot_data::tecplotInit(domain);
     createOutputVars(domain, table);
     declareAndRead(domain, table);
-    if (model::isOnlyLent(domain)) return;
+    if (model::isReadButNotWritten(domain)) return;
 
     plot_data::tecplotFileOpen(name, run.titleLines.front(), domain);
     plot_data::tecplotVarUnitsWrite(domain);
@@ -107,7 +109,7 @@ void initTecplot(Domain& domain, Table table) {
 void appendTecplot(Domain& domain, Table table) {
     domain.dataSet.nextZone = {}; // pm collects marks for a zone that it may not write
     readOrShare(domain, table);
-    if (model::isOnlyLent(domain)) return;
+    if (model::isReadButNotWritten(domain)) return;
 
     plot_data::tecplotWriteZoneFE(domain.name, run.currentTimeText, 1, domain);
     writeArrays(domain, table);

@@ -1,6 +1,6 @@
 #include "meshrake/variables/special_variables.hpp"
 
-#include "meshrake/model/result_files.hpp"
+#include "meshrake/model/file_names.hpp"
 #include "meshrake/model/run_state.hpp"
 #include "meshrake/plot_data/array_writing.hpp"
 #include "meshrake/plot_data/data_set.hpp"
@@ -38,7 +38,7 @@ void zoneRead(Domain& domain, const VariableRow& row, OutputVar& var) {
 void zoneWrite(Domain& domain, const VariableRow& row, OutputVar& var) {
     plot_data::tecplotWriteArrayInt4(
         var.columns[0].varNumber, domain.elementCount, domain.elementZone.data(),
-        {domain.truncateEnabled, domain.elementIncluded.data()}, row.columns[0].label, domain);
+        {domain.outputIsPacked, domain.elementIncluded.data()}, row.columns[0].label, domain);
 }
 
 namespace {

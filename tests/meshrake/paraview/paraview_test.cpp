@@ -131,7 +131,7 @@ TEST_F(Writer, TitleAnnouncementAndWhatEndsTheRun) {
 
 TEST_F(Writer, TruncatedDomainsHaveNoScalars) {
     Domain domain = makeDomain("well", model::tags::well, 4, 2, {1, 2, 2, 3, 3, 4});
-    domain.truncateEnabled = true;
+    domain.outputIsPacked = true;
     domain.nodeIncluded = {0, 1, 1, 0};
     domain.elementIncluded = {0, 1, 0};
     domain.nnTruncated = 2;

@@ -228,14 +228,14 @@ TEST_F(PlotData, QuadrilateralsByTheirOwnLinksAndWalls) {
         {{1, 2, 5, 4}, {7, 3, 6, 8}, {7, 3, 6, 5}, {1, 2, 5, 5}, {7, 0, 0, 0}, {2, 3, 6, 5}});
 
     // Truncated: node 1 is not written, nor is 8. All others move up; what 8 stood for stays.
-    domain.truncateEnabled = true;
+    domain.outputIsPacked = true;
     domain.nodeIncluded = {0, 1, 1, 1, 1, 1, 1, 0};
     domain.nodeRenumber = {0, 1, 2, 3, 4, 5, 0, 0};
     expectRows(
         {{0, 1, 4, 3}, {6, 2, 5, 4}, {6, 2, 5, 4}, {0, 1, 4, 4}, {6, 0, 0, 0}, {1, 2, 5, 4}});
 
     // Walls are the surface's own; a domain that shares the nodes of pm has no links to go by.
-    domain.truncateEnabled = false;
+    domain.outputIsPacked = false;
     domain.nodeRenumber = {1, 2, 3, 4, 5, 6, 0, 0};
     domain.tag = model::tags::frac;
     expectRows(plain);

@@ -54,7 +54,7 @@ TEST_F(MultiTruncation, KeepsElementsByTheirCentroids) {
             const Integers& elements = domain == &pm ? c.pmElements : c.olfElements;
             EXPECT_EQ(runs::numbersOf(domain->elementIncluded), elements);
             EXPECT_EQ(domain->neTruncated, static_cast<std::int32_t>(elements.size()));
-            EXPECT_EQ(domain->truncateEnabled, c.byBounds || c.byLayer);
+            EXPECT_EQ(domain->outputIsPacked, c.byBounds || c.byLayer);
 
             // The nodes of the kept elements, numbered in their order under the pm node.
             std::set<std::int32_t> pmNodes;
@@ -101,7 +101,6 @@ TEST_F(MultiTruncation, LayersOfAFlatMesh) {
     pm.truncateLayers = {1, 1};
     for (const std::int32_t sheets : {0, 1}) {
         model::run.sheetCount = sheets;
-        pm.truncateEnabled = false;
         truncation::multiTruncate(pm, pm);
         EXPECT_EQ(pm.neTruncated, 4) << sheets;
     }

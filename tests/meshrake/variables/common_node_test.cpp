@@ -139,7 +139,7 @@ TEST_F(CommonTruncation, WholeMesh) {
     EXPECT_THAT(kept(),
                 ElementsAre(Integers{13, 14, 16, 17}, Integers{1, 2, 3, 4, 5, 6}, Integers{1, 2}));
     EXPECT_EQ(olf.nodeRenumber, (Integers{0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 6, 2, 3, 4, 5, 1}));
-    EXPECT_TRUE(olf.truncateEnabled);
+    EXPECT_TRUE(olf.outputIsPacked);
     EXPECT_EQ(model::run.meshNodesPerElement, 3);
     EXPECT_EQ(takeScreen(), "\nMedium: olf\nFull mesh (no truncation)\nNodes:    6\nElements: 2\n");
 }

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string_view>
+
+// Lines on the screen and in the echo file. A failed write ends the run.
+namespace model {
+
+void writeScreen(std::string_view line);
+void writeEcho(std::string_view line);
+
+// Writes the line to the echo file and then to the screen.
+void write_string(std::string_view line);
+
+} // namespace model
