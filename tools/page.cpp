@@ -3,22 +3,15 @@
 #include <cstdio>
 #include <fstream>
 #include <iterator>
-#include <utility>
 
 namespace page {
 
 namespace {
 
-constexpr std::pair<std::string_view, model::DomainSet> tagNames[] = {
-    {"pm", model::tags::pm},     {"dual", model::tags::dual}, {"frac", model::tags::frac},
-    {"olf", model::tags::olf},   {"well", model::tags::well}, {"chan", model::tags::chan},
-    {"tile", model::tags::tile},
-};
-
 std::string tagList(model::DomainSet domains) {
     std::string list;
-    for (const auto& [name, bit] : tagNames)
-        if (domains & bit) list += (list.empty() ? "" : ", ") + std::string(name);
+    for (const auto& [name, tag] : model::tags::names)
+        if (domains & tag) list += (list.empty() ? "" : ", ") + std::string(name);
     return list;
 }
 

@@ -8,26 +8,15 @@
 #include "tvncommon/io/io_layer.hpp"
 
 #include <algorithm>
-#include <utility>
+#include <iterator>
 
 namespace model {
 
 namespace {
 
-constexpr std::array<std::pair<std::string_view, DomainSet>, 8> tagNames{
-    {{"pm", tags::pm},
-     {"dual", tags::dual},
-     {"olf", tags::olf},
-     {"frac", tags::frac},
-     {"chan", tags::chan},
-     {"well", tags::well},
-     {"tile", tags::tile},
-     {"addition", tags::addition}}};
-
 DomainSet tagOf(std::string_view name) {
-    const auto it = std::find_if(tagNames.begin(), tagNames.end(),
-                                 [&](const auto& t) { return t.first == name; });
-    return it == tagNames.end() ? 0 : it->second;
+    const auto* found = std::ranges::find(tags::names, name, &tags::TagName::name);
+    return found == std::end(tags::names) ? 0 : found->tag;
 }
 
 void buildLabels(Domain& domain) {

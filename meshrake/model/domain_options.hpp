@@ -15,6 +15,16 @@ namespace tags {
 inline constexpr DomainSet pm = 1, dual = 2, olf = 4, frac = 8, chan = 16, well = 32, tile = 64;
 inline constexpr DomainSet anyDomain = pm | dual | olf | frac | chan | well | tile;
 inline constexpr DomainSet addition = 128; // carries commands, has no mesh
+
+struct TagName {
+    std::string_view name;
+    DomainSet tag;
+};
+
+// In the order in which the domains are processed.
+inline constexpr TagName names[] = {{"pm", pm},     {"dual", dual},        {"frac", frac},
+                                    {"olf", olf},   {"well", well},        {"chan", chan},
+                                    {"tile", tile}, {"addition", addition}};
 } // namespace tags
 
 enum class Option {

@@ -111,17 +111,6 @@ bool sameKindExists(std::string_view suffix) {
     return true;
 }
 
-// A time stamp of the file found last as a number, which a text such as "/" is not either.
-double timeOf(const std::string& timestamp) {
-    double time = std::numeric_limits<double>::quiet_NaN();
-    int status = free_form::readReal(timestamp, time);
-    if (status == io_layer::ok && std::isnan(time)) status = io_layer::invalidData;
-    if (status != io_layer::ok)
-        error::input_error_stat(status, "Error reading file: " + run.timeFile +
-                                            "\nThe time stamp is no number: " + timestamp);
-    return time;
-}
-
 std::string convertedTime(const std::string& timestamp) {
     const double scaled = timeOf(timestamp) * run.timeUnitFactor;
     return " " + number_formats::wideRealText(scaled + run.timeUnitOffset);
@@ -150,6 +139,18 @@ void getTimestamp(std::string_view suffix, bool& found) {
         TVNBinaryFile::readTVNBinFileHeader(run.timeFile), run.timeFile);
     run.currentTimeText = run.timeConversion ? convertedTime(header.timestamp) : header.timestamp;
     run.currentTimeText = StringHelpers::cut(run.currentTimeText, 60);
+}
+
+double timeOf(std::string_view timestamp) {
+    // A free-form read of "/" succeeds and leaves the value as it was.
+    double time = std::numeric_limits<double>::quiet_NaN();
+    int status = free_form::readReal(timestamp, time);
+    if (status == io_layer::ok && !std::isfinite(time)) status = io_layer::invalidData;
+    if (status != io_layer::ok)
+        error::input_error_stat(status, "Error reading file: " + run.timeFile +
+                                            "\nThe time stamp is not a number: " +
+                                            std::string(StringHelpers::trimRight(timestamp)));
+    return time;
 }
 
 double currentTime() {

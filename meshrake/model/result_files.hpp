@@ -12,7 +12,11 @@ void getTimestamp(std::string_view suffix, bool& found);
 // The same search alone: leaves the file's name in `run.timeFile`. False when there is none.
 bool findTimeFile(std::string_view suffix);
 
-// The time found last. Ends the run when its text is no number.
+// Value of a time stamp of the file found last. An infinite one or one that is not a number ends
+// the run.
+double timeOf(std::string_view timestamp);
+
+// Value of the time found last.
 double currentTime();
 
 // True when that lies in the time window, ends included.

@@ -9,7 +9,6 @@
 #include "tvncommon/io/byte_file.hpp"
 #include "tvncommon/io/file_units.hpp"
 #include "tvncommon/io/io_layer.hpp"
-#include "tvncommon/text/StringHelpers.hpp"
 
 #include <algorithm>
 
@@ -83,9 +82,9 @@ void openDataSet(std::string_view name, std::string_view title, Domain& domain) 
     prepareSidecar(path);
     // A later run that appends relies on the zones of the output times that this one records.
     if constexpr (MESHRAKE_OWN_TECIO) tecio::setDurable(run.tecplotAppend);
-    const std::int32_t status = tecFileWriterOpen(
-        std::string(name).c_str(), std::string(StringHelpers::trimRight(title)).c_str(),
-        set.varNameList.c_str(), 1, 0, 0, nullptr, &set.handle);
+    const std::int32_t status =
+        tecFileWriterOpen(std::string(name).c_str(), std::string(title).c_str(),
+                          set.varNameList.c_str(), 1, 0, 0, nullptr, &set.handle);
     error::checkFileOpen(status, openFailure(status, path));
 }
 

@@ -1,5 +1,6 @@
 #include "meshrake/model/append_state.hpp"
 #include "meshrake/model/output_lines.hpp"
+#include "meshrake/model/result_files.hpp"
 #include "meshrake/model/run_state.hpp"
 #include "meshrake/plot_data/binary_open.hpp"
 #include "meshrake/plot_data/node_lists.hpp"
@@ -7,14 +8,10 @@
 #include "tecio/repeated_times.hpp"
 #include "tecio/tecio.h"
 #include "tvncommon/diagnostics/error.hpp"
-#include "tvncommon/io/io_layer.hpp"
 #include "tvncommon/text/StringHelpers.hpp"
-#include "tvncommon/text/free_form.hpp"
 
 #include <algorithm>
 #include <array>
-#include <cmath>
-#include <limits>
 #include <utility>
 
 namespace plot_data {
@@ -30,10 +27,6 @@ constexpr std::int32_t strand = 1;
 
 // A longer unit is cut without a message.
 constexpr std::size_t unitLimit = 50;
-
-std::string trimmed(std::string_view text) {
-    return std::string(StringHelpers::trimRight(text));
-}
 
 // Why the library refused a call; the name of the file follows.
 std::string_view reasonOf(std::int32_t status) {
@@ -69,7 +62,7 @@ void addUnit(std::string_view, std::int32_t varNumber, const std::string& unit, 
 
 void writeMetadata(std::string_view key, std::string_view value, Domain& domain) {
     check(tecDataSetAddAuxData(domain.dataSet.handle, std::string(key).c_str(),
-                               trimmed(value).c_str()),
+                               std::string(value).c_str()),
           "Tecplot data set aux data for", domain);
 }
 
@@ -109,17 +102,6 @@ std::int32_t zoneTypeCode(std::string_view zoneType) {
     return 0;
 }
 
-double timeOf(std::string_view text, const Domain& domain) {
-    double time = std::numeric_limits<double>::quiet_NaN();
-    int status = free_form::readReal(text, time);
-    if (status == io_layer::ok && !std::isfinite(time)) status = io_layer::invalidData;
-    if (status != io_layer::ok)
-        error::input_error_stat(status, "The solution time of the " + domain.name +
-                                            " domain is no number: " + trimmed(text) +
-                                            "\nFile: " + run.timeFile);
-    return time;
-}
-
 // One entry for each variable: `value` for those with these numbers, `otherwise` for the rest.
 std::vector<std::int32_t> entries(const std::vector<std::int32_t>& varNumbers, std::int32_t value,
                                   std::int32_t otherwise, const DataSet& set) {
@@ -140,12 +122,12 @@ void keepZonesOfEarlierTimes(double time, const DataSet& set) {
 void writeZone(std::string_view title, std::string_view solutionTime, int connectivityShareZone,
                Domain& domain) {
     DataSet& set = domain.dataSet;
-    const bool hasTime = !trimmed(solutionTime).empty();
-    const double time = hasTime ? timeOf(solutionTime, domain) : 0;
+    const bool hasTime = !solutionTime.empty();
+    const double time = hasTime ? model::timeOf(solutionTime) : 0;
     const std::vector<std::int32_t> varShare = entries(set.nextZone.sharedVars, 1, 0, set);
     const std::vector<std::int32_t> varPassive = entries({}, 0, 0, set);
     set.varLocation = entries(set.nextZone.cellCenteredVars, 0, 1, set);
-    check(tecZoneCreateFE(set.handle, trimmed(title).c_str(), zoneTypeCode(domain.zoneType),
+    check(tecZoneCreateFE(set.handle, std::string(title).c_str(), zoneTypeCode(domain.zoneType),
                           domain.nnTruncated, domain.neTruncated, set.varTypes.data(),
                           varShare.data(), set.varLocation.data(), varPassive.data(),
                           connectivityShareZone, 0, 0, &set.zoneNumber),

@@ -27,7 +27,8 @@ void addMetadata(const WriterFunctions& functions, Domain& domain) {
         {"Length_Base_Unit", units::getDerivedUnit("L")},
         {"Time_Base_Unit", units::getDerivedUnit("T")},
         {"Temperature_Base_Unit", "deg C"}};
-    for (const auto& [key, value] : values) functions.writeMetadata(key, value, domain);
+    for (const auto& [key, value] : values)
+        functions.writeMetadata(key, StringHelpers::trimRight(value), domain);
 }
 
 } // namespace
@@ -82,7 +83,7 @@ void tecplotVarLocCCAdd(std::int32_t varNumber, Domain& domain) {
 
 void tecplotFileOpen(std::string_view name, std::string_view title, Domain& domain) {
     domain.dataSet.fileName = name;
-    writer().openFile(name, title, domain);
+    writer().openFile(name, StringHelpers::trimRight(title), domain);
     tecplotMetadata(domain);
 }
 

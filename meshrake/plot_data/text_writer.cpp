@@ -28,10 +28,6 @@ static_assert(valuesPerPiece % valuesPerRow == 0);
 constexpr int headerLimit = 512;
 constexpr int listLimit = 512;
 
-std::string trimmed(std::string_view text) {
-    return std::string(StringHelpers::trimRight(text));
-}
-
 void appendLine(std::string& text, const std::string& line) {
     if (!text.empty()) text += '\n';
     text += line;
@@ -61,13 +57,13 @@ void openFile(std::string_view name, std::string_view title, Domain& domain) {
     if (domain.tecplotUnit < 1) domain.tecplotUnit = file_units::getUnit();
     error::checkFileOpen(
         io_layer::openTextReplace(domain.tecplotUnit, path, io_layer::Flush::inBlocks), path);
-    file_units::writeLine(domain.tecplotUnit, "TITLE = \"" + trimmed(title) + "\"");
+    file_units::writeLine(domain.tecplotUnit, "TITLE = \"" + std::string(title) + "\"");
     file_units::writeLine(domain.tecplotUnit, "VARIABLES = " + domain.dataSet.varNameList);
 }
 
 void writeMetadata(std::string_view key, std::string_view value, Domain& domain) {
     file_units::writeLine(domain.tecplotUnit,
-                          "DATASETAUXDATA " + std::string(key) + "=\"" + trimmed(value) + "\"");
+                          "DATASETAUXDATA " + std::string(key) + "=\"" + std::string(value) + "\"");
 }
 
 void writeUnits(Domain& domain) {
@@ -76,7 +72,7 @@ void writeUnits(Domain& domain) {
     if (!set.unitAuxData.empty()) file_units::writeLine(domain.tecplotUnit, set.unitAuxData);
 }
 
-// Text reaches the file as it is written.
+// Text is written as it comes, so there is nothing to flush.
 void flushFile(Domain&) {}
 
 void closeFile(Domain& domain) {
@@ -94,7 +90,8 @@ std::string listOf(const std::vector<std::int32_t>& numbers) {
 }
 
 void appendPart(std::string& zoneHeader, std::string_view part) {
-    zoneHeader = StringHelpers::cut(trimmed(zoneHeader) + std::string(part), headerLimit);
+    const std::string_view begin = StringHelpers::trimRight(zoneHeader);
+    zoneHeader = StringHelpers::cut(std::string(begin) + std::string(part), headerLimit);
 }
 
 void writeZone(std::string_view title, std::string_view solutionTime, int connectivityShareZone,
@@ -102,8 +99,8 @@ void writeZone(std::string_view title, std::string_view solutionTime, int connec
     DataSet& set = domain.dataSet;
     ++set.zoneNumber;
     std::string zoneHeader;
-    appendPart(zoneHeader, "ZONE T=\"" + trimmed(title) + "\"");
-    const std::string_view time = StringHelpers::trimLeft(StringHelpers::trimRight(solutionTime));
+    appendPart(zoneHeader, "ZONE T=\"" + std::string(title) + "\"");
+    const std::string_view time = StringHelpers::trimLeft(solutionTime);
     if (!time.empty()) appendPart(zoneHeader, ", SOLUTIONTIME=" + std::string(time));
     appendPart(zoneHeader, ", DATAPACKING=BLOCK");
     appendPart(zoneHeader, ", NODES=" + std::to_string(domain.nnTruncated));
@@ -151,7 +148,7 @@ void writeArray(std::int32_t, const ValueGenerator<T>& next, std::string_view la
                 Domain& domain) {
     std::array<T, valuesPerPiece> buffer;
     TextBlock block = beginBlock(domain.tecplotUnit);
-    appendLine(block, "# " + trimmed(label));
+    appendLine(block, "# " + std::string(StringHelpers::trimRight(label)));
     for (std::span<const T> piece = next(buffer); !piece.empty(); piece = next(buffer))
         appendValues(block, piece);
     writeBlock(block);

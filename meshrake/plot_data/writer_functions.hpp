@@ -9,14 +9,15 @@
 #include <string_view>
 
 // A plot file has two forms, text and binary. Each form implements this record of functions; the
-// public functions of `plot_data` call the record that `selectWriter` chose.
+// public functions of `plot_data` call the record that `selectWriter` chose. Names, titles, values
+// and times arrive without trailing blanks.
 namespace plot_data {
 
 struct WriterFunctions {
     std::string_view extension; // of the plot file, with its point
 
     // Before the file is open: collect in `domain.dataSet` what the file will hold.
-    // `name` has no trailing blanks; the comma between two names is there already.
+    // The comma before the name is in the list already.
     void (*addVariableName)(std::string_view name, model::Domain& domain);
     void (*addDataType)(model::DataType type, model::Domain& domain);
     // `unit` is the text to show, empty for none.

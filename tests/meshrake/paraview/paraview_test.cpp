@@ -120,9 +120,9 @@ TEST_F(Writer, TitleAnnouncementAndWhatEndsTheRun) {
     run.timeFile = "to.head_pm.0003";
     for (const std::string text : {"soon", "/"}) {
         run.currentTimeText = text;
-        runs::expectEnd("INPUT",
-                        "Error reading file: to.head_pm.0003\nThe time stamp is no number: " + text,
-                        [&] { written(domain); });
+        runs::expectEnd(
+            "INPUT", "Error reading file: to.head_pm.0003\nThe time stamp is not a number: " + text,
+            [&] { written(domain); });
     }
     run.problemPrefix = "nowhere/t";
     runs::expectEnd("FATAL", "Failed to open file: nowhere/to.pm.0003.vtk",

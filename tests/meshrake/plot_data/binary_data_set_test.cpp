@@ -220,10 +220,10 @@ TEST(BinaryDataSet, EndsWhereTextWouldGoWrong) {
           {"to.snowdepth.0001", resultFile("0", {Reals(2, 1.0)}), // snow without its last file
            "Tecplot flush file for olf " + unfit + "olf.szplt\n"},
           {"to.head_olf.0001", resultFile("now", {Reals(6, 1.0)}),
-           "The solution time of the pm domain is no number: now\nFile: to.head_olf.0001\n"},
-          {"to.head_olf.0001", resultFile("/", {Reals(6, 1.0)}), "is no number: /"},
-          {"to.head_olf.0001", resultFile("inf", {Reals(6, 1.0)}), "is no number: inf"},
-          {"to.head_olf.0001", resultFile("1e999", {Reals(6, 1.0)}), "is no number: 1e999"}}) {
+           "Error reading file: to.head_olf.0001\nThe time stamp is not a number: now\n"},
+          {"to.head_olf.0001", resultFile("/", {Reals(6, 1.0)}), "is not a number: /"},
+          {"to.head_olf.0001", resultFile("inf", {Reals(6, 1.0)}), "is not a number: inf"},
+          {"to.head_olf.0001", resultFile("1e999", {Reals(6, 1.0)}), "is not a number: 1e999"}}) {
         const Folder folder;
         write(good);
         put(c.name, c.contents);
