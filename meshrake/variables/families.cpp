@@ -87,7 +87,7 @@ void declareMember(Domain& domain, const VariableRow& row, const Member& member,
         declareSpeciesColumn(domain, row, member.species, member.name, column);
 }
 
-void readOrShare(const Domain& domain, OutputVar& var, std::span<Column> columns,
+void readOrShare(Domain& domain, OutputVar& var, std::span<Column> columns,
                  const std::string& name) {
     var.exists = file_units::exists(name);
     if (var.exists)
