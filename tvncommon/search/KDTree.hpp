@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tvncommon/search/point.hpp"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -13,8 +15,7 @@
 // is NaN is in no answer.
 namespace KDTree {
 
-template<std::size_t D>
-using Point = std::array<double, D>;
+using search::Point;
 
 template<std::size_t D>
 struct Box {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tvncommon/search/point.hpp"
+
 #include <array>
 #include <cstdint>
 #include <span>
@@ -17,7 +19,7 @@ namespace box_tree {
 inline constexpr std::size_t groupSize = 32; // larger ones take less time to build
 inline constexpr std::size_t fanOut = 8;
 
-using Point = std::array<double, 3>;
+using Point = search::Point<3>;
 
 // A box with its bounds. A new box is empty; infinite bounds are allowed.
 struct Box {
