@@ -1,7 +1,6 @@
 #pragma once
 
-// One whole run: the sequence from banner to exit. Returns the process status, 0 after a normal
-// exit and 1 after an error. `legacyVtk` also writes what no instruction asks for: the domains and
-// the locations of boundary conditions as legacy VTK files. Several runs may follow one another in
-// a process.
+// Does one run, from banner to exit. Returns the process status: 0 after a normal exit, 1 after an
+// error. With `legacyVtk` it also writes legacy VTK files of the domains and of the locations of
+// boundary conditions, which no instruction requests. A process may do several runs.
 int meshrake_main(int argc, const char* const* argv, bool legacyVtk = false);

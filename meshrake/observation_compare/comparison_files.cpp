@@ -25,7 +25,7 @@ std::string quoted(std::string_view text) {
     return '"' + std::string(text) + '"';
 }
 
-// All variables are lengths.
+// All variables are lengths, coordinates included.
 void writeUnits(int unit, std::initializer_list<std::string_view> names) {
     for (const std::string_view name : names)
         writeLine(unit, "# " + std::string(name) + " units: " + units::parseUnits("L"));

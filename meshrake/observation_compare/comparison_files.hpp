@@ -6,37 +6,35 @@
 #include <string>
 #include <string_view>
 
-// The two files of a comparison: observed against simulated values, with the line of equality and
-// the coefficient of determination, and the same with the positions.
+// The two files of a comparison. The plot file has observed and simulated values, the line of
+// equality and the coefficient of determination; the scatter file has positions and differences.
 namespace observation_compare {
 
 struct ComparisonTexts {
-    std::string_view plotFile, scatterFile; // behind "<prefix>o."
+    std::string_view plotFile, scatterFile; // after "<prefix>o."
     std::string_view observed, simulated;   // names of the two variables
     std::string_view scatterTitle;          // first line of the scatter file
     std::string dataZone;                   // title of the zone of points
-    std::string_view lastZone;              // word that opens the last zone
+    std::string_view lastZone;              // keyword of the last zone, in either case
 };
 
 struct Comparison {
     ComparisonTexts texts;
     int plotUnit = 0, scatterUnit = 0;
-    std::int32_t pointCount = 0; // points that took part so far, and what has come of them
+    std::int32_t pointCount = 0; // points so far, and their statistics
     double sumObserved = 0, sumSquaredError = 0;
     double lowest = 1e20, highest = -1e20;
 };
 
-// Creates both files with all that stands in front of the points.
+// Creates both files and writes everything before the points.
 Comparison openComparison(const ComparisonTexts& texts);
 
-// Writes a point that takes part into both files. A value that is no number leaves lowest and
-// highest as they are.
+// Writes a point to both files. A NaN does not change the lowest and highest value.
 void addPoint(Comparison& comparison, const box_tree::Point& position, double observed,
               double simulated);
 
-// Writes the statistics and closes the files. The spread about the mean is that of all observations
-// but those that are marked as outside the mesh, whether they took part or not. Gives the
-// observation set back.
+// Writes the statistics, closes the files and clears the observation set. The variance is that of
+// all observations that are not marked as outside the mesh, compared or not.
 void closeComparison(Comparison& comparison);
 
 } // namespace observation_compare

@@ -29,14 +29,14 @@ namespace {
                        " heads\"" + std::string(more));
 }
 
-// Column of a variable that the run made, null when it did not.
+// A column of a variable; null if the run does not have it.
 const model::Column* columnOf(const Domain& domain, std::string_view key, std::size_t column) {
     const model::OutputVar* var = model::findOutputVar(domain, key);
     return var && var->firstExists && column < var->columns.size() ? &var->columns[column]
                                                                    : nullptr;
 }
 
-// Simulated value at each node: heads of pm, depths of water of olf.
+// Simulated values of all nodes: heads of pm or water depths of olf. The other one is null.
 struct NodeValues {
     const std::vector<double>* heads = nullptr;
     const std::vector<float>* depths = nullptr;
@@ -63,7 +63,7 @@ double valueAt(const NodeValues& values, std::int32_t node) {
     return values.heads ? (*values.heads)[i] : static_cast<double>((*values.depths)[i]);
 }
 
-bool takesPart(std::size_t i) {
+bool isCompared(std::size_t i) {
     const model::ObservationSet& set = run.observations;
     const double* window = run.compareWindow.data();
     const auto within = [](double v, const double* bounds) {
@@ -76,16 +76,15 @@ bool takesPart(std::size_t i) {
 void checkElements(const Domain& pm) {
     const auto elements = static_cast<std::size_t>(pm.elementCount);
     for (std::size_t i = elements; i < run.observations.obsX.size(); ++i)
-        if (takesPart(i))
+        if (isCompared(i))
             error::input_error("Comparison of heads: observation " + std::to_string(i + 1) +
                                " takes part, but pm has only " + std::to_string(elements) +
                                " elements.\nIn a mesh of bricks each observation goes by the nodes "
                                "of the element of its own number.");
 }
 
-// The nodes are those of the element with the observation's number, whatever element holds the
-// point.
-double byShape(const Domain& pm, const NodeValues& values, std::size_t i) {
+// Uses the nodes of the element with the observation's number, whichever element contains it.
+double interpolated(const Domain& pm, const NodeValues& values, std::size_t i) {
     const std::int32_t* slots = model::slotsOf(pm, i);
     const auto slotCount = static_cast<std::size_t>(pm.nodesPerElement);
     Shape nodal{};
@@ -119,7 +118,7 @@ ComparisonTexts tableTexts() {
 
 const std::vector<double>& depthsToTable(const Domain& domain) {
     const model::Column* column = columnOf(domain, "depth2gwt", 0);
-    // A mesh of tetrahedra has the variable, but no values before its second output time.
+    // A mesh of tetrahedra has the variable, but no values at the first output time.
     if (!column || column->real8.size() != static_cast<std::size_t>(domain.nodeCount))
         resultMissing(
             domain, "Depth2GWT",
@@ -128,8 +127,8 @@ const std::vector<double>& depthsToTable(const Domain& domain) {
     return column->real8;
 }
 
-// Compares at the top nodes of the columns: the depth to the table, or its elevation under
-// `surface`.
+// Compares at the top nodes of the columns: the depth to the water table or, with the elevations
+// `surface` of all nodes, its elevation.
 void compareColumns(const Domain& domain, const ComparisonTexts& texts,
                     const std::vector<double>* surface) {
     const std::vector<double>& depths = depthsToTable(domain);
@@ -174,14 +173,14 @@ void compare_heads_output(const Domain& domain) {
     plot_data::TextBlock echo = plot_data::beginBlock(run.echoUnit);
     std::int32_t node = 0;
     for (std::size_t i = 0; i < set.obsX.size(); ++i) {
-        if (!takesPart(i)) continue;
-        // Shapes are those of pm's elements: at the surface of such a run they are all zero.
+        if (!isCompared(i)) continue;
+        // Shape values belong to elements of pm: for olf in a mesh of bricks they are all 0.
         double simulated = 0;
         if (!bricks) {
             find_node({set.obsX[i], set.obsY[i], set.obsZ[i]}, nodes[i], node, domain, echo);
             simulated = valueAt(values, node);
         } else if (isPm) {
-            simulated = byShape(domain, values, i);
+            simulated = interpolated(domain, values, i);
         }
         addPoint(comparison,
                  {set.obsX[i], set.obsY[i], isPm ? set.obsZ[i] : position(domain, node)[2]},

@@ -2,18 +2,19 @@
 
 #include "meshrake/model/domain.hpp"
 
-// Results of the last output time beside the observation set of the run, which is given back at the
-// end. A result that the run never had ends it, with a word on what brings it.
+// Compares results of the last output time with the observation set of the run, which is empty
+// afterwards. A result that the run does not have ends it; the message says what provides the
+// result.
 namespace observation_compare {
 
-// Heads of pm, or depths of water of olf, for the observations within the window that the control
-// file gives: at the nearest node or, when elements were looked for, by the shape values of the
-// point and the nodes of the element that bears the observation's own number. An observation that
-// takes part then and has no such element ends the run.
+// Compares heads of pm, or water depths of olf, inside the ranges of the control file: at the
+// nearest node or, in a mesh of bricks, interpolated with the shape values of the observation.
+// Observation i uses the nodes of element i, whichever element contains it; the run ends if an
+// observation to compare has no such element.
 void compare_heads_output(const model::Domain& domain);
 
-// Elevation of the water table, and depth to it, at the top of the nearest column, for all
-// observations.
+// Compare the elevation of the water table, and the depth to it, at the top of the nearest column,
+// for all observations.
 void compare_gwtable_elevation_output(const model::Domain& domain);
 void compare_deth2gwtable_output(const model::Domain& domain);
 

@@ -27,16 +27,17 @@ int coordinateCount(const Box& box) {
     return localCoordinates(box, {}, unused);
 }
 
-// The part of space outside which the element cannot hold a point, rounding of the local
-// coordinates included. A direction without extent tells nothing. False when numbers are too large
-// for that.
-bool reach(const Box& box, Box& bounds) {
+// Sets bounds outside which the element cannot contain a point, with a margin for the tolerance and
+// rounding of local coordinates. A direction without extent has infinite bounds. False if the
+// numbers are too large for that.
+bool searchBounds(const Box& box, Box& bounds) {
     for (std::size_t a = 0; a < 3; ++a) {
         const double low = box.low[a];
         const double high = box.high[a];
         const double span = high - low;
+        // |rst| <= 1 + t admits t * span / 2 on each side; 0.6 leaves a margin.
         constexpr double tolerance = 0.6 * (insideTolerance - 1);
-        constexpr double rounding = 1e-14;
+        constexpr double rounding = 1e-14; // 45 times the machine epsilon
         const double slack = tolerance * span + rounding * (std::abs(low) + std::abs(high));
         bounds.low[a] = span == 0 ? -infinity : low - slack;
         bounds.high[a] = span == 0 ? infinity : high + slack;
@@ -46,7 +47,7 @@ bool reach(const Box& box, Box& bounds) {
     return true;
 }
 
-// Local coordinates after the loop has passed the element.
+// Local coordinates after the loop has tested the element.
 LocalPoint coordinatesAt(const ElementSearch& search, const Box& box, std::int32_t element,
                          const Point& point) {
     LocalPoint rst = search.rst;
@@ -79,16 +80,16 @@ std::int32_t loopOverAll(ElementSearch& search, const Point& point) {
     return 0;
 }
 
-// Takes up elements in ascending order.
-void classify(ElementSearch& search, std::int32_t element, const Box& box,
-              std::array<std::int32_t, 3>& lastSet) {
+// Adds elements in ascending order.
+void addElement(ElementSearch& search, std::int32_t element, const Box& box,
+                std::array<std::int32_t, 3>& lastSet) {
     const int own = coordinateCount(box);
     for (std::size_t k = 0; k < static_cast<std::size_t>(own); ++k) lastSet[k] = element;
     if (own < 3) search.partial.push_back({element, lastSet});
     Box bounds;
-    // An element that sets nothing is where the one before it was: outside. Only the first element
-    // stands behind one of another search, which may have been inside.
-    if (own == 0 ? element == 0 : !reach(box, bounds)) search.always.push_back(element);
+    // An element that sets nothing keeps the coordinates of the one before it, which was outside.
+    // Only the first element keeps those of the last search, which may have been inside.
+    if (own == 0 ? element == 0 : !searchBounds(box, bounds)) search.always.push_back(element);
 }
 
 std::vector<std::int32_t> orderOf(const std::vector<Box>& boxes) {
@@ -129,7 +130,7 @@ void prepare(ElementSearch& search, const Domain& domain) {
     std::array<std::int32_t, 3> lastSet{-1, -1, -1};
     for (std::size_t e = 0; e < boxes.size(); ++e) {
         boxes[e] = elementBox(domain, e);
-        classify(search, static_cast<std::int32_t>(e), boxes[e], lastSet);
+        addElement(search, static_cast<std::int32_t>(e), boxes[e], lastSet);
     }
 
     const std::vector<std::int32_t> order = orderOf(boxes);
@@ -144,14 +145,14 @@ void prepare(ElementSearch& search, const Domain& domain) {
         const Box& box = boxes[static_cast<std::size_t>(order[i])];
         search.items[i] = {box, order[i]};
         Box bounds;
-        if (coordinateCount(box) == 0 || !reach(box, bounds)) continue; // see `classify`
+        if (coordinateCount(box) == 0 || !searchBounds(box, bounds)) continue; // see `addElement`
         extend(groups[i / groupSize], bounds.low, bounds.high);
         lowest[i / groupSize] = std::min(lowest[i / groupSize], order[i]);
     }
     box_tree::build(search.tree, groups, lowest);
 }
 
-std::int32_t holdingElement(ElementSearch& search, const Point& point) {
+std::int32_t containingElement(ElementSearch& search, const Point& point) {
     if (!isFinite(point)) return loopOverAll(search, point);
     const std::int32_t count = search.domain->elementCount;
     std::int32_t best = count;

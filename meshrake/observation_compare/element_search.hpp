@@ -9,12 +9,12 @@
 
 namespace observation_compare {
 
-// Finds the element that holds a point: the one at which a loop over all elements in ascending
-// order would stop. Elements are tested by the box of their nodes.
+// Finds the element that contains a point, with the result of this loop: test all elements in
+// ascending order, each by the box of its nodes, and stop at the first one.
 //
-// The loop keeps one set of local coordinates from element to element and from point to point, and
-// an element without extent in some direction sets only some of them. Such an element is inside or
-// not by a coordinate that an earlier element left behind; `Partial` tells which.
+// The loop uses one set of local coordinates for all elements and points. An element without extent
+// in some direction sets only some of them, so its test also depends on coordinates that earlier
+// elements have set; `Partial` says which elements.
 struct ElementSearch {
     struct Item {
         box_tree::Box box;
@@ -28,17 +28,18 @@ struct ElementSearch {
     std::vector<Item> items;               // elements in the order of the tree
     box_tree::Tree tree;
     std::vector<Partial> partial;     // ascending: elements that set fewer than three coordinates
-    std::vector<std::int32_t> always; // ascending: elements that no box can tell from others
+    std::vector<std::int32_t> always; // ascending: elements without useful bounds, always tested
     LocalPoint rst{};                 // as the last search left them
 };
 
+// Builds the tree of the domain's elements.
 void prepare(ElementSearch& search, const model::Domain& domain);
 
-// Number of the first element that holds the point, 0 when none does. `rst` then has the local
-// coordinates in that element.
-std::int32_t holdingElement(ElementSearch& search, const box_tree::Point& point);
+// Returns the number of the first element that contains the point and sets `rst` to the local
+// coordinates in it. Returns 0 if there is none; `rst` is then what the loop leaves.
+std::int32_t containingElement(ElementSearch& search, const box_tree::Point& point);
 
-// Box of the element's nodes, over the slots that it uses; elements count from 0.
+// Box of the nodes of an element (from 0), without its unused slots.
 box_tree::Box elementBox(const model::Domain& domain, std::size_t element);
 
 } // namespace observation_compare

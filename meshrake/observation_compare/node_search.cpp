@@ -39,8 +39,8 @@ std::array<std::span<const double>, 3> axesOf(const NodeSet& nodes) {
             std::span(nodes.domain.z).first(count)};
 }
 
-// Puts nodes side by side. Coordinates in plan have no z, and those of no node are no numbers; both
-// these and infinite ones are nowhere near a point.
+// Stores coordinates axis by axis, so that one instruction handles several nodes. Unused entries
+// are NaN: like infinite coordinates, they are not near any point.
 void fillGroup(const NodeSet& nodes, std::span<const std::int32_t> members, Group& group,
                Box& box) {
     for (std::size_t k = 0; k < members.size(); ++k) group.node[k] = members[k] + 1;
@@ -78,16 +78,16 @@ Index buildIndex(const NodeSet& nodes) {
     return index;
 }
 
-// Squares up to this may have a root that rounds to the same distance as that of `square`.
+// A larger square has a root that rounds to a greater distance than that of `square`.
 double boundOf(double square) {
     return square * (1 + 1e-15) + std::numeric_limits<double>::min();
 }
 
-// Among nodes whose distances round to the same number the first one counts.
+// The nearest node so far. Of nodes whose distances round to the same number, the lowest counts.
 struct Best {
     double distance = farthest;
     std::int32_t node = 0;
-    double bound = boundOf(farthest * farthest);
+    double bound = boundOf(farthest * farthest); // squares above it need no root
 };
 
 void searchGroup(const Group& group, const Point& p, Best& best) {
@@ -107,7 +107,7 @@ void searchGroup(const Group& group, const Point& p, Best& best) {
     }
 }
 
-// `hint` is a node that may be near, or 0: its distance keeps the search short from the start.
+// `hint` is a node that may be near, or 0. Its distance limits the search from the start.
 std::int32_t nearest(const NodeSet& nodes, const Index& index, const Point& p, std::int32_t hint) {
     if (!std::isfinite(p[0]) || !std::isfinite(p[1]) || !std::isfinite(p[2])) return 0;
     Best best;
@@ -141,7 +141,7 @@ char* putLine(std::string_view label, std::span<const double> values, char* out)
     return out + 1;
 }
 
-// `axes` counts the coordinates that the search went by.
+// `axes` is 3 for a search in space, 2 for one in plan.
 void echoSearch(plot_data::TextBlock& echo, const Point& target, const Point& found,
                 std::size_t axes) {
     const bool inSpace = axes == 3;
@@ -160,8 +160,8 @@ std::vector<std::int32_t> nearestNodes(const NodeSet& nodes, std::span<const dou
     const Index index = buildIndex(nodes);
     std::vector<std::int32_t> found;
     ArrayHelpers::allocateArray(found, static_cast<std::int64_t>(x.size()), arrayName);
-    // Neighbours one after the other find the tree at hand and are hints to each other; a rough
-    // order does for that.
+    // In spatial order, a point finds its part of the tree in the cache and the node of the point
+    // before it as a hint. A coarse order is enough.
     constexpr std::size_t runLength = 256;
     std::int32_t hint = 0;
     for (const std::int32_t point : box_tree::spatialOrder(x, y, z, runLength)) {

@@ -18,7 +18,7 @@ using model::run;
 
 namespace {
 
-// Every measurement takes a line, be it of a single character.
+// Each observation begins a line: at least one character and the line's end.
 constexpr std::int64_t leastLine = 2;
 
 void readItems(int unit, std::span<const free_form::Item> items) {
@@ -42,7 +42,7 @@ void readSet(const std::string& table, const std::string& arrays, bool inSpace) 
     const int unit = file_units::openTextRead(name);
     std::int32_t count = 0;
     readItems(unit, std::array<free_form::Item, 1>{&count});
-    // The last line may lack its end.
+    // The last line may have no line end.
     if (count < 0 || count > (io_layer::bytesLeft(unit) + 1) / leastLine)
         file_units::badContents(unit, "The number of observations, " + std::to_string(count) +
                                           ", does not fit the size of the file");

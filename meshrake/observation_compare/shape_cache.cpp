@@ -33,15 +33,15 @@ constexpr std::size_t lineWidth = shapeBegin + 8 * shapeStep - 1;
 // A value without an exponent has four blanks in its place, which an editor may remove.
 constexpr std::size_t trimmedWidth = lineWidth - 4;
 
-// The only word of a field; empty when there are several, or what free form takes for more than a
-// number.
-std::string_view onlyWord(std::string_view field) {
+// The word of a field; empty if it has several, or a character with a meaning of its own in free
+// form.
+std::string_view singleWord(std::string_view field) {
     const std::string_view word = StringHelpers::trimLeft(StringHelpers::trimRight(field));
     return word.find_first_of(" \t,/*") == std::string_view::npos ? word : std::string_view();
 }
 
-// A file that is cut before its last exponent ends like one without trailing blanks. The values of
-// the cut one do not add up: to 1, or to -8 for a point outside the mesh.
+// The shape values of a point add up to 1, the eight entries of -1 to -8. A file that is cut before
+// its last exponent looks like one without trailing blanks, but its values do not add up.
 bool addUp(std::span<const double> shape) {
     constexpr double tolerance = 1.0e-6;
     const double sum = std::accumulate(shape.begin(), shape.end(), 0.0);
@@ -60,10 +60,10 @@ int readCacheLine(int unit, std::int32_t& element, std::span<double> shape) {
     const bool hasEnd = begin - io_layer::bytesLeft(unit) > length;
     text.resize(std::max(text.size(), lineWidth), ' ');
     const std::string_view line = text;
-    bool good = free_form::readInteger(onlyWord(line.substr(0, elementWidth)), element) == 0;
+    bool good = free_form::readInteger(singleWord(line.substr(0, elementWidth)), element) == 0;
     for (std::size_t k = 0; k < shape.size(); ++k) {
         const std::string_view field = line.substr(shapeBegin + k * shapeStep, shapeWidth);
-        good = free_form::readReal(onlyWord(field), shape[k]) == 0 && good;
+        good = free_form::readReal(singleWord(field), shape[k]) == 0 && good;
     }
     if (good && isShort && !hasEnd && !addUp(shape)) return io_layer::readFailed;
     return good ? io_layer::ok : io_layer::invalidCharacter;
@@ -88,7 +88,7 @@ void writeCacheLine(int unit, std::int32_t element, const Shape& shape) {
 
 void searchElements(ElementSearch& search, int unit) {
     model::ObservationSet& set = run.observations;
-    // Progress in blocks that a person still sees move.
+    // One write for many lines of progress, but often enough to be seen.
     constexpr std::size_t linesAtOnce = 200;
     plot_data::TextBlock progress = plot_data::beginBlock(io_layer::screen);
     const std::string of = " of " + std::to_string(set.obsCount) + " observation points";
@@ -96,7 +96,7 @@ void searchElements(ElementSearch& search, int unit) {
         appendLine(progress, " " + std::to_string(i + 1) + of);
         if (i % linesAtOnce == 0) writeBlock(progress);
         const std::int32_t element =
-            holdingElement(search, {set.obsX[i], set.obsY[i], set.obsZ[i]});
+            containingElement(search, {set.obsX[i], set.obsY[i], set.obsZ[i]});
         Shape shape;
         shape.fill(-1);
         if (element > 0) {

@@ -4,15 +4,15 @@
 
 namespace observation_compare {
 
-// Elements that hold the points of the observation set, and their shape values there.
+// Sets the element that contains each observation, and its shape values there.
 //
-// They come from <prefix>o.ObsShape.txt if that exists: a line for each point, the element number
-// in 10 columns and eight times a blank, a blank more and 18 columns of a shape value; a point
-// outside the mesh has -1 throughout. The file is trusted as it stands; one that is too short or
-// cannot be read ends the run with its name.
+// If <prefix>o.ObsShape.txt exists, they are read from it: a line for each observation, with the
+// element number in 10 columns, a blank, and eight times a blank and a shape value in 18 columns;
+// an observation outside the mesh has -1 in all of them. Nothing checks that the file belongs to
+// this mesh. One that is too short or cannot be read ends the run; the message names it.
 //
-// Otherwise the points are searched for, with a line of progress on the screen for each, and the
-// file is written. A point outside then keeps zeros in the set.
+// Otherwise the elements are searched, with a line of progress on the screen for each observation,
+// and the file is written. An observation outside the mesh then keeps zeros in the set.
 void obs_points_shape(const model::Domain& domain);
 
 } // namespace observation_compare

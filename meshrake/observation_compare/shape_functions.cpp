@@ -8,8 +8,8 @@ namespace observation_compare {
 
 namespace {
 
-// Place between the ends of a box, which must lie apart, from -1 to 1.
-double between(double value, double low, double high) {
+// Maps low to -1 and high to 1; they must differ.
+double scaled(double value, double low, double high) {
     const double coordinate = (2 * value - high - low) / (high - low);
     return std::isnan(coordinate) ? 0 : coordinate;
 }
@@ -19,7 +19,7 @@ double between(double value, double low, double high) {
 int localCoordinates(const box_tree::Box& box, const box_tree::Point& point, LocalPoint& rst) {
     std::size_t n = 0;
     for (std::size_t a = 0; a < 3; ++a) {
-        if (box.high[a] - box.low[a] != 0) rst[n++] = between(point[a], box.low[a], box.high[a]);
+        if (box.high[a] - box.low[a] != 0) rst[n++] = scaled(point[a], box.low[a], box.high[a]);
     }
     return static_cast<int>(n);
 }
@@ -34,7 +34,7 @@ void get_rst_from_xyz(std::int32_t elementType, std::int32_t dimensions,
     std::size_t n = 0;
     for (std::size_t a = 0; a < count; ++a)
         if (maxCorner[a] - minCorner[a] != 0)
-            rst[n++] = between(point[a], minCorner[a], maxCorner[a]);
+            rst[n++] = scaled(point[a], minCorner[a], maxCorner[a]);
     outside = std::ranges::any_of(rst.first(count),
                                   [](double r) { return std::abs(r) > insideTolerance; });
 }

@@ -15,7 +15,7 @@ constexpr int narrowWidth = 15;
 constexpr int narrowDigits = 5;
 constexpr std::size_t scalarsPerLine = 6;
 
-// A viewer would choke on numbers that no single-precision one can hold.
+// A reader with single precision may fail at smaller magnitudes.
 constexpr double leastShown = static_cast<double>(1.0e-30F);
 
 void writeLabel(std::string_view label, std::int32_t values, std::int32_t dataIndex, int unit) {

@@ -7,25 +7,25 @@
 #include <vector>
 
 // Points and arrays of a legacy VTK file. A label has the form "POINT_DATA,SCALARS head float":
-// keyword of the section, comma, line of the array. The array for which `dataIndex` is 1 opens the
-// section; one with another keyword behind it opens none of its own. A failed write ends the run.
+// keyword of the section, comma, line of the array. The keyword is written only with the first
+// array of a section, for which `dataIndex` is 1. A failed write ends the run.
 namespace paraview {
 
-// Of the mesh that an array belongs to.
+// The nodes or elements of an array.
 struct Extent {
-    std::int32_t count = 0;             // nodes or elements
-    const std::uint8_t* mask = nullptr; // one entry for each; only vectors look at it
-    bool truncated = false;             // scalars have no values then
+    std::int32_t count = 0;
+    const std::uint8_t* mask = nullptr; // `count` entries, 1: included; only for vectors
+    bool truncated = false;             // scalars are then written without values
 };
 
-// Scalars, six to a line. Magnitudes below 1e-30 among the 64-bit values become 0, also in the
-// array. An array without values gives its label alone.
+// Write scalars, six to a line; without values, only the label. 64-bit values below 1e-30 in
+// magnitude become 0, in the array too.
 void write_paraview_darray(std::span<double> values, const Extent& extent, std::string_view label,
                            std::int32_t dataIndex, int unit);
 void write_paraview_array(std::span<const float> values, const Extent& extent,
                           std::string_view label, std::int32_t dataIndex, int unit);
 
-// Vectors of three and of two components, one to a line, where the mask is set.
+// Write vectors of three or two components, one to a line, where the mask is 1.
 void write_paraview_vector_array(std::span<const float> vx, std::span<const float> vy,
                                  std::span<const float> vz, const Extent& extent,
                                  std::string_view label, std::int32_t dataIndex, int unit);
@@ -39,13 +39,13 @@ void write_paraview_vector_2d_darray(std::span<const double> vx, std::span<const
                                      const Extent& extent, std::string_view label,
                                      std::int32_t dataIndex, int unit);
 
-// The head line of the points and a line for each: its value of every coordinate.
-// The values of a coordinate with an empty span are 0.
+// Writes the header line of the points and a line with the coordinates of each. A coordinate with
+// an empty span is 0.
 void writePoints(const std::vector<std::span<const double>>& coordinates, std::int32_t points,
                  int unit);
 
-// Fields of these files: a real of 15 columns with five digits, which are stars for an exponent of
-// three digits; an integer of 10 columns.
+// Fields of these files: a real of 15 columns with five digits, stars if its exponent has three
+// digits; an integer of 10 columns.
 std::string narrowReal(double value);
 std::string count(std::int64_t value);
 

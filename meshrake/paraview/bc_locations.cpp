@@ -19,7 +19,7 @@ namespace paraview {
 namespace {
 
 constexpr std::size_t lineLength = 1000;
-constexpr std::size_t mostNames = 1000;
+constexpr std::size_t maximumNames = 1000;
 constexpr std::size_t nameLengthLimit = 300;
 
 bool nextLine(int unit, std::string& line) {
@@ -28,8 +28,8 @@ bool nextLine(int unit, std::string& line) {
     return true;
 }
 
-// A line that must be there.
-std::string needLine(int unit) {
+// Reads a line; the end of the file ends the run.
+std::string requiredLine(int unit) {
     std::string line;
     if (!nextLine(unit, line)) error::checkFileRead(io_layer::endOfFile, io_layer::pathOf(unit));
     return line;
@@ -48,7 +48,7 @@ std::size_t countDimensions(const std::string& line) {
 }
 
 std::int32_t readPointCount(int unit) {
-    const std::string line = needLine(unit);
+    const std::string line = requiredLine(unit);
     const std::size_t mark = line.find("I=");
     if (mark == std::string::npos) file_units::badContents(unit, "I= is missing: " + line);
     constexpr std::int32_t unread = std::numeric_limits<std::int32_t>::min();
@@ -100,15 +100,15 @@ void addition_paraview_bclocationout() {
 }
 
 void convert_bc_file_into_paraviewformat(int inputUnit, int outputUnit) {
-    needLine(inputUnit);
-    const std::size_t dimensions = countDimensions(needLine(inputUnit));
+    requiredLine(inputUnit);
+    const std::size_t dimensions = countDimensions(requiredLine(inputUnit));
     const std::int32_t points = readPointCount(inputUnit);
     if (points < 0) file_units::checkCount(inputUnit, points, 1, "points");
 
     std::vector<std::vector<double>> xyz(dimensions);
     for (std::vector<double>& coordinates : xyz) {
-        if (needLine(inputUnit).find('#') == std::string::npos) continue;
-        // A number has a byte at least; the last one may lack the end of its line.
+        if (requiredLine(inputUnit).find('#') == std::string::npos) continue;
+        // A number takes at least one byte; the last one may have no line end.
         file_units::checkCount(inputUnit, points, 1, "points");
         ArrayHelpers::allocateArray(coordinates, points, "convert bc file to paraview xyz array");
         readNumbers(inputUnit, coordinates);
@@ -125,8 +125,8 @@ void get_bc_names_from_bc_file(int unit, std::vector<std::string>& names, std::s
     std::string line;
     while (nextLine(unit, line)) {
         if (line.find("! name") == std::string::npos) continue;
-        if (names.size() == mostNames)
-            file_units::badContents(unit, "There are more than " + std::to_string(mostNames) +
+        if (names.size() == maximumNames)
+            file_units::badContents(unit, "There are more than " + std::to_string(maximumNames) +
                                               " names of boundary conditions.");
         names.push_back(firstWord(line).substr(0, nameLength));
     }

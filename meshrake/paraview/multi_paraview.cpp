@@ -26,7 +26,7 @@ using model::run;
 
 namespace {
 
-// The file that is written, and the number of arrays so far in the current section.
+// The file, and the number of arrays so far in the current section.
 struct Output {
     Domain& domain;
     int unit;
@@ -41,7 +41,7 @@ std::string wideInteger(std::int32_t value) {
     return number_formats::integerField(value, number_formats::wideRealWidth);
 }
 
-// Whether the first pass found the variable, and nobody has switched it off since.
+// True if the first pass found the variable and its option is enabled.
 bool isShown(const Domain& domain, std::string_view key, Option option) {
     const OutputVar* var = model::findOutputVar(domain, key);
     return var && var->firstExists && model::enabled(domain, option);
@@ -76,7 +76,7 @@ void writeHead(const Output& out) {
     line(out, time);
 }
 
-// Number of the cell type of elements with so many slots.
+// VTK cell type of elements with this many slots: line, triangle, quadrilateral, brick.
 int cellType(std::int32_t nodesPerElement) {
     constexpr std::pair<std::int32_t, int> types[] = {{2, 3}, {3, 8}, {4, 9}, {6, 12}, {8, 12}};
     for (const auto& [slots, type] : types)
@@ -86,7 +86,7 @@ int cellType(std::int32_t nodesPerElement) {
 
 using CellStep = void (*)(const Output&, const CellPattern&, const std::int32_t* slots);
 
-// Only the first elements, as many as are included, are looked at, of which some may not be.
+// Calls the step for the included ones of the first `neTruncated` elements, not of all elements.
 void forEachCell(const Output& out, const CellPattern& pattern, CellStep step) {
     const Domain& domain = out.domain;
     const CellPattern& triangle = model::cellPattern(3);
@@ -138,7 +138,7 @@ Extent elements(const Domain& domain) {
     return {domain.elementCount, domain.elementIncluded.data(), domain.outputIsPacked};
 }
 
-// A column that is not there, or was never filled, gives its label alone.
+// Only the label is written of a column that is missing or has no values.
 void writeColumn(Output& out, OutputVar& var, std::size_t column, const Extent& extent,
                  std::string_view label) {
     model::Column none;

@@ -4,9 +4,9 @@
 
 namespace paraview {
 
-// Writes mesh and values of a domain with nodes of its own, as they are at the current output time,
-// to the legacy VTK file <prefix>o.<domain>.<index>.vtk. Which variables stand in it was decided in
-// the first pass. A time stamp that is no number and a failed open or write end the run.
+// Writes mesh and values of pm or a multi-node domain at the current output time to the legacy VTK
+// file <prefix>o.<domain>.<index>.vtk, with the variables that the first pass found. An invalid
+// time stamp and a failed open or write end the run.
 void multiParaview(model::Domain& domain);
 
 } // namespace paraview

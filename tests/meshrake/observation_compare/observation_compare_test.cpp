@@ -116,7 +116,7 @@ TEST(ElementSearch, StopsWhereTheLoopOverAllElementsDoes) {
         for (int i = 0; i < 450; ++i) {
             const Point p = pointNear(mesh, random, round % 4);
             const std::int32_t expected = plainFind(mesh, p, rst);
-            ASSERT_EQ(holdingElement(search, p), expected) << "round " << round;
+            ASSERT_EQ(containingElement(search, p), expected) << "round " << round;
             ASSERT_EQ(search.rst, rst) << "round " << round;
             found += expected > 0;
         }
