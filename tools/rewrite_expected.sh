@@ -15,7 +15,9 @@ if ! MESHRAKE_REWRITE_EXPECTED=1 ctest --preset release --parallel "$(nproc)" \
     echo "Some tests failed; their expected files may be incomplete." >&2
     exit 1
 fi
-build/tools/print_variables >"$log"
-cp "$log" docs/variables.md
+for subject in variables instructions; do
+    build/tools/print_$subject >"$log"
+    cp "$log" docs/$subject.md
+done
 
 git --no-pager diff --stat -- tests/expected docs
