@@ -17,20 +17,21 @@ constexpr std::int64_t noCall = -1; // even an empty array needs a call
 constexpr std::int64_t unshared = 0;
 
 // A variable can share an array of the same type, location and number of values.
-bool shareFits(const Zone& zone, const Zone& source, std::size_t v) {
+bool canShareValues(const Zone& zone, const Zone& source, std::size_t v) {
     return source.types[v] == zone.types[v] && source.locations[v] == zone.locations[v] &&
            valueCount(source, v) == valueCount(zone, v);
 }
 
-bool meshFits(const Zone& zone, const Zone& source) {
+bool canShareMesh(const Zone& zone, const Zone& source) {
     return source.type == zone.type && source.elements == zone.elements &&
            source.nodes == zone.nodes;
 }
 
 // Zones after the first new one of a resumed data set share with zone 1.
 bool fitsFirstZone(const Zone& zone, const Zone& first) {
-    bool fits = meshFits(zone, first);
-    for (std::size_t v = 0; fits && v < zone.types.size(); ++v) fits = shareFits(zone, first, v);
+    bool fits = canShareMesh(zone, first);
+    for (std::size_t v = 0; fits && v < zone.types.size(); ++v)
+        fits = canShareValues(zone, first, v);
     return fits;
 }
 
@@ -44,7 +45,7 @@ bool resolveShares(const std::vector<Zone>& zones, Zone& zone) {
     for (std::size_t v = 0; v < zone.shares.size(); ++v) {
         std::int32_t& share = zone.shares[v];
         if (share == unshared) continue;
-        if (share < 0 || share > earlier || !shareFits(zone, sourceOf(share), v)) return false;
+        if (share < 0 || share > earlier || !canShareValues(zone, sourceOf(share), v)) return false;
         if (sourceOf(share).shares[v] > 0) share = sourceOf(share).shares[v];
     }
     std::int32_t& share = zone.connectivityShare;
@@ -52,7 +53,7 @@ bool resolveShares(const std::vector<Zone>& zones, Zone& zone) {
     if (share < 0 || share > earlier) return false;
     const Zone& source = sourceOf(share);
     if (source.connectivityShare > 0) share = source.connectivityShare;
-    return meshFits(zone, source);
+    return canShareMesh(zone, source);
 }
 
 // Every array needs a call, even if it has no values.

@@ -49,7 +49,7 @@ DataFile* find(const void* handle) {
 // Calls `step` for the data set of a handle. After a failure every call but the close is refused,
 // so that nothing more is written.
 template<class Step>
-int32_t with(void* handle, Step step) {
+int32_t runStep(void* handle, Step step) {
     DataFile* file = find(handle);
     if (!file || file->failed) return refused;
     int status = io_layer::outOfMemory;
@@ -63,8 +63,8 @@ int32_t with(void* handle, Step step) {
 }
 
 template<class Step>
-int32_t withZone(void* handle, int32_t zone, int32_t partition, Step step) {
-    return with(handle, [&](DataFile& file) {
+int32_t runZoneStep(void* handle, int32_t zone, int32_t partition, Step step) {
+    return runStep(handle, [&](DataFile& file) {
         const bool current = zone > 0 && zone == file.current.number && partition == 0;
         return current ? step(file) : refused;
     });
@@ -106,7 +106,7 @@ bool allIn(const std::vector<std::int32_t>& list, std::int32_t least, std::int32
 template<class T>
 int32_t writeValues(void* handle, int32_t zone, int32_t var, int32_t partition, int64_t count,
                     const T* values, std::int32_t type) {
-    return withZone(handle, zone, partition, [&](DataFile& file) -> int {
+    return runZoneStep(handle, zone, partition, [&](DataFile& file) -> int {
         const std::vector<std::int32_t>& types = file.current.zone.types;
         if (var < 1 || var > static_cast<std::int32_t>(types.size())) return refused;
         const auto v = static_cast<std::size_t>(var - 1);
@@ -164,25 +164,25 @@ int32_t tecFileWriterOpen(const char* fileName, const char* dataSetTitle, const 
 }
 
 int32_t tecFileWriterFlush(void* fileHandle, int32_t, const int32_t*) {
-    return with(fileHandle, tecio::flush);
+    return runStep(fileHandle, tecio::flush);
 }
 
 int32_t tecFileWriterClose(void** fileHandle) {
-    const int32_t status = with(*fileHandle, tecio::finish);
+    const int32_t status = runStep(*fileHandle, tecio::finish);
     if (const DataFile* file = find(*fileHandle)) closeAndDiscard(std::string(file->path));
     *fileHandle = nullptr;
     return status;
 }
 
 int32_t tecDataSetAddAuxData(void* fileHandle, const char* name, const char* value) {
-    return with(fileHandle, [&](DataFile& file) {
+    return runStep(fileHandle, [&](DataFile& file) {
         return addAux(file, value,
                       [&](std::string_view text) { return tecio::auxBytes(name, text); });
     });
 }
 
 int32_t tecVarAddAuxData(void* fileHandle, int32_t var, const char* name, const char* value) {
-    return with(fileHandle, [&](DataFile& file) {
+    return runStep(fileHandle, [&](DataFile& file) {
         if (var < 1 || var > static_cast<std::int32_t>(file.head.variables.size())) return refused;
         return addAux(file, value, [&](std::string_view text) {
             return tecio::variableAuxBytes(var, name, text);
@@ -195,7 +195,7 @@ int32_t tecZoneCreateFE(void* fileHandle, const char* zoneTitle, int32_t zoneTyp
                         const int32_t* shareVarFromZone, const int32_t* valueLocations,
                         const int32_t* passiveVarList, int32_t connectivityShareZone,
                         int64_t numFaceConnections, int32_t, int32_t* zone) {
-    return with(fileHandle, [&](DataFile& file) -> int {
+    return runStep(fileHandle, [&](DataFile& file) -> int {
         const auto listOf = [&](const int32_t* first) {
             return std::vector<std::int32_t>(first, first + file.head.variables.size());
         };
@@ -220,7 +220,7 @@ int32_t tecZoneCreateFE(void* fileHandle, const char* zoneTitle, int32_t zoneTyp
 
 int32_t tecZoneSetUnsteadyOptions(void* fileHandle, int32_t zone, double solutionTime,
                                   int32_t strand) {
-    return withZone(fileHandle, zone, 0, [&](DataFile& file) {
+    return runZoneStep(fileHandle, zone, 0, [&](DataFile& file) {
         return std::isfinite(solutionTime) && strand >= 0
                    ? tecio::setTime(file, solutionTime, strand)
                    : refused;
@@ -229,7 +229,7 @@ int32_t tecZoneSetUnsteadyOptions(void* fileHandle, int32_t zone, double solutio
 
 int32_t tecZoneNodeMapWrite32(void* fileHandle, int32_t zone, int32_t partition,
                               int32_t nodesAreOneBased, int64_t count, const int32_t* nodes) {
-    return withZone(fileHandle, zone, partition, [&](DataFile& file) {
+    return runZoneStep(fileHandle, zone, partition, [&](DataFile& file) {
         return tecio::writeNodes(file, count, nodes, nodesAreOneBased ? 1 : 0);
     });
 }

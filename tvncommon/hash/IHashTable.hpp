@@ -19,12 +19,12 @@ struct Kind {
         return std::int64_t{key % bucketCount} + 1;
     }
 
-    struct Prepared {
+    struct LookupKey {
         View key;
-        explicit Prepared(View given) : key(given) {}
+        explicit LookupKey(View given) : key(given) {}
     };
     static bool same(Key a, View b) { return a == b; }
-    static void keep(View key, Key& own) { own = key; }
+    static void store(View key, Key& own) { own = key; }
 };
 
 using Table = hash_chains::Table<Kind>;

@@ -27,7 +27,7 @@ std::int64_t Kind::hash(std::int32_t bucketCount, View key) {
     return static_cast<std::int64_t>(h) % bucketCount + 1;
 }
 
-Kind::Prepared::Prepared(View given) {
+Kind::LookupKey::LookupKey(View given) {
     if (given.size() > few.size())
         ArrayHelpers::allocateArray(many, static_cast<std::int64_t>(given.size()), keyName);
     const std::span<std::int32_t> copy =
@@ -41,7 +41,7 @@ bool Kind::same(const Key& a, View b) {
     return std::ranges::equal(a, b);
 }
 
-void Kind::keep(View key, Key& own) {
+void Kind::store(View key, Key& own) {
     ArrayHelpers::allocateArray(own, static_cast<std::int64_t>(key.size()), keyName);
     std::ranges::copy(key, own.begin());
 }

@@ -27,16 +27,16 @@ struct Kind {
     static std::int64_t hash(std::int32_t bucketCount, View key);
 
     // A sorted copy of a key, without allocation for up to 16 nodes.
-    struct Prepared {
+    struct LookupKey {
         std::array<std::int32_t, 16> few;
         Key many; // used for more than 16 nodes
         View key; // of the one that is used
-        explicit Prepared(View given);
-        Prepared(const Prepared&) = delete;
-        Prepared& operator=(const Prepared&) = delete;
+        explicit LookupKey(View given);
+        LookupKey(const LookupKey&) = delete;
+        LookupKey& operator=(const LookupKey&) = delete;
     };
     static bool same(const Key& a, View b);
-    static void keep(View key, Key& own);
+    static void store(View key, Key& own);
 };
 
 using Table = hash_chains::Table<Kind>;

@@ -14,9 +14,9 @@
 #include <vector>
 
 // Chained hash tables from keys to 32-bit integers. `Kind` defines how a node stores a key (`Key`),
-// how a key is passed (`View`) and looked up (`Prepared`), its hash function, when two keys are the
-// same, and the names in messages. A failed allocation and a hash function that returns no bucket
-// number end the run.
+// how a key is passed (`View`) and looked up (`LookupKey`), its hash function, when two keys are
+// the same, and the names in messages. A failed allocation and a hash function that returns no
+// bucket number end the run.
 namespace hash_chains {
 
 // Names in messages.
@@ -200,16 +200,16 @@ void reserve(Table<Kind>& table, std::int32_t n) {
 template<class Kind>
 void insert(Table<Kind>& table, typename Kind::View key, std::int32_t value) {
     if (table.bucketCount == 0) noSuchBucket(1, 0, Kind::names);
-    const typename Kind::Prepared prepared(key);
-    std::int32_t& head = table.buckets[bucketOf(table, table.bucketCount, prepared.key)];
-    const std::int32_t existing = findInList(table, head, prepared.key);
+    const typename Kind::LookupKey lookup(key);
+    std::int32_t& head = table.buckets[bucketOf(table, table.bucketCount, lookup.key)];
+    const std::int32_t existing = findInList(table, head, lookup.key);
     if (existing > 0) {
         nodeAt(table, existing).value = value;
         return;
     }
     const std::int32_t added = allocateNode(table);
     ListNode<Kind>& node = nodeAt(table, added);
-    Kind::keep(prepared.key, node.key);
+    Kind::store(lookup.key, node.key);
     node.value = value;
     node.next = std::exchange(head, added);
     ++table.size;
@@ -223,9 +223,9 @@ void insert(Table<Kind>& table, typename Kind::View key, std::int32_t value) {
 template<class Kind>
 std::int32_t find(const Table<Kind>& table, typename Kind::View key) {
     if (table.bucketCount == 0) return 0;
-    const typename Kind::Prepared prepared(key);
-    return findInList(table, table.buckets[bucketOf(table, table.bucketCount, prepared.key)],
-                      prepared.key);
+    const typename Kind::LookupKey lookup(key);
+    return findInList(table, table.buckets[bucketOf(table, table.bucketCount, lookup.key)],
+                      lookup.key);
 }
 
 // Returns the value of a key. For a missing key `found` is false and `value` is not changed.
@@ -245,9 +245,9 @@ bool holds(const Table<Kind>& table, typename Kind::View key) {
 template<class Kind>
 void erase(Table<Kind>& table, typename Kind::View key) {
     if (table.bucketCount == 0) return;
-    const typename Kind::Prepared prepared(key);
-    std::int32_t* link = &table.buckets[bucketOf(table, table.bucketCount, prepared.key)];
-    const std::int32_t erased = findInList(table, *link, prepared.key);
+    const typename Kind::LookupKey lookup(key);
+    std::int32_t* link = &table.buckets[bucketOf(table, table.bucketCount, lookup.key)];
+    const std::int32_t erased = findInList(table, *link, lookup.key);
     if (erased == 0) return;
     while (*link != erased) link = &nodeAt(table, *link).next;
     ListNode<Kind>& node = nodeAt(table, erased);

@@ -27,48 +27,48 @@ std::vector<T*> columnsOf(T* array, std::int32_t n, std::int32_t columns) {
 
 // A result file of one component, read at byte positions. Only the leading lengths of the value
 // record are checked.
-struct Checked {
+struct CheckedFile {
     std::string name;
     byte_file::File file;
     std::int64_t size = 0;
 };
 
 // The file has no unit, so the end of the run would leave it open.
-[[noreturn]] void endRun(Checked& c, int status, const std::string& message) {
+[[noreturn]] void endRun(CheckedFile& c, int status, const std::string& message) {
     byte_file::close(c.file);
     if (status == io_layer::ok) error::input_error(message);
     error::input_error_stat(status, message);
 }
 
-void mustRead(Checked& c, std::int64_t position, void* into, std::int64_t size,
-              const std::string& what) {
+void readOrEndRun(CheckedFile& c, std::int64_t position, void* into, std::int64_t size,
+                  const std::string& what) {
     int status = io_layer::endOfFile;
     if (position + size <= c.size) status = byte_file::readAt(c.file, position, into, size);
     if (status != io_layer::ok) endRun(c, status, "Error reading " + what + " from file " + c.name);
 }
 
-Checked openChecked(const std::string& filename, const std::string& headerName,
-                    std::string* header) {
-    Checked c{filename, {}, 0};
+CheckedFile openChecked(const std::string& filename, const std::string& headerName,
+                        std::string* header) {
+    CheckedFile c{filename, {}, 0};
     error::checkFileOpen(byte_file::open(filename, system_calls::OpenMode::read, c.file, c.size),
                          filename);
     std::array<char, valuesBegin> record;
-    mustRead(c, 0, record.data(), valuesBegin, headerName);
+    readOrEndRun(c, 0, record.data(), valuesBegin, headerName);
     if (header) header->assign(record.data() + frameBytes, headerLength);
     return c;
 }
 
 // Returns the length of the record after the header and reads its first `wanted` bytes into `into`.
 // A negative length means that the record continues in a further sub-record.
-std::int64_t walkValues(Checked& c, char* into, std::int64_t wanted) {
+std::int64_t readValueRecord(CheckedFile& c, char* into, std::int64_t wanted) {
     std::int64_t position = valuesBegin, total = 0;
     for (bool continues = true; continues;) {
         std::int32_t marker = 0;
-        mustRead(c, position, &marker, frameBytes, "block size");
+        readOrEndRun(c, position, &marker, frameBytes, "block size");
         const std::int64_t length = marker < 0 ? -std::int64_t{marker} : marker;
         continues = marker < 0;
         const std::int64_t part = std::min(length, wanted - total);
-        if (part > 0) mustRead(c, position + frameBytes, into + total, part, "values");
+        if (part > 0) readOrEndRun(c, position + frameBytes, into + total, part, "values");
         total += length;
         position += length + 2 * frameBytes;
     }
@@ -76,22 +76,22 @@ std::int64_t walkValues(Checked& c, char* into, std::int64_t wanted) {
 }
 
 std::int32_t numValsWork_1d(const std::string& filename, std::int64_t bytesPerValue) {
-    Checked c = openChecked(filename, "header data", nullptr);
-    const std::int64_t bytes = walkValues(c, nullptr, 0);
+    CheckedFile c = openChecked(filename, "header data", nullptr);
+    const std::int64_t bytes = readValueRecord(c, nullptr, 0);
     byte_file::close(c.file);
     return static_cast<std::int32_t>(bytes / bytesPerValue);
 }
 
 template<class T>
 void read_safe(const std::string& filename, std::int32_t n, T* array, std::string* header) {
-    Checked c = openChecked(filename, "header", header);
-    const std::int64_t bytes = walkValues(c, nullptr, 0);
+    CheckedFile c = openChecked(filename, "header", header);
+    const std::int64_t bytes = readValueRecord(c, nullptr, 0);
     const std::int64_t values = bytes / static_cast<std::int64_t>(sizeof(T));
     if (values != n)
         endRun(c, io_layer::ok,
                "Size mismatch reading file " + filename + "\nNum values in file: " +
                    std::to_string(values) + "\nNum values to read: " + std::to_string(n));
-    walkValues(c, reinterpret_cast<char*>(array), n * static_cast<std::int64_t>(sizeof(T)));
+    readValueRecord(c, reinterpret_cast<char*>(array), n * static_cast<std::int64_t>(sizeof(T)));
     byte_file::close(c.file);
 }
 

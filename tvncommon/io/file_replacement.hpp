@@ -18,11 +18,9 @@ enum class InPlace { refused, permitted };
 
 // Creates "<target>.unfinished" in the folder of the target, opens it for writing and locks it.
 // - An unfinished file of an earlier run is removed; a link of that name is not followed. A file
-// that
-//   another process has locked, because it is still writing it, is a failure.
+//   that another process has locked, because it is still writing it, is a failure.
 // - An existing target must be writable. The new file gets its permissions. If `path` is a link,
-// the
-//   link stays and the file that it links to is replaced.
+//   the link stays and the file that it links to is replaced.
 // - With `InPlace::permitted` a device or pipe is opened itself. So is an existing file in a folder
 //   where no file can be created; it is emptied.
 // `descriptor` can also read, unless the target is written in place.

@@ -167,9 +167,9 @@ void preallocate(Connection& c, std::size_t size) {
     const std::int64_t end = c.written + static_cast<std::int64_t>(size);
     if (!c.regular || c.written < preallocateFrom || end <= c.preallocatedEnd) return;
     const std::int64_t begin = std::max(c.written, c.preallocatedEnd);
-    const bool taken =
+    const bool reserved =
         restart([&] { return table.reserve(c.descriptor, begin, preallocationStep); }) == 0;
-    c.preallocatedEnd = taken ? begin + preallocationStep : unbounded;
+    c.preallocatedEnd = reserved ? begin + preallocationStep : unbounded;
 }
 
 // Control characters in input texts could change the state of a terminal. Line feeds and tabs are

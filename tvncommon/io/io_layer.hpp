@@ -34,7 +34,7 @@ inline constexpr int invalidPath = 43;
 inline constexpr int invalidData = 59;
 inline constexpr int invalidCharacter = 64;
 inline constexpr int tooManyOpenFiles = 603;
-inline constexpr int lockedElsewhere = 604; // another process holds the lock of the file
+inline constexpr int lockedElsewhere = 604; // another process has locked the file
 
 // When text is written: after every line, for output that a user follows during the run, or in
 // blocks.
@@ -96,8 +96,9 @@ enum class LongLine { refused, cut };
 // that is too long. A last line needs no line feed. A carriage return before the line feed is
 // dropped.
 int readLine(int unit, std::string& line, LongLine longLine = LongLine::refused);
-// Standard output and standard error show `?` for each ASCII control character other than line feed
-// and tab; files take all bytes as they are.
+// Write text, and text with a line feed. With `Flush::inBlocks` it is pending until `flush` or
+// until a block of 32 KiB is full. On standard output and standard error each ASCII control
+// character other than line feed and tab becomes `?`.
 int writeText(int unit, std::string_view text);
 int writeLine(int unit, std::string_view line);
 // Writes pending output and then the block, in one write of its own.
@@ -117,9 +118,9 @@ int beginRecord(int unit);
 int readInRecord(int unit, void* into, std::int64_t size);
 int endRecord(int unit);
 
-// Writes one record; a payload above `maximumPiece` bytes becomes sub-records. The greatest piece
-// is that of the simulator's run time: 2^31 - 1 bytes less the two lengths.
+// Writes one record; a payload above `maximumSubRecord` bytes becomes sub-records. The greatest
+// piece is that of the simulator's run time: 2^31 - 1 bytes less the two lengths.
 int writeRecord(int unit, const void* payload, std::int64_t size,
-                std::int64_t maximumPiece = 2147483639);
+                std::int64_t maximumSubRecord = 2147483639);
 
 } // namespace io_layer

@@ -62,7 +62,7 @@ int skip(Connection& c, std::int64_t size) {
     return ok;
 }
 
-int openPiece(Connection& c, bool first) {
+int beginSubRecord(Connection& c, bool first) {
     std::int32_t marker = 0;
     std::int64_t got = 0;
     if (readUpTo(c, reinterpret_cast<char*>(&marker), 4, got) != ok) return readFailed;
@@ -70,44 +70,44 @@ int openPiece(Connection& c, bool first) {
     if (got != 4) return readFailed;
     const std::int64_t length = marker;
     c.record.continues = length < 0;
-    c.record.pieceLength = c.record.pieceLeft = length < 0 ? -length : length;
+    c.record.subRecordLength = c.record.subRecordLeft = length < 0 ? -length : length;
     return ok;
 }
 
-int closePiece(Connection& c) {
-    if (c.record.pieceLeft > 0) {
-        const int status = skip(c, c.record.pieceLeft);
+int endSubRecord(Connection& c) {
+    if (c.record.subRecordLeft > 0) {
+        const int status = skip(c, c.record.subRecordLeft);
         if (status != ok) return status;
     }
-    c.record.pieceLeft = 0;
+    c.record.subRecordLeft = 0;
     std::int32_t marker = 0;
     const int status = readExactly(c, &marker, 4);
     if (status != ok) return status;
     const std::int64_t length = marker;
-    return (length < 0 ? -length : length) == c.record.pieceLength ? ok : readFailed;
+    return (length < 0 ? -length : length) == c.record.subRecordLength ? ok : readFailed;
 }
 
 } // namespace
 
 int beginRecord(int unit) {
     Connection* c = find(unit);
-    return c ? openPiece(*c, true) : readFailed;
+    return c ? beginSubRecord(*c, true) : readFailed;
 }
 
 int readInRecord(int unit, void* into, std::int64_t size) {
     Connection& c = *find(unit);
     char* target = static_cast<char*>(into);
     while (size > 0) {
-        while (c.record.pieceLeft == 0) {
+        while (c.record.subRecordLeft == 0) {
             if (!c.record.continues) return readFailed;
-            int status = closePiece(c);
-            if (status == ok) status = openPiece(c, false);
+            int status = endSubRecord(c);
+            if (status == ok) status = beginSubRecord(c, false);
             if (status != ok) return status;
         }
-        const std::int64_t n = std::min(size, c.record.pieceLeft);
+        const std::int64_t n = std::min(size, c.record.subRecordLeft);
         const int status = readExactly(c, target, n);
         if (status != ok) return status;
-        c.record.pieceLeft -= n;
+        c.record.subRecordLeft -= n;
         target += n;
         size -= n;
     }
@@ -118,8 +118,8 @@ int endRecord(int unit) {
     Connection& c = *find(unit);
     for (;;) {
         const bool continues = c.record.continues;
-        int status = closePiece(c);
-        if (status == ok && continues) status = openPiece(c, false);
+        int status = endSubRecord(c);
+        if (status == ok && continues) status = beginSubRecord(c, false);
         if (status != ok || !continues) return status;
     }
 }
@@ -131,11 +131,11 @@ int readRecord(int unit, void* into, std::int64_t size) {
     return status;
 }
 
-int writeRecord(int unit, const void* payload, std::int64_t size, std::int64_t maximumPiece) {
+int writeRecord(int unit, const void* payload, std::int64_t size, std::int64_t maximumSubRecord) {
     const char* from = static_cast<const char*>(payload);
     bool first = true;
     do {
-        const std::int64_t n = std::min(size, maximumPiece);
+        const std::int64_t n = std::min(size, maximumSubRecord);
         const bool continues = size > n;
         const auto leading = static_cast<std::int32_t>(continues ? -n : n);
         const auto trailing = static_cast<std::int32_t>(first ? n : -n);

@@ -14,9 +14,9 @@ inline constexpr std::int64_t unbounded = std::numeric_limits<std::int64_t>::max
 
 // The record at the read position.
 struct OpenRecord {
-    std::int64_t pieceLength = 0; // payload bytes of the current sub-record
-    std::int64_t pieceLeft = 0;   // payload bytes not read yet
-    bool continues = false;       // a further sub-record follows
+    std::int64_t subRecordLength = 0; // payload bytes of the current sub-record
+    std::int64_t subRecordLeft = 0;   // payload bytes not read yet
+    bool continues = false;           // a further sub-record follows
 };
 
 struct Connection {

@@ -26,18 +26,18 @@ struct Reader {
     bool afterValue = false;   // a comma may still follow the last value, also on a later line
 };
 
-enum class Step { value, null, slash, atEnd, malformed };
+enum class Token { value, null, slash, atEnd, malformed };
 
 void skipBlanks(std::string_view& text) {
     text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
 }
 
 // Reads the text of one item from the current line into `text`.
-Step nextStep(Reader& reader, std::string_view& text) {
+Token nextToken(Reader& reader, std::string_view& text) {
     if (reader.repeats > 0) {
         --reader.repeats;
         text = reader.repeated;
-        return text.empty() ? Step::null : Step::value;
+        return text.empty() ? Token::null : Token::value;
     }
     skipBlanks(reader.rest);
     if (reader.afterValue && reader.rest.starts_with(',')) {
@@ -45,26 +45,26 @@ Step nextStep(Reader& reader, std::string_view& text) {
         reader.rest.remove_prefix(1);
         skipBlanks(reader.rest);
     }
-    if (reader.rest.empty()) return Step::atEnd;
-    if (reader.rest.front() == '/') return Step::slash;
+    if (reader.rest.empty()) return Token::atEnd;
+    if (reader.rest.front() == '/') return Token::slash;
     if (reader.rest.front() == ',') {
         reader.rest.remove_prefix(1);
-        return Step::null;
+        return Token::null;
     }
     text = reader.rest.substr(0, reader.rest.find_first_of(numberEnds));
     reader.rest.remove_prefix(text.size());
     reader.afterValue = true;
 
     const std::size_t star = text.find('*');
-    if (star == std::string_view::npos) return Step::value;
+    if (star == std::string_view::npos) return Token::value;
     std::uint32_t count = 0;
     const char* const countEnd = text.data() + star;
     const auto [end, error] = std::from_chars(text.data(), countEnd, count);
-    if (error != std::errc() || end != countEnd || count == 0) return Step::malformed;
+    if (error != std::errc() || end != countEnd || count == 0) return Token::malformed;
     text.remove_prefix(star + 1);
     reader.repeated = text;
     reader.repeats = count - 1;
-    return text.empty() ? Step::null : Step::value;
+    return text.empty() ? Token::null : Token::value;
 }
 
 bool equalsFolded(std::string_view text, std::string_view lowerCase) {
@@ -163,15 +163,15 @@ int readOne(std::string_view text, Number& value) {
     Reader reader;
     reader.rest = text;
     std::string_view number;
-    switch (nextStep(reader, number)) {
-    case Step::value:
+    switch (nextToken(reader, number)) {
+    case Token::value:
         return parse(number, value);
-    case Step::atEnd:
+    case Token::atEnd:
         return endOfFile;
-    case Step::malformed:
+    case Token::malformed:
         return invalidData;
-    case Step::null:
-    case Step::slash:
+    case Token::null:
+    case Token::slash:
         break;
     }
     return ok;
@@ -184,16 +184,17 @@ int readMany(const NextLine& nextLine, std::size_t count, LeftOut leftOut, Store
     Reader reader;
     for (std::size_t i = 0; i < count; ++i) {
         std::string_view number;
-        Step step = nextStep(reader, number);
-        while (step == Step::atEnd) {
+        Token token = nextToken(reader, number);
+        while (token == Token::atEnd) {
             if (!nextLine(line)) return endOfFile;
             reader.rest = line;
-            step = nextStep(reader, number);
+            token = nextToken(reader, number);
         }
-        const bool hasNone = step == Step::slash || step == Step::null;
-        if (step == Step::malformed || (hasNone && leftOut == LeftOut::refused)) return invalidData;
-        if (step == Step::slash) return ok;
-        if (step == Step::null) continue;
+        const bool hasNone = token == Token::slash || token == Token::null;
+        if (token == Token::malformed || (hasNone && leftOut == LeftOut::refused))
+            return invalidData;
+        if (token == Token::slash) return ok;
+        if (token == Token::null) continue;
         if (const int status = store(i, number); status != ok) return status;
     }
     return ok;

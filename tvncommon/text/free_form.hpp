@@ -11,8 +11,7 @@
 //
 // - Blanks, tabs, one comma or line ends separate values. "3*1.5" means three values of 1.5.
 // - A missing value, as between two commas, does not change its item; "/" does not change any of
-// the
-//   items that remain.
+//   the items that remain.
 // - A number is decimal. Its exponent begins with e, E, d, D or directly with a sign ("1.5-3").
 // "inf",
 //   "infinity" and "nan" are reals, in upper or lower case. Numbers are correctly rounded; one too
