@@ -91,7 +91,7 @@ bool isAt(const Zone& zone, double time, std::int32_t strand) {
 }
 
 // Removes the first zone with this time that is not kept, and all zones after it.
-int dropZonesFrom(DataFile& f, double time, std::int32_t strand) {
+int removeZonesFrom(DataFile& f, double time, std::int32_t strand) {
     std::int32_t keptAtTime = f.zonesKept;
     const auto same = std::find_if(f.zones.begin(), f.zones.end(), [&](const Zone& zone) {
         return isAt(zone, time, strand) && keptAtTime-- <= 0;
@@ -99,7 +99,7 @@ int dropZonesFrom(DataFile& f, double time, std::int32_t strand) {
     if (same == f.zones.end()) return ok;
     const auto kept = static_cast<std::size_t>(same - f.zones.begin());
     if (greatestShare(f.current.zone) > static_cast<std::int64_t>(kept)) return refused;
-    return dropZones(f, kept);
+    return removeZones(f, kept);
 }
 
 int writeData(DataFile& f, std::int64_t position, const void* from, std::int64_t bytes) {
@@ -170,7 +170,7 @@ int setTime(DataFile& f, double time, std::int32_t strand) {
     current.zone.time = time;
     current.zone.strand = strand;
     if (f.resumed) {
-        const int status = dropZonesFrom(f, time, strand);
+        const int status = removeZonesFrom(f, time, strand);
         if (status != ok) return status;
     }
     f.resumed = false;

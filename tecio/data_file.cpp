@@ -204,7 +204,7 @@ std::int64_t headersEnd(const DataFile& f, std::size_t count) {
 // The padding begins at the end of the last header that is kept, which may be on an earlier page
 // than the next header. The last page is written first, so that a reader finds no header without
 // those before it.
-int hideHeaders(DataFile& f, std::size_t count) {
+int removeHeaders(DataFile& f, std::size_t count) {
     if (f.headerEnds.size() <= count) return ok;
     const std::int64_t begin = headersEnd(f, count), end = f.headerEnds.back();
     Bytes lastPadding, padding;
@@ -216,8 +216,8 @@ int hideHeaders(DataFile& f, std::size_t count) {
 
 // The headers are removed first: a reader must not find a zone that is no longer committed, because
 // its data may be overwritten.
-int dropZones(DataFile& f, std::size_t count) {
-    int status = hideHeaders(f, count);
+int removeZones(DataFile& f, std::size_t count) {
+    int status = removeHeaders(f, count);
     if (status == ok) status = sidecarStatus(f, rollbackZones(f.sidecar, count));
     if (status != ok) return status;
     for (; f.zones.size() > count; f.zones.pop_back()) f.dataEnd -= layoutOf(f.zones.back()).size;

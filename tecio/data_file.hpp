@@ -83,10 +83,10 @@ int flush(DataFile& file);
 std::int64_t headersEnd(const DataFile& file, std::size_t count);
 
 // Overwrites the headers after the first `count` with padding.
-int hideHeaders(DataFile& file, std::size_t count);
+int removeHeaders(DataFile& file, std::size_t count);
 
 // Removes the zones after the first `count`, and their headers.
-int dropZones(DataFile& file, std::size_t count);
+int removeZones(DataFile& file, std::size_t count);
 
 // Flushes and ends the data set.
 int finish(DataFile& file);

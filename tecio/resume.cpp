@@ -40,20 +40,20 @@ bool compareHeaders(DataFile& f, std::string_view bytes) {
     f.headerEnds.clear();
     f.headerIsIncomplete = false;
     std::int64_t at = f.zonesAt, longest = 1, incompletePages = 0;
-    const auto take = [&](const Bytes& wanted) {
+    const auto skipIfFound = [&](const Bytes& expected) {
         const bool found = at <= static_cast<std::int64_t>(bytes.size()) &&
-                           bytes.substr(static_cast<std::size_t>(at)).starts_with(wanted);
-        if (found) at += sizeOf(wanted);
+                           bytes.substr(static_cast<std::size_t>(at)).starts_with(expected);
+        if (found) at += sizeOf(expected);
         return found;
     };
     for (const Zone& zone : f.zones) longest = std::max(longest, pagesOf(zoneHeaderBytes(zone)));
     for (;;) {
         const std::size_t zone = f.headerEnds.size();
         if (!f.headerIsIncomplete && zone < f.zones.size() &&
-            take(zoneHeaderBytes(f.zones[zone]))) {
+            skipIfFound(zoneHeaderBytes(f.zones[zone]))) {
             f.headerEnds.push_back(at);
-        } else if (!take(paddingAt(at))) {
-            const bool ends = take(headersEndBytes());
+        } else if (!skipIfFound(paddingAt(at))) {
+            const bool ends = skipIfFound(headersEndBytes());
             f.dataAt = at;
             if (ends || longest == 1 || incompletePages++ > longest) return ends;
             at += leftOnPage(at);
@@ -86,11 +86,11 @@ int checkHeader(DataFile& f, std::int64_t most) {
 int checkData(DataFile& f) {
     f.dataEnd = f.dataAt;
     for (const Zone& zone : f.zones) {
-        const Bytes wanted = dataHeadBytes(zone);
-        Bytes found(wanted.size(), 0);
+        const Bytes expected = dataHeadBytes(zone);
+        Bytes found(expected.size(), 0);
         const int status = byte_file::readAt(f.file, f.dataEnd, found.data(), sizeOf(found));
         if (status != ok) return status;
-        if (found != wanted) return damagedData;
+        if (found != expected) return damagedData;
         f.dataEnd += layoutOf(zone).size;
     }
     return f.dataEnd <= f.size ? ok : damagedData;
@@ -137,10 +137,10 @@ int recreate(DataFile& f, bool anyVariables) {
     int status = byte_file::readAt(f.file, 0, bytes.data(), sizeOf(bytes));
     if (status != ok) return status;
     Reader reader{bytes};
-    Head wanted = std::exchange(f.head, readHead(reader));
+    Head expected = std::exchange(f.head, readHead(reader));
     if (!reader.good) return damagedData;
     status = checkHeader(f, sizeOf(bytes));
-    f.head = std::move(wanted);
+    f.head = std::move(expected);
     if (status != ok) return status == damagedData ? damagedSidecar : status;
     return anyVariables ? refused : createDataFile(f);
 }
@@ -163,7 +163,7 @@ int resumeDataFile(DataFile& f) {
     status = checkHeader(f, f.size - dataBytes);
     if (status == ok) status = checkData(f);
     if (status == ok) status = checkLastZone(f, checksum);
-    if (status == ok && f.headerIsIncomplete) status = hideHeaders(f, f.headerEnds.size() - 1);
+    if (status == ok && f.headerIsIncomplete) status = removeHeaders(f, f.headerEnds.size() - 1);
     f.resumed = true;
     return status;
 }

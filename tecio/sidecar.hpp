@@ -13,8 +13,9 @@
 //     0   8 bytes  "#!TVNSH2"
 //     8   int64    size of the valid contents, from byte 0
 //    16   uint64   FNV-1a hash of the valid contents from byte 24
-//    24            head of the data set, then for each zone its header, its data head and a
-//                  uint64, the checksum of its data, or 0 where the data set is not durable
+//    24            head of the data set; then for each zone its header, the beginning of its data
+//                  (`dataHeadBytes`) and a uint64: the checksum of its data, or 0 if the data set
+//                  is not durable
 //
 // Bytes 8 to 23 are a checkpoint. They change in one write after that of the zone's entry, so a
 // zone is either committed or not. In a durable data set each of the two writes is synced.

@@ -11,8 +11,8 @@
      2  NAME.szplt on disk is damaged or was not written by this library
      3  NAME.szplt.szhdr on disk is damaged or was not written by this library
      4  the data set on disk has other variables
-     5  zone 1 of the data set on disk has other numbers of nodes or elements, types or locations than
-        the first new zone
+     5  zone 1 of the data set on disk has other numbers of nodes or elements, types or locations
+        than the first new zone
      6  the data set on disk was not durable (durability.hpp)
    After a failure only the close may follow. */
 
@@ -33,28 +33,28 @@ int32_t tecFileWriterOpen(const char* fileName, const char* dataSetTitle, const 
 int32_t tecFileWriterFlush(void* fileHandle, int32_t numZonesToRetain,
                            const int32_t* zonesToRetain);
 
-/* Flushes, truncates the file to the end of its data, removes the sidecar and clears the handle. After
-   a failure of this or an earlier call the data set stays unfinished, in the state of the last
-   flush. */
+/* Flushes, truncates the file to the end of its data, removes the sidecar and clears the handle.
+   After a failure of this or an earlier call the data set stays unfinished, in the state of the
+   last flush. */
 int32_t tecFileWriterClose(void** fileHandle);
 
-/* Add a name and a value to the data set, or to a variable (from 1), before the first new zone. In a
-   resumed data set they replace all earlier ones. A blank value is left out. */
+/* Add a name and a value to the data set, or to a variable (from 1), before the first new zone. In
+   a resumed data set they replace all earlier ones. A blank value is left out. */
 int32_t tecDataSetAddAuxData(void* fileHandle, const char* name, const char* value);
 int32_t tecVarAddAuxData(void* fileHandle, int32_t var, const char* name, const char* value);
 
 /* Begins the next zone and returns its number, from 1, in `zone`. Zone types: 1 lines, 2 triangles,
    3 quadrilaterals, 4 tetrahedra, 5 bricks, 0 none of these. The four lists have an entry for each
-   variable: type of the values (1 float, 2 double, 3 int32_t), zone whose values it shares (0: it has
-   its own), location (1 nodes, 0 elements), passive (always 0). `connectivityShareZone` is the zone
-   whose node lists it shares (0: it has its own). `numFaceConnections` is 0. */
+   variable: type of the values (1 float, 2 double, 3 int32_t), zone whose values it shares (0: it
+   has its own), location (1 nodes, 0 elements), passive (always 0). `connectivityShareZone` is the
+   zone whose node lists it shares (0: it has its own). `numFaceConnections` is 0. */
 int32_t tecZoneCreateFE(void* fileHandle, const char* zoneTitle, int32_t zoneType, int64_t numNodes,
                         int64_t numElements, const int32_t* varTypes,
                         const int32_t* shareVarFromZone, const int32_t* valueLocations,
                         const int32_t* passiveVarList, int32_t connectivityShareZone,
                         int64_t numFaceConnections, int32_t faceNeighborMode, int32_t* zone);
 
-/* Sets time and strand of the current zone, before its values. Without this call a zone is static. */
+/* Sets time and strand of the current zone, before its values. A zone without a time is static. */
 int32_t tecZoneSetUnsteadyOptions(void* fileHandle, int32_t zone, double solutionTime,
                                   int32_t strand);
 
@@ -62,7 +62,8 @@ int32_t tecZoneSetUnsteadyOptions(void* fileHandle, int32_t zone, double solutio
 int32_t tecZoneNodeMapWrite32(void* fileHandle, int32_t zone, int32_t partition,
                               int32_t nodesAreOneBased, int64_t count, const int32_t* nodes);
 
-/* Write the next values of a variable (from 1) of the current zone, of its type. `partition` is 0. */
+/* Write the next values of a variable (from 1) of the current zone, in the type of the variable.
+   `partition` is 0. */
 int32_t tecZoneVarWriteFloatValues(void* fileHandle, int32_t zone, int32_t var, int32_t partition,
                                    int64_t count, const float* values);
 int32_t tecZoneVarWriteDoubleValues(void* fileHandle, int32_t zone, int32_t var, int32_t partition,

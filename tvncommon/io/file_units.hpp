@@ -27,7 +27,7 @@ void commitUnit(int unit);
 void freeUnitAll();
 
 // True if a file or folder of that name exists. Ends the run, naming the file, if the system
-// reports a failure other than ENOENT and ENOTDIR, and for a name that is too long.
+// reports a failure other than ENOENT and ENOTDIR, and for a name that no file here can have.
 bool exists(const std::string& path);
 
 // Open a file on a free unit and return the unit: an existing file for reading, or a new or emptied

@@ -35,7 +35,7 @@ void checkContents(const hash_chains::Table<Kind>& table, const Reference& refer
     auto iterator = initIterator(table);
     for (; hasNextIterator(iterator); ++seen) {
         nextIterator(table, iterator, key, value);
-        Kind::keep(key, own);
+        Kind::store(key, own);
         ASSERT_EQ(reference.at(own), value);
     }
     EXPECT_EQ(seen, reference.size());
