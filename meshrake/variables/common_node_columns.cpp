@@ -72,17 +72,17 @@ void commonNodeWrite(Domain& domain, const VariableRow& row, OutputVar& var) {
     const plot_data::Packing packing{domain.outputIsPacked, domain.nodeIncluded.data()};
     static const Column empty;
     for (std::size_t c = 0; c < var.columns.size(); ++c) {
-        const Column& shown = var.columns[c];
+        const Column& column = var.columns[c];
         // Pressure heads can be off in pm and on here: the column then exists without values.
         const Column& values = c < source.columns.size() ? source.columns[c] : empty;
-        if (shown.type == DataType::single)
-            plot_data::tecplotWriteArrayReal4(shown.varNumber,
+        if (column.type == DataType::single)
+            plot_data::tecplotWriteArrayReal4(column.varNumber,
                                               static_cast<std::int64_t>(values.real4.size()),
-                                              values.real4.data(), packing, shown.label, domain);
+                                              values.real4.data(), packing, column.label, domain);
         else
-            plot_data::tecplotWriteArrayReal8(shown.varNumber,
+            plot_data::tecplotWriteArrayReal8(column.varNumber,
                                               static_cast<std::int64_t>(values.real8.size()),
-                                              values.real8.data(), packing, shown.label, domain);
+                                              values.real8.data(), packing, column.label, domain);
     }
 }
 

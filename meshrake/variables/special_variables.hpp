@@ -19,8 +19,8 @@ void zoneWrite(Domain& domain, const VariableRow& row, OutputVar& var);
 // otherwise three. A message that is not a number ends the run.
 void elemKInit(Domain& domain, const VariableRow& row, OutputVar& var);
 
-// Peclet numbers at later output times, for programs that need them: the passes share those of
-// zone 1 instead.
+// Reads Peclet numbers at a later output time. No pass calls these functions: the columns are
+// shared with zone 1.
 void pecletRead(Domain& domain, const VariableRow& row, OutputVar& var);
 void diffPecletRead(Domain& domain, const VariableRow& row, OutputVar& var);
 
