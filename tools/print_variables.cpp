@@ -67,8 +67,9 @@ constexpr Note notes[] = {
      "The files are in the folder `hmc` of the working directory: "
      "`./hmc/<prefix>o.hmc_<domain>.<fraction>.<index>`, with `mixing_ratio` and `hmc_error` "
      "for the last two."},
-    {"redoxCapacity", "File `conc_<domain>.<species>-Redox` of the first species; at later "
-                      "times the file of the last mobile species that has one."},
+    {"redoxCapacity",
+     "File `conc_<domain>.<species>-Redox` of the first species; at later "
+     "times the file of the last mobile species; without it the column is shared."},
     {"rainSnowmelt", "Files `snowdepth`, `snowmelt`, `liquid_p`, `solid_p` and `snowcover`, whose "
                      "names have no domain. The first four have values of elements, `snowcover` "
                      "has values of nodes. Depth and elevation are lengths (`L`), the others are "
