@@ -19,7 +19,7 @@ using model::run;
 namespace {
 
 constexpr const char* arrayName = "node search arrays";
-constexpr double farthest = 1e20;
+constexpr double maximumDistance = 1e20;
 constexpr double lowestTop = -1e10;
 constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 
@@ -78,16 +78,18 @@ Index buildIndex(const NodeSet& nodes) {
     return index;
 }
 
-// A larger square has a root that rounds to a greater distance than that of `square`.
+// A larger square has a root that rounds to a greater distance than that of `square`: roots that
+// round to the same number differ by at most 2^-52 of it, so their squares by 2^-51 = 4.4e-16.
+// The least normal number covers denormal squares.
 double boundOf(double square) {
     return square * (1 + 1e-15) + std::numeric_limits<double>::min();
 }
 
 // The nearest node so far. Of nodes whose distances round to the same number, the lowest counts.
 struct Best {
-    double distance = farthest;
+    double distance = maximumDistance;
     std::int32_t node = 0;
-    double bound = boundOf(farthest * farthest); // squares above it need no root
+    double bound = boundOf(maximumDistance * maximumDistance); // squares above it need no root
 };
 
 void searchGroup(const Group& group, const Point& p, Best& best) {

@@ -21,8 +21,9 @@ struct InstructionRow {
     Section section = Section::first;
     model::DomainSet domains = 0; // Section::domainBlock: where it is recognized
 
-    // Reads the values from the next lines and sets what is requested. `domain` is the domain of
-    // the block, null in the first section. A value that cannot be read ends the run.
+    // Reads the values from the next lines and sets what is requested. `domain` is null in the
+    // first section, the domain of the block, or `addition` after the first section. A value that
+    // cannot be read ends the run.
     void (*execute)(model::Domain* domain) = nullptr;
 
     // Template
