@@ -3,6 +3,7 @@
 #include "meshrake/plot_control/control_reading.hpp"
 #include "meshrake/plot_control/control_template.hpp"
 #include "meshrake/plot_control/instruction_table.hpp"
+#include "meshrake/run/domains.hpp"
 #include "meshrake/variables/common_node_table.hpp"
 #include "meshrake/variables/variable_table.hpp"
 #include "tests/support/runs.hpp"
@@ -13,6 +14,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <set>
 #include <sstream>
@@ -22,14 +24,12 @@ namespace {
 
 using model::Domain;
 using model::Option;
-using model::run;
 using plot_control::InstructionRow;
 using plot_control::Section;
 using plot_data::Location;
 using plot_data::VariableRow;
 using Texts = std::vector<std::string>;
 
-const Texts tagNames = {"pm", "dual", "olf", "frac", "chan", "well", "tile"};
 constexpr std::size_t lineWidth = 60; // of an instruction
 constexpr std::size_t unitWidth = 50;
 
@@ -38,19 +38,19 @@ protected:
     Tables() {
         sample_files::makeProblem("--nx 2 --ny 2 --layers 2 --times 1 --variables all --tensor "
                                   "--domains pm,dual,olf,frac,chan,well,tile --observations 1");
-        run.timeSuffix = "0001";
-        for (std::size_t d = 0; d < domains.size(); ++d) create(domains[d], tagNames[d], pm);
-        create(addition, "addition", pm);
+        model::run.timeSuffix = "0001";
+        run::createDomains(all);
+        for (Domain* domain : run::processingOrder(all)) domains.push_back(*domain);
     }
 
     // The control file of this problem, every line an instruction or values.
     std::string templateText() {
         sample_files::put("t.observed_d2gwt", "");
-        run.controlUnit = file_units::openTextReplace("template", io_layer::Flush::inBlocks);
+        model::run.controlUnit = file_units::openTextReplace("template", io_layer::Flush::inBlocks);
         plot_control::writePlotControlInit();
         for (const Domain& domain : domains) plot_control::writePlotControl(domain);
         plot_control::writePlotControl(addition);
-        file_units::freeUnit(run.controlUnit);
+        file_units::freeUnit(model::run.controlUnit);
         std::string text = "\n" + sample_files::get("template");
         for (std::size_t at = 0; (at = text.find("\n! ", at)) != std::string::npos; ++at)
             text.erase(at + 1, 2);
@@ -60,19 +60,20 @@ protected:
     // Reads the first section, up to "end", and then what the text has for the domain.
     static void read(const std::string& text, Domain& domain) {
         sample_files::put("control", text);
-        run.controlUnit = file_units::openTextRead("control");
+        model::run.controlUnit = file_units::openTextRead("control");
         plot_control::readPlotControlInit();
         plot_control::readPlotControl(domain);
-        file_units::freeUnit(run.controlUnit);
+        file_units::freeUnit(model::run.controlUnit);
     }
 
-    std::array<Domain, 7> domains;
-    Domain addition;
-    Domain& pm = domains[0];
+    run::Domains all;
+    std::vector<std::reference_wrapper<Domain>> domains; // those with a mesh
+    Domain &pm = all.pm, &addition = all.addition;
 };
 
 TEST_F(Tables, LinesOfTheControlFileAreUniqueAndNotCut) {
-    for (const std::string& tag : tagNames) {
+    for (const auto& [tag, bit] : model::tags::names) {
+        if (bit == model::tags::addition) continue;
         std::set<std::string> lines;
         const auto add = [&](const std::string& line) {
             EXPECT_LE(line.size(), lineWidth) << line;
@@ -212,25 +213,25 @@ std::string changes(const Domain& domain) {
     const auto addAll = [&](const char* name, const auto& values, const auto& before) {
         for (std::size_t i = 0; i < values.size(); ++i) add(name, values[i], before[i]);
     };
-    add("binary", run.tecplotBinary, fresh.tecplotBinary);
-    add("flush", run.tecplotFlushInterval, fresh.tecplotFlushInterval);
-    add("append", run.tecplotAppend, fresh.tecplotAppend);
-    add("times", run.truncateTime, fresh.truncateTime);
-    add("min", run.timeWindowMin, fresh.timeWindowMin);
-    add("max", run.timeWindowMax, fresh.timeWindowMax);
-    add("digits", run.suffixDigits, fresh.suffixDigits);
-    add("suffix", run.suffixLength, fresh.suffixLength);
-    add("conversion", run.timeConversion, fresh.timeConversion);
-    add("offset", run.timeUnitOffset, fresh.timeUnitOffset);
-    add("factor", run.timeUnitFactor, fresh.timeUnitFactor);
-    add("isopach", run.plotIsopach, fresh.plotIsopach);
-    add("depth", run.plotDepthBelowSurface, fresh.plotDepthBelowSurface);
-    add("interpolate", run.interpolateDepthToTable, fresh.interpolateDepthToTable);
-    add("heads", run.compareHeads, fresh.compareHeads);
-    add("table", run.compareWaterTable, fresh.compareWaterTable);
-    add("depth to table", run.compareDepthToTable, fresh.compareDepthToTable);
-    add("surface", run.compareSurfaceDepth, fresh.compareSurfaceDepth);
-    addAll("window", run.compareWindow, fresh.compareWindow);
+    add("binary", model::run.tecplotBinary, fresh.tecplotBinary);
+    add("flush", model::run.tecplotFlushInterval, fresh.tecplotFlushInterval);
+    add("append", model::run.tecplotAppend, fresh.tecplotAppend);
+    add("times", model::run.truncateTime, fresh.truncateTime);
+    add("min", model::run.timeWindowMin, fresh.timeWindowMin);
+    add("max", model::run.timeWindowMax, fresh.timeWindowMax);
+    add("digits", model::run.suffixDigits, fresh.suffixDigits);
+    add("suffix", model::run.suffixLength, fresh.suffixLength);
+    add("conversion", model::run.timeConversion, fresh.timeConversion);
+    add("offset", model::run.timeUnitOffset, fresh.timeUnitOffset);
+    add("factor", model::run.timeUnitFactor, fresh.timeUnitFactor);
+    add("isopach", model::run.plotIsopach, fresh.plotIsopach);
+    add("depth", model::run.plotDepthBelowSurface, fresh.plotDepthBelowSurface);
+    add("interpolate", model::run.interpolateDepthToTable, fresh.interpolateDepthToTable);
+    add("heads", model::run.compareHeads, fresh.compareHeads);
+    add("table", model::run.compareWaterTable, fresh.compareWaterTable);
+    add("depth to table", model::run.compareDepthToTable, fresh.compareDepthToTable);
+    add("surface", model::run.compareSurfaceDepth, fresh.compareSurfaceDepth);
+    addAll("window", model::run.compareWindow, fresh.compareWindow);
     add("box", domain.truncateEnabled, freshDomain.truncateEnabled);
     add("layers", domain.truncateByLayerEnabled, freshDomain.truncateByLayerEnabled);
     addAll("bound", domain.truncateBounds, freshDomain.truncateBounds);
@@ -273,12 +274,12 @@ TEST_F(Tables, EachInstructionIsReadBack) {
         {"interpolate depth to gw table", "interpolate 1 "},
     };
     EXPECT_EQ(plot_control::instructionTable().size(), expected.size());
-    const model::RunState before = run;
+    const model::RunState before = model::run;
     const auto resultOf = [&](const InstructionRow& row, Domain& domain) {
         const std::string head = "end\nwrite " + domain.name + " domain file\n";
         const std::string line = plot_control::instructionLine(row, domain.name) + "\n";
         const std::string text = line + numbersLike(row.exampleValues) + "end\n";
-        run = before;
+        model::run = before;
         domain.truncateEnabled = domain.truncateByLayerEnabled = false;
         domain.truncateBounds = Domain{}.truncateBounds;
         domain.truncateLayers = Domain{}.truncateLayers;
