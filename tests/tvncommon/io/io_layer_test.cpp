@@ -221,6 +221,18 @@ TEST_F(IoLayer, CallsThatDoNothing) {
     EXPECT_EQ(writeLine(file_units::openTextReplace("third", Flush::everyLine), "x"), writeFailed);
 }
 
+// A full quota may show only when a file that was written is closed.
+TEST_F(IoLayer, CloseReportsWhatTheWritesDidNot) {
+    system_calls::table.close = [](int descriptor) {
+        system_calls::systemTable().close(descriptor);
+        return errno = EDQUOT, -1;
+    };
+    const int written = file_units::openTextReplace("file", Flush::inBlocks);
+    EXPECT_EQ(writeLine(written, "x"), ok);
+    EXPECT_EQ(releaseUnit(written), writeFailed);
+    EXPECT_EQ(releaseUnit(file_units::openRecordsRead("file")), ok);
+}
+
 // Disk space is reserved for a large file only, and what is left of it freed; a disk
 // that refuses it takes the bytes all the same.
 TEST_F(IoLayer, RoomTakenAhead) {
