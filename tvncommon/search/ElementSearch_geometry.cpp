@@ -131,8 +131,7 @@ bool pointInElement2D(std::int32_t element, double x, double y) {
     const std::size_t count = std::min<std::size_t>(bottomFace().count, 4);
     const Corners corners = cornersOf(element, {0, count}, {});
     const std::span xs(corners.xs), ys(corners.ys);
-    // With the coordinates NaN of a missing node the test would count any point as left of its
-    // edges.
+    // A missing node has coordinates NaN: the test would count every point as left of its edges.
     bool known = true;
     for (std::size_t k = 0; k < count; ++k)
         known = known && entryOf(state.nodeX, element, k) && entryOf(state.nodeY, element, k);

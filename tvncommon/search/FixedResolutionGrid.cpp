@@ -72,10 +72,10 @@ double crossProduct(const Corners& c, std::size_t a, std::size_t b, double atX, 
 }
 
 // Whether the inside test rejects every point that is outside the element's box by more than half a
-// 256th of a cell. With rounding it may accept such a point: the error of a cross product, divided
-// by the area of the triangle, moves the point by that part of the box. A triangle without area
-// accepts every point of its line. 4096 leaves a factor of 8 to the half 256th; 1e-15 is more than
-// four roundings of 2^-53, and 1e-300 is more than products lose to underflow.
+// 256th of a cell. Rounding may make it accept such a point: an error of a cross product moves the
+// edge by the part error / area of the box. A triangle without area even accepts every point of its
+// line. The factor 4096 is 8 times the 512 of half a 256th. 1e-15 is more than four roundings of
+// 2^-53, and 1e-300 more than products lose to underflow.
 bool isTestBoundedByBox(const FixedResGrid& grid, const Corners& c,
                         const std::array<double, 4>& box) {
     const double w = box[1] - box[0], h = box[3] - box[2];

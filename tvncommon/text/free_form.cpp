@@ -77,7 +77,7 @@ bool equalsFolded(std::string_view text, std::string_view lowerCase) {
 struct Decimal {
     std::string_view mantissa;
     char exponentLetter = 0;   // 0 for an exponent that begins with its sign
-    std::string_view exponent; // with its sign; empty when there is none
+    std::string_view exponent; // with its sign; empty if there is no exponent
 };
 
 bool split(std::string_view text, Decimal& number) {

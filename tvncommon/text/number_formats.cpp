@@ -251,7 +251,7 @@ std::string exponentField(double value, int width, int digits) {
     if (static_cast<int>(text.size()) + digits + 6 <= width) text += '0';
     text += '.';
 
-    // d.ddde+xx, with no point when there is one digit.
+    // d.ddde+xx, without a point if there is one digit.
     std::string scientific(static_cast<std::size_t>(digits) + 16, ' ');
     const char* end = std::to_chars(scientific.data(), scientific.data() + scientific.size(),
                                     std::fabs(value), std::chars_format::scientific, digits - 1)
@@ -272,9 +272,9 @@ std::string exponentField(double value, int width, int digits) {
 }
 
 char* writeFixedField(double value, int width, int decimals, char* field) {
-    constexpr int blanks = 48;     // in front, so that whole fields are copied
-    constexpr int mostDigits = 16; // that are laid out at once
-    std::array<char, 400> buffer;  // a finite number has 309 digits and these decimals at most
+    constexpr int blanks = 48;     // before the digits, so that a whole field is copied
+    constexpr int mostDigits = 16; // of `sixteenDigits`
+    std::array<char, 400> buffer;  // blanks, at most 309 digits, the point and 9 decimals
     std::memset(buffer.data(), ' ', blanks);
     char* begin = buffer.data() + blanks;
     char* end = begin + mostDigits + 1;
@@ -307,7 +307,7 @@ char* writeFixedField(double value, int width, int decimals, char* field) {
 
 std::string generalField(double value, int width, int digits) {
     if (!std::isfinite(value)) return notFinite(value, width);
-    std::array<char, 32> scientific; // d.ddde+xx, with no point when there is one digit
+    std::array<char, 32> scientific; // d.ddde+xx, without a point if there is one digit
     char* const end = std::to_chars(scientific.data(), scientific.data() + scientific.size(),
                                     std::fabs(value), std::chars_format::scientific, digits - 1)
                           .ptr;
