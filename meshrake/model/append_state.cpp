@@ -8,13 +8,16 @@
 #include "tvncommon/io/file_units.hpp"
 #include "tvncommon/io/io_layer.hpp"
 
+#include <limits>
+
 namespace model {
 
 namespace {
 
 const std::string stem = "tec_append";
-constexpr std::int64_t fileBytes = 12; // the integer and its two lengths
-constexpr std::int32_t greatestIndex = 2147483646;
+constexpr std::int64_t fileBytes = 12; // the integer and the two lengths of its record
+// The next index must fit into the integer too.
+constexpr std::int32_t maximumIndex = std::numeric_limits<std::int32_t>::max() - 1;
 
 std::int32_t firstIndexInWindow() {
     for (std::int32_t index = 1;; ++index) {
@@ -55,9 +58,9 @@ std::int32_t readTecplotAppend() {
         if (io_layer::bytesLeft(unit) != fileBytes)
             file_units::badContents(unit, "It must have " + std::to_string(fileBytes) + " bytes.");
         index = file_units::readInteger(unit);
-        if (index < 0 || index > greatestIndex)
+        if (index < 0 || index > maximumIndex)
             file_units::badContents(unit,
-                                    std::to_string(index) + " is no index of an output time.");
+                                    std::to_string(index) + " is not an index of an output time.");
     }
     file_units::freeUnit(unit);
     return index;

@@ -9,18 +9,18 @@ namespace model {
 
 inline constexpr std::size_t maximumCellSlots = 8;
 
-// Which slots of an element stand in its record in a plot file, from 0. Triangles and prisms are
-// quadrilaterals and bricks with corners that fall together.
+// Node slots of an element, from 0, in the order in which a plot file lists them. Triangles and
+// prisms are written as quadrilaterals and bricks that repeat nodes.
 struct CellPattern {
     std::int32_t nodesPerElement = 0;
-    int length = 0;
+    int length = 0; // nodes of an element in the plot file
     std::array<std::size_t, maximumCellSlots> slots{};
 };
 
-// That of elements with so many slots; its length is 0 for a number that no shape has.
+// The pattern of elements with this number of slots. Its length is 0 if no shape has that number.
 const CellPattern& cellPattern(std::int32_t nodesPerElement);
 
-// Among elements of four slots, one with a 0 in the last is a triangle: it has the pattern of 3.
+// A four-node element whose fourth node is 0 is a triangle and uses the three-node pattern.
 bool isTriangle(const Domain& domain, const std::int32_t* slots);
 
 } // namespace model

@@ -15,20 +15,20 @@ enum class DataType { single = 1, real8 = 2, longInt = 3 };
 
 enum class Location { node, element };
 
-// One column of a data set and the values behind it. Only the array of the column's type is in use:
-// one value per node or per element.
+// One variable's values in a data set. Only the array of the column's type is in use, with one
+// value per node or per element.
 struct Column {
-    std::int32_t varNumber = 0; // number in the data set, from 1; 0 when it has none
+    std::int32_t varNumber = 0; // number in the data set, from 1; 0 if it is not in one
     DataType type = DataType::real8;
     Location location = Location::node;
-    std::string label; // comment in front of the values
+    std::string label; // comment before the values
     std::vector<float> real4;
     std::vector<double> real8;
     std::vector<std::int32_t> int4;
 };
 
 // State of one output variable in one domain. A vector or a family of species has several columns
-// and one set of flags.
+// and one pair of flags.
 struct OutputVar {
     std::string_view key;     // key of its row in the table of variables
     bool firstExists = false; // its file was found in the first pass: it is in the data set
@@ -36,30 +36,30 @@ struct OutputVar {
     std::vector<Column> columns;
 };
 
-// What the next zone of a data set specifies of its variables, by their numbers.
+// Variables, by number, that the next zone of a data set marks.
 struct NextZone {
-    std::vector<std::int32_t> sharedVars; // values are those of zone 1
-    std::vector<std::int32_t> cellCenteredVars;
+    std::vector<std::int32_t> sharedVars;       // share the values of zone 1
+    std::vector<std::int32_t> cellCenteredVars; // have one value per element
 };
 
-// The plot file that a domain writes.
+// The plot file of a domain.
 struct DataSet {
     std::string fileName;        // as given to tecplotFileOpen, without extension
-    std::int32_t zoneNumber = 0; // zone created last, 0 before the first
-    std::int32_t numVars = 0;    // variables declared so far
+    std::int32_t zoneNumber = 0; // last zone that was created, 0 before the first
+    std::int32_t numVars = 0;    // variables added so far
     NextZone nextZone;           // emptied when the zone is created
     std::string varNameList;     // names separated by commas, in the text form in quotes
 
     // Text form
     std::string varTypeList;  // type words, separated by commas
     std::string unitComments; // comment lines with the units of the variables
-    std::string unitAuxData;  // the same as auxiliary data of the variables
+    std::string unitAuxData;  // auxiliary data lines with the units of the variables
 
-    // Binary form. The lists have an entry for each variable.
+    // Binary form, with one entry for each variable in the lists
     void* handle = nullptr;                // open file of the writer library
     std::vector<std::int32_t> varTypes;    // type codes
     std::vector<std::string> varUnits;     // at most 50 characters each, empty: none
-    std::vector<std::int32_t> varLocation; // in the zone created last: 1 nodes, 0 elements
+    std::vector<std::int32_t> varLocation; // in the last zone: 1 nodes, 0 elements
 };
 
 // One simulation domain: its mesh, options, output variables and plot file. Node and element
@@ -111,25 +111,26 @@ DomainOption& optionOf(Domain& domain, Option option);
 const DomainOption& optionOf(const Domain& domain, Option option);
 bool enabled(const Domain& domain, Option option); // true for Option::none
 
-// True for pm and for a domain on the multi-node scheme.
+// True for pm and for a domain that uses the multi-node scheme.
 bool hasOwnNodes(const Domain& domain);
 
 // True if pm is read only because common-node domains take their values from it.
 bool isReadButNotWritten(const Domain& domain);
 
-// Node slots of an element from 0, nodesPerElement of them: pm node numbers, unused ones below 1.
+// The nodesPerElement node slots of an element, counted from 0. A slot has a pm node number, or a
+// number below 1 if it is unused.
 inline const std::int32_t* slotsOf(const Domain& domain, std::size_t element) {
     return domain.elementNodes.data() + element * static_cast<std::size_t>(domain.nodesPerElement);
 }
 
-// The domain's variable with this key, null while the domain has none of that key.
+// The domain's variable with this key, null if it has none.
 const OutputVar* findOutputVar(const Domain& domain, std::string_view key);
 
-// The domain's variable with this key; ends the run when the table has no such row.
+// The domain's variable with this key. A key that the variable table does not have ends the run.
 OutputVar& outputVar(Domain& domain, std::string_view key);
 
-// Tests for the domain's files and, when they are there, builds the labels and reads the mesh.
-// `pm` is the pm record, also for pm itself. A damaged file ends the run with its name.
+// Tests whether the domain's coordinates file exists and, if so, sets the option labels and reads
+// the mesh. `pm` is the pm record, also for pm itself. A damaged file ends the run with its name.
 void domainCreate(Domain& domain, std::string_view tag, const Domain& pm);
 
 } // namespace model

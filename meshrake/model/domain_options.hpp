@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-// The options of a domain: what a line of the control file can switch off. One row each; the rows
-// stand in the order in which the control file template lists them.
+// The options of a domain, which lines of the control file switch off. One row each, in the order
+// of the control file template.
 namespace model {
 
 // Tags of the domains, one bit each, so that a row can name several.
@@ -14,7 +14,7 @@ using DomainSet = unsigned;
 namespace tags {
 inline constexpr DomainSet pm = 1, dual = 2, olf = 4, frac = 8, chan = 16, well = 32, tile = 64;
 inline constexpr DomainSet anyDomain = pm | dual | olf | frac | chan | well | tile;
-inline constexpr DomainSet addition = 128; // carries commands, has no mesh
+inline constexpr DomainSet addition = 128; // a block of instructions without a mesh
 
 struct TagName {
     std::string_view name;

@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::int64_t bytesPerNode = 24; // x, y and z
 
-// Nodes of one column differ in plan by less than this.
+// Nodes of one vertical column differ in x and y by less than this, in length units.
 constexpr double columnTolerance = 1.0e-5;
 
 void allocateCoordinates(Domain& domain) {
@@ -24,7 +24,8 @@ void allocateCoordinates(Domain& domain) {
     ArrayHelpers::allocateArray(domain.z, domain.nodeCount, "coordinate arrays");
 }
 
-// The file holds x, y, z node by node; taking them apart block by block needs no second mesh.
+// The file has x, y and z of each node together. They are separated block by block, so that the
+// coordinates are in memory only once.
 void readCoordinates(int unit, Domain& domain) {
     constexpr std::int32_t blockNodes = 8192;
     std::vector<double> block(3 * blockNodes);
@@ -77,12 +78,12 @@ void readWalls(int unit, const Domain& olf) {
     if (run.wallLayers < 0) file_units::badContents(unit, "The number of wall layers is negative");
     const std::int64_t nodes = olf.nodeCount;
     file_units::readArray(unit, nodes, run.wallNodeFlag, "olf wall arrays");
-    for (std::int32_t& flag : run.wallNodeFlag) flag &= 1; // the lowest bit tells true
+    for (std::int32_t& flag : run.wallNodeFlag) flag &= 1; // the lowest bit is the logical value
     file_units::readArray(unit, nodes * run.wallLayers, run.wallNodeTable, "olf wall arrays");
     file_units::readArray(unit, nodes, run.wallNodeValue, "olf wall arrays");
 }
 
-// A link out of the mesh would be followed later without a further look.
+// Links are used later without a check of their range.
 void checkLinks(int unit, const Domain& domain, const Domain& pm) {
     for (const std::int32_t node : domain.linkToPm)
         if (node < 1 || node > pm.nodeCount)

@@ -7,12 +7,12 @@ namespace model {
 // Reads <prefix>o.coordinates_<tag>: a record file without a header.
 //
 //   pm: nodeCount; x, y, z of node 1, of node 2 and so on, 64-bit reals; three integers, the third
-//   of them sheetCount (0: to be derived from the first column).
-//   Others: nodeCount; couplingScheme; linkToPm; linkFromPm. olf goes on with wallsPresent and, if
+//   of them sheetCount (0: derived from the first column of nodes).
+//   Others: nodeCount; couplingScheme; linkToPm; linkFromPm. Only olf then has wallsPresent and, if
 //   that is true, wallCountA, wallLayers, and the flags, table and values of the wall nodes.
 //
-// Global node numbers are given in the order of the calls: pm, then each multi-node domain. Numbers
-// beyond the mesh and a damaged file end the run.
+// Global node numbers are assigned in the order of the calls: pm, then each multi-node domain. A
+// node number outside the mesh and a damaged file end the run.
 void coordsRead(Domain& domain, const Domain& pm);
 
 // Reads <prefix>o.elements_<tag>: nodesPerElement; elementCount; elementNodes; elementZone; then

@@ -90,7 +90,7 @@ void hmcFractionsRead() {
     }
     writeScreen("HMC file: " + name);
     const int unit = file_units::openRecordsRead(name);
-    // The simulator's own settings stand around the count.
+    // The records around the count are settings of the simulator that are not used here.
     for (int i = 0; i < 4; ++i) file_units::readInteger(unit);
     run.numHmcFractions = file_units::readInteger(unit);
     for (int i = 0; i < 2; ++i) file_units::readInteger(unit);

@@ -18,7 +18,7 @@ namespace model {
 
 namespace {
 
-// Kinds of files that can tell the time of an output, in the order in which they are looked for.
+// Kinds of result files whose header has the time of the output, in the order of the search.
 constexpr std::array<std::string_view, 66> timeFileTable{"conc_chem",
                                                          "conc_dual",
                                                          "conc_frac",
@@ -86,7 +86,7 @@ constexpr std::array<std::string_view, 66> timeFileTable{"conc_chem",
                                                          "friction_olf",
                                                          "freeze_thaw_temp"};
 
-// Name of the stem's file, empty when the problem cannot have one.
+// File name for the stem, empty if the problem cannot have such a file.
 std::string candidate(std::string_view stem, std::string_view suffix) {
     const std::string kind(stem);
     const std::string end(suffix);
@@ -100,7 +100,7 @@ std::string candidate(std::string_view stem, std::string_view suffix) {
     return problemFile(kind + end);
 }
 
-// The kind of file found last usually has the next time too.
+// Usually the kind of file that was found last exists at the next output time too.
 bool sameKindExists(std::string_view suffix) {
     const std::size_t point = run.timeFile.rfind('.');
     if (point == std::string::npos)

@@ -4,12 +4,12 @@
 
 namespace model {
 
-// Looks for a result file of any known kind with this suffix ("." and the index text), takes the
-// time stamp from its header into `run.currentTimeText` and converts it when the control file says
-// so. Sets "0.0" and `found` false when there is none. A malformed header ends the run.
+// Searches for a result file of any known kind with this suffix ("." and the time index). Reads the
+// time stamp of its header into `run.currentTimeText`, converted if the control file requests it.
+// Without such a file `found` is false and the text is "0.0". A malformed header ends the run.
 void getTimestamp(std::string_view suffix, bool& found);
 
-// The same search alone: leaves the file's name in `run.timeFile`. False when there is none.
+// Searches for the same file and puts its name into `run.timeFile`. Returns false if none exists.
 bool findTimeFile(std::string_view suffix);
 
 // Value of a time stamp of the file found last. An infinite one or one that is not a number ends
@@ -19,7 +19,7 @@ double timeOf(std::string_view timestamp);
 // Value of the time found last.
 double currentTime();
 
-// True when that lies in the time window, ends included.
+// True if that time is in the time window, which includes both ends.
 bool inTimeWindow();
 
 } // namespace model

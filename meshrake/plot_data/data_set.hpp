@@ -4,8 +4,8 @@
 
 #include <string_view>
 
-// The Tecplot data set of a domain: a file of zones that all carry the same variables in the same
-// order. Calling order: tecplotInit; for each variable tecplotVarAdd, tecplotDataType,
+// The Tecplot data set of a domain: a file of zones that all have the same variables in the same
+// order. Order of calls: tecplotInit; for each variable tecplotVarAdd, tecplotDataType,
 // tecplotVarUnitsAdd and, if it is cell-centred, tecplotVarLocCCAdd; tecplotFileOpen;
 // tecplotVarUnitsWrite; then the zones; tecplotFileClose.
 namespace plot_data {
@@ -20,16 +20,16 @@ void selectWriter();
 // Extension of the plot files with its point: ".dat" or ".szplt".
 std::string_view plotFileExtension();
 
-// Word of the type in a plot file.
+// Name of the type in a plot file: "SINGLE", "DOUBLE" or "LONGINT".
 std::string_view tecDt2String(DataType type);
 
-// Clears what a data set of the domain has collected.
+// Clears the data set record of the domain.
 void tecplotInit(Domain& domain);
 
 // Appends a variable, shows its number and name on screen and echo file, and returns the number.
 std::int32_t tecplotVarAdd(std::string_view name, Domain& domain);
 
-// Type of the variable declared last.
+// Type of the variable added last.
 void tecplotDataType(DataType type, Domain& domain);
 
 // The variable's values in the next zone are those of zone 1.
@@ -48,8 +48,8 @@ void tecplotFileOpen(std::string_view name, std::string_view title, Domain& doma
 // needs no flush.
 void tecplotFileFlush(Domain& domain);
 
-// Ends the file; nothing happens if it was never opened. A binary file that a later run may
-// continue is flushed and stays unfinished.
+// Finishes and closes the file; does nothing if it was never opened. In a run that appends, a
+// binary file is flushed and stays unfinished, so that a later run can resume it.
 void tecplotFileClose(Domain& domain);
 
 // The eight auxiliary values of a data set: program, time, problem and base units.

@@ -14,11 +14,11 @@ using model::run;
 
 namespace {
 
-// Quadrilaterals of a domain with nodes of its own go by its own links, since at a cutoff wall
-// several of its nodes lie on one pm node.
+// Output numbers of a multi-node domain's own nodes. Its quadrilaterals use these numbers instead
+// of `nodeRenumber`, because several of its nodes share one pm node at a cutoff wall.
 struct OwnNodes {
     bool inUse = false;
-    std::vector<std::int32_t> place; // domain node to node of the output, empty: the same number
+    std::vector<std::int32_t> numbers; // domain node to output node, empty: the same number
 };
 
 OwnNodes ownNodesOf(const Domain& domain) {
@@ -26,20 +26,21 @@ OwnNodes ownNodesOf(const Domain& domain) {
     own.inUse =
         domain.tag != model::tags::pm && model::hasOwnNodes(domain) && domain.nodesPerElement == 4;
     if (!own.inUse || !domain.outputIsPacked) return own;
-    ArrayHelpers::allocateArray(own.place, domain.nodeCount, "Tecplot element connectivity array");
+    ArrayHelpers::allocateArray(own.numbers, domain.nodeCount,
+                                "Tecplot element connectivity array");
     std::int32_t written = 0;
-    for (std::size_t i = 0; i < own.place.size(); ++i)
-        if (domain.nodeIncluded[i]) own.place[i] = ++written;
+    for (std::size_t i = 0; i < own.numbers.size(); ++i)
+        if (domain.nodeIncluded[i]) own.numbers[i] = ++written;
     return own;
 }
 
-std::int32_t placeOf(const OwnNodes& own, std::int32_t node) {
-    return own.place.empty() ? node : own.place[static_cast<std::size_t>(node - 1)];
+std::int32_t outputNumber(const OwnNodes& own, std::int32_t node) {
+    return own.numbers.empty() ? node : own.numbers[static_cast<std::size_t>(node - 1)];
 }
 
-// The node that stands for `node` in an element of this wall layer.
-std::int32_t behindWall(const Domain& domain, const OwnNodes& own, std::int32_t node,
-                        std::size_t element) {
+// The node that the wall table puts in place of `node` for the wall layer of the element.
+std::int32_t wallReplacement(const Domain& domain, const OwnNodes& own, std::int32_t node,
+                             std::size_t element) {
     if (!run.wallsPresent || domain.tag != model::tags::olf) return node;
     const auto index = static_cast<std::size_t>(node - 1);
     const std::int32_t layer = run.wallElementLayer[element];
@@ -50,24 +51,25 @@ std::int32_t behindWall(const Domain& domain, const OwnNodes& own, std::int32_t 
         std::int64_t{run.wallNodeTable[static_cast<std::size_t>(layer - 1) * nodes + index]} -
         domain.nodeOffset;
     if (other < 1 || other > domain.nodeCount) return node;
-    const auto behind = static_cast<std::int32_t>(other);
-    return placeOf(own, behind) > 0 ? behind : node;
+    const auto replacement = static_cast<std::int32_t>(other);
+    return outputNumber(own, replacement) > 0 ? replacement : node;
 }
 
+// Output number of the domain's node at a pm node, 0 if it has none.
 std::int32_t ownNode(const Domain& domain, const OwnNodes& own, std::int32_t pmNode,
                      std::size_t element) {
     if (pmNode < 1) return 0;
     const std::int32_t global = domain.linkFromPm[static_cast<std::size_t>(pmNode - 1)];
     if (global < 1) return 0;
     const std::int32_t node = global - domain.nodeOffset;
-    return placeOf(own, behindWall(domain, own, node, element));
+    return outputNumber(own, wallReplacement(domain, own, node, element));
 }
 
 std::int32_t renumbered(const Domain& domain, std::int32_t pmNode) {
     return pmNode < 1 ? 0 : domain.nodeRenumber[static_cast<std::size_t>(pmNode - 1)];
 }
 
-// Output node numbers of one element into `nodes`, as many as the pattern has.
+// Puts the output node numbers of one element into `nodes`, one for each slot of the pattern.
 void tecplotElemConnectivity(const Domain& domain, const OwnNodes& own, const CellPattern& pattern,
                              std::size_t element, std::int32_t* nodes) {
     const std::int32_t* slots = model::slotsOf(domain, element);
@@ -81,8 +83,8 @@ void tecplotElemConnectivity(const Domain& domain, const OwnNodes& own, const Ce
         nodes[k] = renumbered(domain, slots[used.slots[k]]);
 }
 
-// True when the file takes the elements as they stand: all of them, with all nodes of pm, and no
-// triangle among them.
+// True if `elementNodes` can be written without a change: it has all elements and all nodes of pm
+// with the same numbers, in the order of the pattern, and no triangle.
 bool isWholeMesh(const Domain& domain, const CellPattern& pattern) {
     return domain.tag == model::tags::pm && pattern.length == domain.nodesPerElement &&
            pattern.length != 4 && domain.neTruncated == domain.elementCount &&

@@ -3,16 +3,16 @@
 #include <cstdint>
 #include <string_view>
 
-// The block of text that goes to a file next. It stands in the buffer of the run, which holds
-// nothing between two uses.
+// Text that is collected in `run.writeBuffer` and written to a file in blocks. The buffer is empty
+// between two arrays.
 namespace plot_data {
 
 struct TextBlock {
     int unit;
-    char* end; // behind the last character
+    char* end; // one past the last character
 };
 
-// An empty block for the file of `unit`.
+// Starts an empty block for the file of `unit`.
 TextBlock beginBlock(int unit);
 
 // Ensures space for a row of `rowBytes` bytes: a block that is too full is written and emptied.
@@ -21,7 +21,7 @@ std::int64_t ensureSpace(TextBlock& block, std::int64_t rowBytes);
 
 void appendLine(TextBlock& block, std::string_view line);
 
-// Writes what the block holds. A failure ends the run.
+// Writes the block and empties it. A failure ends the run.
 void writeBlock(TextBlock& block);
 
 } // namespace plot_data

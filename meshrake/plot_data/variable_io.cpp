@@ -20,8 +20,8 @@ using model::run;
 namespace {
 
 std::string fileWithSuffix(const Domain& domain, std::string_view stem, const std::string& suffix) {
-    const bool ofDomain = stem.ends_with('_');
-    return model::problemFile(std::string(stem) + (ofDomain ? domain.name + "." : "") + suffix);
+    const bool hasDomain = stem.ends_with('_');
+    return model::problemFile(std::string(stem) + (hasDomain ? domain.name + "." : "") + suffix);
 }
 
 std::int32_t valueCount(const Domain& domain, const Column& column) {
@@ -40,6 +40,8 @@ std::string variableFile(const Domain& domain, std::string_view stem) {
     return fileWithSuffix(domain, stem, run.timeSuffix);
 }
 
+// The variables of an appending run must be those of the data set on disk. So a variable whose file
+// is missing at this run's first output time is declared with the values of an earlier one.
 bool checkFileInit(std::string& name, std::int32_t fallback) {
     if (file_units::exists(name)) return true;
     if (!run.tecplotAppend) return false;
@@ -96,6 +98,7 @@ void allocateColumn(const Domain& domain, Column& column, std::string_view array
 void readColumns(const Domain& domain, std::span<Column> columns, const std::string& name) {
     const std::int32_t n = valueCount(domain, columns[0]);
     const auto components = static_cast<int>(columns.size());
+    // The reader puts each component of a record into the array of its column, without a copy.
     float* real4[maximumColumns];
     double* real8[maximumColumns];
     for (std::size_t c = 0; c < columns.size(); ++c) {
@@ -126,6 +129,8 @@ void markColumns(Domain& domain, std::span<const Column> columns) {
 void writeColumn(Domain& domain, const Column& column) {
     const bool nodal = column.location == Location::node;
     const std::int32_t n = valueCount(domain, column);
+    // In a common-node domain `nodeIncluded` has an entry for each pm node, but the column has a
+    // value for each of the domain's own nodes.
     const std::vector<std::uint8_t>& nodes =
         model::hasOwnNodes(domain) ? domain.nodeIncluded : domain.domainNodeIncluded;
     const Packing packing{domain.outputIsPacked, (nodal ? nodes : domain.elementIncluded).data()};

@@ -7,12 +7,11 @@
 #include <string>
 #include <string_view>
 
-// The road of a result file to a column of a zone, written once. The rows of the table of variables
-// tell what differs from one variable to the next.
+// Reads result files into columns and writes the columns into zones. The same steps serve every
+// variable; a row of the variable table gives what differs.
 //
-// A variable is in a data set when its file exists in the first pass. After that, a file that
-// exists at an output time gives new values, and a missing one means that the values of zone 1
-// stand.
+// A variable is in a data set if its file exists in the first pass. At a later output time a file
+// that exists has new values. If the file is missing, the zone shares the values of zone 1.
 namespace plot_data {
 
 using model::Column;
@@ -23,18 +22,18 @@ using model::Location;
 using model::Option;
 using model::OutputVar;
 
-// When a variable has a file.
+// Output times at which a variable has a file.
 enum class Timing {
     everyTime, // one for each output time
     firstPass, // read in the first pass, shared from then on
-    property   // that of output time 1, whatever the current time; shared from then on
+    property   // file of output time 1, read in the first pass; shared from then on
 };
 
-// Variables with a file for each species or mixing fraction of the problem. The name of a member is
-// the species' and that of the row's column behind it.
+// Variables with a file and a column for each species or mixing fraction of the problem. The name
+// of a column is the name of the species followed by that of the row's column.
 enum class Family { oneFile, allSpecies, mobileSpecies, flagASpecies, flagBSpecies, fractions };
 
-// Name in the variable list, and comment in front of the values.
+// Name in the variable list, and comment before the values.
 struct ColumnText {
     std::string_view name;
     std::string_view label;
@@ -42,59 +41,70 @@ struct ColumnText {
 
 inline constexpr std::size_t maximumColumns = 6;
 
+// A row of the variable table.
 struct VariableRow {
     using Step = void (*)(Domain&, const VariableRow&, OutputVar&);
 
-    std::string_view key{};
-    DomainSet domains = 0;
-    Option option = Option::none;
-    std::string_view
-        stem{}; // of the file name; "sat_" is followed by the domain, "snowmelt." is not
-    DataType type = DataType::real8;
-    Location location = Location::node;
+    std::string_view key{};       // identifies the row, unique in the table
+    DomainSet domains = 0;        // domains that may have the variable
+    Option option = Option::none; // of the control file, switches the variable off
+    std::string_view stem{}; // of the file name; ends with "_" if the name of the domain follows
+    DataType type = DataType::real8;                  // of the values in file and data set
+    Location location = Location::node;               // node or element
     std::string_view unit{};                          // dimension expression, empty: none
-    std::array<ColumnText, maximumColumns> columns{}; // those of the components, empty ones behind
-    std::string_view arrayText{};                     // tells the array when memory runs out
+    std::array<ColumnText, maximumColumns> columns{}; // one for each component, the rest empty
+    std::string_view arrayText{}; // name of the array in the out-of-memory banner
     Timing timing = Timing::everyTime;
-    Family family = Family::oneFile; // of several files, each with a column
-    bool laterFallback = false;      // a continued run may fall back to output time 1 later too
-    // At later output times it is shared after all other variables: its numbers stand last in the
-    // list of shared ones, while its columns keep the place that the row has in the table.
+    Family family = Family::oneFile;
+    bool laterFallback = false; // an appending run may use the file of output time 1 at later times
+    // At later output times the variable is shared after all others: its numbers are the last in
+    // the list of shared variables. Its columns keep the position that the row has in the table.
     bool sharedLast = false;
 
-    // Steps of a variable that differs from the rest.
-    Step init = nullptr;  // first pass: declare and read
-    Step read = nullptr;  // later output time: read or share
-    Step write = nullptr; // the values into the zone
+    // Functions of a variable that differs from the rest; null: `plainInit`, `plainRead`,
+    // `plainWrite`.
+    Step init = nullptr;  // first pass: declares the columns and reads the values
+    Step read = nullptr;  // later output time: reads the values or shares them
+    Step write = nullptr; // writes the values into the zone
 };
 
+// Number of columns that have a name.
 std::size_t columnCount(const VariableRow& row);
 
-// "<prefix>o.<stem><domain>.<suffix>" with the time index of the current output time.
+// "<prefix>o.<stem><domain>.<suffix>" with the suffix of the current output time.
 std::string variableFile(const Domain& domain, std::string_view stem);
 
-// Tests for the file in the first pass. A continued run that does not find it looks for that of
-// time index `fallback`, whose name then replaces `name`, and says so on echo file and screen.
+// Returns whether the file of the first pass exists. If it is missing, an appending run replaces
+// `name` by the file of time index `fallback`; if that exists, echo file and screen show a warning.
 bool checkFileInit(std::string& name, std::int32_t fallback = 1);
 
-// File that the row's values come from in the first pass, empty when there is none.
+// File of the row's values in the first pass, empty if it does not exist.
 std::string firstFile(const Domain& domain, const VariableRow& row);
 
-// Steps of `plainInit` for variables that are put together differently.
+// The functions from here to `writeColumn` are the steps of the three functions after them, for
+// variables that need other combinations.
 
-// A column of the row's type and location, with neither number nor values; and all that it names.
+// A column, and all columns, of the row's type and location, without number and values.
 Column columnOf(const VariableRow& row, std::string_view label);
 std::vector<Column> columnsOf(const VariableRow& row);
 
-// Numbers a column and tells the data set its name, type, unit and location.
+// Adds the column to the data set with name, type, unit and location, and sets its number.
 void declareColumn(Domain& domain, Column& column, std::string_view name, std::string_view unit);
+
+// Allocates one value for each node or element. `arrayText` names the array in the banner that ends
+// the run if memory is exhausted.
 void allocateColumn(const Domain& domain, Column& column, std::string_view arrayText);
+// Reads a result file whose records have the components of the columns. A file of another length or
+// a damaged one ends the run.
 void readColumns(const Domain& domain, std::span<Column> columns, const std::string& name);
+// The next zone shares the columns with zone 1.
 void shareColumns(Domain& domain, std::span<const Column> columns);
+// Marks the element columns as cell-centred in the next zone, which every zone needs.
 void markColumns(Domain& domain, std::span<const Column> columns);
+// Writes the values of the included nodes or elements into the zone.
 void writeColumn(Domain& domain, const Column& column);
 
-// First pass: finds the file, declares the columns and reads the values.
+// First pass: declares the columns and reads the values if the file exists.
 void plainInit(Domain& domain, const VariableRow& row, OutputVar& var);
 
 // Later output time: reads the file or shares the columns.
@@ -103,7 +113,7 @@ void plainRead(Domain& domain, const VariableRow& row, OutputVar& var);
 // Writes all columns.
 void plainWrite(Domain& domain, const VariableRow& row, OutputVar& var);
 
-// Later output time of what never changes: shares the columns.
+// Later output time of a variable that never changes: shares the columns.
 void constantRead(Domain& domain, const VariableRow& row, OutputVar& var);
 
 } // namespace plot_data

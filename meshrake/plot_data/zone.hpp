@@ -6,8 +6,8 @@
 
 namespace plot_data {
 
-// Opens the next zone with the output counts of the domain. `solutionTime` may be blank; a
-// `connectivityShareZone` above 0 takes the element lists of that zone. The marks of
+// Opens the next zone with the output counts of the domain. `solutionTime` may be blank. If
+// `connectivityShareZone` is above 0, the zone shares the node lists of that zone. The marks of
 // tecplotVarShareAdd and tecplotVarLocCCAdd apply to this zone alone.
 void tecplotWriteZoneFE(std::string_view title, std::string_view solutionTime,
                         int connectivityShareZone, model::Domain& domain);
