@@ -10,7 +10,7 @@
 
 namespace model {
 
-// Type of the values of a column; the numbers are those of the plot files.
+// Type of the values of a column, with the type codes of the writer library.
 enum class DataType { single = 1, real8 = 2, longInt = 3 };
 
 enum class Location { node, element };
@@ -30,7 +30,7 @@ struct Column {
 // State of one output variable in one domain. A vector or a family of species has several columns
 // and one pair of flags.
 struct OutputVar {
-    std::string_view key;     // key of its row in the table of variables
+    std::string_view key;     // key of its row in the variable table
     bool firstExists = false; // its file was found in the first pass: it is in the data set
     bool exists = false;      // its file was found at the current output time
     std::vector<Column> columns;
@@ -104,7 +104,7 @@ struct Domain {
     std::int32_t neTruncated = 0;
 
     DataSet dataSet;
-    std::vector<OutputVar> outputVars; // one for each row of the table of variables
+    std::vector<OutputVar> outputVars; // one for each row of the variable table
 };
 
 DomainOption& optionOf(Domain& domain, Option option);

@@ -29,7 +29,7 @@ void tecplotInit(Domain& domain);
 // Appends a variable, shows its number and name on screen and echo file, and returns the number.
 std::int32_t tecplotVarAdd(std::string_view name, Domain& domain);
 
-// Type of the variable added last.
+// Sets the type of the variable that was added last.
 void tecplotDataType(DataType type, Domain& domain);
 
 // The variable's values in the next zone are those of zone 1.
@@ -52,10 +52,10 @@ void tecplotFileFlush(Domain& domain);
 // binary file is flushed and stays unfinished, so that a later run can resume it.
 void tecplotFileClose(Domain& domain);
 
-// The eight auxiliary values of a data set: program, time, problem and base units.
+// Writes the eight auxiliary values of a data set: program, time, problem and base units.
 void tecplotMetadata(Domain& domain);
 
-// The same as text on any open unit, for files that are no data sets.
+// Writes the same values as text to any open unit, for text files that are not data sets.
 void tecplotMetadataAscii(int unit);
 
 } // namespace plot_data

@@ -61,8 +61,8 @@ struct VariableRow {
     // the list of shared variables. Its columns keep the position that the row has in the table.
     bool sharedLast = false;
 
-    // Functions of a variable that differs from the rest; null: `plainInit`, `plainRead`,
-    // `plainWrite`.
+    // Functions of a variable that differs from the rest. Null: `plainInit`, `plainRead` and
+    // `plainWrite`, or what the family has in their place.
     Step init = nullptr;  // first pass: declares the columns and reads the values
     Step read = nullptr;  // later output time: reads the values or shares them
     Step write = nullptr; // writes the values into the zone
@@ -94,13 +94,17 @@ void declareColumn(Domain& domain, Column& column, std::string_view name, std::s
 // Allocates one value for each node or element. `arrayText` names the array in the banner that ends
 // the run if memory is exhausted.
 void allocateColumn(const Domain& domain, Column& column, std::string_view arrayText);
+
 // Reads a result file whose records have the components of the columns. A file of another length or
 // a damaged one ends the run.
 void readColumns(const Domain& domain, std::span<Column> columns, const std::string& name);
+
 // The next zone shares the columns with zone 1.
 void shareColumns(Domain& domain, std::span<const Column> columns);
+
 // Marks the element columns as cell-centred in the next zone, which every zone needs.
 void markColumns(Domain& domain, std::span<const Column> columns);
+
 // Writes the values of the included nodes or elements into the zone.
 void writeColumn(Domain& domain, const Column& column);
 
