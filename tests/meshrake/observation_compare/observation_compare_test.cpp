@@ -327,7 +327,7 @@ TEST_F(Comparison, WithoutSpreadIsWrittenAsItComes) {
 
 TEST_F(Comparison, NeedsAnElementForEachPointThatTakesPart) {
     const std::string four = "4\n0 0 0 1\n0 0 0 1\n0 0 0 1\n";
-    EXPECT_EQ(runHeads(four + "9 9 9 1\n").status, 1); // outside, but only the cache tells
+    EXPECT_EQ(runHeads(four + "9 9 9 1\n").status, 1); // outside, which only the cache shows
     EXPECT_EQ(runHeads(four + "9 9 9 1\n").status, 0);
     std::filesystem::remove("to.ObsShape.txt");
     runs::expectFailure(runHeads(four + "0 0 0 1\n"),

@@ -191,7 +191,7 @@ TEST(Append, AFailedSyncEndsTheRun) {
     }
 }
 
-// Without the wish to append, a data set that was left unfinished is replaced, with a warning.
+// A run that does not append replaces an unfinished data set, with a warning.
 TEST(Append, AnotherRunReplaces) {
     const Folder folder;
     putControl("", "", false);

@@ -40,7 +40,7 @@ struct Damage {
     std::string file;
     int record, word;
     std::int32_t value;
-    std::string what; // in the banner, behind the file's name
+    std::string what; // in the banner, after the file's name
 };
 
 const std::string tooMany = "\nMore than the file can hold: ";
