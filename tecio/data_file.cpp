@@ -87,8 +87,7 @@ Bytes headerBytes(DataFile& f, std::int64_t padding) {
 }
 
 int copyData(const byte_file::File& from, std::int64_t fromAt, const byte_file::File& to,
-             std::int64_t toAt, std::int64_t size) {
-    std::vector<char> block(static_cast<std::size_t>(std::min(size, copyBytes)));
+             std::int64_t toAt, std::int64_t size, std::vector<char>& block) {
     for (std::int64_t done = 0; done < size;) {
         const std::int64_t n = std::min(size - done, copyBytes);
         int status = byte_file::readAt(from, fromAt + done, block.data(), n);
@@ -104,11 +103,13 @@ int replaceWithCopy(DataFile& f, std::int64_t padding) {
     const std::int64_t dataBytes = f.dataEnd - f.dataAt;
     const std::int64_t oldDataAt = f.dataAt;
     const Bytes header = headerBytes(f, padding);
+    // Before the open: a failed allocation after it would lose the descriptor of the copy.
+    std::vector<char> block(static_cast<std::size_t>(std::min(dataBytes, copyBytes)));
     byte_file::File copy;
     Replacement replacement;
     int status = byte_file::openForCommit(f.path, copy, replacement);
     if (status == ok) status = byte_file::writeAt(copy, 0, header.data(), sizeOf(header));
-    if (status == ok) status = copyData(f.file, oldDataAt, copy, sizeOf(header), dataBytes);
+    if (status == ok) status = copyData(f.file, oldDataAt, copy, sizeOf(header), dataBytes, block);
     if (status == ok)
         status = commitFile(f, copy, replacement);
     else

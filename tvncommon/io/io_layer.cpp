@@ -51,15 +51,19 @@ State freshState() {
 
 State state = freshState();
 
-int open(int unit, const std::string& path, OpenMode mode, Form form,
-         Flush flushing = Flush::inBlocks) {
-    if (!canBeName(path)) return invalidPath;
+// Adds a connection without a file. This comes before the open, because a failed allocation after
+// the open would lose the descriptor and with it a lock.
+Connection& connect(int unit, const std::string& path, Form form, Flush flushing) {
     Connection c;
-    c.descriptor = restart([&] { return table.open(path.c_str(), mode); });
-    if (c.descriptor < 0) return statusOfOpen(errno);
     c.path = path;
     c.form = form;
     c.flushing = flushing;
+    return state.connections[unit] = std::move(c);
+}
+
+int openFile(Connection& c, OpenMode mode) {
+    c.descriptor = restart([&] { return table.open(c.path.c_str(), mode); });
+    if (c.descriptor < 0) return statusOfOpen(errno);
     c.writing = mode != OpenMode::read;
     system_calls::FileInfo info;
     // Only a regular file is read: another one may never end. A device or pipe can be written.
@@ -73,19 +77,24 @@ int open(int unit, const std::string& path, OpenMode mode, Form form,
     c.regular = info.kind == system_calls::FileKind::regular;
     c.device = info.device;
     c.number = info.number;
-    state.connections[unit] = std::move(c);
     return ok;
 }
 
+int open(int unit, const std::string& path, OpenMode mode, Form form,
+         Flush flushing = Flush::inBlocks) {
+    if (!canBeName(path)) return invalidPath;
+    const int status = openFile(connect(unit, path, form, flushing), mode);
+    if (status != ok) state.connections.erase(unit);
+    return status;
+}
+
 int openForCommit(int unit, const std::string& path, Form form) {
-    Connection c;
-    c.path = path;
-    c.form = form;
-    c.writing = true;
+    Connection& c = connect(unit, path, form, Flush::inBlocks);
     const int status = file_replacement::begin(path, file_replacement::InPlace::permitted,
                                                c.replacement, c.descriptor);
+    c.writing = status == ok;
     c.regular = !c.replacement.newFile.empty();
-    if (status == ok) state.connections[unit] = std::move(c);
+    if (status != ok) state.connections.erase(unit);
     return status;
 }
 
@@ -267,7 +276,8 @@ int releaseUnit(int unit) {
     if (c->preallocatedEnd > c->written && truncate(c->descriptor, c->written) != ok)
         status = writeFailed;
     file_replacement::discard(c->replacement); // its lock ends with the descriptor
-    if (table.close(c->descriptor) != 0 && c->writing && status == ok) status = writeFailed;
+    const bool closed = c->descriptor < 0 || table.close(c->descriptor) == 0;
+    if (!closed && c->writing && status == ok) status = writeFailed;
     state.connections.erase(unit);
     return status;
 }

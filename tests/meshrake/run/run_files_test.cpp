@@ -1,10 +1,12 @@
 #include "tests/support/runs.hpp"
+#include "tvncommon/io/io_layer.hpp"
 #include "tvncommon/io/system_calls.hpp"
 
 #include <cerrno>
 #include <fcntl.h>
 #include <future>
 #include <memory>
+#include <new>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -33,6 +35,32 @@ protected:
 
     const Folder folder;
 };
+
+// A failed allocation in the open leaves no lock that would refuse the file to the next open.
+TEST_F(RunFiles, NoMemoryForANewFile) {
+    using namespace io_layer;
+    static int countdown;
+    system_calls::table.allocate = [](std::size_t size) -> void* {
+        return --countdown == 0 ? nullptr : system_calls::systemTable().allocate(size);
+    };
+    const std::string path = "a_new_file_with_a_name_that_needs_memory";
+    int failures = 0;
+    for (bool opened = false; !opened; ++failures) {
+        const int unit = takeUnit();
+        countdown = failures + 1;
+        try {
+            opened = openTextForCommit(unit, path) == ok;
+        } catch (const std::bad_alloc&) {
+        }
+        countdown = 0;
+        releaseUnit(unit);
+        ASSERT_EQ(openTextForCommit(takeUnit(), path), ok) << failures;
+        std::string failed;
+        EXPECT_EQ(releaseAll(failed), ok);
+    }
+    EXPECT_GT(failures, 3);
+    EXPECT_FALSE(std::filesystem::exists(path + ".unfinished"));
+}
 
 TEST_F(RunFiles, AnIndexThatCannotBeWritten) {
     put("t.plot.control", "tecplot binary append\n"); // without "end" the index is only written
