@@ -1,8 +1,10 @@
 #include "tests/support/data_set.hpp"
 
 #include <algorithm>
+#include <cstdlib>
 #include <set>
 #include <sstream>
+#include <stdexcept>
 
 namespace data_set {
 
@@ -20,103 +22,167 @@ std::vector<std::string> split(const std::string& list) {
     return items;
 }
 
+std::string join(const std::vector<std::string>& parts) {
+    std::string list;
+    for (const std::string& part : parts) list += (list.empty() ? "" : ",") + part;
+    return list;
+}
+
 namespace {
 
-const std::string connectivityLabel = "element node lists";
+using data_set_file::DataSet;
+using data_set_file::Zone;
 
-std::size_t nodesPerElement(const std::string& zoneType) {
-    if (zoneType == "FELINESEG") return 2;
-    return zoneType == "FEBRICK" ? 8 : 4;
-}
-
-void addValues(Zone& zone, const std::string& label, const std::string& row) {
-    std::istringstream in(row);
-    for (std::string value; in >> value;) {
-        zone.values[label].push_back(value);
-        if (label != connectivityLabel) ++zone.counts.back();
+// Calls back for each number of a list of variables, from 0.
+template<class Act>
+void forVariables(const std::string& list, std::size_t variables, Act act) {
+    for (const std::string& number : split(list)) {
+        const std::size_t v = std::stoul(number) - 1;
+        if (v < variables) act(v);
     }
 }
 
-std::string faultOf(const DataSet& set, Zone& zone) {
-    const std::vector<std::string> names = split(set.variables), labels = split(zone.written);
-    const std::vector<std::string> centred = split(zone.centred), shared = split(zone.shared);
-    const std::size_t nodes = std::stoul(between(zone.line, "NODES=", ","));
-    const std::size_t elements = std::stoul(between(zone.line, "ELEMENTS=", ","));
-    const auto holds = [](const std::vector<std::string>& list, std::size_t number) {
-        return std::find(list.begin(), list.end(), std::to_string(number)) != list.end();
-    };
-    if (std::set(names.begin(), names.end()).size() != names.size()) return "a name stands twice";
-    std::size_t array = 0;
-    for (std::size_t v = 1; v <= names.size(); ++v) {
-        if (holds(shared, v)) continue;
-        if (array == labels.size()) return "no array of " + names[v - 1];
-        if (zone.counts[array] != (holds(centred, v) ? elements : nodes))
-            return "the count of " + names[v - 1];
-        ++array;
-    }
-    if (array != labels.size()) return "an array of no variable: " + labels[array];
+Zone zoneOf(const std::string& line, std::size_t variables) {
+    static const std::vector<std::string> types{
+        "", "FELINESEG", "FETRIANGLE", "FEQUADRILATERAL", "FETETRAHEDRON", "FEBRICK"};
+    Zone zone;
+    zone.title = between(line, "ZONE T=\"", "\"");
+    const std::string type = between(line, "ZONETYPE=", ","), time = between(line, "TIME=", ",");
+    zone.type = static_cast<std::int32_t>(std::ranges::find(types, type) - types.begin());
+    zone.strand = time.empty() ? -1 : 1;
+    zone.time = std::strtod(time.c_str(), nullptr);
+    zone.nodes = std::stol(between(line, "NODES=", ","));
+    zone.elements = std::stol(between(line, "ELEMENTS=", ","));
+    zone.centred.assign(variables, false);
+    zone.shares.assign(variables, 0);
+    zone.values.resize(variables);
+    forVariables(between(line, "VARLOCATION=([", "]"), variables,
+                 [&](std::size_t v) { zone.centred[v] = true; });
+    forVariables(between(line, "VARSHARELIST=([", "]"), variables,
+                 [&](std::size_t v) { zone.shares[v] = 1; });
+    zone.connectivityShare = line.find("CONNECTIVITYSHAREZONE=1") != std::string::npos;
+    return zone;
+}
 
-    const bool ownElements = zone.line.find("CONNECTIVITYSHAREZONE=1") == std::string::npos;
-    const std::vector<std::string>& list = zone.values[connectivityLabel];
-    const std::size_t perElement = nodesPerElement(between(zone.line, "ZONETYPE=", ","));
-    if (list.size() != (ownElements ? elements * perElement : 0))
+std::string faultOf(const Text& text, std::size_t z) {
+    constexpr std::int64_t nodesOfTypes[] = {0, 2, 3, 4, 4, 8};
+    const std::vector<std::string>& names = text.set.variables;
+    const Zone& zone = text.set.zones[z];
+    if (std::set(names.begin(), names.end()).size() != names.size()) return "a repeated name";
+    if (!zone.types.empty() && zone.types.size() != names.size()) return "the number of types";
+    const auto own = static_cast<std::size_t>(std::ranges::count(zone.shares, 0));
+    if (text.labels[z].size() != own)
+        return std::to_string(text.labels[z].size()) + " arrays of " + std::to_string(own);
+    for (std::size_t v = 0; v < names.size(); ++v) {
+        const std::int64_t count = zone.centred[v] ? zone.elements : zone.nodes;
+        if (std::ssize(zone.values[v]) != (zone.shares[v] > 0 ? 0 : count))
+            return "the count of " + names[v];
+    }
+    const std::int64_t slots = nodesOfTypes[zone.type] * zone.elements;
+    if (std::ssize(zone.elementNodes) != (zone.connectivityShare ? 0 : slots))
         return "the count of element nodes";
-    for (const std::string& node : list)
-        if (std::stol(node) < 1 || std::stoul(node) > nodes) return "an element with node " + node;
+    for (const std::int32_t node : zone.elementNodes)
+        if (node < 1 || node > zone.nodes) return "an element with node " + std::to_string(node);
     return "";
+}
+
+// The line of a zone after its head: types, a comment that begins an array, or values.
+void readZoneLine(Text& text, const std::string& line, std::vector<double>*& values) {
+    static std::vector<double> surplus;
+    Zone& zone = text.set.zones.back();
+    if (line.starts_with("DT=(")) {
+        for (const std::string& word : split(between(line, "(", ")")))
+            zone.types.push_back(word == "SINGLE" ? 1 : word == "DOUBLE" ? 2 : 3);
+    } else if (line == "# element node lists") {
+        values = nullptr;
+    } else if (line.starts_with("# ")) {
+        std::size_t arrays = text.labels.back().size(), v = 0;
+        while (v < zone.shares.size() && (zone.shares[v] > 0 || arrays-- > 0)) ++v;
+        values = v < zone.values.size() ? &zone.values[v] : &surplus;
+        text.labels.back().push_back(line.substr(2));
+    } else {
+        std::istringstream row(line);
+        for (std::string field; row >> field;) {
+            const double value = std::strtod(field.c_str(), nullptr);
+            if (values)
+                values->push_back(value);
+            else
+                zone.elementNodes.push_back(static_cast<std::int32_t>(value));
+        }
+    }
 }
 
 } // namespace
 
-DataSet parse(const std::string& text) {
-    DataSet set;
-    std::istringstream in(text);
-    std::string label;
+Text parse(const std::string& contents) {
+    Text text;
+    DataSet& set = text.set;
+    std::istringstream in(contents);
+    std::vector<double>* values = nullptr;
     for (std::string line; std::getline(in, line);) {
-        if (line.starts_with("VARIABLES = ")) {
-            set.variables = line.substr(12);
-            std::erase(set.variables, '"');
-        } else if (line.starts_with("ZONE ")) {
-            // A part stands between ", " and the next; the type has nothing behind it at times.
-            set.zones.push_back({line + ",",
-                                 between(line, "VARLOCATION=([", "]"),
-                                 between(line, "VARSHARELIST=([", "]"),
-                                 "",
-                                 {},
-                                 {}});
-        } else if (line.starts_with("DT=(")) {
-            if (split(line).size() != split(set.variables).size())
-                set.fault = "the number of types";
-        } else if (line.starts_with("# ") && !set.zones.empty()) {
-            label = line.substr(2);
-            std::string& written = set.zones.back().written;
-            if (label == connectivityLabel) continue;
-            written += (written.empty() ? "" : ",") + label;
-            set.zones.back().counts.push_back(0);
+        if (line.starts_with("ZONE ")) {
+            text.zoneLines.push_back(line);
+            text.labels.emplace_back();
+            // A part ends with a comma; the type is sometimes last.
+            set.zones.push_back(zoneOf(line + ",", set.variables.size()));
         } else if (!set.zones.empty()) {
-            addValues(set.zones.back(), label, line);
+            readZoneLine(text, line, values);
+        } else if (line.starts_with("TITLE")) {
+            set.title = between(line, "\"", "\"");
+        } else if (line.starts_with("VARIABLES = ")) {
+            std::erase(line, '"');
+            set.variables = split(line.substr(12));
+        } else if (line.starts_with("DATASETAUXDATA")) {
+            set.aux[between(line, " ", "=")] = between(line, "\"", "\"");
+        } else if (line.starts_with("VARAUXDATA")) {
+            set.units[std::stoi(line.substr(11))] = between(line, "\"", "\"");
         }
     }
-    for (Zone& zone : set.zones)
-        if (set.fault.empty()) set.fault = faultOf(set, zone);
-    return set;
+    for (std::size_t z = 0; z < set.zones.size() && text.fault.empty(); ++z)
+        text.fault = faultOf(text, z);
+    return text;
 }
 
-std::string summaryOf(const std::string& text) {
-    const DataSet set = parse(text);
-    std::string summary = set.fault + set.variables + "\n";
-    for (const Zone& zone : set.zones)
-        summary += "  [" + zone.centred + "] [" + zone.shared + "] " + zone.written + "\n";
+const std::vector<double>& valuesOf(const Text& text, std::size_t zone, const std::string& label) {
+    const std::vector<std::string>& labels = text.labels.at(zone);
+    auto array = std::ranges::find(labels, label) - labels.begin();
+    const Zone& read = text.set.zones[zone];
+    for (std::size_t v = 0; v < read.shares.size(); ++v)
+        if (read.shares[v] == 0 && array-- == 0) return read.values[v];
+    throw std::out_of_range("no array " + label);
+}
+
+std::string summaryOf(const Text& text, bool withValues) {
+    std::vector<std::string> names = text.set.variables;
+    if (withValues)
+        for (const auto& [number, unit] : text.set.units)
+            names.at(static_cast<std::size_t>(number - 1)) += " " + unit;
+    std::string summary = text.fault + join(names) + "\n";
+    for (std::size_t z = 0; z < text.set.zones.size(); ++z) {
+        const Zone& zone = text.set.zones[z];
+        std::vector<std::string> centred, shared, arrays = text.labels[z];
+        std::size_t array = 0;
+        for (std::size_t v = 0; v < zone.shares.size(); ++v) {
+            const std::string number = std::to_string(v + 1);
+            if (zone.centred[v]) centred.push_back(number);
+            if (zone.shares[v] > 0) shared.push_back(number);
+            if (zone.shares[v] > 0 || array == arrays.size()) continue;
+            std::ostringstream value;
+            if (withValues && !zone.values[v].empty()) value << ' ' << zone.values[v][0];
+            arrays[array++] += value.str();
+        }
+        summary += "  [" + join(centred) + "] [" + join(shared) + "] " + join(arrays) + "\n";
+    }
     return summary;
 }
 
-std::string contentsOf(const data_set_file::DataSet& set) {
+std::string contentsOf(const DataSet& set) {
     std::ostringstream out;
     out << set.title << '\n' << set.trailing << std::hexfloat;
     for (const std::string& name : set.variables) out << '\n' << name;
     for (const auto& [number, unit] : set.units) out << '\n' << number << unit;
     for (const auto& zone : set.zones) {
-        const auto sourceOf = [&](std::int32_t share) -> const data_set_file::Zone& {
+        const auto sourceOf = [&](std::int32_t share) -> const Zone& {
             return share > 0 ? set.zones[static_cast<std::size_t>(share - 1)] : zone;
         };
         out << "\nzone " << zone.time;

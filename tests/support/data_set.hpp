@@ -2,43 +2,37 @@
 
 #include "tools/data_set_file.hpp"
 
-#include <map>
 #include <string>
 #include <vector>
 
-// A reader of text data sets that knows nothing of the program: for what its files say, and for
-// whether they hold together.
+// Reads text data sets without any of the code that writes them.
 namespace data_set {
 
-struct Zone {
-    std::string line;
-    std::string centred, shared; // lists of the zone line
-    std::string written;         // comments in front of the arrays, separated by commas
-    std::map<std::string, std::vector<std::string>> values; // by comment, in order where several
-                                                            // arrays have the same
-    std::vector<std::size_t> counts;                        // values of each array
+struct Text {
+    data_set_file::DataSet set; // the zones have no shares but those of zone 1
+    std::vector<std::string> zoneLines;
+    std::vector<std::vector<std::string>> labels; // comments of the arrays, by zone
+    std::string fault;                            // first inconsistency, empty for a valid file
 };
 
-struct DataSet {
-    std::string fault;     // the first thing that does not hold together, empty for a good file
-    std::string variables; // names, separated by commas
-    std::vector<Zone> zones;
-};
+// Finds these inconsistencies: an array without a variable or the other way round, a wrong count of
+// values or types, a variable name that occurs twice, an element node that is not in the zone.
+Text parse(const std::string& text);
 
-// Looks for as many arrays as variables are not shared, for their counts, for the type words, and
-// for node numbers that are nodes of the zone.
-DataSet parse(const std::string& text);
+// The values of the array with this comment; throws std::out_of_range if the zone has none.
+const std::vector<double>& valuesOf(const Text& text, std::size_t zone, const std::string& label);
 
-// The fault, or the names of the variables and what the zones have of them, for the eye: a line for
-// each zone with the numbers of cell-centred and of shared variables and with the comments.
-std::string summaryOf(const std::string& text);
+// The fault, the names of the variables, and a line for each zone: numbers of the cell-centred and
+// of the shared variables, comments of the arrays, `withValues` also the first value of each.
+std::string summaryOf(const Text& text, bool withValues = false);
 
-// What stands between two texts, empty without the first and up to the end without the last; and
-// the parts between the commas of a list.
+// Text between the first occurrence of `first` and the next `last` or the end; empty without the
+// first. The parts between the commas of a list, and the list of such parts.
 std::string between(const std::string& text, const std::string& first, const std::string& last);
 std::vector<std::string> split(const std::string& list);
+std::string join(const std::vector<std::string>& parts);
 
-// What a binary data set has, whatever its zones share: two are equal if these bytes are.
+// Contents of a data set, independent of which zones share them: equal for equal contents.
 std::string contentsOf(const data_set_file::DataSet& set);
 
 } // namespace data_set

@@ -76,6 +76,23 @@ Ran runProgram(const std::string& arguments, const std::string& input, const std
             sample_files::get(".screen"), sample_files::get(".errors")};
 }
 
+std::string endingOf(const std::string& errors) {
+    const std::size_t at = errors.rfind(" ERROR, HALTING EXECUTION");
+    if (at == std::string::npos) return "";
+    const std::size_t kind = errors.rfind(' ', at - 1) + 1, text = errors.find("**\n\n", at) + 4;
+    return errors.substr(kind, at - kind) + ": " + errors.substr(text, errors.size() - text - 2);
+}
+
+std::string endingOf(const std::function<void()>& call) {
+    const Keeping keeping;
+    try {
+        call();
+    } catch (const error::RunEnded&) {
+        EXPECT_NE(kept[2], "");
+    }
+    return endingOf(kept[2]);
+}
+
 void expectEnd(const std::string& kind, const std::string& message,
                const std::function<void()>& call) {
     const Keeping keeping;

@@ -27,6 +27,11 @@ Ran runHere(const std::vector<std::string>& arguments = {});
 Ran runProgram(const std::string& arguments = "", const std::string& input = "",
                const std::string& shell = "exec");
 
+// The kind and the message of the last banner that ends a run, "INPUT: ...": of what has gone to
+// the standard error stream, or of a call that may end the run. Empty without one.
+std::string endingOf(const std::string& errors);
+std::string endingOf(const std::function<void()>& call);
+
 // Expects the call to end the run with a banner of this kind, "FATAL" or "INPUT", whose message
 // begins with `message`.
 void expectEnd(const std::string& kind, const std::string& message,

@@ -5,91 +5,18 @@
 #include <gmock/gmock.h>
 
 #include <cmath>
-#include <cstdlib>
 #include <filesystem>
-#include <sstream>
 
 // Binary data sets against text ones of the same run.
 namespace {
 
 using namespace sample_files;
-using data_set::between;
-using data_set::split;
 using data_set_file::DataSet;
 using data_set_file::Zone;
 using testing::HasSubstr;
 
 const std::vector<std::string> tags{"pm", "dual", "frac", "olf", "well", "chan", "tile"};
 const std::vector<std::string> plots{"pm_Isopach", "pm_DepthToSurf"};
-
-// Calls back for each number of a list of variables.
-template<class Act>
-void forVariables(const std::string& list, Act act) {
-    for (const std::string& number : split(list)) act(std::stoul(number) - 1);
-}
-
-Zone zoneOf(const std::string& line, std::size_t variables) {
-    static const std::vector<std::string> types{
-        "", "FELINESEG", "FETRIANGLE", "FEQUADRILATERAL", "FETETRAHEDRON", "FEBRICK"};
-    Zone zone;
-    zone.title = between(line, "ZONE T=\"", "\"");
-    const std::string type = between(line, "ZONETYPE=", ",");
-    zone.type =
-        static_cast<std::int32_t>(std::find(types.begin(), types.end(), type) - types.begin());
-    const std::string time = between(line, "SOLUTIONTIME=", ",");
-    zone.strand = time.empty() ? -1 : 1;
-    zone.time = time.empty() ? 0 : std::stod(time);
-    zone.nodes = std::stol(between(line, "NODES=", ","));
-    zone.elements = std::stol(between(line, "ELEMENTS=", ","));
-    zone.centred.assign(variables, false);
-    forVariables(between(line, "VARLOCATION=([", "]"), [&](auto v) { zone.centred[v] = true; });
-    zone.shares.assign(variables, 0);
-    forVariables(between(line, "VARSHARELIST=([", "]"), [&](auto v) { zone.shares[v] = 1; });
-    zone.connectivityShare = line.find("CONNECTIVITYSHAREZONE=1") != std::string::npos;
-    zone.values.resize(variables);
-    return zone;
-}
-
-// The text data set in the record of the binary one.
-DataSet readText(const std::string& path) {
-    DataSet set;
-    std::istringstream in(get(path));
-    std::vector<double>* values = nullptr;
-    std::vector<double> nodes;
-    const auto endZone = [&] { set.zones.back().elementNodes.assign(nodes.begin(), nodes.end()); };
-    for (std::string line; std::getline(in, line);) {
-        if (line.starts_with("TITLE")) {
-            set.title = between(line, "\"", "\"");
-        } else if (line.starts_with("VARIABLES")) {
-            for (const std::string& name : split(line.substr(12)))
-                set.variables.push_back(name.substr(1, name.size() - 2));
-        } else if (line.starts_with("DATASETAUXDATA")) {
-            set.aux[between(line, " ", "=")] = between(line, "\"", "\"");
-        } else if (line.starts_with("VARAUXDATA")) {
-            set.units[std::stoi(line.substr(11))] = between(line, "\"", "\"");
-        } else if (line.starts_with("ZONE")) {
-            if (!set.zones.empty()) endZone();
-            nodes.clear();
-            set.zones.push_back(zoneOf(line + ",", set.variables.size()));
-            values = set.zones.back().values.data() - 1;
-        } else if (line.starts_with("DT=(")) {
-            for (const std::string& word : split(between(line, "(", ")")))
-                set.zones.back().types.push_back(word == "SINGLE" ? 1 : word == "DOUBLE" ? 2 : 3);
-        } else if (line == "# element node lists") {
-            values = &nodes;
-        } else if (line.starts_with("#") && !set.zones.empty()) {
-            const Zone& zone = set.zones.back();
-            do ++values;
-            while (zone.shares[static_cast<std::size_t>(values - zone.values.data())] > 0);
-        } else if (!set.zones.empty()) {
-            std::istringstream row(line);
-            for (std::string value; row >> value;)
-                values->push_back(std::strtod(value.c_str(), nullptr));
-        }
-    }
-    if (!set.zones.empty()) endZone();
-    return set;
-}
 
 void expectSameBits(const std::vector<double>& a, const std::vector<double>& b) {
     ASSERT_EQ(a.size(), b.size());
@@ -142,7 +69,7 @@ int compareForms(const std::string& topLevel, const std::string& inBlocks) {
             const std::string text = "to." + name + ".dat", binary = "to." + name + ".szplt";
             const bool there = std::filesystem::exists(text);
             EXPECT_EQ(there, std::filesystem::exists(binary));
-            if (there) expectSame(data_set_file::read(binary), readText(text));
+            if (there) expectSame(data_set_file::read(binary), data_set::parse(get(text)).set);
             compared += there;
         }
     return compared;

@@ -216,10 +216,10 @@ TEST_F(Run, WithoutAnyOutputTime) {
     EXPECT_EQ(timesOf(run().screen),
               "Warning: No output file found with extension: 0001\nCreating tecplot file to.pm\n"
               "Creating tecplot file to.olf\n");
-    const data_set::DataSet pm = data_set::parse(get("to.pm.dat"));
-    EXPECT_THAT(pm.variables, HasSubstr(",Porosity"));
-    ASSERT_EQ(pm.zones.size(), 1U);
-    EXPECT_THAT(pm.zones[0].line, HasSubstr("SOLUTIONTIME=0.0, "));
+    const data_set::Text pm = data_set::parse(get("to.pm.dat"));
+    EXPECT_THAT(pm.set.variables, testing::Contains("Porosity"));
+    ASSERT_EQ(pm.zoneLines.size(), 1U);
+    EXPECT_THAT(pm.zoneLines[0], HasSubstr("SOLUTIONTIME=0.0, "));
 }
 
 TEST_F(Run, TimesPassThroughAsTextOrAreConverted) {
@@ -305,9 +305,9 @@ TEST_F(MadeProblem, GivesFilesThatHoldTogether) {
          {"", "--elements prism ", "--walls ", "--walls --elements prism --tensor "})
         for (const std::string& control : {std::string(), range, layer})
             for (const auto& [name, text] : plots(kind, control)) {
-                const data_set::DataSet set = data_set::parse(text);
+                const data_set::Text set = data_set::parse(text);
                 EXPECT_EQ(set.fault, "") << name << " " << kind << control.substr(0, 60);
-                EXPECT_EQ(set.zones.size(), 3U) << name;
+                EXPECT_EQ(set.zoneLines.size(), 3U) << name;
             }
 }
 

@@ -5,7 +5,8 @@
 namespace {
 
 using namespace sample_files;
-using data_set::DataSet;
+using data_set::Text;
+using data_set::valuesOf;
 using model::Domain;
 using testing::HasSubstr;
 using testing::Not;
@@ -16,24 +17,18 @@ const std::string writePm = "write pm domain file\nend\n";
 const std::string writeOlf = "write olf domain file\nend\n";
 const std::string rule(48, '-');
 
-Reals numbers(const std::vector<std::string>& texts) {
-    Reals values;
-    for (const std::string& text : texts) values.push_back(std::stod(text));
-    return values;
-}
-
 // Two columns of bricks in three layers, which are 1, 2 and 3 high; each layer is a zone.
 class SurfacePlots : public runs::ProblemRun {
 protected:
     SurfacePlots() { problem = brickProblem({2, 1, 3, 1}); }
 
-    DataSet plot(const std::string& control, const std::string& file) {
+    Text plot(const std::string& control, const std::string& file) {
         EXPECT_THAT(run("end\n" + control).screen, HasSubstr("---- Normal exit ----"));
-        DataSet set = data_set::parse(get(file));
+        Text set = data_set::parse(get(file));
         EXPECT_EQ(set.fault, "");
         return set;
     }
-    DataSet isopachPlot(const std::string& control = writePm + writeOlf) {
+    Text isopachPlot(const std::string& control = writePm + writeOlf) {
         return plot(control + isopachs, "to.pm_Isopach.dat");
     }
     void setZones(const Integers& zones) {
@@ -58,35 +53,34 @@ TEST_F(SurfacePlots, GiveEachZoneItsThicknessAndTop) {
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
         setZones(c.zones);
-        const DataSet set = isopachPlot();
-        ASSERT_EQ(set.zones.size(), c.count);
-        const data_set::Zone& zone = set.zones[c.zone - 1];
-        EXPECT_EQ(numbers(zone.values.at("z (isopach top)")), c.top);
-        EXPECT_EQ(numbers(zone.values.at(c.zone == 1 ? "isopach thickness (cell centred)"
-                                                     : "isopach thickness")),
+        const Text plot = isopachPlot();
+        ASSERT_EQ(plot.zoneLines.size(), c.count);
+        EXPECT_EQ(valuesOf(plot, c.zone - 1, "z (isopach top)"), c.top);
+        EXPECT_EQ(valuesOf(plot, c.zone - 1,
+                           c.zone == 1 ? "isopach thickness (cell centred)" : "isopach thickness"),
                   c.thickness);
     }
 }
 
 TEST_F(SurfacePlots, WriteThePlanOnce) {
     setZones({1, 1, 2, 2, 12, 12});
-    const DataSet set = isopachPlot();
-    EXPECT_EQ(set.variables, "X,Y,Z(isopach top),isopach thickness");
-    ASSERT_EQ(set.zones.size(), 12U);
-    EXPECT_THAT(set.zones[0].line, HasSubstr("ZONE T=\"Isopach\", SOLUTIONTIME=01, "));
-    EXPECT_EQ(numbers(set.zones[0].values.at("x")), (Reals{0, 1, 2, 0, 1, 2}));
-    EXPECT_THAT(set.zones[11].line,
+    const Text plot = isopachPlot();
+    EXPECT_EQ(data_set::join(plot.set.variables), "X,Y,Z(isopach top),isopach thickness");
+    ASSERT_EQ(plot.zoneLines.size(), 12U);
+    EXPECT_THAT(plot.zoneLines[0], HasSubstr("ZONE T=\"Isopach\", SOLUTIONTIME=01, "));
+    EXPECT_EQ(valuesOf(plot, 0, "x"), (Reals{0, 1, 2, 0, 1, 2}));
+    EXPECT_THAT(plot.zoneLines[11],
                 HasSubstr("SOLUTIONTIME=12, DATAPACKING=BLOCK, NODES=6, ELEMENTS=2, "
                           "ZONETYPE=FEQUADRILATERAL, VARLOCATION=([4]=CELLCENTERED), "
                           "VARSHARELIST=([1,2]), CONNECTIVITYSHAREZONE=1"));
-    EXPECT_EQ(set.zones[11].written, "z (isopach top),isopach thickness");
+    EXPECT_EQ(data_set::join(plot.labels[11]), "z (isopach top),isopach thickness");
 }
 
 TEST_F(SurfacePlots, GoByTheTruncationOfTheRun) {
-    const DataSet set =
+    const Text plot =
         isopachPlot(writePm + "write olf domain file\ntruncate olf domain\n1 2\n0 1\n0 9\nend\n");
-    EXPECT_EQ(numbers(set.zones[0].values.at("x")), (Reals{1, 2, 1, 2}));
-    EXPECT_EQ(numbers(set.zones[2].values.at("isopach thickness")), Reals{3});
+    EXPECT_EQ(valuesOf(plot, 0, "x"), (Reals{1, 2, 1, 2}));
+    EXPECT_EQ(valuesOf(plot, 2, "isopach thickness"), Reals{3});
     const Bytes echo = get("to.meshrake.eco");
     EXPECT_EQ(echo.find("Medium: olf"), echo.rfind("Medium: olf"));
 
@@ -108,9 +102,9 @@ TEST_F(SurfacePlots, TakeTheNodesOfPmWhereTheSurfaceHasNone) {
                                     integerRecord({24, 23, 22, 21, 20, 19}) + integerRecord(back) +
                                     integerRecord({0});
     problem.erase("to.head_olf.0001");
-    const DataSet set = isopachPlot();
-    EXPECT_EQ(numbers(set.zones[0].values.at("x")), (Reals{2, 1, 0, 2, 1, 0}));
-    EXPECT_EQ(numbers(set.zones[1].values.at("z (isopach top)")), Reals(6, 3.0));
+    const Text plot = isopachPlot();
+    EXPECT_EQ(valuesOf(plot, 0, "x"), (Reals{2, 1, 0, 2, 1, 0}));
+    EXPECT_EQ(valuesOf(plot, 1, "z (isopach top)"), Reals(6, 3.0));
 }
 
 TEST_F(SurfacePlots, ShowDepthsBelowTheTopOfTheColumn) {
@@ -118,11 +112,11 @@ TEST_F(SurfacePlots, ShowDepthsBelowTheTopOfTheColumn) {
     for (const double depth : {6, 5, 3, 0}) expected.insert(expected.end(), 6, depth);
     // pm holds the depths already where it is written.
     for (const std::string& control : {writePm + writeOlf, writeOlf}) {
-        const DataSet set = plot(control + depths, "to.pm_DepthToSurf.dat");
-        EXPECT_EQ(set.variables, "X,Y,Z,DepthToSurf");
-        EXPECT_THAT(set.zones.at(0).line, HasSubstr("ZONE T=\"DepthToSurf\", DATAPACKING=BLOCK"));
-        EXPECT_EQ(numbers(set.zones[0].values.at("DepthToSurf")), expected);
-        EXPECT_EQ(set.zones[0].written, "x,y,z,DepthToSurf");
+        const Text plot = this->plot(control + depths, "to.pm_DepthToSurf.dat");
+        EXPECT_EQ(data_set::join(plot.set.variables), "X,Y,Z,DepthToSurf");
+        EXPECT_THAT(plot.zoneLines.at(0), HasSubstr("ZONE T=\"DepthToSurf\", DATAPACKING=BLOCK"));
+        EXPECT_EQ(valuesOf(plot, 0, "DepthToSurf"), expected);
+        EXPECT_EQ(data_set::join(plot.labels[0]), "x,y,z,DepthToSurf");
     }
 }
 

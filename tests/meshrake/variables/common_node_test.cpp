@@ -24,7 +24,7 @@ protected:
                     "freeze_thaw_temp,newton_residual,flow_rate,v,friction,permafrost,conc");
     }
 
-    static data_set::DataSet runOver(const std::string& control = pmBlock + olfBlock) {
+    static data_set::Text runOver(const std::string& control = pmBlock + olfBlock) {
         put("t.plot.control", "end\n" + control);
         const runs::Ran ran = runs::runHere();
         EXPECT_EQ(ran.status, 0) << ran.errors;
@@ -36,30 +36,32 @@ protected:
 
 // Everything that pm lends is what pm shows at the node of that number, in a part of the mesh too.
 TEST_F(CommonNode, TakesItsColumnsFromPmAndFromItsOwnFiles) {
-    const data_set::DataSet whole = runOver(), pm = data_set::parse(get("to.pm.dat"));
-    const std::string summary = data_set::summaryOf(get("to.olf.dat"));
+    const data_set::Text whole = runOver(), pm = data_set::parse(get("to.pm.dat"));
+    const std::string summary = data_set::summaryOf(data_set::parse(get("to.olf.dat")));
     // Heat has come before, in pm, so all temperatures are in degrees. Particles are not counted.
     for (const std::string unit : {"Freezing-thawing temperature units: (deg C)",
                                    "Newton residual units: (m^3 s^-1)", "Virus units: (kg m^-3)"})
         EXPECT_THAT(get("to.olf.dat"), HasSubstr("\n# " + unit + "\n"));
     for (const std::string part : {"0 1d9\n", "700 1d9\n"}) {
-        const data_set::DataSet olf =
+        const data_set::Text olf =
             runOver(pmBlock + olfBlock + "truncate olf domain\n" + part + "0 1d9\n0 1d9\n");
-        EXPECT_EQ(data_set::summaryOf(get("to.olf.dat")), summary);
-        const Texts& numbers = olf.zones.at(0).values.at("3D node #");
+        EXPECT_EQ(data_set::summaryOf(data_set::parse(get("to.olf.dat"))), summary);
+        const Reals numbers = data_set::valuesOf(olf, 0, "3D node #");
         EXPECT_THAT(numbers, testing::SizeIs(part[0] == '0' ? 12 : 9));
-        for (std::size_t z = 0; z < 3; ++z) {
-            const data_set::Zone& zone = olf.zones.at(z);
+        for (std::size_t z = 0; z < 3; ++z)
             for (std::size_t i = 0; i < numbers.size(); ++i) {
-                const std::size_t node = std::stoul(numbers[i]) - 1; // 24 of them lie below
+                const auto expectSame = [&](const std::string& label, const data_set::Text& other,
+                                            std::size_t node) {
+                    EXPECT_EQ(data_set::valuesOf(olf, z, label).at(i),
+                              data_set::valuesOf(other, z, label).at(node));
+                };
+                const auto node = static_cast<std::size_t>(numbers[i]) - 1; // 24 of them are below
                 for (const std::string label :
                      {"head", "pressure head", "saturation", "Virus", "ice saturation"})
-                    EXPECT_EQ(zone.values.at(label).at(i), pm.zones[z].values.at(label).at(node));
+                    expectSame(label, pm, node);
                 for (const std::string label : {"max water depth", "flow rate"})
-                    EXPECT_EQ(zone.values.at(label).at(i),
-                              whole.zones[z].values.at(label).at(node - 24));
+                    expectSame(label, whole, node - 24);
             }
-        }
     }
     std::filesystem::remove("to.species");
     runOver();
@@ -80,7 +82,7 @@ TEST_F(CommonNode, ColumnsComeAndGo) {
     std::string summaries;
     const auto add = [&](const std::string& what, const std::string& control) {
         runOver(pmBlock + olfBlock + control);
-        summaries += what + "\n" + data_set::summaryOf(get("to.olf.dat"));
+        summaries += what + "\n" + data_set::summaryOf(data_set::parse(get("to.olf.dat")));
     };
     for (const Texts& gone : cases) {
         make();
