@@ -1,16 +1,22 @@
-// Prints a binary data set as text, for a look at it and for comparisons:
+// Prints a binary or a text data set, for inspection and for comparison of the two forms:
 //
 //     print_data_set FILE [--headers]
 //
-// The lines are those of a text data set; every array stands under the name of its variable, five
-// values to a row. With --headers the arrays are left out. A file that is not in the layout ends
-// the program with status 1 and the position of the first fault.
+// The lines are those of a text data set; every array follows the name of its variable, five values
+// to a row. --headers leaves out the arrays. An invalid file ends the program with status 1, with
+// the position of the first fault in a binary file.
 
 #include "tools/data_set_file.hpp"
+#include "tools/text_data_set.hpp"
 
 #include <cstdio>
 #include <exception>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+#include <string>
 #include <string_view>
+#include <utility>
 
 namespace {
 
@@ -21,11 +27,11 @@ constexpr std::size_t slotsOfType[] = {1, 2, 3, 4, 4, 8};
 
 // Numbers, from 1, of the variables in a list, or nothing for none.
 template<class List>
-std::string numbersOf(const List& list, const char* before, const char* behind) {
+std::string numbersOf(const List& list, const char* before, const char* after) {
     std::string numbers;
     for (std::size_t v = 0; v < list.size(); ++v)
         if (list[v]) numbers += (numbers.empty() ? "" : ",") + std::to_string(v + 1);
-    return numbers.empty() ? "" : before + numbers + behind;
+    return numbers.empty() ? "" : before + numbers + after;
 }
 
 void printZoneLine(const data_set_file::Zone& zone) {
@@ -72,8 +78,17 @@ void print(const data_set_file::DataSet& set, bool headersOnly) {
         std::printf("# element node lists\n");
         printRows(zone.elementNodes, slotsOfType[zone.type], "%d");
     }
-    std::printf("# %lld bytes of room for zone headers, %lld bytes behind the last zone\n",
+    std::printf("# %lld bytes of padding for zone headers, %lld bytes after the last zone\n",
                 static_cast<long long>(set.room), static_cast<long long>(set.trailing));
+}
+
+data_set_file::DataSet read(const char* path) {
+    std::ifstream in(path, std::ios::binary);
+    const std::string contents(std::istreambuf_iterator<char>(in), {});
+    if (!contents.starts_with("TITLE")) return data_set_file::read(path);
+    text_data_set::Text text = text_data_set::parse(contents);
+    if (!text.fault.empty()) throw std::runtime_error(text.fault);
+    return std::move(text.set);
 }
 
 } // namespace
@@ -85,7 +100,7 @@ int main(int argc, char** argv) {
         return 2;
     }
     try {
-        print(data_set_file::read(argv[1]), headersOnly);
+        print(read(argv[1]), headersOnly);
     } catch (const std::exception& fault) {
         std::fprintf(stderr, "%s: %s\n", argv[1], fault.what());
         return 1;

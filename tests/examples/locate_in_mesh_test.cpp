@@ -21,12 +21,7 @@ TEST(LocateInMesh, ElementsAndHeadsOfAProblem) {
     put("points", "0.25 0.5 0.5\n1.5 0.75 2 1.5 0.75 3\n0.5 0.5 3.1\n3 0.5 1\n0.5 0.5 -1\n");
     const std::string program = LOCATE_IN_MESH_PROGRAM;
     EXPECT_EQ(std::system((program + " t 0001 <points >found").c_str()), 0);
-    EXPECT_EQ(get("found"), "element 1 in layer 1, head 55.25\n"
-                            "element 4 in layer 2, head 209\n"
-                            "element 4 in layer 2, head 309\n"
-                            "findElement3D: point above mesh\n"
-                            "findElement3D: point outside mesh\n"
-                            "findElement3D: point below mesh\n");
+    expectFile("located.txt", get("found"));
     EXPECT_NE(std::system((program + " t 0002 <points >found 2>errors").c_str()), 0);
     EXPECT_NE(get("errors").find("Failed to open file: to.head_pm.0002"), Bytes::npos);
 }

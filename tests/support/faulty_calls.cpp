@@ -138,38 +138,31 @@ struct Entry<entry> {
     }
 };
 
+const Effect none = Effect::none, change = Effect::change, growth = Effect::growth;
+// clang-format off
 const Kind allKinds[] = {
-    {"stat", Effect::none, false, {EIO, ESTALE, EACCES, ENAMETOOLONG}, Entry<&Table::exists>::wrap},
-    {"open",
-     Effect::change,
-     true,
-     {EACCES, EMFILE, ENFILE, EISDIR, ELOOP, EIO, ENOSPC, EROFS},
+    {"stat", none, false, {EIO, ESTALE, EACCES, ENAMETOOLONG}, Entry<&Table::exists>::wrap},
+    {"open", change, true, {EACCES, EMFILE, ENFILE, EISDIR, ELOOP, EIO, ENOSPC, EROFS},
      Entry<&Table::open>::wrap},
-    {"fstat", Effect::none, false, {EIO, ESTALE}, Entry<&Table::fileInfo>::wrap},
-    {"read", Effect::none, true, {EIO, ESTALE}, Entry<&Table::read>::wrap},
-    {"pread", Effect::none, true, {EIO, ESTALE}, Entry<&Table::readAt>::wrap},
-    {"write",
-     Effect::growth,
-     true,
-     {EIO, ENOSPC, EDQUOT, EFBIG, EPIPE},
-     Entry<&Table::write>::wrap},
-    {"pwrite", Effect::growth, true, {EIO, ENOSPC, EDQUOT, EFBIG}, Entry<&Table::writeAt>::wrap},
-    {"lseek", Effect::none, false, {EIO}, Entry<&Table::seek>::wrap},
-    {"close", Effect::none, false, {EIO, EDQUOT}, Entry<&Table::close>::wrap},
-    {"rename", Effect::change, false, {EIO, EACCES, ENOSPC}, Entry<&Table::rename>::wrap},
-    {"ftruncate", Effect::change, true, {EIO, EPERM}, Entry<&Table::truncate>::wrap},
-    {"fallocate", Effect::growth, true, {ENOSPC, EFBIG, EIO}, Entry<&Table::reserve>::wrap},
-    {"fdatasync", Effect::none, true, {EIO, ENOSPC, EDQUOT}, Entry<&Table::sync>::wrap},
-    {"flock", Effect::none, true, {ENOLCK, EIO}, Entry<&Table::lock>::wrap},
-    {"unlink", Effect::change, false, {EIO, EACCES, EPERM}, Entry<&Table::remove>::wrap},
-    {"chmod", Effect::change, false, {EPERM, EIO, EROFS}, Entry<&Table::setPermissions>::wrap},
-    {"stat (file info)",
-     Effect::none,
-     false,
-     {EIO, ESTALE, EACCES},
-     Entry<&Table::fileInfoOfName>::wrap},
-    {"readlink", Effect::none, false, {EIO, ELOOP, EACCES}, Entry<&Table::readLink>::wrap},
-    {"allocation", Effect::none, false, {ENOMEM}, Entry<&Table::allocate>::wrap}};
+    {"fstat", none, false, {EIO, ESTALE}, Entry<&Table::fileInfo>::wrap},
+    {"read", none, true, {EIO, ESTALE}, Entry<&Table::read>::wrap},
+    {"pread", none, true, {EIO, ESTALE}, Entry<&Table::readAt>::wrap},
+    {"write", growth, true, {EIO, ENOSPC, EDQUOT, EFBIG, EPIPE}, Entry<&Table::write>::wrap},
+    {"pwrite", growth, true, {EIO, ENOSPC, EDQUOT, EFBIG}, Entry<&Table::writeAt>::wrap},
+    {"lseek", none, false, {EIO}, Entry<&Table::seek>::wrap},
+    {"close", none, false, {EIO, EDQUOT}, Entry<&Table::close>::wrap},
+    {"rename", change, false, {EIO, EACCES, ENOSPC}, Entry<&Table::rename>::wrap},
+    {"ftruncate", change, true, {EIO, EPERM}, Entry<&Table::truncate>::wrap},
+    {"fallocate", growth, true, {ENOSPC, EFBIG, EIO}, Entry<&Table::reserve>::wrap},
+    {"fdatasync", none, true, {EIO, ENOSPC, EDQUOT}, Entry<&Table::sync>::wrap},
+    {"flock", none, true, {ENOLCK, EIO}, Entry<&Table::lock>::wrap},
+    {"unlink", change, false, {EIO, EACCES, EPERM}, Entry<&Table::remove>::wrap},
+    {"chmod", change, false, {EPERM, EIO, EROFS}, Entry<&Table::setPermissions>::wrap},
+    {"stat (file info)", none, false, {EIO, ESTALE, EACCES}, Entry<&Table::fileInfoOfName>::wrap},
+    {"readlink", none, false, {EIO, ELOOP, EACCES}, Entry<&Table::readLink>::wrap},
+    {"allocation", none, false, {ENOMEM}, Entry<&Table::allocate>::wrap},
+};
+// clang-format on
 
 } // namespace
 

@@ -76,6 +76,10 @@ Ran runProgram(const std::string& arguments, const std::string& input, const std
             sample_files::get(".screen"), sample_files::get(".errors")};
 }
 
+bool longTests() {
+    return std::getenv("MESHRAKE_LONG_TESTS") != nullptr;
+}
+
 std::string endingOf(const std::string& errors) {
     const std::size_t at = errors.rfind(" ERROR, HALTING EXECUTION");
     if (at == std::string::npos) return "";

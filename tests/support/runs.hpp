@@ -27,6 +27,9 @@ Ran runHere(const std::vector<std::string>& arguments = {});
 Ran runProgram(const std::string& arguments = "", const std::string& input = "",
                const std::string& shell = "exec");
 
+// True with the environment variable MESHRAKE_LONG_TESTS: all errors of a call, more random states.
+bool longTests();
+
 // The kind and the message of the last banner that ends a run, "INPUT: ...": of what has gone to
 // the standard error stream, or of a call that may end the run. Empty without one.
 std::string endingOf(const std::string& errors);

@@ -151,6 +151,22 @@ Problem twoTimes() {
     return problem;
 }
 
+Problem appendedTimes(int times) {
+    Problem problem = brickProblem({2, 1, 1, times});
+    for (int t = 1; t <= times; t += 2)
+        problem["to.sat_pm.000" + std::to_string(t)] =
+            resultFile("0.0", {std::vector<float>(12, 0.1F * static_cast<float>(t))});
+    return problem;
+}
+
+void addDual(Problem& problem, std::int32_t nodes) {
+    Integers same;
+    for (std::int32_t node = 1; node <= nodes; ++node) same.push_back(node);
+    problem["to.coordinates_dual"] =
+        integerRecords({nodes, 0}) + integerRecord(same) + integerRecord(same);
+    problem["to.elements_dual"] = problem["to.elements_pm"];
+}
+
 void patch(Bytes& file, int number, int index, std::int32_t value) {
     std::size_t at = 0;
     std::int32_t length = 0;

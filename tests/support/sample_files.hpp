@@ -46,6 +46,13 @@ Problem brickProblem(const Grid& grid);
 // One column over two output times, with a control file that includes another.
 Problem twoTimes();
 
+// The simulator's files up to an output time, for data sets that are appended to; saturations come
+// at every other time.
+Problem appendedTimes(int times);
+
+// Adds a dual continuum on all nodes and elements of pm.
+void addDual(Problem& problem, std::int32_t nodes);
+
 // Files of a domain that lies on the top sheet: its own nodes in the order of the sheet, with
 // global numbers behind `nodesAhead`. `further` stands behind the records that all domains have.
 void addSheetDomain(Problem& problem, const Grid& grid, const std::string& tag, int nodesAhead,

@@ -1,5 +1,6 @@
 #include "tecio/durability.hpp"
 #include "tests/support/power_cut.hpp"
+#include "tests/support/runs.hpp"
 #include "tests/tecio/tecio_calls.hpp"
 #include "tools/data_set_file.hpp"
 #include "tvncommon/io/system_calls.hpp"
@@ -8,7 +9,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <set>
@@ -92,37 +92,6 @@ TEST(TecioResume, AnyZoneMayBeReplaced) {
             }
     }
     system_calls::table = system_calls::systemTable();
-    title = "z";
-}
-
-// Any write may be the last while headers of several pages are replaced; the next writer repairs
-// them.
-TEST(TecioResume, AHeaderOfSeveralPagesMayBeCut) {
-    static int writes;
-    for (const int titleLength : {1003, 2027, 2500}) {
-        title = std::string(static_cast<std::size_t>(titleLength), 'z');
-        bool failed = true;
-        for (int most = 0; failed; ++most) {
-            const Folder folder;
-            open("V");
-            for (const double time : {1, 2, 3, 4}) addZone(time);
-            EXPECT_EQ(flush(), 0);
-            open("V");
-            writes = most;
-            system_calls::table.writeAt = [](int d, const void* from, std::size_t size,
-                                             std::int64_t to) -> std::ptrdiff_t {
-                return writes-- > 0 ? system_calls::systemTable().writeAt(d, from, size, to) : -1;
-            };
-            failed = putZone(3) + putZone(4) + flush() != 0;
-            system_calls::table = system_calls::systemTable();
-            open("V");
-            addZone(3);
-            EXPECT_EQ(flush(), 0);
-            ASSERT_NO_FATAL_FAILURE(expectTimes(3));
-            addZone(4);
-            ASSERT_NO_FATAL_FAILURE(finish(4));
-        }
-    }
     title = "z";
 }
 
@@ -345,7 +314,7 @@ TEST(TecioResume, NoticesADamagedSector) {
 // headers are replaced, the next writer finds those that were not, and can replace the others.
 TEST(TecioResume, PowerCutWhileZonesAreReplaced) {
     const Durable durable;
-    for (const std::size_t titleLength : {300U, 2500U}) {
+    for (const std::size_t titleLength : {300U, 1003U, 2027U, 2500U}) {
         title = std::string(titleLength, 'z');
         const Folder folder;
         open("V");
@@ -358,8 +327,7 @@ TEST(TecioResume, PowerCutWhileZonesAreReplaced) {
         for (int time = 2; time <= 8; ++time) addZone(time);
         EXPECT_EQ(flush(), 0);
         system_calls::table.sync = [](int) { return 0; };
-        const std::vector<power_cut::Files> states =
-            power_cut::statesLeft(std::getenv("MESHRAKE_LONG_TESTS") != nullptr);
+        const std::vector<power_cut::Files> states = power_cut::statesLeft(runs::longTests());
         EXPECT_GT(states.size(), 10U);
         for (std::size_t i = 0; i < states.size() && !HasFailure(); ++i) {
             SCOPED_TRACE(testing::Message() << titleLength << ", state " << i);

@@ -1,4 +1,5 @@
 #include "tecio/reset.hpp"
+#include "tests/support/runs.hpp"
 #include "tests/tecio/tecio_calls.hpp"
 #include "tools/data_set_file.hpp"
 #include "tvncommon/io/system_calls.hpp"
@@ -6,7 +7,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstdlib>
 #include <filesystem>
 #include <functional>
 
@@ -194,7 +194,7 @@ TEST(Tecio, SharesEndAtTheZoneWithTheValues) {
 
 // As many values as there can be, in zones of 26 GB; large writes leave a hole in the file.
 TEST(Tecio, CountsAndSizesBeyond32Bits) {
-    if (!std::getenv("MESHRAKE_LONG_TESTS")) GTEST_SKIP() << "MESHRAKE_LONG_TESTS is not set";
+    if (!runs::longTests()) GTEST_SKIP() << "MESHRAKE_LONG_TESTS is not set";
     const Folder folder;
     system_calls::table.reserve = [](int, std::int64_t, std::int64_t) { return 0; };
     system_calls::table.writeAt = [](int d, const void* from, std::size_t size, std::int64_t to) {

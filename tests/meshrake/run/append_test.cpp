@@ -1,7 +1,6 @@
 #include "tests/support/data_set.hpp"
 #include "tests/support/power_cut.hpp"
 #include "tests/support/runs.hpp"
-#include "tools/data_set_file.hpp"
 
 #include <gmock/gmock.h>
 
@@ -13,6 +12,7 @@ namespace {
 
 using namespace sample_files;
 using data_set_file::DataSet;
+using runs::longTests;
 using runs::Ran;
 using testing::Each;
 using testing::ElementsAre;
@@ -21,27 +21,14 @@ using testing::Not;
 
 const std::string pmSet = "to.pm.szplt", olfSet = "to.olf.szplt", indexFile = "to.tec_append";
 
-bool longTests() {
-    return std::getenv("MESHRAKE_LONG_TESTS") != nullptr;
-}
-
 void putControl(const std::string& topLevel = "", const std::string& pm = "", bool withOlf = true) {
     put("t.plot.control", "tecplot binary mode\ntecplot binary append\n" + topLevel +
                               "end\nwrite pm domain file\n" + pm + "end\n" +
                               (withOlf ? "write olf domain file\nend\n" : ""));
 }
 
-// The simulator's files up to an output time. Saturations come at every other one.
-void putTimes(int times) {
-    Problem problem = brickProblem({2, 1, 1, times});
-    for (int t = 1; t <= times; t += 2)
-        problem["to.sat_pm.000" + std::to_string(t)] =
-            resultFile("0.0", {std::vector<float>(12, 0.1F * static_cast<float>(t))});
-    write(problem);
-}
-
 Ran runOver(int times) {
-    putTimes(times);
+    write(appendedTimes(times));
     Ran ran = runs::runHere();
     EXPECT_EQ(ran.status, 0) << ran.errors;
     return ran;
@@ -109,7 +96,7 @@ TEST(Append, RunsInTurnEqualOneRun) {
 // of those before it nor writes one twice.
 TEST(Append, TimesMayRepeat) {
     const auto runOverRepeated = [](int times) {
-        putTimes(times);
+        write(appendedTimes(times));
         const char* const texts[] = {"0.0", "10.0", "10.0", "0.0", "10.0", "20.0"};
         for (int t = 1; t <= times; ++t)
             put("to.head_olf.000" + std::to_string(t),
@@ -175,7 +162,7 @@ TEST(Append, PowerCutAtAnyCall) {
 TEST(Append, AFailedSyncEndsTheRun) {
     for (const char* option : {"tecplot binary append\n", ""}) {
         const Folder folder;
-        putTimes(2);
+        write(appendedTimes(2));
         put("t.plot.control",
             Bytes("tecplot binary mode\n") + option + "end\nwrite pm domain file\nend\n");
         system_calls::table = runs::keepingTable();
@@ -214,7 +201,7 @@ protected:
         putControl("", "", false);
         runOver(2);
         for (const std::string& name : {pmSet, sidecar, indexFile}) files[name] = get(name);
-        putTimes(3);
+        write(appendedTimes(3));
         for (const auto& entry : std::filesystem::directory_iterator("."))
             if (entry.path().extension() == ".0003")
                 thirdTime[entry.path().filename()] = get(entry.path());

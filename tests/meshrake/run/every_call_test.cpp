@@ -18,22 +18,15 @@ using faulty_calls::Fault;
 using faulty_calls::Kind;
 using faulty_calls::kinds;
 using faulty_calls::Way;
+using runs::longTests;
 using runs::Ran;
 using testing::HasSubstr;
-
-bool longTests() {
-    return std::getenv("MESHRAKE_LONG_TESTS") != nullptr;
-}
 
 // Everything that a run can compare and plot, with points that are located in elements.
 Problem withProducts(const std::string& mode) {
     const std::string everywhere = "-1e20 1e20\n-1e20 1e20\n-1e20 1e20\n";
     Problem problem = brickProblem({3, 1, 1, 1});
-    Integers same;
-    for (int i = 1; i <= 16; ++i) same.push_back(i);
-    problem["to.coordinates_dual"] =
-        integerRecords({16, 0}) + integerRecord(same) + integerRecord(same);
-    problem["to.elements_dual"] = problem["to.elements_pm"];
+    addDual(problem, 16);
     problem["t.observed_heads"] = "2\n.5 .5 .5 1\n9 9 9 1\n";
     problem["t.observed_heads_olf"] = problem["t.observed_d2gwt"] = "1\n.1 .1 2\n";
     problem["t.plot.control"] =
@@ -44,12 +37,8 @@ Problem withProducts(const std::string& mode) {
     return problem;
 }
 
-// Output times of data sets that are appended to; saturations come at every other one.
-Problem appendedTimes(int times, bool withOlf = true) {
-    Problem problem = brickProblem({2, 1, 1, times});
-    for (int t = 1; t <= times; t += 2)
-        problem["to.sat_pm.000" + std::to_string(t)] =
-            resultFile("0.0", {std::vector<float>(12, 0.1F * static_cast<float>(t))});
+Problem appendedTo(int times, bool withOlf = true) {
+    Problem problem = appendedTimes(times);
     problem["t.plot.control"] =
         std::string("tecplot binary mode\ntecplot binary append\ntecplot binary flush interval\n") +
         "3\nend\nwrite pm domain file\nend\n" + (withOlf ? "write olf domain file\nend\n" : "");
@@ -67,13 +56,13 @@ struct Scenario {
 // difference, the auxiliary records have become longer, for which the data set is copied.
 void prepareAppend(int before, int recorded, bool withOlf) {
     if (before > 0) {
-        write(appendedTimes(before, withOlf));
+        write(appendedTo(before, withOlf));
         Fault none;
         EXPECT_EQ(faulty_calls::run({"meshrake"}, none).status, 0);
         put("to.tec_append", integerRecord({recorded}));
         if (!withOlf) put("to.olf.szplt.szhdr", "left over");
     }
-    Problem problem = appendedTimes(4);
+    Problem problem = appendedTo(4);
     if (recorded < before) patch(problem["to.gen"], 3, 0, 1); // minutes instead of seconds
     write(problem);
 }

@@ -87,27 +87,6 @@ TEST(StrangeFiles, InThePlaceOfOutput) {
         }
 }
 
-// A name that is cut would be another file's, or none's: the domain would be missing.
-TEST(StrangeFiles, NamesThatAreTooLong) {
-    const Folder folder;
-    write(twoTimes());
-    for (const std::size_t length : {282U, 283U}) {
-        const std::string prefix = "." + std::string(length - 2, '/') + "t";
-        put("batch.pfx", prefix + "\n");
-        const Ran ran = runs::runProgram();
-        const bool tooLong = (prefix + "o.coordinates_dual").size() > 300;
-        runs::expectFailure(ran, {"\nError detail: Invalid file name or pathname\n"});
-        const auto has = [](const std::string& text, const std::string& words) {
-            return text.find(words) != std::string::npos;
-        };
-        EXPECT_EQ(has(ran.errors,
-                      "\nFailed to find out if file exists: " + prefix + "o.coordinates_dual\n"),
-                  tooLong);
-        EXPECT_EQ(has(ran.screen, "\nCoordinates file: " + prefix + "o.coordinates_olf\n"),
-                  !tooLong);
-    }
-}
-
 // The scratch file is emptied before the control file is read.
 TEST(StrangeFiles, AScratchFileThatIsTheControlFile) {
     for (const bool symbolic : {false, true}) {

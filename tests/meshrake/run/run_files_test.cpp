@@ -128,10 +128,7 @@ TEST_F(RunFiles, OldOnesStayUntilNewOnesAreWhole) {
                 const Folder inner;
                 Problem problem = brickProblem({1, 1, 1, 2});
                 problem["t.observed_heads"] = "1\n0.5 0.5 0.5\n";
-                problem["to.coordinates_dual"] = integerRecords({8, 0}) +
-                                                 integerRecord({1, 2, 3, 4, 5, 6, 7, 8}) +
-                                                 integerRecord({1, 2, 3, 4, 5, 6, 7, 8});
-                problem["to.elements_dual"] = problem["to.elements_pm"];
+                addDual(problem, 8);
                 problem["t.plot.control"] = c.control;
                 write(problem);
                 put("elsewhere", "nosuch");
@@ -224,22 +221,6 @@ TEST_F(RunFiles, TwoRunsOfOnePrefix) {
 // A run that answers the prompt replaces the file that all prefixes of the folder share.
 TEST_F(RunFiles, TwoPrefixesAtOnce) {
     put("t.plot.control", "end\n");
-    for (const auto& [name, contents] : Problem(files()))
-        if (name.starts_with("t")) put("u" + name.substr(1), contents);
-    for (int pair = 0; pair < 20; ++pair) {
-        std::filesystem::remove("batch.pfx");
-        const int status = std::system("one() { echo $1 | timeout 20 " MESHRAKE_PROGRAM
-                                       " >$1.screen 2>$1.errors; echo $? >$1; }\n"
-                                       "one t & one u & wait");
-        EXPECT_EQ(status, 0);
-        for (const std::string name : {"t", "u"}) {
-            if (get(name) == "0\n") continue;
-            // One that begins late finds the prefix of the other in the file.
-            EXPECT_EQ(get(name), "1\n");
-            EXPECT_THAT(get(name + ".errors"), HasSubstr("\nAnother run is using "));
-        }
-        EXPECT_THAT(get("batch.pfx"), testing::AnyOf("t\n", "u\n"));
-    }
     // Another run that is still writing the new file.
     put("batch.pfx", "nosuch\n");
     put("batch.pfx.unfinished", "of the other run");

@@ -1,5 +1,3 @@
-#include "meshrake/model/run_state.hpp"
-#include "meshrake/truncation/common_truncation.hpp"
 #include "tests/support/data_set.hpp"
 #include "tests/support/runs.hpp"
 
@@ -7,7 +5,6 @@
 namespace {
 
 using namespace sample_files;
-using testing::ElementsAre;
 using testing::HasSubstr;
 using Texts = std::vector<std::string>;
 
@@ -111,58 +108,6 @@ TEST_F(CommonNode, DoesNotDependOnWhatPmShows) {
     // A pressure head that pm does not make is declared and has no values.
     runOver("write pm domain file\nno pm pressure heads\nend\n" + olfBlock);
     EXPECT_THAT(get("to.olf.dat"), HasSubstr("\n# pressure head\n# max water depth\n"));
-}
-
-class CommonTruncation : public runs::PartOfRun {
-protected:
-    CommonTruncation() {
-        Problem problem = brickProblem({2, 1, 2});
-        patch(problem["to.coordinates_olf"], 1, 0, 0);
-        write(problem);
-        create(pm, "pm", pm);
-        create(olf, "olf", pm);
-        takeScreen();
-    }
-
-    // Numbers of the kept nodes of pm, of the domain's own and of its elements.
-    std::vector<Integers> kept() const {
-        return {runs::numbersOf(olf.nodeIncluded), runs::numbersOf(olf.domainNodeIncluded),
-                runs::numbersOf(olf.elementIncluded)};
-    }
-
-    model::Domain pm, olf;
-};
-
-// The nodes are numbered as the domain has them, one that no element touches too.
-TEST_F(CommonTruncation, WholeMesh) {
-    std::swap(olf.linkToPm[0], olf.linkToPm[5]);
-    olf.elementNodes = {13, 14, 17, 16, 14, 17, 16, -3};
-    truncation::commonTruncate(olf, pm);
-    EXPECT_THAT(kept(),
-                ElementsAre(Integers{13, 14, 16, 17}, Integers{1, 2, 3, 4, 5, 6}, Integers{1, 2}));
-    EXPECT_EQ(olf.nodeRenumber, (Integers{0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 6, 2, 3, 4, 5, 1}));
-    EXPECT_TRUE(olf.outputIsPacked);
-    EXPECT_EQ(model::run.meshNodesPerElement, 3);
-    EXPECT_EQ(takeScreen(), "\nMedium: olf\nFull mesh (no truncation)\nNodes:    6\nElements: 2\n");
-}
-
-// A part of it is numbered as pm has the nodes, and layers are as large as pm's.
-TEST_F(CommonTruncation, PartOfIt) {
-    olf.linkFromPm[13] = 0; // a node without a link: kept, but none of the domain's own
-    olf.truncateByLayerEnabled = true;
-    olf.truncateLayers = {1, 1};
-    olf.truncateBounds = {0, 0.5, -1e20, 1e20, 100, 100};
-    truncation::commonTruncate(olf, pm);
-    EXPECT_THAT(kept(), ElementsAre(Integers{13, 14, 16, 17}, Integers{1, 4, 5}, Integers{1}));
-    EXPECT_EQ(olf.nodeRenumber, (Integers{0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 2, 0, 3, 4, 0}));
-    EXPECT_EQ(takeScreen(), "\nMedium: olf\nTruncated mesh\nNodes:    4/6\nElements: 1/2\n");
-
-    olf.truncateEnabled = true; // the ranges come before the layers
-    olf.truncateBounds = {0, 2, 0, 1, 3, 3};
-    olf.linkFromPm[17] = 99;
-    runs::expectEnd("INPUT",
-                    "Error reading file: to.coordinates_olf\nA pm node is linked to node 99",
-                    [&] { truncation::commonTruncate(olf, pm); });
 }
 
 } // namespace

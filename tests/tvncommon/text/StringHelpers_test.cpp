@@ -1,10 +1,8 @@
 #include "tvncommon/text/StringHelpers.hpp"
 
+#include "tests/support/runs.hpp"
 #include "tvncommon/diagnostics/ArrayHelpers.hpp"
-#include "tvncommon/diagnostics/error.hpp"
 #include "tvncommon/text/utils.hpp"
-
-#include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <map>
@@ -15,15 +13,6 @@ namespace {
 using namespace StringHelpers;
 using Integers = std::vector<std::int32_t>;
 using Texts = std::vector<std::string>;
-
-// Runs what must end the run with a banner that holds `text`.
-template<class Run>
-void expectBanner(Run run, const std::string& text) {
-    testing::internal::CaptureStderr();
-    EXPECT_THROW(run(), error::RunEnded);
-    const std::string banner = testing::internal::GetCapturedStderr();
-    EXPECT_NE(banner.find(text), std::string::npos) << banner;
-}
 
 TEST(StringHelpers, PositionsAndPadding) {
     EXPECT_EQ(findFirstOf("1.5 msg", " "), 4U);
@@ -63,7 +52,7 @@ TEST(StringHelpers, NumbersAndTexts) {
                                "(I5.2x)", "(I257)", "(I9999999999)"}) {
         EXPECT_EQ(toString_i4(1, format, &iostat), "");
         EXPECT_EQ(iostat, 38) << format;
-        expectBanner([&] { toString_i4(1, format); }, format);
+        EXPECT_THAT(runs::endingOf([&] { toString_i4(1, format); }), testing::HasSubstr(format));
     }
 }
 
@@ -108,14 +97,15 @@ TEST(ArrayHelpers, FailedAllocationsNameTheArray) {
         {"of mine", [&] { ArrayHelpers::resize(tooMany, texts, "x", "of mine"); }},
         {"of yours", [&] { ArrayHelpers::allocateArray(i4, tooMany, "of yours"); }}};
     for (const auto& [name, run] : cases)
-        expectBanner(run, "Allocation failed: " + name +
-                              "\nError detail: Insufficient virtual memory\nError number: 41\n");
+        EXPECT_THAT(runs::endingOf(run),
+                    testing::HasSubstr("Allocation failed: " + name +
+                                       "\nError detail: Insufficient virtual memory\n"));
 }
 
 TEST(Utils, NumbersWiderThanAnyFormatEndTheRun) {
     EXPECT_EQ(utils::zeroPaddedIntString(7, 256), std::string(255, '0') + "7");
-    expectBanner([] { utils::zeroPaddedIntString(7, 257); },
-                 "Zero padded integer string conversion failed.\n");
+    EXPECT_EQ(runs::endingOf([] { utils::zeroPaddedIntString(7, 257); }),
+              "FATAL: Zero padded integer string conversion failed.");
 }
 
 TEST(Utils, TimestampIsLocalWithItsOffset) {

@@ -1,5 +1,6 @@
 #include "tvncommon/text/free_form.hpp"
 
+#include "tests/support/sample_files.hpp"
 #include "tvncommon/io/io_layer.hpp"
 
 #include <gtest/gtest.h>
@@ -8,7 +9,6 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
-#include <map>
 #include <random>
 #include <sstream>
 
@@ -28,54 +28,49 @@ NextLine linesOf(Texts lines) {
     };
 }
 
-double real(std::string_view text, int expectedStatus = 0) {
-    double value = -77;
-    EXPECT_EQ(readReal(text, value), expectedStatus) << text;
-    return value;
+// The texts between the bars; Z stands for 400 zeros, @ for a NUL.
+std::vector<std::string> textsOf(const std::string& list) {
+    std::vector<std::string> texts(1);
+    for (const char c : list)
+        if (c == '|')
+            texts.emplace_back();
+        else
+            texts.back() += c == 'Z' ? std::string(400, '0') : std::string(1, c == '@' ? '\0' : c);
+    return texts;
 }
 
-TEST(FreeForm, RealsInAllSpellings) {
-    const double inf = std::numeric_limits<double>::infinity();
-    const std::string zeros(400, '0');
-    const std::map<double, Texts> cases = {
-        {1500, {"1500", " \t+1.5e3", "1500.", "1.5+3", "15D+02", ".15e004", "1500,2", "1500/2"}},
-        {-1e20, {"-1.0d+20", "-1E20\r", "-1e20 text", "2*-1d20", "-100000000000000000000"}},
-        {0,
-         {"0", "1e-400", "0e99999999999", "1d-99999999999", "." + zeros + "1",
-          zeros + zeros + ".1e-400"}},
-        {10, {"." + zeros + "1e402", zeros + "10", "1" + zeros + "d-399"}},
-        {4.9e-324, {"4.9e-324"}},
-        {inf, {"INF", "+Infinity"}},
-        {-77, {",", "/", " , 3", "3*", "/1"}}};
-    for (const auto& [expected, texts] : cases)
-        for (const std::string& text : texts) EXPECT_EQ(real(text), expected) << text;
-    EXPECT_TRUE(std::isnan(real("-NaN")));
-    EXPECT_TRUE(std::signbit(real("-1d-400")));
-}
-
-TEST(FreeForm, WhatIsNoNumberLeavesTheValue) {
-    std::istringstream texts(
-        "x 1x . 1.2.3 1e 1e5.0 --1 +-1 0x10 1e400 .001e+400 -1d9999999999 *3 0*3 1;2 inff "
-        "-1*3 1*+* 2*3*4 '1' 99999999999*1 nan(1) \" \xff\xfe 1-");
-    for (std::string text; texts >> text;) EXPECT_EQ(real(text, invalidData), -77);
-    EXPECT_EQ(real("1\0"sv, invalidData), -77);
-    for (const std::string_view text : {"", "   ", "\t\r\n"}) EXPECT_EQ(real(text, endOfFile), -77);
-}
-
-TEST(FreeForm, Integers) {
-    const std::map<std::pair<int, std::int32_t>, Texts> cases = {
-        {{0, 12}, {"012", "+12,13", "3*12", "12/x"}},
-        {{0, std::numeric_limits<std::int32_t>::min()}, {"-2147483648"}},
-        {{0, std::numeric_limits<std::int32_t>::max()}, {"2147483647"}},
-        {{invalidData, -77}, {"2147483648", "-2147483649", "1.0", "1e2", "+-1", "R8", "1x"}},
-        {{endOfFile, -77}, {"", " "}}};
-    for (const auto& [expected, texts] : cases) {
-        for (const std::string& text : texts) {
-            std::int32_t value = -77;
-            const int status = readInteger(text, value);
-            EXPECT_EQ(std::pair(status, value), expected) << text;
-        }
+// Status and value of each text, read as a real, an integer and a word; -77 or "old" if not read.
+TEST(FreeForm, Items) {
+    std::ostringstream report;
+    const auto add = [&](const std::string& text, int status, const auto& value) {
+        std::string shown = testing::PrintToString(text);
+        if (shown.size() > 80) shown.replace(9, shown.size() - 20, "...");
+        report << shown << ": " << status << " " << value << "\n";
+    };
+    for (const std::string& text : textsOf(
+             "1500| \t+1.5e3|1500.|1.5+3|15D+02|.15e004|1500,2|1500/2|-1.0d+20|-1E20\r|-1e20 text|"
+             "2*-1d20|-100000000000000000000|0|1e-400|0e99999999999|1d-99999999999|.Z1|ZZ.1e-400|"
+             ".Z1e402|Z10|1Zd-399|4.9e-324|INF|+Infinity|,|/| , 3|3*|/1|-NaN|-1d-400|x|1x|.|1.2.3|"
+             "1e|1e5.0|--1|+-1|0x10|1e400|.001e+400|-1d9999999999|*3|0*3|1;2|inff|-1*3|1*+*|2*3*4|"
+             "'1'|99999999999*1|nan(1)|\"|\xff\xfe|1-|1@||   |\t\r\n")) {
+        double value = -77;
+        const int status = readReal(text, value);
+        add(text, status, value);
     }
+    for (const std::string& text : textsOf("012|+12,13|3*12|12/x|-2147483648|2147483647|2147483648|"
+                                           "-2147483649|1.0|1e2|+-1|R8|1x|| ")) {
+        std::int32_t value = -77;
+        const int status = readInteger(text, value);
+        add(text, status, value);
+    }
+    for (const std::string& text :
+         textsOf("  dir/prob rest|dir/prob\r|\tdir/prob,x|'dir/prob'x|'it''s my' prob|\"it's my\"|"
+                 "''|,x|'it''s|'|\"'|| \t")) {
+        std::string word = "old";
+        const int status = readWord(text, word);
+        add(text, status, word);
+    }
+    sample_files::expectFile("free_form.txt", report.str());
 }
 
 // Just above half way between two floats, by less than a double can hold.
@@ -95,7 +90,9 @@ TEST(FreeForm, ReadsBackWhatAnotherRouteHasWritten) {
         std::array<char, 64> text{};
         std::snprintf(text.data(), text.size(), "%.*e", 16 + i % 9, expected);
         if (i % 2 == 1) *std::strchr(text.data(), 'e') = 'D';
-        ASSERT_EQ(real(text.data()), expected) << text.data();
+        double value = 0;
+        ASSERT_EQ(readReal(text.data(), value), 0);
+        ASSERT_EQ(value, expected) << text.data();
     }
 }
 
@@ -131,23 +128,6 @@ TEST(FreeForm, ItemsRunOverLines) {
     EXPECT_EQ(readReals(lines, values), 0); // what was left of the first line is lost
     EXPECT_EQ(values, (std::array<double, 2>{4, 5}));
     EXPECT_EQ(readReals(lines, values), endOfFile);
-}
-
-TEST(FreeForm, Words) {
-    const std::map<std::pair<int, std::string>, Texts> cases = {
-        {{0, "dir/prob"}, {"  dir/prob rest", "dir/prob\r", "\tdir/prob,x", "'dir/prob'x"}},
-        {{0, "it's my"}, {"'it''s my' prob", "\"it's my\""}},
-        {{0, ""}, {"''"}},
-        {{0, "old"}, {",x"}},
-        {{invalidData, "old"}, {"'it''s", "'", "\"'"}},
-        {{endOfFile, "old"}, {"", " \t"}}};
-    for (const auto& [expected, lines] : cases) {
-        for (const std::string& line : lines) {
-            std::string word = "old";
-            const int status = readWord(line, word);
-            EXPECT_EQ(std::pair(status, word), expected) << line;
-        }
-    }
 }
 
 // Nothing is claimed but that the readers end in order.
