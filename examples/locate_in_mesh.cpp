@@ -3,7 +3,7 @@
 //
 //   locate_in_mesh PREFIX INDEX < POINTS
 //
-// reads <prefix>o.coordinates_pm, <prefix>o.elements_pm and <prefix>o.head_pm.<index>, then x, y
+// reads <prefix>o.coordinatesPm, <prefix>o.elementsPm and <prefix>o.headPm.<index>, then x, y
 // and z of one point from each line of the standard input. Built against the installed library:
 //
 //   c++ -std=c++20 locate_in_mesh.cpp -ltvncommon

@@ -27,7 +27,7 @@
 
 namespace {
 
-constexpr double output_interval = 3600; // seconds
+constexpr double outputInterval = 3600; // seconds
 
 void create_directory(const std::string& directory) {
     std::error_code fault;
@@ -39,14 +39,14 @@ void create_directory(const std::string& directory) {
     std::exit(1);
 }
 
-problem_files::Problem build_problem(const problem_options::Options& options) {
+problem_files::Problem buildProblem(const problem_options::Options& options) {
     problem_files::Problem problem;
     problem.directory = options.directory;
     problem.prefix = options.prefix;
-    problem.piece_limit = options.piece_limit;
-    problem.suffix_digits = options.suffix_digits;
-    problem.unit_system = options.unit_system;
-    problem.older_generation = options.older_generation;
+    problem.pieceLimit = options.pieceLimit;
+    problem.suffixDigits = options.suffixDigits;
+    problem.unitSystem = options.unitSystem;
+    problem.olderGeneration = options.olderGeneration;
     problem.walls = options.walls;
     problem.mesh = problem_mesh::build(options.nx, options.ny, options.layers, options.prisms);
     problem.domains =
@@ -59,27 +59,27 @@ problem_files::Problem build_problem(const problem_options::Options& options) {
 void make_problem(const problem_options::Options& options) {
     create_directory(options.directory);
     if (options.origins) create_directory(options.directory + "/hmc");
-    problem_files::Problem problem = build_problem(options);
-    problem_files::write_description(problem);
-    problem_files::write_mesh(problem);
+    problem_files::Problem problem = buildProblem(options);
+    problem_files::writeDescription(problem);
+    problem_files::writeMesh(problem);
     problem_weather::Weather weather = problem_weather::start();
     for (int index = 1; index <= options.times; ++index) {
-        problem_weather::advance(weather, (index - 1) * output_interval);
+        problem_weather::advance(weather, (index - 1) * outputInterval);
         for (const problem_variables::Variable& variable : options.variables)
-            problem_files::write_results(problem, variable, weather, index);
+            problem_files::writeResults(problem, variable, weather, index);
     }
-    problem_observations::write(problem, weather, options.observations, options.observed_table);
+    problem_observations::write(problem, weather, options.observations, options.observedTable);
     std::printf("%s: %d nodes, %d elements in pm; %lld files, %.1f MB\n", options.directory.c_str(),
-                problem_mesh::node_count(problem.mesh), problem_mesh::element_count(problem.mesh),
+                problem_mesh::nodeCount(problem.mesh), problem_mesh::elementCount(problem.mesh),
                 static_cast<long long>(problem.files), static_cast<double>(problem.bytes) / 1.0e6);
 }
 
 } // namespace
 
-int main(int argument_count, char** arguments) {
+int main(int argumentCount, char** arguments) {
     try {
         make_problem(problem_options::read(
-            std::vector<std::string>(arguments + 1, arguments + argument_count)));
+            std::vector<std::string>(arguments + 1, arguments + argumentCount)));
     } catch (const std::bad_alloc&) {
         std::fprintf(stderr, "make_problem: out of memory\n");
         return 1;

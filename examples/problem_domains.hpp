@@ -12,7 +12,7 @@
 // domain shares the node of pm and numbers it all the same, in the order of pm.
 //
 // The global numbering has the nodes of pm first, then those of the domains with nodes of their
-// own, in the order of `Tag`: node i of a domain has the global number node_offset + i. A domain
+// own, in the order of `Tag`: node i of a domain has the global number nodeOffset + i. A domain
 // that shares nodes takes numbers from there too, but the next domain begins at the same one.
 // Element lists hold node numbers of pm.
 namespace problem_domains {
@@ -35,36 +35,36 @@ struct Centre {
 
 struct Domain {
     Tag tag = Tag::pm;
-    bool shares_nodes = false;         // common-node coupling
-    std::int32_t node_offset = 0;      // global nodes ahead of this domain
-    std::vector<std::int32_t> pm_node; // per node, its node of pm; empty for pm
+    bool sharesNodes = false;         // common-node coupling
+    std::int32_t nodeOffset = 0;      // global nodes ahead of this domain
+    std::vector<std::int32_t> pmNode; // per node, its node of pm; empty for pm
 
     // The elements of pm and dual are those of the mesh and are not listed here.
-    std::int32_t nodes_per_element = 0;
-    std::vector<std::int32_t> element_nodes; // node numbers of pm, 0 in an unused slot
-    std::vector<std::int32_t> element_zone;
+    std::int32_t nodesPerElement = 0;
+    std::vector<std::int32_t> elementNodes; // node numbers of pm, 0 in an unused slot
+    std::vector<std::int32_t> elementZone;
     std::vector<Centre> centres; // per element
 
-    std::vector<std::int32_t> pm_element; // dual: the pm elements where it is present
+    std::vector<std::int32_t> pmElement; // dual: the pm elements where it is present
 
-    std::vector<std::int32_t> side_elements; // frac: elements of pm on the one side of each
-                                             // element, then those on the other; 0 for none
-    std::vector<double> aperture;            // frac: per element, metres
+    std::vector<std::int32_t> sideElements; // frac: elements of pm on the one side of each
+                                            // element, then those on the other; 0 for none
+    std::vector<double> aperture;           // frac: per element, metres
 
     // olf: nodes that a cutoff wall doubles, as node numbers of olf. Their doubles are the last
     // nodes of the domain, in the same order.
-    std::vector<std::int32_t> doubled_nodes;
+    std::vector<std::int32_t> doubledNodes;
 };
 
 // Where a value is wanted, and of what; and what is known there.
 struct Place {
     const problem_mesh::Column* column = nullptr;
     double z = 0; // metres
-    int ground_zone = 0;
+    int groundZone = 0;
     int zone = 0;      // of an element of the domain
     double volume = 0; // of an element, cubic metres
-    double cell_length = 0;
-    bool beyond_wall = false; // a doubled node, on the far side of the wall
+    double cellLength = 0;
+    bool beyondWall = false; // a doubled node, on the far side of the wall
     const problem_species::Species* species = nullptr; // of a value that belongs to one
 };
 
@@ -74,17 +74,17 @@ struct Place {
 std::vector<Domain> build(const problem_mesh::Mesh& mesh, TagSet wanted, TagSet sharing,
                           bool walls);
 
-std::int32_t node_count(const problem_mesh::Mesh& mesh, const Domain& domain);
+std::int32_t nodeCount(const problem_mesh::Mesh& mesh, const Domain& domain);
 
 // Elements that have results. The list of dual in its file is longer: it names all elements of pm,
 // those without a dual continuum with zone 0.
-std::int32_t element_count(const problem_mesh::Mesh& mesh, const Domain& domain);
+std::int32_t elementCount(const problem_mesh::Mesh& mesh, const Domain& domain);
 
 // Zone of each element of pm or dual as the elements file tells it, by element number of pm.
-int file_zone(const problem_mesh::Mesh& mesh, Tag tag, std::int32_t pm_element);
+int fileZone(const problem_mesh::Mesh& mesh, Tag tag, std::int32_t pmElement);
 
 // Nodes and elements are counted from 0 here.
-Place node_place(const problem_mesh::Mesh& mesh, const Domain& domain, std::int32_t node);
-Place element_place(const problem_mesh::Mesh& mesh, const Domain& domain, std::int32_t element);
+Place nodePlace(const problem_mesh::Mesh& mesh, const Domain& domain, std::int32_t node);
+Place elementPlace(const problem_mesh::Mesh& mesh, const Domain& domain, std::int32_t element);
 
 } // namespace problem_domains

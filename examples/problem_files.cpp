@@ -24,12 +24,12 @@ using record_file::RecordFile;
 namespace {
 
 struct UnitSystem {
-    double per_metre;
+    double perMetre;
     double seconds;
 };
 
 // By handle. Day and hour are in another order among the centimetres than among the metres.
-constexpr std::array<UnitSystem, 10> unit_systems = {{
+constexpr std::array<UnitSystem, 10> unitSystems = {{
     {1, 1},
     {1, 60},
     {1, 3600},
@@ -43,19 +43,19 @@ constexpr std::array<UnitSystem, 10> unit_systems = {{
 }};
 
 const UnitSystem& units(const Problem& problem) {
-    return unit_systems[static_cast<std::size_t>(problem.unit_system)];
+    return unitSystems[static_cast<std::size_t>(problem.unitSystem)];
 }
 
-const char* tag_name(const Domain& domain) {
+const char* tagName(const Domain& domain) {
     return problem_domains::names[static_cast<std::size_t>(domain.tag)];
 }
 
-std::string file_path(const Problem& problem, const std::string& rest) {
+std::string filePath(const Problem& problem, const std::string& rest) {
     return problem.directory + "/" + problem.prefix + rest;
 }
 
 RecordFile create(const Problem& problem, const std::string& rest) {
-    return record_file::create(file_path(problem, "o." + rest), problem.piece_limit);
+    return record_file::create(filePath(problem, "o." + rest), problem.pieceLimit);
 }
 
 void close(Problem& problem, RecordFile& file) {
@@ -63,162 +63,162 @@ void close(Problem& problem, RecordFile& file) {
     ++problem.files;
 }
 
-void write_species(Problem& problem) {
+void writeSpecies(Problem& problem) {
     const std::vector<Species>& list = problem.species;
     const auto mobile = static_cast<std::int32_t>(
         std::count_if(list.begin(), list.end(), [](const Species& s) { return s.mobile; }));
     RecordFile file = create(problem, "species");
-    record_file::int32_record(file, mobile);
-    record_file::int32_record(file, static_cast<std::int32_t>(list.size()) - mobile);
-    for (const Species& species : list) record_file::text_record(file, species.name, 50);
+    record_file::int32Record(file, mobile);
+    record_file::int32Record(file, static_cast<std::int32_t>(list.size()) - mobile);
+    for (const Species& species : list) record_file::textRecord(file, species.name, 50);
     for (const Species& species : list)
-        if (species.mobile) record_file::logical_record(file, species.heat);
+        if (species.mobile) record_file::logicalRecord(file, species.heat);
     for (const Species& species : list)
-        if (species.mobile) record_file::logical_record(file, species.particles);
+        if (species.mobile) record_file::logicalRecord(file, species.particles);
     close(problem, file);
 }
 
-void write_origins(Problem& problem) {
+void writeOrigins(Problem& problem) {
     RecordFile file = create(problem, "hmc");
-    for (const std::int32_t setting : {1, 2, 1}) record_file::int32_record(file, setting);
-    record_file::logical_record(file, true);
-    record_file::int32_record(file, static_cast<std::int32_t>(problem.origins->size()));
-    for (const std::int32_t setting : {1, 0}) record_file::int32_record(file, setting);
+    for (const std::int32_t setting : {1, 2, 1}) record_file::int32Record(file, setting);
+    record_file::logicalRecord(file, true);
+    record_file::int32Record(file, static_cast<std::int32_t>(problem.origins->size()));
+    for (const std::int32_t setting : {1, 0}) record_file::int32Record(file, setting);
     for (const Species& origin : *problem.origins) {
-        record_file::text_record(file, origin.name, 80);
-        record_file::int32_record(file, origin.number + 1);
-        record_file::int32_record(file, 0);
+        record_file::textRecord(file, origin.name, 80);
+        record_file::int32Record(file, origin.number + 1);
+        record_file::int32Record(file, 0);
     }
     close(problem, file);
 }
 
-void write_pm_coordinates(Problem& problem, RecordFile& file) {
+void writePmCoordinates(Problem& problem, RecordFile& file) {
     const problem_mesh::Mesh& mesh = problem.mesh;
-    const double scale = units(problem).per_metre;
-    record_file::begin_record(file, std::uint64_t{24} *
-                                        static_cast<std::uint64_t>(problem_mesh::node_count(mesh)));
-    for (const double depth : mesh.sheet_depth) {
+    const double scale = units(problem).perMetre;
+    record_file::beginRecord(file, std::uint64_t{24} *
+                                       static_cast<std::uint64_t>(problem_mesh::nodeCount(mesh)));
+    for (const double depth : mesh.sheetDepth) {
         for (const problem_mesh::Column& column : mesh.columns) {
-            record_file::put_real64(file, scale * column.x);
-            record_file::put_real64(file, scale * column.y);
-            record_file::put_real64(file, scale * problem_mesh::elevation(column, depth));
+            record_file::putReal64(file, scale * column.x);
+            record_file::putReal64(file, scale * column.y);
+            record_file::putReal64(file, scale * problem_mesh::elevation(column, depth));
         }
     }
-    record_file::int32_list_record(file, {mesh.nx, mesh.ny, mesh.layers + 1});
+    record_file::int32ListRecord(file, {mesh.nx, mesh.ny, mesh.layers + 1});
 }
 
-void write_links(const Problem& problem, const Domain& domain, RecordFile& file) {
-    std::vector<std::int32_t> from_pm(
-        static_cast<std::size_t>(problem_mesh::node_count(problem.mesh)));
+void writeLinks(const Problem& problem, const Domain& domain, RecordFile& file) {
+    std::vector<std::int32_t> fromPm(
+        static_cast<std::size_t>(problem_mesh::nodeCount(problem.mesh)));
     // From the last node to the first, so that a node of pm leads to the first of two doubles.
-    for (std::size_t node = domain.pm_node.size(); node > 0; --node)
-        from_pm[static_cast<std::size_t>(domain.pm_node[node - 1]) - 1] =
-            domain.node_offset + static_cast<std::int32_t>(node);
-    record_file::int32_record(file, domain.shares_nodes ? 0 : 1);
-    record_file::int32_list_record(file, domain.pm_node);
-    record_file::int32_list_record(file, from_pm);
+    for (std::size_t node = domain.pmNode.size(); node > 0; --node)
+        fromPm[static_cast<std::size_t>(domain.pmNode[node - 1]) - 1] =
+            domain.nodeOffset + static_cast<std::int32_t>(node);
+    record_file::int32Record(file, domain.sharesNodes ? 0 : 1);
+    record_file::int32ListRecord(file, domain.pmNode);
+    record_file::int32ListRecord(file, fromPm);
 }
 
-void write_wall_nodes(const Domain& olf, RecordFile& file) {
-    const std::size_t nodes = olf.pm_node.size();
-    const std::size_t doubles = nodes - olf.doubled_nodes.size();
+void writeWallNodes(const Domain& olf, RecordFile& file) {
+    const std::size_t nodes = olf.pmNode.size();
+    const std::size_t doubles = nodes - olf.doubledNodes.size();
     std::vector<std::int32_t> flags(nodes);
     std::vector<std::int32_t> sides(2 * nodes);
     std::vector<std::int32_t> walls(nodes);
-    for (std::size_t k = 0; k < olf.doubled_nodes.size(); ++k) {
-        const auto near = static_cast<std::size_t>(olf.doubled_nodes[k]) - 1;
+    for (std::size_t k = 0; k < olf.doubledNodes.size(); ++k) {
+        const auto near = static_cast<std::size_t>(olf.doubledNodes[k]) - 1;
         const std::size_t far = doubles + k;
         flags[near] = -1;
-        sides[near] = olf.node_offset + static_cast<std::int32_t>(near) + 1;
-        sides[nodes + near] = olf.node_offset + static_cast<std::int32_t>(far) + 1;
+        sides[near] = olf.nodeOffset + static_cast<std::int32_t>(near) + 1;
+        sides[nodes + near] = olf.nodeOffset + static_cast<std::int32_t>(far) + 1;
         walls[near] = 1;
         walls[far] = 1;
     }
-    record_file::int32_record(file, 1);
-    record_file::int32_record(file, 2);
-    record_file::int32_list_record(file, flags);
-    record_file::int32_list_record(file, sides);
-    record_file::int32_list_record(file, walls);
+    record_file::int32Record(file, 1);
+    record_file::int32Record(file, 2);
+    record_file::int32ListRecord(file, flags);
+    record_file::int32ListRecord(file, sides);
+    record_file::int32ListRecord(file, walls);
 }
 
-void write_coordinates(Problem& problem, const Domain& domain) {
-    RecordFile file = create(problem, std::string("coordinates_") + tag_name(domain));
-    record_file::int32_record(file, problem_domains::node_count(problem.mesh, domain));
+void writeCoordinates(Problem& problem, const Domain& domain) {
+    RecordFile file = create(problem, std::string("coordinates_") + tagName(domain));
+    record_file::int32Record(file, problem_domains::nodeCount(problem.mesh, domain));
     if (domain.tag == Tag::pm) {
-        write_pm_coordinates(problem, file);
+        writePmCoordinates(problem, file);
     } else {
-        write_links(problem, domain, file);
+        writeLinks(problem, domain, file);
     }
     if (domain.tag == Tag::olf) {
-        record_file::logical_record(file, problem.walls);
-        if (problem.walls) write_wall_nodes(domain, file);
+        record_file::logicalRecord(file, problem.walls);
+        if (problem.walls) writeWallNodes(domain, file);
     }
     close(problem, file);
 }
 
 // The lists of pm and dual, which name every element of the mesh.
-void write_mesh_elements(const Problem& problem, const Domain& domain, RecordFile& file) {
+void writeMeshElements(const Problem& problem, const Domain& domain, RecordFile& file) {
     const problem_mesh::Mesh& mesh = problem.mesh;
-    const std::int32_t elements = problem_mesh::element_count(mesh);
-    record_file::int32_record(file, elements);
-    record_file::begin_record(file, std::uint64_t{4} * static_cast<std::uint64_t>(elements) *
-                                        static_cast<std::uint64_t>(domain.nodes_per_element));
+    const std::int32_t elements = problem_mesh::elementCount(mesh);
+    record_file::int32Record(file, elements);
+    record_file::beginRecord(file, std::uint64_t{4} * static_cast<std::uint64_t>(elements) *
+                                       static_cast<std::uint64_t>(domain.nodesPerElement));
     std::array<std::int32_t, 8> nodes{};
     for (std::int32_t element = 0; element < elements; ++element) {
-        const std::int32_t used = problem_mesh::element_nodes(mesh, element, nodes.data());
+        const std::int32_t used = problem_mesh::elementNodes(mesh, element, nodes.data());
         for (std::int32_t k = 0; k < used; ++k)
-            record_file::put_int32(file, nodes[static_cast<std::size_t>(k)]);
+            record_file::putInt32(file, nodes[static_cast<std::size_t>(k)]);
     }
-    record_file::begin_record(file, std::uint64_t{4} * static_cast<std::uint64_t>(elements));
+    record_file::beginRecord(file, std::uint64_t{4} * static_cast<std::uint64_t>(elements));
     for (std::int32_t element = 0; element < elements; ++element)
-        record_file::put_int32(file, problem_domains::file_zone(mesh, domain.tag, element));
+        record_file::putInt32(file, problem_domains::fileZone(mesh, domain.tag, element));
 }
 
-void write_wall_elements(const Problem& problem, const Domain& olf, RecordFile& file) {
+void writeWallElements(const Problem& problem, const Domain& olf, RecordFile& file) {
     const problem_mesh::Mesh& mesh = problem.mesh;
     std::vector<std::int32_t> beside;
     std::vector<std::int32_t> side;
-    const std::int32_t cells_per_quad = mesh.prisms ? 2 : 1;
-    const problem_mesh::WallLine wall = problem_mesh::wall_line(mesh);
+    const std::int32_t cellsPerQuad = mesh.prisms ? 2 : 1;
+    const problem_mesh::WallLine wall = problem_mesh::wallLine(mesh);
     for (std::int32_t cell = 0; cell < static_cast<std::int32_t>(mesh.cells.size()); ++cell) {
-        const std::int32_t i = cell / cells_per_quad % mesh.nx;
+        const std::int32_t i = cell / cellsPerQuad % mesh.nx;
         const bool touches = olf.centres[static_cast<std::size_t>(cell)].column.wall;
         beside.push_back(problem.walls && touches ? 1 : 0);
         side.push_back(i < wall.i ? 1 : 2);
     }
-    record_file::int32_list_record(file, beside);
-    record_file::logical_record(file, problem.walls);
-    if (problem.walls) record_file::int32_list_record(file, side);
+    record_file::int32ListRecord(file, beside);
+    record_file::logicalRecord(file, problem.walls);
+    if (problem.walls) record_file::int32ListRecord(file, side);
 }
 
-void write_fractures(const Problem& problem, const Domain& frac, RecordFile& file) {
-    record_file::int32_list_record(file, frac.side_elements);
-    record_file::begin_record(file, std::uint64_t{8} * frac.aperture.size());
+void writeFractures(const Problem& problem, const Domain& frac, RecordFile& file) {
+    record_file::int32ListRecord(file, frac.sideElements);
+    record_file::beginRecord(file, std::uint64_t{8} * frac.aperture.size());
     for (const double aperture : frac.aperture)
-        record_file::put_real64(file, units(problem).per_metre * aperture);
+        record_file::putReal64(file, units(problem).perMetre * aperture);
 }
 
-void write_elements(Problem& problem, const Domain& domain) {
-    RecordFile file = create(problem, std::string("elements_") + tag_name(domain));
-    record_file::int32_record(file, domain.nodes_per_element);
+void writeElements(Problem& problem, const Domain& domain) {
+    RecordFile file = create(problem, std::string("elements_") + tagName(domain));
+    record_file::int32Record(file, domain.nodesPerElement);
     if (domain.tag == Tag::pm || domain.tag == Tag::dual) {
-        write_mesh_elements(problem, domain, file);
+        writeMeshElements(problem, domain, file);
     } else {
-        record_file::int32_record(file, problem_domains::element_count(problem.mesh, domain));
-        record_file::int32_list_record(file, domain.element_nodes);
-        record_file::int32_list_record(file, domain.element_zone);
+        record_file::int32Record(file, problem_domains::elementCount(problem.mesh, domain));
+        record_file::int32ListRecord(file, domain.elementNodes);
+        record_file::int32ListRecord(file, domain.elementZone);
     }
-    if (domain.tag == Tag::olf) write_wall_elements(problem, domain, file);
-    if (domain.tag == Tag::frac) write_fractures(problem, domain, file);
+    if (domain.tag == Tag::olf) writeWallElements(problem, domain, file);
+    if (domain.tag == Tag::frac) writeFractures(problem, domain, file);
     close(problem, file);
 }
 
-std::string zero_padded(std::int64_t number, std::size_t digits) {
+std::string zeroPadded(std::int64_t number, std::size_t digits) {
     const std::string text = std::to_string(number);
     return text.size() < digits ? std::string(digits - text.size(), '0') + text : text;
 }
 
-std::string time_stamp(double time) {
+std::string timeStamp(double time) {
     std::array<char, 64> text{};
     const auto end =
         std::to_chars(text.data(), text.data() + text.size(), time, std::chars_format::fixed).ptr;
@@ -226,7 +226,7 @@ std::string time_stamp(double time) {
     return stamp.find('.') == std::string::npos ? stamp + ".0" : stamp;
 }
 
-const char* type_code(Type type) {
+const char* typeCode(Type type) {
     switch (type) {
     case Type::real64:
         return "R08";
@@ -238,27 +238,27 @@ const char* type_code(Type type) {
     return "";
 }
 
-void write_header(const Problem& problem, const Variable& variable, const Weather& weather,
-                  std::int32_t count, RecordFile& file) {
-    std::string text = time_stamp(weather.time / units(problem).seconds) + " " + variable.meaning;
+void writeHeader(const Problem& problem, const Variable& variable, const Weather& weather,
+                 std::int32_t count, RecordFile& file) {
+    std::string text = timeStamp(weather.time / units(problem).seconds) + " " + variable.meaning;
     text.resize(55, ' ');
-    if (!problem.older_generation)
-        text += "#!TVN001LE" + std::string(type_code(variable.type)) +
-                zero_padded(variable.components, 2) + zero_padded(count, 10);
-    record_file::text_record(file, text, 80);
+    if (!problem.olderGeneration)
+        text += "#!TVN001LE" + std::string(typeCode(variable.type)) +
+                zeroPadded(variable.components, 2) + zeroPadded(count, 10);
+    record_file::textRecord(file, text, 80);
 }
 
 // From SI units to those of the problem. Degrees stand in place of a concentration of heat, and
 // watts in place of its flux, which are free of lengths.
-double unit_scale(const Problem& problem, const Variable& variable, const Species* species) {
-    double length_power = variable.length_power;
-    double time_power = variable.time_power;
+double unitScale(const Problem& problem, const Variable& variable, const Species* species) {
+    double lengthPower = variable.lengthPower;
+    double timePower = variable.timePower;
     if (species != nullptr && species->heat) {
-        length_power = 0;
-        time_power *= 3;
+        lengthPower = 0;
+        timePower *= 3;
     }
-    return std::pow(units(problem).per_metre, length_power) *
-           std::pow(units(problem).seconds, -time_power);
+    return std::pow(units(problem).perMetre, lengthPower) *
+           std::pow(units(problem).seconds, -timePower);
 }
 
 // The species or origins that the variable has a file for each of; one without a name where it has
@@ -276,7 +276,7 @@ std::vector<Species> members(const Problem& problem, const Variable& variable) {
             return true;
         }
     };
-    if (variable.family == Family::one_file || variable.family == Family::origin_sums) return {{}};
+    if (variable.family == Family::oneFile || variable.family == Family::originSums) return {{}};
     std::vector<Species> chosen;
     const auto& list = variable.family == Family::origins ? *problem.origins : problem.species;
     std::copy_if(list.begin(), list.end(), std::back_inserter(chosen), belongs);
@@ -284,109 +284,109 @@ std::vector<Species> members(const Problem& problem, const Variable& variable) {
 }
 
 // Without the time index.
-std::string result_path(const Problem& problem, const Variable& variable, const Domain& domain,
-                        const Species& species) {
-    const bool of_origins =
-        variable.family == Family::origins || variable.family == Family::origin_sums;
+std::string resultPath(const Problem& problem, const Variable& variable, const Domain& domain,
+                       const Species& species) {
+    const bool ofOrigins =
+        variable.family == Family::origins || variable.family == Family::originSums;
     std::string path =
-        problem.directory + (of_origins ? "/hmc/" : "/") + problem.prefix + "o." + variable.stem;
+        problem.directory + (ofOrigins ? "/hmc/" : "/") + problem.prefix + "o." + variable.stem;
     if (path.back() == '.') return path;
-    path += tag_name(domain);
-    if (!species.name.empty()) path += (of_origins ? ".f_" : ".") + species.name;
+    path += tagName(domain);
+    if (!species.name.empty()) path += (ofOrigins ? ".f_" : ".") + species.name;
     return path + variable.tail + ".";
 }
 
-void put_value(RecordFile& file, Type type, double value) {
+void putValue(RecordFile& file, Type type, double value) {
     switch (type) {
     case Type::real64:
-        return record_file::put_real64(file, value);
+        return record_file::putReal64(file, value);
     case Type::real32:
-        return record_file::put_real32(file, static_cast<float>(value));
+        return record_file::putReal32(file, static_cast<float>(value));
     case Type::int32:
-        return record_file::put_int32(file, static_cast<std::int32_t>(value));
+        return record_file::putInt32(file, static_cast<std::int32_t>(value));
     }
 }
 
-void write_values(const Problem& problem, const Variable& variable, const Domain& domain,
-                  const Species* species, const Weather& weather, std::int32_t count,
-                  RecordFile& file) {
-    const double scale = unit_scale(problem, variable, species);
+void writeValues(const Problem& problem, const Variable& variable, const Domain& domain,
+                 const Species* species, const Weather& weather, std::int32_t count,
+                 RecordFile& file) {
+    const double scale = unitScale(problem, variable, species);
     const bool nodal = variable.location == Location::node;
     const auto put = [&](std::int32_t position, int component) {
         problem_domains::Place place =
-            nodal ? problem_domains::node_place(problem.mesh, domain, position)
-                  : problem_domains::element_place(problem.mesh, domain, position);
+            nodal ? problem_domains::nodePlace(problem.mesh, domain, position)
+                  : problem_domains::elementPlace(problem.mesh, domain, position);
         place.species = species;
-        put_value(file, variable.type, scale * variable.field(place, weather, component));
+        putValue(file, variable.type, scale * variable.field(place, weather, component));
     };
     const std::uint64_t size = variable.type == Type::real64 ? 8 : 4;
-    if (problem.older_generation && variable.components > 1) {
+    if (problem.olderGeneration && variable.components > 1) {
         for (std::int32_t position = 0; position < count; ++position) {
-            record_file::begin_record(file, size * static_cast<std::uint64_t>(variable.components));
+            record_file::beginRecord(file, size * static_cast<std::uint64_t>(variable.components));
             for (int component = 0; component < variable.components; ++component)
                 put(position, component);
         }
         return;
     }
     for (int component = 0; component < variable.components; ++component) {
-        record_file::begin_record(file, size * static_cast<std::uint64_t>(count));
+        record_file::beginRecord(file, size * static_cast<std::uint64_t>(count));
         for (std::int32_t position = 0; position < count; ++position) put(position, component);
     }
 }
 
 } // namespace
 
-double per_metre(const Problem& problem) {
-    return units(problem).per_metre;
+double perMetre(const Problem& problem) {
+    return units(problem).perMetre;
 }
 
-void write_text(Problem& problem, const std::string& name, const std::string& text) {
-    RecordFile file = record_file::create(problem.directory + "/" + name, problem.piece_limit);
-    record_file::plain_text(file, text);
+void writeText(Problem& problem, const std::string& name, const std::string& text) {
+    RecordFile file = record_file::create(problem.directory + "/" + name, problem.pieceLimit);
+    record_file::plainText(file, text);
     close(problem, file);
 }
 
-void write_description(Problem& problem) {
-    write_text(problem, "batch.pfx", problem.prefix + "\n");
-    write_text(problem, problem.prefix + ".skiv",
-               "Hill slope catchment with a stream: rain, infiltration and recession\n");
+void writeDescription(Problem& problem) {
+    writeText(problem, "batch.pfx", problem.prefix + "\n");
+    writeText(problem, problem.prefix + ".skiv",
+              "Hill slope catchment with a stream: rain, infiltration and recession\n");
     RecordFile file = create(problem, "gen");
-    record_file::text_record(file, "2918", 80);
-    record_file::int32_record(file, 2);
-    record_file::begin_record(file, 120);
-    record_file::put_text(file, "Hill slope catchment with a stream", 60);
-    record_file::put_text(file, "Storms, infiltration and recession, hour by hour", 60);
-    record_file::int32_record(file, problem.unit_system);
+    record_file::textRecord(file, "2918", 80);
+    record_file::int32Record(file, 2);
+    record_file::beginRecord(file, 120);
+    record_file::putText(file, "Hill slope catchment with a stream", 60);
+    record_file::putText(file, "Storms, infiltration and recession, hour by hour", 60);
+    record_file::int32Record(file, problem.unitSystem);
     close(problem, file);
-    if (!problem.species.empty()) write_species(problem);
-    if (problem.origins) write_origins(problem);
+    if (!problem.species.empty()) writeSpecies(problem);
+    if (problem.origins) writeOrigins(problem);
 }
 
-void write_mesh(Problem& problem) {
+void writeMesh(Problem& problem) {
     for (const Domain& domain : problem.domains) {
-        write_coordinates(problem, domain);
-        write_elements(problem, domain);
+        writeCoordinates(problem, domain);
+        writeElements(problem, domain);
     }
 }
 
-void write_results(Problem& problem, const Variable& variable, const Weather& weather,
-                   std::int32_t index) {
+void writeResults(Problem& problem, const Variable& variable, const Weather& weather,
+                  std::int32_t index) {
     using problem_variables::When;
     if (variable.when == When::first && index > 1) return;
     if (variable.when == When::later && index == 1) return;
-    const std::string suffix = zero_padded(index, static_cast<std::size_t>(problem.suffix_digits));
+    const std::string suffix = zeroPadded(index, static_cast<std::size_t>(problem.suffixDigits));
     const std::vector<Species> of = members(problem, variable);
     for (const Domain& domain : problem.domains) {
         if ((variable.domains & problem_domains::bit(domain.tag)) == 0) continue;
-        if (domain.shares_nodes && problem_variables::is_at_nodes_of_pm(variable)) continue;
+        if (domain.sharesNodes && problem_variables::isAtNodesOfPm(variable)) continue;
         const std::int32_t count = variable.location == Location::node
-                                       ? problem_domains::node_count(problem.mesh, domain)
-                                       : problem_domains::element_count(problem.mesh, domain);
+                                       ? problem_domains::nodeCount(problem.mesh, domain)
+                                       : problem_domains::elementCount(problem.mesh, domain);
         for (const Species& species : of) {
             RecordFile file = record_file::create(
-                result_path(problem, variable, domain, species) + suffix, problem.piece_limit);
-            write_header(problem, variable, weather, count, file);
-            write_values(problem, variable, domain, &species, weather, count, file);
+                resultPath(problem, variable, domain, species) + suffix, problem.pieceLimit);
+            writeHeader(problem, variable, weather, count, file);
+            writeValues(problem, variable, domain, &species, weather, count, file);
             close(problem, file);
         }
     }

@@ -30,7 +30,7 @@
 //                                two further settings
 //                                per origin, its name, 80 characters, and two settings
 //
-// <prefix>o.coordinates_pm       number of nodes
+// <prefix>o.coordinatesPm       number of nodes
 //                                x, y, z of each node, reals of 64 bits
 //                                cells along x, cells along y, number of sheets
 //
@@ -74,10 +74,10 @@ namespace problem_files {
 struct Problem {
     std::string directory;
     std::string prefix;
-    std::uint32_t piece_limit = 0; // longest piece of a record, bytes
-    std::int32_t suffix_digits = 0;
-    std::int32_t unit_system = 0;
-    bool older_generation = false;
+    std::uint32_t pieceLimit = 0; // longest piece of a record, bytes
+    std::int32_t suffixDigits = 0;
+    std::int32_t unitSystem = 0;
+    bool olderGeneration = false;
     bool walls = false;
     std::vector<problem_species::Species> species;
     std::optional<std::vector<problem_species::Species>> origins; // of water
@@ -88,18 +88,18 @@ struct Problem {
 };
 
 // Length unit of the problem's files.
-double per_metre(const Problem& problem);
+double perMetre(const Problem& problem);
 
 // A text file of this name in the directory of the problem.
-void write_text(Problem& problem, const std::string& name, const std::string& text);
+void writeText(Problem& problem, const std::string& name, const std::string& text);
 
-// These, like `write_text`, end the program with status 1 when a file cannot be written.
-void write_description(Problem& problem);
-void write_mesh(Problem& problem);
+// These, like `writeText`, end the program with status 1 when a file cannot be written.
+void writeDescription(Problem& problem);
+void writeMesh(Problem& problem);
 
 // Writes the files of one variable at one output time, one for each of its domains that the problem
 // has, and for each species that it is about. `index` counts output times from 1.
-void write_results(Problem& problem, const problem_variables::Variable& variable,
-                   const problem_weather::Weather& weather, std::int32_t index);
+void writeResults(Problem& problem, const problem_variables::Variable& variable,
+                  const problem_weather::Weather& weather, std::int32_t index);
 
 } // namespace problem_files

@@ -22,20 +22,20 @@ constexpr double day = 86400;
 double rise(const Place& place, const Weather& weather) {
     const problem_mesh::Column& column = *place.column;
     const double upstream = column.x / 2137.4 - 0.43;
-    const double at_stream = -13.7 * upstream * column.stream * column.variation;
-    const double on_hill = -0.71 * column.hill * column.slope_y * column.slope_y;
+    const double atStream = -13.7 * upstream * column.stream * column.variation;
+    const double onHill = -0.71 * column.hill * column.slopeY * column.slopeY;
     const double part = (place.z - column.bottom) / (column.ground - column.bottom);
-    return weather.washed * (at_stream + on_hill) * part * part;
+    return weather.washed * (atStream + onHill) * part * part;
 }
 
 } // namespace
 
 const Material& material(const Place& place) {
-    return materials[static_cast<std::size_t>(place.ground_zone - 1)];
+    return materials[static_cast<std::size_t>(place.groundZone - 1)];
 }
 
-double surface_influence(const Place& place, double reach) {
-    const double part = 1 - depth_below_ground(place) / reach;
+double surfaceInfluence(const Place& place, double reach) {
+    const double part = 1 - depthBelowGround(place) / reach;
     return part > 0 ? part * part : 0;
 }
 
@@ -54,114 +54,114 @@ double conductivity(const Place& place, const Weather&, int component) {
     case 2:
         return across;
     case 3:
-        return (along - aside) * column.slope_x * column.slope_y;
+        return (along - aside) * column.slopeX * column.slopeY;
     case 4:
-        return (aside - across) * column.slope_y;
+        return (aside - across) * column.slopeY;
     default:
-        return (along - across) * column.slope_x;
+        return (along - across) * column.slopeX;
     }
 }
 
 double porosity(const Place& place, const Weather&, int) {
-    const double compaction = 1 - 0.0017 * depth_below_ground(place);
+    const double compaction = 1 - 0.0017 * depthBelowGround(place);
     return material(place).porosity * (0.6 + 0.4 * place.column->variation) * compaction;
 }
 
-double specific_storage(const Place& place, const Weather&, int) {
-    return material(place).specific_storage * place.column->variation;
+double specificStorage(const Place& place, const Weather&, int) {
+    return material(place).specificStorage * place.column->variation;
 }
 
 double tortuosity(const Place& place, const Weather&, int) {
     return material(place).tortuosity * (0.8 + 0.2 * place.column->variation);
 }
 
-double interbed_fraction(const Place& place, const Weather&, int) {
-    return material(place).interbed_fraction * place.column->variation;
+double interbedFraction(const Place& place, const Weather&, int) {
+    return material(place).interbedFraction * place.column->variation;
 }
 
-double element_volume(const Place& place, const Weather&, int) {
+double elementVolume(const Place& place, const Weather&, int) {
     return place.volume;
 }
 
 // Wet topsoil swells and closes its cracks.
-double changing_conductivity(const Place& place, const Weather& weather, int component) {
-    const double swelling = weather.wetness * surface_influence(place, 3.3);
+double changingConductivity(const Place& place, const Weather& weather, int component) {
+    const double swelling = weather.wetness * surfaceInfluence(place, 3.3);
     return conductivity(place, weather, component) * (1 - 0.17 * swelling);
 }
 
-double changing_porosity(const Place& place, const Weather& weather, int) {
-    const double swelling = weather.wetness * surface_influence(place, 3.3);
+double changingPorosity(const Place& place, const Weather& weather, int) {
+    const double swelling = weather.wetness * surfaceInfluence(place, 3.3);
     return porosity(place, weather, 0) * (1 - 0.029 * swelling);
 }
 
-double changing_storage(const Place& place, const Weather& weather, int) {
-    return specific_storage(place, weather, 0) * (1 + 1.9 * weather.ridge);
+double changingStorage(const Place& place, const Weather& weather, int) {
+    return specificStorage(place, weather, 0) * (1 + 1.9 * weather.ridge);
 }
 
-double frozen_conductivity(const Place& place, const Weather& weather, int) {
-    return conductivity(place, weather, 0) * std::pow(10, -6.2 * ice_content(place, weather, 0));
+double frozenConductivity(const Place& place, const Weather& weather, int) {
+    return conductivity(place, weather, 0) * std::pow(10, -6.2 * iceContent(place, weather, 0));
 }
 
 // After the first storm the valley floor counts as a zone of its own.
-double changing_zone(const Place& place, const Weather& weather, int) {
+double changingZone(const Place& place, const Weather& weather, int) {
     const bool soaked = place.column->hill < 0.04 && weather.valley > 0.018;
     return place.zone + (soaked ? 1 : 0);
 }
 
-double mine_strip(const Place& place, const Weather& weather, int) {
+double mineStrip(const Place& place, const Weather& weather, int) {
     const problem_mesh::Column& column = *place.column;
-    if (column.hill < 0.5 || depth_below_ground(place) > 12.5) return 0;
+    if (column.hill < 0.5 || depthBelowGround(place) > 12.5) return 0;
     return std::floor((column.x + 0.0031 * weather.time) / 213.7);
 }
 
 double temperature(const Place& place, const Weather& weather, int) {
-    const double depth = depth_below_ground(place);
+    const double depth = depthBelowGround(place);
     const double mean = 276.41 - 0.0431 * (place.column->ground - 212.37);
-    const double day_wave = 0.71 * (weather.air - 278.43) * std::exp(-depth / 0.14);
-    return mean + 5.73 * (1 - std::exp(-depth / 3.1)) + day_wave;
+    const double dayWave = 0.71 * (weather.air - 278.43) * std::exp(-depth / 0.14);
+    return mean + 5.73 * (1 - std::exp(-depth / 3.1)) + dayWave;
 }
 
-double ice_content(const Place& place, const Weather& weather, int) {
+double iceContent(const Place& place, const Weather& weather, int) {
     return std::clamp(0.37 * (273.15 - temperature(place, weather, 0)), 0.0, 0.6);
 }
 
-double water_age(const Place& place, const Weather& weather, int) {
-    const double depth = depth_below_ground(place);
+double waterAge(const Place& place, const Weather& weather, int) {
+    const double depth = depthBelowGround(place);
     const double travel = depth * (1 + 2.3 * place.column->hill) / place.column->variation;
     const double topsoil = 0.41 * place.column->variation;
     return day * (topsoil + 2.87 * travel) *
-           (1 - 0.34 * weather.wetness * surface_influence(place, 5));
+           (1 - 0.34 * weather.wetness * surfaceInfluence(place, 5));
 }
 
-double water_age_ratio(const Place& place, const Weather& weather, int) {
-    return 1 / (1 + water_age(place, weather, 0) / (30 * day));
+double waterAgeRatio(const Place& place, const Weather& weather, int) {
+    return 1 / (1 + waterAge(place, weather, 0) / (30 * day));
 }
 
-double location_probability(const Place& place, const Weather& weather, int) {
+double locationProbability(const Place& place, const Weather& weather, int) {
     const double spread = 117.3 + 0.0019 * weather.time;
     const double dx = (place.column->x - 913.7) / spread;
     const double dy = (place.column->y - 702.9) / spread;
-    const double dz = depth_below_ground(place) / 23.1;
+    const double dz = depthBelowGround(place) / 23.1;
     const double exponent = dx * dx + dy * dy + dz * dz;
     return exponent < 30 ? 1.37e-7 * std::exp(-exponent) : 0;
 }
 
-double fluid_density(const Place& place, const Weather& weather, int) {
+double fluidDensity(const Place& place, const Weather& weather, int) {
     const double warm = temperature(place, weather, 0) - 277.13;
-    return 999.972 - 0.0071 * warm * warm + 0.0047 * depth_below_ground(place);
+    return 999.972 - 0.0071 * warm * warm + 0.0047 * depthBelowGround(place);
 }
 
-double moved_elevation(const Place& place, const Weather& weather, int) {
+double movedElevation(const Place& place, const Weather& weather, int) {
     return place.z + rise(place, weather);
 }
 
-double moved_zone(const Place& place, const Weather& weather, int) {
-    const bool filled = rise(place, weather) > 0.013 && depth_below_ground(place) < 3.1;
+double movedZone(const Place& place, const Weather& weather, int) {
+    const bool filled = rise(place, weather) > 0.013 && depthBelowGround(place) < 3.1;
     return filled ? 5 : place.zone;
 }
 
-double wall_number(const Place& place, const Weather&, int) {
-    return place.column->wall && depth_below_ground(place) < 21.5 ? 1 : 0;
+double wallNumber(const Place& place, const Weather&, int) {
+    return place.column->wall && depthBelowGround(place) < 21.5 ? 1 : 0;
 }
 
 } // namespace problem_ground

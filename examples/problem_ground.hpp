@@ -12,52 +12,52 @@ using problem_weather::Weather;
 
 // Means of the four kinds of ground.
 struct Material {
-    double conductivity;      // saturated, m/s
-    double porosity;          // part of 1
-    double specific_storage;  // 1/m
-    double retention;         // of the saturation curve: parts of a metre of suction, 1/m
-    double residual;          // saturation that stays
-    double tortuosity;        // part of 1
-    double interbed_fraction; // of compressible beds, part of 1
+    double conductivity;     // saturated, m/s
+    double porosity;         // part of 1
+    double specificStorage;  // 1/m
+    double retention;        // of the saturation curve: parts of a metre of suction, 1/m
+    double residual;         // saturation that stays
+    double tortuosity;       // part of 1
+    double interbedFraction; // of compressible beds, part of 1
 };
 const Material& material(const Place& place);
 
-inline double depth_below_ground(const Place& place) {
+inline double depthBelowGround(const Place& place) {
     return place.column->ground - place.z;
 }
 
 // Influence of the surface: 1 there, falling to exactly 0 at `reach` metres below it.
-double surface_influence(const Place& place, double reach);
+double surfaceInfluence(const Place& place, double reach);
 
 double conductivity(const Place&, const Weather&, int component); // xx, yy, zz, xy, yz, zx; m/s
 double porosity(const Place&, const Weather&, int);
-double specific_storage(const Place&, const Weather&, int); // 1/m
+double specificStorage(const Place&, const Weather&, int); // 1/m
 double tortuosity(const Place&, const Weather&, int);
-double interbed_fraction(const Place&, const Weather&, int);
-double element_volume(const Place&, const Weather&, int); // m3
+double interbedFraction(const Place&, const Weather&, int);
+double elementVolume(const Place&, const Weather&, int); // m3
 
 // The same, as they change with time.
-double changing_conductivity(const Place&, const Weather&, int component);
-double changing_porosity(const Place&, const Weather&, int);
-double changing_storage(const Place&, const Weather&, int);
-double frozen_conductivity(const Place&, const Weather&, int);
-double changing_zone(const Place&, const Weather&, int);
-double mine_strip(const Place&, const Weather&, int); // number of the strip mined so far
+double changingConductivity(const Place&, const Weather&, int component);
+double changingPorosity(const Place&, const Weather&, int);
+double changingStorage(const Place&, const Weather&, int);
+double frozenConductivity(const Place&, const Weather&, int);
+double changingZone(const Place&, const Weather&, int);
+double mineStrip(const Place&, const Weather&, int); // number of the strip mined so far
 
 double temperature(const Place&, const Weather&, int); // K
-double ice_content(const Place&, const Weather&, int); // part of the water, up to 0.6
+double iceContent(const Place&, const Weather&, int);  // part of the water, up to 0.6
 
-double water_age(const Place&, const Weather&, int);       // s
-double water_age_ratio(const Place&, const Weather&, int); // part of the water younger than a month
-double location_probability(const Place&, const Weather&, int); // of a source, 1/m3
-double fluid_density(const Place&, const Weather&, int);        // kg/m3
+double waterAge(const Place&, const Weather&, int);      // s
+double waterAgeRatio(const Place&, const Weather&, int); // part of the water younger than a month
+double locationProbability(const Place&, const Weather&, int); // of a source, 1/m3
+double fluidDensity(const Place&, const Weather&, int);        // kg/m3
 
 // The ground as it is now: the stream cuts into its upper course and fills its lower one, and the
 // hill sides creep. The zone of the fill is a new one.
-double moved_elevation(const Place&, const Weather&, int); // m
-double moved_zone(const Place&, const Weather&, int);
+double movedElevation(const Place&, const Weather&, int); // m
+double movedZone(const Place&, const Weather&, int);
 
 // Number of the cutoff wall at a node, and at an element beside it; 0 elsewhere and below its foot.
-double wall_number(const Place&, const Weather&, int);
+double wallNumber(const Place&, const Weather&, int);
 
 } // namespace problem_ground

@@ -21,8 +21,8 @@ struct Column {
     double y = 0;
     double ground = 0;    // elevation of the surface
     double bottom = 0;    // elevation of the lowest sheet
-    double slope_x = 0;   // of the ground
-    double slope_y = 0;   // of the ground
+    double slopeX = 0;    // of the ground
+    double slopeY = 0;    // of the ground
     double stream = 0;    // 1 on the line of the stream, towards 0 away from it
     double hill = 0;      // 0 in the valley, towards 1 on the ridges
     double variation = 1; // of soil properties about their mean, smooth, near 1
@@ -42,31 +42,31 @@ struct Mesh {
     std::int32_t ny = 0;
     std::int32_t layers = 0;
     bool prisms = false;
-    double cell_length = 0;          // mean side of a quad of the plan, metres
-    std::vector<Column> columns;     // of nodes, (nx + 1) by (ny + 1)
-    std::vector<Cell> cells;         // of the plan, those of a quad next to each other
-    std::vector<double> sheet_depth; // per sheet, as a part of the column's height: 1 to 0
+    double cellLength = 0;          // mean side of a quad of the plan, metres
+    std::vector<Column> columns;    // of nodes, (nx + 1) by (ny + 1)
+    std::vector<Cell> cells;        // of the plan, those of a quad next to each other
+    std::vector<double> sheetDepth; // per sheet, as a part of the column's height: 1 to 0
 };
 
-// A cutoff wall cuts the ground along this line of columns: its tip is in first_row, and it runs
+// A cutoff wall cuts the ground along this line of columns: its tip is in firstRow, and it runs
 // from the next row to the last.
 struct WallLine {
     std::int32_t i = 0;
-    std::int32_t first_row = 0;
+    std::int32_t firstRow = 0;
 };
-WallLine wall_line(const Mesh& mesh);
+WallLine wallLine(const Mesh& mesh);
 
 // Builds the plan. Only the plan is kept in memory; the 3D mesh is computed from it when asked for.
 Mesh build(std::int32_t nx, std::int32_t ny, std::int32_t layers, bool prisms);
 
-std::int32_t node_count(const Mesh& mesh);
-std::int32_t element_count(const Mesh& mesh);
-std::int32_t corners_per_cell(const Mesh& mesh);
+std::int32_t nodeCount(const Mesh& mesh);
+std::int32_t elementCount(const Mesh& mesh);
+std::int32_t cornersPerCell(const Mesh& mesh);
 
-inline std::int32_t column_number(const Mesh& mesh, std::int32_t i, std::int32_t j) {
+inline std::int32_t columnNumber(const Mesh& mesh, std::int32_t i, std::int32_t j) {
     return j * (mesh.nx + 1) + i;
 }
-inline std::int32_t node_number(const Mesh& mesh, std::int32_t column, std::int32_t sheet) {
+inline std::int32_t nodeNumber(const Mesh& mesh, std::int32_t column, std::int32_t sheet) {
     return sheet * static_cast<std::int32_t>(mesh.columns.size()) + column + 1;
 }
 inline double elevation(const Column& column, double depth) {
@@ -74,23 +74,23 @@ inline double elevation(const Column& column, double depth) {
 }
 
 // The column in the middle of some columns. It is at the wall when one of them is.
-Column mean_column(const Mesh& mesh, std::span<const std::int32_t> columns);
+Column meanColumn(const Mesh& mesh, std::span<const std::int32_t> columns);
 
 // The column and the elevation of a node.
-const Column& node_column(const Mesh& mesh, std::int32_t node);
-double node_elevation(const Mesh& mesh, std::int32_t node);
+const Column& nodeColumn(const Mesh& mesh, std::int32_t node);
+double nodeElevation(const Mesh& mesh, std::int32_t node);
 
 // The column of the stream line in the i-th row of columns across the valley.
-std::int32_t stream_column(const Mesh& mesh, std::int32_t i);
+std::int32_t streamColumn(const Mesh& mesh, std::int32_t i);
 
 // Writes the node numbers of an element to `nodes`: lower face, then upper face. Returns how many.
-std::int32_t element_nodes(const Mesh& mesh, std::int32_t element, std::int32_t* nodes);
+std::int32_t elementNodes(const Mesh& mesh, std::int32_t element, std::int32_t* nodes);
 
 // Kind of ground at an elevation: 1 bedrock, 2 weathered rock, 3 valley alluvium, 4 soil.
-int ground_zone(const Column& column, double z);
+int groundZone(const Column& column, double z);
 
 // Elevation of an element's centre, and its volume in cubic metres.
-double element_elevation(const Mesh& mesh, std::int32_t element);
-double element_volume(const Mesh& mesh, std::int32_t element);
+double elementElevation(const Mesh& mesh, std::int32_t element);
+double elementVolume(const Mesh& mesh, std::int32_t element);
 
 } // namespace problem_mesh

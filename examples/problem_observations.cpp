@@ -30,11 +30,11 @@ double part(std::mt19937& random) {
 }
 
 // A place near the middle of a cell, at any depth; now and then one that no element holds.
-Site choose_site(const problem_mesh::Mesh& mesh, std::mt19937& random, std::int32_t number) {
+Site chooseSite(const problem_mesh::Mesh& mesh, std::mt19937& random, std::int32_t number) {
     Site site;
     site.column = mesh.cells[random() % mesh.cells.size()].centre;
-    site.column.x += 0.2 * mesh.cell_length * (part(random) - 0.5);
-    site.column.y += 0.2 * mesh.cell_length * (part(random) - 0.5);
+    site.column.x += 0.2 * mesh.cellLength * (part(random) - 0.5);
+    site.column.y += 0.2 * mesh.cellLength * (part(random) - 0.5);
     site.z = problem_mesh::elevation(site.column, part(random));
     site.error = 0.14 * (part(random) - 0.5);
     if (number % 7 == 3) site.z = site.column.ground + 2.6;
@@ -46,53 +46,53 @@ Site choose_site(const problem_mesh::Mesh& mesh, std::mt19937& random, std::int3
 // Gives the values of a line; all of them are lengths.
 using Measure = std::vector<double> (*)(const Site&, const Place&, const Weather&);
 
-void write_file(Problem& problem, const Weather& weather, std::int32_t count,
-                const std::string& name, Measure measure) {
+void writeFile(Problem& problem, const Weather& weather, std::int32_t count,
+               const std::string& name, Measure measure) {
     std::mt19937 random;
     std::string text = std::to_string(count) + "\n";
     for (std::int32_t number = 0; number < count; ++number) {
-        const Site site = choose_site(problem.mesh, random, number);
+        const Site site = chooseSite(problem.mesh, random, number);
         Place place;
         place.column = &site.column;
         place.z = site.z;
         for (const double value : measure(site, place, weather)) {
             char field[64];
-            std::snprintf(field, sizeof field, "%15.4f", problem_files::per_metre(problem) * value);
+            std::snprintf(field, sizeof field, "%15.4f", problem_files::perMetre(problem) * value);
             text += field;
         }
         text += '\n';
     }
-    problem_files::write_text(problem, problem.prefix + "." + name, text);
+    problem_files::writeText(problem, problem.prefix + "." + name, text);
 }
 
 std::vector<double> head(const Site& site, const Place& place, const Weather& weather) {
     return {site.column.x, site.column.y, site.z,
-            problem_water::pm_head(place, weather, 0) + site.error};
+            problem_water::pmHead(place, weather, 0) + site.error};
 }
 
-std::vector<double> table_elevation(const Site& site, const Place& place, const Weather& weather) {
-    return {site.column.x, site.column.y, problem_water::water_table(place, weather) + site.error};
+std::vector<double> tableElevation(const Site& site, const Place& place, const Weather& weather) {
+    return {site.column.x, site.column.y, problem_water::waterTable(place, weather) + site.error};
 }
 
-std::vector<double> table_depth(const Site& site, const Place& place, const Weather& weather) {
+std::vector<double> tableDepth(const Site& site, const Place& place, const Weather& weather) {
     return {site.column.x, site.column.y,
-            site.column.ground - problem_water::water_table(place, weather) + site.error};
+            site.column.ground - problem_water::waterTable(place, weather) + site.error};
 }
 
-std::vector<double> water_depth(const Site& site, const Place& place, const Weather& weather) {
-    const double depth = problem_water::pond_depth(place, weather) + 0.1 * site.error;
+std::vector<double> waterDepth(const Site& site, const Place& place, const Weather& weather) {
+    const double depth = problem_water::pondDepth(place, weather) + 0.1 * site.error;
     return {site.column.x, site.column.y, std::max(0.0, depth)};
 }
 
 } // namespace
 
-void write(Problem& problem, const Weather& weather, std::int32_t count, bool water_table) {
+void write(Problem& problem, const Weather& weather, std::int32_t count, bool waterTable) {
     if (count == 0) return;
-    write_file(problem, weather, count, "observed_heads", water_table ? table_elevation : head);
-    write_file(problem, weather, count, "observed_d2gwt", table_depth);
+    writeFile(problem, weather, count, "observed_heads", waterTable ? tableElevation : head);
+    writeFile(problem, weather, count, "observed_d2gwt", tableDepth);
     const bool surface = std::any_of(problem.domains.begin(), problem.domains.end(),
                                      [](const auto& domain) { return domain.tag == Tag::olf; });
-    if (surface) write_file(problem, weather, count, "observed_heads_olf", water_depth);
+    if (surface) writeFile(problem, weather, count, "observed_heads_olf", waterDepth);
 }
 
 } // namespace problem_observations

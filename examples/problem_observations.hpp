@@ -7,16 +7,16 @@
 
 // Field measurements in the catchment, as text. First their number, then one to a line:
 //
-// <prefix>.observed_heads      x, y, z and head in the ground, or x, y and elevation of the water
+// <prefix>.observedHeads      x, y, z and head in the ground, or x, y and elevation of the water
 //                              table: the same name serves both
-// <prefix>.observed_heads_olf  x, y and depth of water on the surface
-// <prefix>.observed_d2gwt      x, y and depth of the water table below the surface
+// <prefix>.observedHeadsOlf  x, y and depth of water on the surface
+// <prefix>.observedD2gwt      x, y and depth of the water table below the surface
 namespace problem_observations {
 
 // Writes the files, each with `count` measurements of the time of `weather`, which err by some
 // centimetres. A few places lie outside: above the ground, beside the catchment or kilometres away.
 // The surface has a file only where the problem has one.
 void write(problem_files::Problem& problem, const problem_weather::Weather& weather,
-           std::int32_t count, bool water_table);
+           std::int32_t count, bool waterTable);
 
 } // namespace problem_observations

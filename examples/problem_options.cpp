@@ -39,15 +39,15 @@ std::int32_t number(const std::string& name, const std::string& value, std::int3
 }
 
 // True for the second of two words.
-bool second(const std::string& name, const std::string& value, const char* first_word,
-            const char* second_word) {
-    if (value == second_word) return true;
-    if (value != first_word)
-        wrong(name + " needs " + first_word + " or " + second_word + ", not \"" + value + "\"");
+bool second(const std::string& name, const std::string& value, const char* firstWord,
+            const char* secondWord) {
+    if (value == secondWord) return true;
+    if (value != firstWord)
+        wrong(name + " needs " + firstWord + " or " + secondWord + ", not \"" + value + "\"");
     return false;
 }
 
-problem_domains::TagSet domain_set(const std::string& name, const std::string& value) {
+problem_domains::TagSet domainSet(const std::string& name, const std::string& value) {
     problem_domains::TagSet set = 0;
     std::istringstream list(value);
     for (std::string word; std::getline(list, word, ',');) {
@@ -59,16 +59,16 @@ problem_domains::TagSet domain_set(const std::string& name, const std::string& v
     return set;
 }
 
-problem_domains::TagSet sharing_set(const std::string& name, const std::string& value) {
+problem_domains::TagSet sharingSet(const std::string& name, const std::string& value) {
     using problem_domains::bit;
     using problem_domains::Tag;
     if (value == "multi") return 0;
     if (value == "common") return ~problem_domains::TagSet{0};
     if (value == "mixed") return bit(Tag::olf) | bit(Tag::frac) | bit(Tag::well);
-    return domain_set(name, value);
+    return domainSet(name, value);
 }
 
-constexpr std::int32_t most_cells = 1 << 20;
+constexpr std::int32_t mostCells = 1 << 20;
 
 const Row rows[] = {
     {"--prefix", "NAME", "prefix of the file names (catchment)",
@@ -79,11 +79,11 @@ const Row rows[] = {
      }},
     {"--nx", "CELLS", "cells of the plan along the valley (24)",
      [](Options& options, const std::string& name, const std::string& value) {
-         options.nx = number(name, value, 2, most_cells);
+         options.nx = number(name, value, 2, mostCells);
      }},
     {"--ny", "CELLS", "cells of the plan across the valley (16)",
      [](Options& options, const std::string& name, const std::string& value) {
-         options.ny = number(name, value, 2, most_cells);
+         options.ny = number(name, value, 2, mostCells);
      }},
     {"--layers", "N", "layers of elements, thinner towards the surface (6)",
      [](Options& options, const std::string& name, const std::string& value) {
@@ -99,11 +99,11 @@ const Row rows[] = {
      }},
     {"--domains", "LIST", "of pm,dual,olf,frac,chan,well,tile; pm comes always (pm,olf)",
      [](Options& options, const std::string& name, const std::string& value) {
-         options.domains = domain_set(name, value);
+         options.domains = domainSet(name, value);
      }},
     {"--coupling", "KIND", "multi, common, mixed, or the domains that share pm's nodes (multi)",
      [](Options& options, const std::string& name, const std::string& value) {
-         options.sharing = sharing_set(name, value);
+         options.sharing = sharingSet(name, value);
      }},
     {"--species", "LIST", "such as Nitrate,Heat:heat,Virus:particles,Calcite:immobile,8 (none)",
      [](Options& options, const std::string& name, const std::string& value) {
@@ -117,24 +117,24 @@ const Row rows[] = {
      }},
     {"--variables", "LIST", "default, all, or variables from the list below (default)",
      [](Options& options, const std::string&, const std::string& value) {
-         options.variable_words = value;
+         options.variableWords = value;
      }},
     {"--tensor", "", "conductivity of elements as a full tensor",
-     [](Options& options, const std::string&, const std::string&) { options.full_tensor = true; }},
+     [](Options& options, const std::string&, const std::string&) { options.fullTensor = true; }},
     {"--walls", "", "double the nodes of olf along a cutoff wall",
      [](Options& options, const std::string&, const std::string&) { options.walls = true; }},
     {"--units", "HANDLE", "unit system, 0 to 9: metres to 4, then centimetres (0, m and s)",
      [](Options& options, const std::string& name, const std::string& value) {
-         options.unit_system = number(name, value, 0, 9);
+         options.unitSystem = number(name, value, 0, 9);
      }},
     {"--generation", "AGE", "of the result files: newer or older (newer)",
      [](Options& options, const std::string& name, const std::string& value) {
-         options.older_generation = second(name, value, "newer", "older");
+         options.olderGeneration = second(name, value, "newer", "older");
      }},
     {"--sub-records", "BYTES", "split records that are longer (2147483639)",
      [](Options& options, const std::string& name, const std::string& value) {
-         const auto most = static_cast<std::int32_t>(record_file::longest_piece);
-         options.piece_limit = static_cast<std::uint32_t>(number(name, value, 1, most));
+         const auto most = static_cast<std::int32_t>(record_file::longestPiece);
+         options.pieceLimit = static_cast<std::uint32_t>(number(name, value, 1, most));
      }},
     {"--observations", "N", "field measurements of each kind at the last time (24)",
      [](Options& options, const std::string& name, const std::string& value) {
@@ -142,15 +142,15 @@ const Row rows[] = {
      }},
     {"--observed", "KIND", "heads in the ground, or elevations of the water table (heads)",
      [](Options& options, const std::string& name, const std::string& value) {
-         options.observed_table = second(name, value, "heads", "table");
+         options.observedTable = second(name, value, "heads", "table");
      }},
     {"--digits", "N", "digits of the time index in file names, 4 to 10 (4)",
      [](Options& options, const std::string& name, const std::string& value) {
-         options.suffix_digits = number(name, value, 4, 10);
+         options.suffixDigits = number(name, value, 4, 10);
      }},
 };
 
-void print_help() {
+void printHelp() {
     std::printf("Usage: make_problem [options] DIRECTORY\n\n"
                 "Writes a sample problem, as the simulator leaves it, into DIRECTORY, which is\n"
                 "created. Files of the same name are replaced, other files stay. The same options\n"
@@ -175,32 +175,32 @@ void print_help() {
 }
 
 // The numbers of nodes, elements and global nodes must fit the files, which have 32 bits for them.
-void check_size(const Options& options) {
+void checkSize(const Options& options) {
     const double columns = (options.nx + 1.0) * (options.ny + 1.0);
     const double nodes = columns * (options.layers + 1.0);
     if (nodes > 5.0e8)
         wrong("the mesh would have more than 500 million nodes: take fewer cells or layers");
 }
 
-void check_times(const Options& options) {
+void checkTimes(const Options& options) {
     const std::string last = std::to_string(options.times);
-    if (last.size() > static_cast<std::size_t>(options.suffix_digits))
+    if (last.size() > static_cast<std::size_t>(options.suffixDigits))
         wrong("--times " + last + " needs --digits " + std::to_string(last.size()));
 }
 
 // A wall doubles nodes of olf, which the nodes of pm cannot follow.
-void check_walls(const Options& options) {
+void checkWalls(const Options& options) {
     using problem_domains::bit;
     using problem_domains::Tag;
     if (options.walls && (options.sharing & bit(Tag::olf)) != 0)
         wrong("--walls needs an olf with nodes of its own: change --coupling");
 }
 
-void select_variables(Options& options) {
-    const problem_variables::Given given = {options.full_tensor, !options.species.empty(),
+void selectVariables(Options& options) {
+    const problem_variables::Given given = {options.fullTensor, !options.species.empty(),
                                             options.origins.has_value()};
     problem_variables::Selection selection =
-        problem_variables::select(options.variable_words, given);
+        problem_variables::select(options.variableWords, given);
     if (selection.unknown) wrong("--variables: no variable \"" + *selection.unknown + "\"");
     if (selection.lacking)
         wrong("--variables: " + *selection.lacking + " needs " +
@@ -216,12 +216,12 @@ void apply(Options& options, const std::vector<std::string>& arguments, std::siz
     const Row* row = std::find_if(std::begin(rows), std::end(rows),
                                   [&name](const Row& candidate) { return name == candidate.name; });
     if (row == std::end(rows)) wrong("unknown option " + name);
-    const bool is_switch = *row->value == '\0';
-    if (is_switch && equals != std::string::npos) wrong(name + " takes no value");
+    const bool isSwitch = *row->value == '\0';
+    if (isSwitch && equals != std::string::npos) wrong(name + " takes no value");
     std::string value;
     if (equals != std::string::npos) {
         value = argument.substr(equals + 1);
-    } else if (!is_switch) {
+    } else if (!isSwitch) {
         if (++position == arguments.size()) wrong(name + " needs a value");
         value = arguments[position];
     }
@@ -233,11 +233,11 @@ void apply(Options& options, const std::vector<std::string>& arguments, std::siz
 Options read(const std::vector<std::string>& arguments) {
     Options options;
     options.domains = problem_domains::bit(problem_domains::Tag::olf);
-    options.piece_limit = record_file::longest_piece;
+    options.pieceLimit = record_file::longestPiece;
     for (std::size_t position = 0; position < arguments.size(); ++position) {
         const std::string& argument = arguments[position];
         if (argument == "--help") {
-            print_help();
+            printHelp();
             std::exit(0);
         }
         if (argument.substr(0, 2) == "--") {
@@ -249,10 +249,10 @@ Options read(const std::vector<std::string>& arguments) {
         }
     }
     if (options.directory.empty()) wrong("no directory given");
-    check_size(options);
-    check_times(options);
-    check_walls(options);
-    select_variables(options);
+    checkSize(options);
+    checkTimes(options);
+    checkWalls(options);
+    selectVariables(options);
     return options;
 }
 

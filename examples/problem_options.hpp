@@ -23,16 +23,16 @@ struct Options {
     problem_domains::TagSet sharing = 0; // domains that share the nodes of pm
     std::vector<problem_species::Species> species;
     std::optional<std::vector<problem_species::Species>> origins; // of water
-    std::string variable_words = "default";
+    std::string variableWords = "default";
     std::vector<problem_variables::Variable> variables; // what the words stand for
-    bool older_generation = false;
-    std::uint32_t piece_limit = 0; // longest piece of a record, bytes
-    std::int32_t suffix_digits = 4;
-    std::int32_t unit_system = 0;
+    bool olderGeneration = false;
+    std::uint32_t pieceLimit = 0; // longest piece of a record, bytes
+    std::int32_t suffixDigits = 4;
+    std::int32_t unitSystem = 0;
     bool walls = false;
-    bool full_tensor = false;
+    bool fullTensor = false;
     std::int32_t observations = 24; // field measurements in each of their files
-    bool observed_table = false;    // of the water table, not of heads in the ground
+    bool observedTable = false;     // of the water table, not of heads in the ground
 };
 
 // Reads the command line. Prints the help and ends with status 0 when it is asked for; ends with

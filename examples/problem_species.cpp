@@ -12,8 +12,8 @@ namespace problem_species {
 
 namespace {
 
-constexpr std::size_t longest_name = 50;
-constexpr int most_species = 1000;
+constexpr std::size_t longestName = 50;
+constexpr int mostSpecies = 1000;
 
 void number(std::vector<Species>& list) {
     for (std::size_t k = 0; k < list.size(); ++k) {
@@ -31,26 +31,26 @@ bool apply(Species& species, const std::string& word) {
 }
 
 // How many species a word stands for: 0 for a word that is a name.
-int count_in(const std::string& word) {
+int countIn(const std::string& word) {
     int count = 0;
     const char* end = word.data() + word.size();
     const auto [stop, fault] = std::from_chars(word.data(), end, count);
     return fault == std::errc() && stop == end ? count : 0;
 }
 
-bool is_name(const std::string& text) {
-    return !text.empty() && text.size() <= longest_name && text.front() != ' ' &&
+bool isName(const std::string& text) {
+    return !text.empty() && text.size() <= longestName && text.front() != ' ' &&
            text.back() != ' ' && text.find_first_of("/\\\"") == std::string::npos &&
            text.find_first_not_of("-0123456789") != std::string::npos;
 }
 
 // The fault of a finished list, if it has one.
-std::optional<std::string> fault_of(const std::vector<Species>& list) {
+std::optional<std::string> faultOf(const std::vector<Species>& list) {
     if (list.empty()) return "no species";
-    if (list.size() > most_species) return "more than " + std::to_string(most_species) + " species";
+    if (list.size() > mostSpecies) return "more than " + std::to_string(mostSpecies) + " species";
     std::set<std::string> names;
     for (const Species& species : list) {
-        if (!is_name(species.name)) return "\"" + species.name + "\" cannot be a name";
+        if (!isName(species.name)) return "\"" + species.name + "\" cannot be a name";
         if (!names.insert(species.name).second) return "two species \"" + species.name + "\"";
         if (!species.mobile && (species.heat || species.particles))
             return "\"" + species.name + "\" is immobile and has no other kind";
@@ -70,14 +70,14 @@ Reading read(const std::string& list) {
         std::getline(words, species.name, ':');
         for (std::string word; std::getline(words, word, ':');)
             if (!apply(species, word)) return {{}, "no kind of species \"" + word + "\""};
-        const int count = std::min(count_in(species.name), most_species + 1);
+        const int count = std::min(countIn(species.name), mostSpecies + 1);
         for (int k = 0; k < count; ++k) {
             species.name = "Solute " + std::to_string(++solutes);
             reading.species.push_back(species);
         }
         if (count < 1) reading.species.push_back(species);
     }
-    reading.fault = fault_of(reading.species);
+    reading.fault = faultOf(reading.species);
     std::stable_partition(reading.species.begin(), reading.species.end(),
                           [](const Species& species) { return species.mobile; });
     number(reading.species);

@@ -11,29 +11,29 @@ using problem_domains::Place;
 using problem_weather::Weather;
 
 double rain(const Place&, const Weather&, int);
-double specified_flux(const Place&, const Weather&, int);
-double potential_et(const Place&, const Weather&, int);
+double specifiedFlux(const Place&, const Weather&, int);
+double potentialEt(const Place&, const Weather&, int);
 
 // Evaporation and transpiration, from the surface and, summed over depth, from the ground.
-double surface_evaporation(const Place&, const Weather&, int);
-double ground_evaporation(const Place&, const Weather&, int);
-double ground_transpiration(const Place&, const Weather&, int);
-double actual_et(const Place&, const Weather&, int);
+double surfaceEvaporation(const Place&, const Weather&, int);
+double groundEvaporation(const Place&, const Weather&, int);
+double groundTranspiration(const Place&, const Weather&, int);
+double actualEt(const Place&, const Weather&, int);
 
 // The part of a node of the ground.
-double node_evaporation(const Place&, const Weather&, int);
-double node_transpiration(const Place&, const Weather&, int);
+double nodeEvaporation(const Place&, const Weather&, int);
+double nodeTranspiration(const Place&, const Weather&, int);
 
-double snow_depth(const Place&, const Weather&, int);
-double snow_melt(const Place&, const Weather&, int);
-double liquid_precipitation(const Place&, const Weather&, int);
-double solid_precipitation(const Place&, const Weather&, int);
-double snow_elevation(const Place&, const Weather&, int); // of the snow's surface
+double snowDepth(const Place&, const Weather&, int);
+double snowMelt(const Place&, const Weather&, int);
+double liquidPrecipitation(const Place&, const Weather&, int);
+double solidPrecipitation(const Place&, const Weather&, int);
+double snowElevation(const Place&, const Weather&, int); // of the snow's surface
 
-// Exchange of water between a domain and pm, positive out of the ground; dual_exchange in m3/s.
-double surface_exchange(const Place&, const Weather&, int);
-double line_exchange(const Place&, const Weather&, int);
-double dual_exchange(const Place&, const Weather&, int);
-double macropore_exchange(const Place&, const Weather&, int);
+// Exchange of water between a domain and pm, positive out of the ground; dualExchange in m3/s.
+double surfaceExchange(const Place&, const Weather&, int);
+double lineExchange(const Place&, const Weather&, int);
+double dualExchange(const Place&, const Weather&, int);
+double macroporeExchange(const Place&, const Weather&, int);
 
 } // namespace problem_surface

@@ -10,17 +10,17 @@
 
 namespace problem_transport {
 
-using problem_ground::depth_below_ground;
-using problem_ground::surface_influence;
+using problem_ground::depthBelowGround;
+using problem_ground::surfaceInfluence;
 using problem_mesh::Column;
 using problem_species::Species;
 
 namespace {
 
 constexpr double year = 365.25 * 86400;
-constexpr double freezing_point = 273.15;
-constexpr double particles_per_kg = 3.71e9;
-constexpr double heat_of_water = 4.183e6; // J/m3/K
+constexpr double freezingPoint = 273.15;
+constexpr double particlesPerKg = 3.71e9;
+constexpr double heatOfWater = 4.183e6; // J/m3/K
 
 // A number from low to high that belongs to the species: those of neighbours lie far apart.
 double trait(const Species& species, double seed, double low, double high) {
@@ -40,165 +40,165 @@ double plume(const Species& species, double dx, double dy, double depth) {
 // The water at a place was elsewhere when the spill happened; `haste` tells how much faster than
 // in the ground it flows, and the grains hold the species back. The flow is that between storms,
 // for a plume of years feels no single shower.
-double plume_in_flow(const Place& place, const Weather& weather, double haste) {
-    static const Weather between_storms = problem_weather::start();
+double plumeInFlow(const Place& place, const Weather& weather, double haste) {
+    static const Weather betweenStorms = problem_weather::start();
     const Species& species = *place.species;
     const double retardation = trait(species, 0.43, 1.1, 4.7);
     const double time = (weather.time + trait(species, 0.29, 0.7, 2.3) * year) / retardation;
     const auto travelled = [&](int component) {
-        return haste * time * problem_water::pm_velocity(place, between_storms, component);
+        return haste * time * problem_water::pmVelocity(place, betweenStorms, component);
     };
     const Column& column = *place.column;
     return plume(species, column.x - travelled(0) - trait(species, 0.37, 470, 1730),
                  column.y - travelled(1) - trait(species, 0.83, 310, 970),
-                 depth_below_ground(place) + travelled(2));
+                 depthBelowGround(place) + travelled(2));
 }
 
 // Of a solute, kg/m3: the plume above what is everywhere, more of it with depth and ever less with
 // time. Minerals stay where they are and dissolve.
-double mass_concentration(const Place& place, const Weather& weather, double haste) {
+double massConcentration(const Place& place, const Weather& weather, double haste) {
     const Species& species = *place.species;
-    const double aged = 1 + 0.0071 * depth_below_ground(place) - weather.time / (117 * year);
+    const double aged = 1 + 0.0071 * depthBelowGround(place) - weather.time / (117 * year);
     const double everywhere = trait(species, 0.61, 0.0013, 0.0271) * place.column->variation * aged;
     if (!species.mobile) return 61 * everywhere;
     const double peak = trait(species, 0.11, 0.13, 1.91);
-    return everywhere + peak * plume_in_flow(place, weather, haste);
+    return everywhere + peak * plumeInFlow(place, weather, haste);
 }
 
 double temperature(const Place& place, const Weather& weather) {
-    const double damped = depth_below_ground(place) / 2.37;
+    const double damped = depthBelowGround(place) / 2.37;
     const double angle = 2 * std::numbers::pi * weather.time / year + 0.9;
     const double season = 6.83 * std::exp(-damped) * std::sin(angle - damped);
-    return problem_ground::temperature(place, weather, 0) - freezing_point + season;
+    return problem_ground::temperature(place, weather, 0) - freezingPoint + season;
 }
 
 // Of the water in the ground; grains filter particles out on their way down.
 double concentration(const Place& place, const Weather& weather, double haste) {
     const Species& species = *place.species;
     if (species.heat) return temperature(place, weather);
-    const double mass = mass_concentration(place, weather, haste);
+    const double mass = massConcentration(place, weather, haste);
     if (!species.particles) return mass;
-    return particles_per_kg * mass * std::exp(-depth_below_ground(place) / 9.7);
+    return particlesPerKg * mass * std::exp(-depthBelowGround(place) / 9.7);
 }
 
 // What a flow of water carries per m/s.
 double carried(const Place& place, const Weather& weather) {
-    const double amount = ground_concentration(place, weather, 0);
-    return place.species->heat ? heat_of_water * amount : amount;
+    const double amount = groundConcentration(place, weather, 0);
+    return place.species->heat ? heatOfWater * amount : amount;
 }
 
 // What a difference of concentrations drives through a film, by its thickness in metres. Heat
 // passes through it faster than matter.
 double diffusing(const Place& place, const Weather& weather, double film) {
     const double difference =
-        ground_concentration(place, weather, 0) - immobile_concentration(place, weather, 0);
+        groundConcentration(place, weather, 0) - immobileConcentration(place, weather, 0);
     return (place.species->heat ? 0.61 : 1.31e-9) * difference / film;
 }
 
 } // namespace
 
-double ground_concentration(const Place& place, const Weather& weather, int) {
+double groundConcentration(const Place& place, const Weather& weather, int) {
     const double value = concentration(place, weather, 1);
     if (place.species->heat) return value;
-    return value * (1 - 0.23 * weather.wetness * surface_influence(place, 2.7));
+    return value * (1 - 0.23 * weather.wetness * surfaceInfluence(place, 2.7));
 }
 
-double macropore_concentration(const Place& place, const Weather& weather, int) {
+double macroporeConcentration(const Place& place, const Weather& weather, int) {
     const double value = concentration(place, weather, 2.9);
-    if (place.species->heat) return value + 0.31 * surface_influence(place, 4.3);
-    return value * (1 - 0.71 * weather.wetness * surface_influence(place, 11.3));
+    if (place.species->heat) return value + 0.31 * surfaceInfluence(place, 4.3);
+    return value * (1 - 0.71 * weather.wetness * surfaceInfluence(place, 11.3));
 }
 
-double fracture_concentration(const Place& place, const Weather& weather, int) {
+double fractureConcentration(const Place& place, const Weather& weather, int) {
     return concentration(place, weather, 7.3);
 }
 
 // Rain dilutes solutes and washes particles off; shallow water is nearly as warm as the air.
-double surface_concentration(const Place& place, const Weather& weather, int) {
+double surfaceConcentration(const Place& place, const Weather& weather, int) {
     const double below = concentration(place, weather, 1);
-    if (place.species->heat) return 0.37 * below + 0.63 * (weather.air - freezing_point);
+    if (place.species->heat) return 0.37 * below + 0.63 * (weather.air - freezingPoint);
     const double seeping = below * (0.09 + 0.31 * place.column->stream);
     const double storm = 61 * weather.overland;
     return place.species->particles ? seeping * (1 + 3.1 * storm) : seeping / (1 + storm);
 }
 
-double drain_concentration(const Place& place, const Weather& weather, int) {
-    return 0.83 * ground_concentration(place, weather, 0) +
-           0.17 * surface_concentration(place, weather, 0);
+double drainConcentration(const Place& place, const Weather& weather, int) {
+    return 0.83 * groundConcentration(place, weather, 0) +
+           0.17 * surfaceConcentration(place, weather, 0);
 }
 
 // In the water that does not flow: it follows late.
-double immobile_concentration(const Place& place, const Weather& weather, int) {
+double immobileConcentration(const Place& place, const Weather& weather, int) {
     const double value = concentration(place, weather, 0.47);
     return place.species->heat ? value - 0.0173 * weather.wetness : 0.57 * value;
 }
 
-double attached_particles(const Place& place, const Weather& weather, int) {
-    return 3.7e-4 * ground_concentration(place, weather, 0) / place.column->variation;
+double attachedParticles(const Place& place, const Weather& weather, int) {
+    return 3.7e-4 * groundConcentration(place, weather, 0) / place.column->variation;
 }
 
-double sorbed_mass(const Place& place, const Weather& weather, int) {
+double sorbedMass(const Place& place, const Weather& weather, int) {
     const double grains = 2650 * (1 - problem_ground::porosity(place, weather, 0));
-    return 2.3e-5 * grains * mass_concentration(place, weather, 0.47) * place.cell_length;
+    return 2.3e-5 * grains * massConcentration(place, weather, 0.47) * place.cellLength;
 }
 
-double redox_capacity(const Place& place, const Weather& weather, int) {
-    const double depth = depth_below_ground(place);
-    const double left = 1 - 0.37 * plume_in_flow(place, weather, 1);
+double redoxCapacity(const Place& place, const Weather& weather, int) {
+    const double depth = depthBelowGround(place);
+    const double left = 1 - 0.37 * plumeInFlow(place, weather, 1);
     return left * (0.0117 + 0.231 * (1 - std::exp(-depth / 8.3))) * place.column->variation;
 }
 
-double surface_advection(const Place& place, const Weather& weather, int) {
-    return problem_surface::surface_exchange(place, weather, 0) * carried(place, weather);
+double surfaceAdvection(const Place& place, const Weather& weather, int) {
+    return problem_surface::surfaceExchange(place, weather, 0) * carried(place, weather);
 }
 
-double surface_dispersion(const Place& place, const Weather& weather, int) {
+double surfaceDispersion(const Place& place, const Weather& weather, int) {
     return diffusing(place, weather, 0.0131 * place.column->variation);
 }
 
-double surface_exchange(const Place& place, const Weather& weather, int) {
-    return surface_advection(place, weather, 0) + surface_dispersion(place, weather, 0);
+double surfaceExchange(const Place& place, const Weather& weather, int) {
+    return surfaceAdvection(place, weather, 0) + surfaceDispersion(place, weather, 0);
 }
 
-double line_advection(const Place& place, const Weather& weather, int) {
-    return problem_surface::line_exchange(place, weather, 0) * carried(place, weather);
+double lineAdvection(const Place& place, const Weather& weather, int) {
+    return problem_surface::lineExchange(place, weather, 0) * carried(place, weather);
 }
 
-double line_dispersion(const Place& place, const Weather& weather, int) {
+double lineDispersion(const Place& place, const Weather& weather, int) {
     return diffusing(place, weather, 0.107 * place.column->variation);
 }
 
-double line_exchange(const Place& place, const Weather& weather, int) {
-    return line_advection(place, weather, 0) + line_dispersion(place, weather, 0);
+double lineExchange(const Place& place, const Weather& weather, int) {
+    return lineAdvection(place, weather, 0) + lineDispersion(place, weather, 0);
 }
 
-double macropore_advection(const Place& place, const Weather& weather, int) {
-    return -problem_surface::macropore_exchange(place, weather, 0) * carried(place, weather);
+double macroporeAdvection(const Place& place, const Weather& weather, int) {
+    return -problem_surface::macroporeExchange(place, weather, 0) * carried(place, weather);
 }
 
-double macropore_dispersion(const Place& place, const Weather& weather, int) {
+double macroporeDispersion(const Place& place, const Weather& weather, int) {
     return diffusing(place, weather, 0.0371 * place.column->variation);
 }
 
 // The first origin is what has fallen last; the others come from ever deeper.
-double origin_fraction(const Place& place, const Weather& weather, int) {
-    const double depth = depth_below_ground(place);
-    const double fresh = 1.7 * mixing_ratio(place, weather, 0);
+double originFraction(const Place& place, const Weather& weather, int) {
+    const double depth = depthBelowGround(place);
+    const double fresh = 1.7 * mixingRatio(place, weather, 0);
     const auto weight = [&](int number) {
         if (number == 0) return fresh;
         return (1 + 0.4 * place.column->hill * number) / (1 + std::abs(depth - 7.1 * number) / 5.3);
     };
     double all = 0;
     for (int number = 0; number < place.species->count; ++number) all += weight(number);
-    return weight(place.species->number) / all * (1 - mixing_error(place, weather, 0));
+    return weight(place.species->number) / all * (1 - mixingError(place, weather, 0));
 }
 
-double mixing_ratio(const Place& place, const Weather& weather, int) {
-    const double open = surface_influence(place, 9.1) * place.column->variation;
+double mixingRatio(const Place& place, const Weather& weather, int) {
+    const double open = surfaceInfluence(place, 9.1) * place.column->variation;
     return std::min(1.0, 0.0031 + 0.87 * open * weather.wetness + 3.1 * weather.ridge * open);
 }
 
-double mixing_error(const Place& place, const Weather& weather, int) {
+double mixingError(const Place& place, const Weather& weather, int) {
     const Column& column = *place.column;
     const double swing = std::sin(column.x / 31.7 + column.y / 43.1 + 0.00037 * weather.time);
     return 0.0021 + 0.0017 * swing * std::cos(place.z / 3.7);

@@ -15,31 +15,31 @@ using problem_domains::Place;
 using problem_weather::Weather;
 
 // Concentrations
-double ground_concentration(const Place&, const Weather&, int);
-double macropore_concentration(const Place&, const Weather&, int);
-double fracture_concentration(const Place&, const Weather&, int);
-double surface_concentration(const Place&, const Weather&, int);
-double drain_concentration(const Place&, const Weather&, int); // of wells and tiles
-double immobile_concentration(const Place&, const Weather&, int);
+double groundConcentration(const Place&, const Weather&, int);
+double macroporeConcentration(const Place&, const Weather&, int);
+double fractureConcentration(const Place&, const Weather&, int);
+double surfaceConcentration(const Place&, const Weather&, int);
+double drainConcentration(const Place&, const Weather&, int); // of wells and tiles
+double immobileConcentration(const Place&, const Weather&, int);
 
-double attached_particles(const Place&, const Weather&, int); // to the grains, 1/kg
-double sorbed_mass(const Place&, const Weather&, int);        // kg
-double redox_capacity(const Place&, const Weather&, int);     // kg/m3
+double attachedParticles(const Place&, const Weather&, int); // to the grains, 1/kg
+double sorbedMass(const Place&, const Weather&, int);        // kg
+double redoxCapacity(const Place&, const Weather&, int);     // kg/m3
 
 // Fluxes between a domain and pm: of olf, and of the others
-double surface_advection(const Place&, const Weather&, int);
-double surface_dispersion(const Place&, const Weather&, int);
-double surface_exchange(const Place&, const Weather&, int); // the sum of the two
-double line_advection(const Place&, const Weather&, int);
-double line_dispersion(const Place&, const Weather&, int);
-double line_exchange(const Place&, const Weather&, int);
-double macropore_advection(const Place&, const Weather&, int);
-double macropore_dispersion(const Place&, const Weather&, int);
+double surfaceAdvection(const Place&, const Weather&, int);
+double surfaceDispersion(const Place&, const Weather&, int);
+double surfaceExchange(const Place&, const Weather&, int); // the sum of the two
+double lineAdvection(const Place&, const Weather&, int);
+double lineDispersion(const Place&, const Weather&, int);
+double lineExchange(const Place&, const Weather&, int);
+double macroporeAdvection(const Place&, const Weather&, int);
+double macroporeDispersion(const Place&, const Weather&, int);
 
 // The waters of different origin: the part of the one that the place names, the part of the water
 // that has come since the start, and what the parts of all lack to 1.
-double origin_fraction(const Place&, const Weather&, int);
-double mixing_ratio(const Place&, const Weather&, int);
-double mixing_error(const Place&, const Weather&, int);
+double originFraction(const Place&, const Weather&, int);
+double mixingRatio(const Place&, const Weather&, int);
+double mixingError(const Place&, const Weather&, int);
 
 } // namespace problem_transport

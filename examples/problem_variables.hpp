@@ -18,7 +18,7 @@ enum class When { always, first, later };
 
 // Variables with a file for each species of a kind, or for each origin of water. Their files lie in
 // the folder "hmc" and not beside the others when they are about origins.
-enum class Family { one_file, species, mobile, heat, particles, origins, origin_sums };
+enum class Family { oneFile, species, mobile, heat, particles, origins, originSums };
 
 // One component, counted from 0, of the value at a place and time, in SI units.
 using Field = double (*)(const problem_domains::Place&, const problem_weather::Weather&, int);
@@ -30,12 +30,12 @@ struct Variable {
     Type type;
     Location location;
     int components;
-    double length_power; // of the unit, to convert from SI
-    double time_power;   //   of a solute where the unit depends on the species
+    double lengthPower; // of the unit, to convert from SI
+    double timePower;   //   of a solute where the unit depends on the species
     Field field;
     const char* meaning; // goes into the header of the file, behind the time stamp
     When when = When::always;
-    Family family = Family::one_file;
+    Family family = Family::oneFile;
     const char* tail = ""; // of the file name, behind the species and ahead of the index
 };
 
@@ -48,7 +48,7 @@ struct Selection {
 // What the problem has beside the flow of water, and the form of its tensors: the conductivity of
 // elements has six components in full form and else three.
 struct Given {
-    bool full_tensor = false;
+    bool fullTensor = false;
     bool species = false;
     bool origins = false;
 };
@@ -58,7 +58,7 @@ struct Given {
 Selection select(const std::string& words, const Given& given);
 
 // Whether the variable belongs to the nodes of pm too. A domain that shares them has no such file.
-bool is_at_nodes_of_pm(const Variable& variable);
+bool isAtNodesOfPm(const Variable& variable);
 
 // The names of all stems, each once, in the order of the table.
 std::vector<std::string> stems();

@@ -13,7 +13,7 @@ constexpr double day = 86400;
 constexpr double step = 60;
 
 // One storm in each 17 hours, none like the other in onset, length and strength.
-double rain_at(double time) {
+double rainAt(double time) {
     constexpr double period = 61200;
     const double number = std::floor(time / period);
     const double onset = number * period + 4300 + 2900 * std::sin(1.9 * number + 0.3);
@@ -28,42 +28,42 @@ double fill(double store, double inflow, double seconds, double residence) {
     return store * std::exp(-seconds / residence) + inflow * seconds;
 }
 
-void set_state_of_the_hour(Weather& weather) {
-    const double hour_angle = 2 * pi * (weather.time / day - 0.25);
-    weather.rain = rain_at(weather.time);
-    weather.sun = std::max(0.0, std::sin(hour_angle));
-    weather.air = 278.43 + 3.17 * std::sin(hour_angle - 0.6) + 0.43 * std::sin(0.37 * hour_angle);
-    weather.melt_rate = 2.9e-8 * std::max(0.0, weather.air - 273.15);
+void setStateOfTheHour(Weather& weather) {
+    const double hourAngle = 2 * pi * (weather.time / day - 0.25);
+    weather.rain = rainAt(weather.time);
+    weather.sun = std::max(0.0, std::sin(hourAngle));
+    weather.air = 278.43 + 3.17 * std::sin(hourAngle - 0.6) + 0.43 * std::sin(0.37 * hourAngle);
+    weather.meltRate = 2.9e-8 * std::max(0.0, weather.air - 273.15);
     weather.wetness = weather.soil / (weather.soil + 0.0061);
-    weather.most_rain = std::max(weather.most_rain, weather.rain);
-    weather.most_overland = std::max(weather.most_overland, weather.overland);
-    weather.most_valley = std::max(weather.most_valley, weather.valley);
+    weather.mostRain = std::max(weather.mostRain, weather.rain);
+    weather.mostOverland = std::max(weather.mostOverland, weather.overland);
+    weather.mostValley = std::max(weather.mostValley, weather.valley);
 }
 
-void advance_by(Weather& weather, double seconds) {
-    const double rain = rain_at(weather.time + 0.5 * seconds);
+void advanceBy(Weather& weather, double seconds) {
+    const double rain = rainAt(weather.time + 0.5 * seconds);
     const double held = weather.overland + rain * seconds;
     weather.overland = fill(weather.overland, rain, seconds, 1.6 * 3600);
     weather.washed += held - weather.overland;
     weather.soil = fill(weather.soil, rain, seconds, 13.3 * 3600);
     weather.valley = fill(weather.valley, 0.74 * rain, seconds, 0.9 * day);
     weather.ridge = fill(weather.ridge, 0.58 * rain, seconds, 3.7 * day);
-    weather.melted += weather.melt_rate * seconds;
+    weather.melted += weather.meltRate * seconds;
     weather.time += seconds;
-    set_state_of_the_hour(weather);
+    setStateOfTheHour(weather);
 }
 
 } // namespace
 
 Weather start() {
     Weather weather;
-    set_state_of_the_hour(weather);
+    setStateOfTheHour(weather);
     return weather;
 }
 
 void advance(Weather& weather, double time) {
-    while (time - weather.time >= step) advance_by(weather, step);
-    if (time > weather.time) advance_by(weather, time - weather.time);
+    while (time - weather.time >= step) advanceBy(weather, step);
+    if (time > weather.time) advanceBy(weather, time - weather.time);
 }
 
 } // namespace problem_weather

@@ -17,10 +17,10 @@ struct Weather {
     double valley = 0.0113; //   within a day,
     double ridge = 0.0217;  //   within days
     double wetness = 0;     // of the topsoil, 0 to 1
-    double melt_rate = 0;   // m/s
-    double most_rain = 0;   // highest values since the start
-    double most_overland = 0;
-    double most_valley = 0;
+    double meltRate = 0;    // m/s
+    double mostRain = 0;    // highest values since the start
+    double mostOverland = 0;
+    double mostValley = 0;
 };
 
 // The state at the start, before the first storm.

@@ -8,17 +8,17 @@ namespace record_file {
 
 namespace {
 
-constexpr std::size_t buffer_size = std::size_t{1} << 20;
+constexpr std::size_t bufferSize = std::size_t{1} << 20;
 
 void flush(RecordFile& file) {
     errno = 0;
     if (std::fwrite(file.buffer.data(), 1, file.used, file.stream) != file.used)
-        write_failed(file.path);
-    file.bytes_written += file.used;
+        writeFailed(file.path);
+    file.bytesWritten += file.used;
     file.used = 0;
 }
 
-void buffer_bytes(RecordFile& file, const char* bytes, std::size_t count) {
+void bufferBytes(RecordFile& file, const char* bytes, std::size_t count) {
     while (count > 0) {
         if (file.used == file.buffer.size()) flush(file);
         const std::size_t part = std::min(count, file.buffer.size() - file.used);
@@ -29,112 +29,112 @@ void buffer_bytes(RecordFile& file, const char* bytes, std::size_t count) {
     }
 }
 
-void buffer_mark(RecordFile& file, std::uint32_t length, bool negative) {
+void bufferMark(RecordFile& file, std::uint32_t length, bool negative) {
     const auto positive = static_cast<std::int32_t>(length);
     const std::int32_t mark = negative ? -positive : positive;
     char bytes[4];
     std::memcpy(bytes, &mark, 4);
-    buffer_bytes(file, bytes, 4);
+    bufferBytes(file, bytes, 4);
 }
 
-void begin_piece(RecordFile& file) {
-    const std::uint64_t length = std::min<std::uint64_t>(file.record_left, file.piece_limit);
-    file.piece_length = static_cast<std::uint32_t>(length);
-    file.piece_left = file.piece_length;
-    file.record_left -= length;
-    buffer_mark(file, file.piece_length, file.record_left > 0);
+void beginPiece(RecordFile& file) {
+    const std::uint64_t length = std::min<std::uint64_t>(file.recordLeft, file.pieceLimit);
+    file.pieceLength = static_cast<std::uint32_t>(length);
+    file.pieceLeft = file.pieceLength;
+    file.recordLeft -= length;
+    bufferMark(file, file.pieceLength, file.recordLeft > 0);
 }
 
-void end_piece(RecordFile& file) {
-    buffer_mark(file, file.piece_length, file.continues);
+void endPiece(RecordFile& file) {
+    bufferMark(file, file.pieceLength, file.continues);
     file.continues = true;
-    if (file.record_left > 0) begin_piece(file);
+    if (file.recordLeft > 0) beginPiece(file);
 }
 
 // A record that got too few or too many bytes is a fault of this program, and the file is useless.
-[[noreturn]] void record_length_fault(const RecordFile& file) {
+[[noreturn]] void recordLengthFault(const RecordFile& file) {
     std::fprintf(stderr, "make_problem: record of wrong length in %s\n", file.path.c_str());
     std::abort();
 }
 
 } // namespace
 
-[[noreturn]] void write_failed(const std::string& path) {
+[[noreturn]] void writeFailed(const std::string& path) {
     const char* reason = errno != 0 ? std::strerror(errno) : "write error";
     std::fprintf(stderr, "make_problem: cannot write %s: %s\n", path.c_str(), reason);
     std::exit(1);
 }
 
-RecordFile create(const std::string& path, std::uint32_t piece_limit) {
+RecordFile create(const std::string& path, std::uint32_t pieceLimit) {
     RecordFile file;
     file.path = path;
-    file.piece_limit = piece_limit;
+    file.pieceLimit = pieceLimit;
     errno = 0;
     file.stream = std::fopen(path.c_str(), "wb");
-    if (file.stream == nullptr) write_failed(path);
+    if (file.stream == nullptr) writeFailed(path);
     // The buffer of the record file is the only one: it goes to the system in one call.
     std::setvbuf(file.stream, nullptr, _IONBF, 0);
-    file.buffer.resize(buffer_size);
+    file.buffer.resize(bufferSize);
     return file;
 }
 
-void begin_record(RecordFile& file, std::uint64_t bytes) {
-    if (file.piece_left > 0) record_length_fault(file);
-    file.record_left = bytes;
+void beginRecord(RecordFile& file, std::uint64_t bytes) {
+    if (file.pieceLeft > 0) recordLengthFault(file);
+    file.recordLeft = bytes;
     file.continues = false;
-    begin_piece(file);
-    if (bytes == 0) end_piece(file);
+    beginPiece(file);
+    if (bytes == 0) endPiece(file);
 }
 
-void put_bytes(RecordFile& file, const char* bytes, std::size_t count) {
+void putBytes(RecordFile& file, const char* bytes, std::size_t count) {
     while (count > 0) {
-        if (file.piece_left == 0) record_length_fault(file);
-        const std::size_t part = std::min<std::size_t>(count, file.piece_left);
-        buffer_bytes(file, bytes, part);
-        file.piece_left -= static_cast<std::uint32_t>(part);
-        if (file.piece_left == 0) end_piece(file);
+        if (file.pieceLeft == 0) recordLengthFault(file);
+        const std::size_t part = std::min<std::size_t>(count, file.pieceLeft);
+        bufferBytes(file, bytes, part);
+        file.pieceLeft -= static_cast<std::uint32_t>(part);
+        if (file.pieceLeft == 0) endPiece(file);
         bytes += part;
         count -= part;
     }
 }
 
-void put_text(RecordFile& file, std::string_view text, std::size_t width) {
+void putText(RecordFile& file, std::string_view text, std::size_t width) {
     std::string padded(text.substr(0, width));
     padded.resize(width, ' ');
-    put_bytes(file, padded.data(), width);
+    putBytes(file, padded.data(), width);
 }
 
-void int32_record(RecordFile& file, std::int32_t value) {
-    begin_record(file, 4);
-    put_int32(file, value);
+void int32Record(RecordFile& file, std::int32_t value) {
+    beginRecord(file, 4);
+    putInt32(file, value);
 }
 
-void logical_record(RecordFile& file, bool value) {
-    begin_record(file, 4);
-    put_logical(file, value);
+void logicalRecord(RecordFile& file, bool value) {
+    beginRecord(file, 4);
+    putLogical(file, value);
 }
 
-void text_record(RecordFile& file, std::string_view text, std::size_t width) {
-    begin_record(file, width);
-    put_text(file, text, width);
+void textRecord(RecordFile& file, std::string_view text, std::size_t width) {
+    beginRecord(file, width);
+    putText(file, text, width);
 }
 
-void int32_list_record(RecordFile& file, const std::vector<std::int32_t>& values) {
-    begin_record(file, std::uint64_t{4} * values.size());
-    for (const std::int32_t value : values) put_int32(file, value);
+void int32ListRecord(RecordFile& file, const std::vector<std::int32_t>& values) {
+    beginRecord(file, std::uint64_t{4} * values.size());
+    for (const std::int32_t value : values) putInt32(file, value);
 }
 
-void plain_text(RecordFile& file, std::string_view text) {
-    buffer_bytes(file, text.data(), text.size());
+void plainText(RecordFile& file, std::string_view text) {
+    bufferBytes(file, text.data(), text.size());
 }
 
 std::uint64_t close(RecordFile& file) {
-    if (file.piece_left > 0) record_length_fault(file);
+    if (file.pieceLeft > 0) recordLengthFault(file);
     flush(file);
     errno = 0;
-    if (std::fclose(file.stream) != 0) write_failed(file.path);
+    if (std::fclose(file.stream) != 0) writeFailed(file.path);
     file.stream = nullptr;
-    return file.bytes_written;
+    return file.bytesWritten;
 }
 
 } // namespace record_file

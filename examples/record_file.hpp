@@ -26,68 +26,68 @@ static_assert(std::endian::native == std::endian::little,
 
 // The longest piece of the simulator's run time: what a signed 32-bit mark can tell, less the room
 // of the two marks.
-constexpr std::uint32_t longest_piece = 2147483639U;
+constexpr std::uint32_t longestPiece = 2147483639U;
 
 struct RecordFile {
     std::string path;
     std::FILE* stream = nullptr;
-    std::vector<char> buffer;        // bytes not yet handed to the system
-    std::size_t used = 0;            // how many of them
-    std::uint32_t piece_limit = 0;   // longest piece of this file, bytes
-    std::uint32_t piece_length = 0;  // length of the piece being filled
-    std::uint32_t piece_left = 0;    // bytes it still lacks
-    std::uint64_t record_left = 0;   // bytes the record lacks behind this piece
-    bool continues = false;          // the piece is not the first of its record
-    std::uint64_t bytes_written = 0; // size of the file so far, marks included
+    std::vector<char> buffer;       // bytes not yet handed to the system
+    std::size_t used = 0;           // how many of them
+    std::uint32_t pieceLimit = 0;   // longest piece of this file, bytes
+    std::uint32_t pieceLength = 0;  // length of the piece being filled
+    std::uint32_t pieceLeft = 0;    // bytes it still lacks
+    std::uint64_t recordLeft = 0;   // bytes the record lacks behind this piece
+    bool continues = false;         // the piece is not the first of its record
+    std::uint64_t bytesWritten = 0; // size of the file so far, marks included
 };
 
 // Ends the program with status 1 and a line that names the file and the system's reason (errno).
-[[noreturn]] void write_failed(const std::string& path);
+[[noreturn]] void writeFailed(const std::string& path);
 
 // Creates the file, or empties it when it exists. Ends the program when that fails.
-RecordFile create(const std::string& path, std::uint32_t piece_limit);
+RecordFile create(const std::string& path, std::uint32_t pieceLimit);
 
 // Starts a record of `bytes` bytes. It ends by itself with the last byte put into it.
-void begin_record(RecordFile& file, std::uint64_t bytes);
+void beginRecord(RecordFile& file, std::uint64_t bytes);
 
 // Puts bytes into the open record: the general way, across the ends of pieces and of the buffer.
-void put_bytes(RecordFile& file, const char* bytes, std::size_t count);
+void putBytes(RecordFile& file, const char* bytes, std::size_t count);
 
 // One value of the open record. Values come by the hundred million, so the usual case, in which
 // neither the piece nor the buffer ends with this value, is kept short and inline.
-inline void put_value(RecordFile& file, const void* value, std::uint32_t size) {
-    if (size < file.piece_left && file.used + size <= file.buffer.size()) {
+inline void putValue(RecordFile& file, const void* value, std::uint32_t size) {
+    if (size < file.pieceLeft && file.used + size <= file.buffer.size()) {
         std::memcpy(file.buffer.data() + file.used, value, size);
         file.used += size;
-        file.piece_left -= size;
+        file.pieceLeft -= size;
     } else {
-        put_bytes(file, static_cast<const char*>(value), size);
+        putBytes(file, static_cast<const char*>(value), size);
     }
 }
-inline void put_int32(RecordFile& file, std::int32_t value) {
-    put_value(file, &value, 4);
+inline void putInt32(RecordFile& file, std::int32_t value) {
+    putValue(file, &value, 4);
 }
-inline void put_logical(RecordFile& file, bool value) {
-    put_int32(file, value ? -1 : 0);
+inline void putLogical(RecordFile& file, bool value) {
+    putInt32(file, value ? -1 : 0);
 }
-inline void put_real32(RecordFile& file, float value) {
-    put_value(file, &value, 4);
+inline void putReal32(RecordFile& file, float value) {
+    putValue(file, &value, 4);
 }
-inline void put_real64(RecordFile& file, double value) {
-    put_value(file, &value, 8);
+inline void putReal64(RecordFile& file, double value) {
+    putValue(file, &value, 8);
 }
 
 // A text of `width` bytes, cut or padded with blanks.
-void put_text(RecordFile& file, std::string_view text, std::size_t width);
+void putText(RecordFile& file, std::string_view text, std::size_t width);
 
 // Whole records of a single value, of a text, and of a list.
-void int32_record(RecordFile& file, std::int32_t value);
-void logical_record(RecordFile& file, bool value);
-void text_record(RecordFile& file, std::string_view text, std::size_t width);
-void int32_list_record(RecordFile& file, const std::vector<std::int32_t>& values);
+void int32Record(RecordFile& file, std::int32_t value);
+void logicalRecord(RecordFile& file, bool value);
+void textRecord(RecordFile& file, std::string_view text, std::size_t width);
+void int32ListRecord(RecordFile& file, const std::vector<std::int32_t>& values);
 
 // Bytes that are no record, for the text files of a problem.
-void plain_text(RecordFile& file, std::string_view text);
+void plainText(RecordFile& file, std::string_view text);
 
 // Hands the rest to the system and closes. Returns the size of the file in bytes.
 std::uint64_t close(RecordFile& file);
