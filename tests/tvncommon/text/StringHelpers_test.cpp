@@ -88,18 +88,17 @@ TEST(ArrayHelpers, FailedAllocationsNameTheArray) {
     std::vector<float> r4;
     std::vector<double> r8;
     Texts texts;
-    const std::map<std::string, std::function<void()>> cases = {
-        {"allocateArray: integer(4) array", [&] { ArrayHelpers::allocate(tooMany, i4); }},
-        {"resizeArray: integer(4) array", [&] { ArrayHelpers::resize(tooMany, i4); }},
-        {"allocateArray: real(4) array", [&] { ArrayHelpers::allocate(tooMany, r4); }},
-        {"resizeArray: real(8) array", [&] { ArrayHelpers::resize(tooMany, r8); }},
-        {"resizeArray: character string array", [&] { ArrayHelpers::resize(tooMany, texts); }},
-        {"of mine", [&] { ArrayHelpers::resize(tooMany, texts, "x", "of mine"); }},
-        {"of yours", [&] { ArrayHelpers::allocateArray(i4, tooMany, "of yours"); }}};
-    for (const auto& [name, run] : cases)
-        EXPECT_THAT(runs::endingOf(run),
-                    testing::HasSubstr("Allocation failed: " + name +
-                                       "\nError detail: Insufficient virtual memory\n"));
+    const std::function<void()> calls[] = {
+        [&] { ArrayHelpers::allocate(tooMany, i4); },
+        [&] { ArrayHelpers::resize(tooMany, i4); },
+        [&] { ArrayHelpers::allocate(tooMany, r4); },
+        [&] { ArrayHelpers::resize(tooMany, r8); },
+        [&] { ArrayHelpers::resize(tooMany, texts); },
+        [&] { ArrayHelpers::resize(tooMany, texts, "x", "of mine"); },
+        [&] { ArrayHelpers::allocateArray(i4, tooMany, "of yours"); }};
+    std::string report;
+    for (const auto& call : calls) report += runs::endingOf(call) + "\n";
+    sample_files::expectFile("failed_allocations.txt", report);
 }
 
 TEST(Utils, NumbersWiderThanAnyFormatEndTheRun) {

@@ -44,20 +44,6 @@ TEST(WideReal, Layout) {
     EXPECT_EQ(number_formats::wideRealText(-0.5), "-0.50000000000000000");
 }
 
-TEST(Rows, ManySingles) {
-    std::vector<float> singles(37 * 5);
-    for (std::size_t i = 0; i < singles.size(); ++i) singles[i] = 0.37F * static_cast<float>(i);
-    const std::vector<double> doubles(singles.begin(), singles.end());
-    for (const std::int64_t rows : {0, 1, 15, 16, 17, 37}) {
-        std::string narrow(37 * 131 + 8, '#');
-        std::string wide = narrow;
-        EXPECT_EQ(number_formats::writeRealRows(singles.data(), rows, narrow.data()),
-                  narrow.data() + rows * 131);
-        number_formats::writeRealRows(doubles.data(), rows, wide.data());
-        EXPECT_EQ(narrow, wide);
-    }
-}
-
 TEST(Rows, Integers) {
     const std::vector<std::int32_t> values = {0,           -1,        99999999,   100000000,
                                               2147483647,  -99999999, -100000000, -999999999,
