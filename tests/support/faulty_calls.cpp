@@ -181,10 +181,6 @@ runs::Ran run(const std::vector<const char*>& arguments, Fault& with) {
     const int status = meshrake_main(static_cast<int>(arguments.size()), arguments.data());
     watching = false;
     system_calls::table = system_calls::systemTable();
-    // The end of a process releases the lock of an index file that no unit has yet.
-    std::erase_if(openFiles, [](const auto& file) {
-        return file.second.path == "to.tec_append.unfinished" && close(file.first) == 0;
-    });
     with = fault;
     return {status, kept[1], kept[2]};
 }
