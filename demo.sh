@@ -30,7 +30,7 @@ done
 cat <<EOM
 Log      $problem/catchmento.meshrake.eco
 Open     the .dat files with Tecplot ("Load Data"). ParaView ("Tecplot Reader") shows the first
-         time of pm, dual, olf and frac: take its first block only; README.md tells why.
+         time of pm, dual, olf and frac: take its first block only, see README.md.
 Change   $problem/catchment.plot.control says what is written. Then, in $problem, run
-         ../build/meshrake/meshrake. (This script makes the folder anew.)
+         ../build/meshrake/meshrake. (This script recreates the folder.)
 EOM
