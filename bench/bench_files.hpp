@@ -7,7 +7,7 @@
 #include <string>
 #include <unistd.h>
 
-// Files of the benchmarks. They stand in the folder for temporary files and are gone at the end.
+// Files of the benchmarks. They are in the folder for temporary files and are removed at the end.
 namespace bench_files {
 
 inline std::string path(const std::string& name) {

@@ -15,7 +15,7 @@ constexpr std::int32_t cells = 1000; // of the lattice, as the element search ha
 constexpr std::size_t queryCount = 1000000;
 constexpr double limit = 1000; // nanoseconds for one question
 
-// Plan mesh of a million elements with nodes that stand a little off a square lattice. Of the nodes
+// Plan mesh of a million elements with nodes a little off a square lattice. Of the nodes
 // of an element only the first half is looked at; the others are those of the sheet above.
 struct Mesh {
     std::int32_t nodesPerElement = 0, elementCount = 0;

@@ -51,7 +51,7 @@ merge() {
 # Short stacks of allocations, and few freed blocks that are kept, make runs faster.
 export ASAN_OPTIONS=malloc_context_size=2:quarantine_size_mb=16
 
-# All runs of a target are in one log; a finding ends a run, and the next one goes on.
+# All runs of a target are in one log; a finding ends a run, and the next one continues.
 fuzz() {
     local -r target=$1 log=$build/fuzz_$1.log findings=$build/findings/$1
     local -r end=$((SECONDS + 60 * minutes))

@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
-# Sees to the packages that a build needs: installs what is missing, or says what to install.
+# Installs the packages that a build needs and that are missing, or says what to install.
 #
 #   tools/install_packages.sh [tests] [bench] [fuzz] [valgrind]
 #
-# Nothing is touched where all of it is there. It installs as root, or with sudo where that asks for
-# no password; else it ends with status 1.
+# Changes nothing if all packages are installed. It installs as root, or with a sudo that asks for
+# no password; otherwise it ends with status 1.
 set -euo pipefail
 
 has_command() { command -v "$1" >/dev/null 2>&1; }

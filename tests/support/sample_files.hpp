@@ -54,7 +54,7 @@ Problem appendedTimes(int times);
 void addDual(Problem& problem, std::int32_t nodes);
 
 // Files of a domain that lies on the top sheet: its own nodes in the order of the sheet, with
-// global numbers behind `nodesAhead`. `further` stands behind the records that all domains have.
+// global numbers after `nodesAhead`. The further records follow those that all domains have.
 void addSheetDomain(Problem& problem, const Grid& grid, const std::string& tag, int nodesAhead,
                     const Bytes& furtherCoordinates, const Bytes& furtherElements);
 

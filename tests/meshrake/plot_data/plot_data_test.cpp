@@ -61,8 +61,8 @@ TEST_F(PlotData, ListsAndZoneLinesAreCutAt512) {
         "ZONE T=\"pm\", DATAPACKING=BLOCK, NODES=0, ELEMENTS=0, ZONETYPE=, VARLOCATION=([" + list;
     EXPECT_EQ(take(), whole.substr(0, 512) + "\n");
 
-    // Cut behind ", VARLOCATION=([1]=CELLCENTERED)," the line loses its last blank, and there is
-    // room for one more character of the next part.
+    // Cut after ", VARLOCATION=([1]=CELLCENTERED)," the line loses its last blank, and one more
+    // character of the next part fits.
     const std::string front =
         ", DATAPACKING=BLOCK, NODES=0, ELEMENTS=0, ZONETYPE=, VARLOCATION=([1]=CELLCENTERED)";
     const std::string title(510 - front.size() - 9, 'x');

@@ -27,7 +27,7 @@ protected:
     Run() { problem = brickProblem({1, 1, 1, 4}); }
 };
 
-// One brick and its surface at three times; the names of the columns tell which files come and go.
+// One brick and its surface at three times; the column names show which files come and go.
 TEST_F(Run, WritesTheseFiles) {
     problem = brickProblem({1, 1, 1, 3});
     problem["to.sat_pm.0001"] = problem["to.sat_pm.0003"] =

@@ -103,18 +103,18 @@ TEST_F(SurfacePlots, ShowDepthsBelowTheTopOfTheColumn) {
 
 TEST_F(SurfacePlots, EndBeforeTheyBeginWhereTheMeshDoesNotFit) {
     const Problem good = problem;
-    const auto expectEnd = [&](const std::string& wish, const std::string& words) {
-        const runs::Ran ran = run("end\n" + writePm + writeOlf + wish);
+    const auto expectEnd = [&](const std::string& plot, const std::string& words) {
+        const runs::Ran ran = run("end\n" + writePm + writeOlf + plot);
         runs::expectFailure(ran, {words});
         EXPECT_THAT(ran.screen, Not(HasSubstr("Creating Tecplot file")));
         problem = good;
     };
-    for (const std::string& wish : {isopachs, depths}) {
+    for (const std::string& plot : {isopachs, depths}) {
         problem.erase("to.coordinates_olf");
         std::filesystem::remove("to.coordinates_olf");
-        expectEnd(wish, "has 0 nodes and 0 elements.\nFile: to.coordinates_olf\n");
+        expectEnd(plot, "has 0 nodes and 0 elements.\nFile: to.coordinates_olf\n");
         patch(problem["to.elements_olf"], 1, 0, 0);
-        expectEnd(wish, "has 6 nodes and 0 elements.\nFile: to.elements_olf\n");
+        expectEnd(plot, "has 6 nodes and 0 elements.\nFile: to.elements_olf\n");
     }
     patch(problem["to.elements_pm"], 2, 2 * 8 + 1, 0);
     expectEnd(isopachs, "element 3 of to.elements_pm has an unused node slot");

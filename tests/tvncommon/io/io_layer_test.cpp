@@ -116,7 +116,7 @@ TEST_F(IoLayer, RecordsThatAreCutOrLie) {
         {sample_files::record("abcd"), 5, readFailed},
         {"\4\0\0\0abcd\5\0\0\0"s, 4, readFailed},
         {"\3\0\0\0abcd\4\0\0\0"s, 3, readFailed},
-        {"\4\0\0\0abcd\xfc\xff\xff\xff"s, 4, ok}, // the sign behind a piece counts for nothing
+        {"\4\0\0\0abcd\xfc\xff\xff\xff"s, 4, ok}, // the sign after a piece does not count
         {"\0\0\0\x80"s + "abcd", 4, readFailed},
         {pieces({{-2, "ab"}, {2, "cd"}}), 1, ok},
         {pieces({{-2, "ab"}, {0, ""}}), 2, ok},

@@ -147,7 +147,7 @@ TEST(FixedResolutionGrid, AsksTheInsideTestOfTheRecordAboutAllOfTheCell) {
 }
 
 TEST(FixedResolutionGrid, CapsOnlyTheUpperEnds) {
-    // The second triangle has no extent in x and stands at the upper edge.
+    // The second triangle has no extent in x and is at the upper edge.
     const std::vector<double> x{0, 1, 0, 1, 1}, y{0, 0, 1, 1, 0.5};
     const std::vector<std::int32_t> nodes{1, 2, 3, 1, 2, 3, 2, 4, 5, 2, 4, 5};
     FixedResGrid grid;

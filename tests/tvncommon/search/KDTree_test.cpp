@@ -102,7 +102,7 @@ void checkQueries(const Tree<D>& tree, const std::vector<Point<D>>& points, cons
     }
 }
 
-// Every split parts a range in two, and no limit is broken. Children stand behind their parent.
+// Every split parts a range in two, and no limit is broken. Children come after their parent.
 template<std::size_t D>
 void checkShape(const Tree<D>& tree) {
     std::vector<std::int32_t> depths(tree.nodes.size());
@@ -209,7 +209,7 @@ TEST(KDTree, PivotsComeFromTheirRange) {
     for (std::uint64_t k = 0; k < 50; ++k) {
         KDTree2D tree;
         tree.init2(points, {}, 0); // a single leaf, so that the order is that of the points
-        tree.random = {~k, k};     // the next number rounds up to the position behind the range
+        tree.random = {~k, k};     // the next number rounds up to the position after the range
         const std::int32_t cut = tree.medianCut(996, 1005, 1);
         const double value = tree.getValueXY(tree.getPoint(cut), 1);
         for (std::int32_t i = 996; i <= 1005; ++i)

@@ -67,7 +67,7 @@ TEST(ArrayHelpers, PushbackGrowsByHalf) {
         if (capacities.empty() || capacities.back() != capacity) capacities.push_back(capacity);
     }
     EXPECT_EQ(capacities, (Integers{1, 2, 3, 5, 8, 12, 18, 27}));
-    Texts texts{"a text too long to stand in its own record"};
+    Texts texts{"a text too long for the record of a string"};
     ArrayHelpers::pushback(texts[0], count = 1, texts); // out of the array that moves
     EXPECT_EQ(texts[1], texts[0]);
 }
