@@ -1,5 +1,5 @@
-// Tells for points in space in which element of the porous medium they lie, and what the head is
-// there.
+// Reports for points in space which element of the porous medium contains them, and what the head
+// is there.
 //
 //   locate_in_mesh PREFIX INDEX < POINTS
 //

@@ -7,7 +7,7 @@
 //   make_problem --nx 500 --ny 500 --layers 39 --times 2 --variables head,sat,v /tmp/large
 //   make_problem --help
 //
-// The program stands alone on purpose. It shares no code with the reader of these files, so that
+// The program is separate on purpose. It shares no code with the reader of these files, so that
 // its bytes check the reader and the reader checks its bytes.
 
 #include <cstdio>

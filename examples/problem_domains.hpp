@@ -7,7 +7,7 @@
 #include "examples/problem_mesh.hpp"
 #include "examples/problem_species.hpp"
 
-// The simulation domains of the sample problem. A node of a domain stands at a node of pm. In
+// The simulation domains of the sample problem. A node of a domain is at a node of pm. In
 // multi-node coupling the two are different nodes that are linked; in common-node coupling the
 // domain shares the node of pm and numbers it all the same, in the order of pm.
 //
@@ -30,7 +30,7 @@ constexpr TagSet bit(Tag tag) {
 struct Centre {
     problem_mesh::Column column;
     double z = 0;
-    double volume = 0; // of water or rock that the element stands for, cubic metres
+    double volume = 0; // of water or rock that the element represents, cubic metres
 };
 
 struct Domain {
@@ -80,7 +80,7 @@ std::int32_t nodeCount(const problem_mesh::Mesh& mesh, const Domain& domain);
 // those without a dual continuum with zone 0.
 std::int32_t elementCount(const problem_mesh::Mesh& mesh, const Domain& domain);
 
-// Zone of each element of pm or dual as the elements file tells it, by element number of pm.
+// Zone of each element of pm or dual as the elements file lists it, by element number of pm.
 int fileZone(const problem_mesh::Mesh& mesh, Tag tag, std::int32_t pmElement);
 
 // Nodes and elements are counted from 0 here.

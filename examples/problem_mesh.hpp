@@ -26,7 +26,7 @@ struct Column {
     double stream = 0;    // 1 on the line of the stream, towards 0 away from it
     double hill = 0;      // 0 in the valley, towards 1 on the ridges
     double variation = 1; // of soil properties about their mean, smooth, near 1
-    bool wall = false;    // a cutoff wall stands here
+    bool wall = false;    // a cutoff wall is here
 };
 
 // A cell of the plan: one quad, or one of the two triangles of a quad.

@@ -24,7 +24,7 @@ struct Reading {
 
 // Reads names separated by commas, each followed by what the species is: "Heat:heat",
 // "Virus:particles", "Calcite:immobile", both words of the first two if need be. A number in place
-// of a name stands for so many species, called "Solute 1" and so on.
+// of a name means so many species, called "Solute 1" and so on.
 Reading read(const std::string& list);
 
 // The first `count` origins of water.

@@ -50,7 +50,7 @@ constexpr When later = When::later;
 using enum Family;
 
 // The file of the 3D evaporation changes a letter of its name after the first output time. The
-// header text of ElemK begins with the number by which a reader tells its form.
+// header text of ElemK begins with the number by which a reader recognises its form.
 // clang-format off
 const Variable table[] = {
 // stem               domains     set    type   c      L   T  field                           meaning
@@ -154,7 +154,7 @@ std::string lowerCase(std::string text) {
 }
 
 // What the variable is asked for by: the stem without what joins it to the rest of the file name,
-// and what tells it from another one of the same stem.
+// and what distinguishes it from another one of the same stem.
 std::string bareStem(const Variable& variable) {
     std::string stem = variable.stem;
     stem.pop_back();

@@ -36,7 +36,7 @@ struct RecordFile {
     std::uint32_t pieceLimit = 0;   // longest piece of this file, bytes
     std::uint32_t pieceLength = 0;  // length of the piece being filled
     std::uint32_t pieceLeft = 0;    // bytes it still lacks
-    std::uint64_t recordLeft = 0;   // bytes the record lacks behind this piece
+    std::uint64_t recordLeft = 0;   // bytes of the record after this piece
     bool continues = false;         // the piece is not the first of its record
     std::uint64_t bytesWritten = 0; // size of the file so far, marks included
 };

@@ -31,7 +31,7 @@ struct DataSet {
     std::map<std::int32_t, std::string> units; // by variable, from 1
     std::vector<Zone> zones;
     std::int64_t room = 0;     // bytes of the value of blanks
-    std::int64_t trailing = 0; // bytes behind the last zone
+    std::int64_t trailing = 0; // bytes after the last zone
 };
 
 // Throws std::runtime_error, with the position, for what is not in the layout.

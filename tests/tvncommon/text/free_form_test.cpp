@@ -26,7 +26,7 @@ NextLine linesOf(Texts lines) {
     };
 }
 
-// The texts between the bars; Z stands for 400 zeros, @ for a NUL.
+// The texts between the bars, where Z means 400 zeros and @ a NUL.
 std::vector<std::string> textsOf(const std::string& list) {
     std::vector<std::string> texts(1);
     for (const char c : list)
