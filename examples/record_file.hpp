@@ -24,8 +24,8 @@ namespace record_file {
 static_assert(std::endian::native == std::endian::little,
               "values are copied as they lie in memory");
 
-// The longest piece of the simulator's run time: what a signed 32-bit mark can tell, less the room
-// of the two marks.
+// The longest piece that the simulator's run time writes: the greatest signed 32-bit number less
+// the bytes of the two lengths.
 constexpr std::uint32_t longestPiece = 2147483639U;
 
 struct RecordFile {

@@ -1,10 +1,7 @@
 #include "tecio/tecio.h"
 
 #include "tecio/data_file.hpp"
-#include "tecio/durability.hpp"
-#include "tecio/failed_file.hpp"
-#include "tecio/repeated_times.hpp"
-#include "tecio/reset.hpp"
+#include "tecio/own_functions.hpp"
 #include "tecio/status.hpp"
 #include "tvncommon/io/io_layer.hpp"
 

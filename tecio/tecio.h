@@ -13,7 +13,7 @@
      4  the data set on disk has other variables
      5  zone 1 of the data set on disk has other numbers of nodes or elements, types or locations
         than the first new zone
-     6  the data set on disk was not durable (durability.hpp)
+     6  the data set on disk was not durable (own_functions.hpp)
    After a failure only the close may follow. */
 
 #ifdef __cplusplus

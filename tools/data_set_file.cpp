@@ -151,7 +151,7 @@ void readAux(File& file, DataSet& set, bool ofVariable) {
     file.wantInt(0, "a value that is no text");
     const std::string value = file.text();
     if (value.find_first_not_of(' ') == std::string::npos)
-        set.room += 4 * static_cast<std::int64_t>(value.size());
+        set.padding += 4 * static_cast<std::int64_t>(value.size());
     else if (ofVariable)
         set.units[variable] = value;
     else

@@ -30,7 +30,7 @@ struct DataSet {
     std::map<std::string, std::string> aux;
     std::map<std::int32_t, std::string> units; // by variable, from 1
     std::vector<Zone> zones;
-    std::int64_t room = 0;     // bytes of the value of blanks
+    std::int64_t padding = 0;  // bytes of blanks in padding records
     std::int64_t trailing = 0; // bytes after the last zone
 };
 

@@ -79,7 +79,7 @@ void print(const data_set_file::DataSet& set, bool headersOnly) {
         printRows(zone.elementNodes, slotsOfType[zone.type], "%d");
     }
     std::printf("# %lld bytes of padding for zone headers, %lld bytes after the last zone\n",
-                static_cast<long long>(set.room), static_cast<long long>(set.trailing));
+                static_cast<long long>(set.padding), static_cast<long long>(set.trailing));
 }
 
 data_set_file::DataSet read(const char* path) {

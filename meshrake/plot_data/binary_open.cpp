@@ -2,8 +2,7 @@
 
 #include "meshrake/model/file_names.hpp"
 #include "meshrake/model/run_state.hpp"
-#include "tecio/durability.hpp"
-#include "tecio/failed_file.hpp"
+#include "tecio/own_functions.hpp"
 #include "tecio/tecio.h"
 #include "tvncommon/diagnostics/error.hpp"
 #include "tvncommon/io/byte_file.hpp"

@@ -5,7 +5,7 @@
 #include "meshrake/plot_data/binary_open.hpp"
 #include "meshrake/plot_data/node_lists.hpp"
 #include "meshrake/plot_data/writer_functions.hpp"
-#include "tecio/repeated_times.hpp"
+#include "tecio/own_functions.hpp"
 #include "tecio/tecio.h"
 #include "tvncommon/diagnostics/error.hpp"
 #include "tvncommon/text/StringHelpers.hpp"

@@ -1,7 +1,7 @@
 #include "meshrake/run/reset.hpp"
 
 #include "meshrake/model/run_state.hpp"
-#include "tecio/reset.hpp"
+#include "tecio/own_functions.hpp"
 #include "tvncommon/diagnostics/error.hpp"
 #include "tvncommon/diagnostics/warning_messages.hpp"
 #include "tvncommon/io/io_layer.hpp"

@@ -1,4 +1,4 @@
-#include "tecio/durability.hpp"
+#include "tecio/own_functions.hpp"
 #include "tests/support/power_cut.hpp"
 #include "tests/support/runs.hpp"
 #include "tests/tecio/tecio_calls.hpp"
@@ -42,9 +42,9 @@ TEST(TecioResume, NothingIsLeftOfAZoneCutShort) {
     finish(2);
 }
 
-// Far more zones than the header has room for at first, by one writer and by several that go on
-// from each other; a reader sees those of the last flush, a writer all.
-TEST(TecioResume, TheRoomForZonesGrows) {
+// Far more zones than the padding suffices for at first, by one writer and by several that resume
+// the data set in turn. A reader sees the zones of the last flush, a writer all zones.
+TEST(TecioResume, ThePaddingForZonesGrows) {
     for (const int opening : {5000, 1400}) {
         const Folder folder;
         open("V");

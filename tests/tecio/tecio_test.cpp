@@ -1,4 +1,4 @@
-#include "tecio/reset.hpp"
+#include "tecio/own_functions.hpp"
 #include "tests/support/runs.hpp"
 #include "tests/tecio/tecio_calls.hpp"
 #include "tools/data_set_file.hpp"
@@ -65,12 +65,12 @@ TEST(Tecio, EveryByteOfASmallSet) {
                        bytes(1.0F, 2.0F, 3.0F, 4.0F, 0, 1, 2, 3) +
                        bytes(299.0F, 2, 2, 2, 3, 1, 0, 1, 0, 0, 0, 0, -1, 0) + bytes(1.5, 4.5) +
                        bytes(1.5F, 2.5F, 3.5F, 4.5F);
-    const auto room = [](std::size_t size) {
+    const auto padding = [](std::size_t size) {
         return bytes(799.0F) + text("_") + bytes(0) + text(std::string(size / 4 - 5, ' '));
     };
     const Bytes found = sample_files::get("s.szplt");
-    EXPECT_EQ(found.substr(0, 8192), head + room(4096 - head.size()) + room(4096));
-    EXPECT_EQ(found.substr(found.size() - data.size() - 4096), room(4096) + data);
+    EXPECT_EQ(found.substr(0, 8192), head + padding(4096 - head.size()) + padding(4096));
+    EXPECT_EQ(found.substr(found.size() - data.size() - 4096), padding(4096) + data);
 }
 
 TEST(Tecio, RangesLeaveOutNaN) {
