@@ -5,6 +5,7 @@
 //   make_problem --elements prism --domains olf,frac,chan,well,tile,dual --variables all /tmp/every
 //   make_problem --species Nitrate,Heat:heat,Calcite:immobile --coupling mixed --hmc 4 /tmp/mixed
 //   make_problem --nx 500 --ny 500 --layers 39 --times 2 --variables head,sat,v /tmp/large
+//   make_problem --times 12 --step 7200 --storm --species Nitrate --sites nodes /tmp/storm
 //   make_problem --help
 //
 // The program is separate on purpose. It shares no code with the reader of these files, so that
@@ -26,8 +27,6 @@
 #include "examples/problem_weather.hpp"
 
 namespace {
-
-constexpr double outputInterval = 3600; // seconds
 
 void create_directory(const std::string& directory) {
     std::error_code fault;
@@ -62,13 +61,16 @@ void make_problem(const problem_options::Options& options) {
     problem_files::Problem problem = buildProblem(options);
     problem_files::writeDescription(problem);
     problem_files::writeMesh(problem);
-    problem_weather::Weather weather = problem_weather::start();
+    problem_weather::Weather weather = problem_weather::start(options.oneStorm);
     for (int index = 1; index <= options.times; ++index) {
-        problem_weather::advance(weather, (index - 1) * outputInterval);
+        problem_weather::advance(weather, (index - 1.0) * options.step);
         for (const problem_variables::Variable& variable : options.variables)
             problem_files::writeResults(problem, variable, weather, index);
     }
-    problem_observations::write(problem, weather, options.observations, options.observedTable);
+    problem_observations::write(problem, weather,
+                                {.count = options.observations,
+                                 .waterTable = options.observedTable,
+                                 .atNodes = options.sitesAtNodes});
     std::printf("%s: %d nodes, %d elements in pm; %lld files, %.1f MB\n", options.directory.c_str(),
                 problem_mesh::nodeCount(problem.mesh), problem_mesh::elementCount(problem.mesh),
                 static_cast<long long>(problem.files), static_cast<double>(problem.bytes) / 1.0e6);

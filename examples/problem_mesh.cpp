@@ -19,13 +19,8 @@ double gridLine(std::int32_t number, std::int32_t count, double length) {
     return length * (part + 0.021 * shift);
 }
 
-double streamY(double x) {
-    const double along = x / lengthAlong;
-    return lengthAcross * (0.43 + 0.07 * std::sin(7.2 * along + 0.4));
-}
-
 double hillAt(double x, double y) {
-    const double away = (y - streamY(x)) / lengthAcross;
+    const double away = (y - streamLine(x)) / lengthAcross;
     return 1 - std::exp(-(away / 0.31) * (away / 0.31));
 }
 
@@ -40,7 +35,7 @@ Column makeColumn(double x, double y, double streamWidth) {
     column.x = x;
     column.y = y;
     column.hill = hillAt(x, y);
-    const double away = (y - streamY(x)) / streamWidth;
+    const double away = (y - streamLine(x)) / streamWidth;
     // Far from the stream its influence is taken as nothing, not as a number below any meaning.
     if (away * away < 20) column.stream = std::exp(-away * away);
     column.ground = groundAt(x, y) - 1.35 * column.stream;
@@ -83,6 +78,11 @@ const Cell& cellOf(const Mesh& mesh, std::int32_t element) {
 }
 
 } // namespace
+
+double streamLine(double x) {
+    const double along = x / lengthAlong;
+    return lengthAcross * (0.43 + 0.07 * std::sin(7.2 * along + 0.4));
+}
 
 WallLine wallLine(const Mesh& mesh) {
     return {std::max(1, mesh.nx * 2 / 3), mesh.ny - std::max(1, mesh.ny * 3 / 8)};
@@ -163,7 +163,7 @@ std::int32_t streamColumn(const Mesh& mesh, std::int32_t i) {
         const std::int32_t candidate = columnNumber(mesh, i, j);
         const auto distance = [&mesh](std::int32_t number) {
             const Column& column = mesh.columns[static_cast<std::size_t>(number)];
-            return std::abs(column.y - streamY(column.x));
+            return std::abs(column.y - streamLine(column.x));
         };
         if (distance(candidate) < distance(nearest)) nearest = candidate;
     }

@@ -80,6 +80,9 @@ Column meanColumn(const Mesh& mesh, std::span<const std::int32_t> columns);
 const Column& nodeColumn(const Mesh& mesh, std::int32_t node);
 double nodeElevation(const Mesh& mesh, std::int32_t node);
 
+// y of the stream at an x, metres.
+double streamLine(double x);
+
 // The column of the stream line in the i-th row of columns across the valley.
 std::int32_t streamColumn(const Mesh& mesh, std::int32_t i);
 

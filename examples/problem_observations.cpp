@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <random>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -43,15 +44,38 @@ Site chooseSite(const problem_mesh::Mesh& mesh, std::mt19937& random, std::int32
     return site;
 }
 
+// A place inside a cell, near one of its corners: nearer to it than to any other node in plan.
+Site chooseSiteAtNode(const problem_mesh::Mesh& mesh, std::mt19937& random, bool inStream) {
+    const auto cellsPerQuad = mesh.prisms ? 2U : 1U;
+    std::size_t quad = random() % (mesh.cells.size() / cellsPerQuad);
+    if (inStream) {
+        const auto nx = static_cast<std::size_t>(mesh.nx);
+        const std::size_t i = quad % nx;
+        const auto column = problem_mesh::streamColumn(mesh, static_cast<std::int32_t>(i));
+        quad = static_cast<std::size_t>(column) / (nx + 1) * nx + i;
+    }
+    const problem_mesh::Cell& cell = mesh.cells[quad * cellsPerQuad];
+    const auto corners =
+        std::span(cell.corners).first(static_cast<std::size_t>(problem_mesh::cornersPerCell(mesh)));
+    std::vector<std::int32_t> weighted(40, corners[0]);
+    weighted.insert(weighted.end(), corners.begin(), corners.end());
+    Site site;
+    site.column = problem_mesh::meanColumn(mesh, weighted);
+    site.z = problem_mesh::elevation(site.column, part(random));
+    site.error = 0.14 * (part(random) - 0.5);
+    return site;
+}
+
 // Gives the values of a line; all of them are lengths.
 using Measure = std::vector<double> (*)(const Site&, const Place&, const Weather&);
 
-void writeFile(Problem& problem, const Weather& weather, std::int32_t count,
-               const std::string& name, Measure measure) {
+void writeFile(Problem& problem, const Weather& weather, const Kind& kind, const std::string& name,
+               Measure measure, bool inStream = false) {
     std::mt19937 random;
-    std::string text = std::to_string(count) + "\n";
-    for (std::int32_t number = 0; number < count; ++number) {
-        const Site site = chooseSite(problem.mesh, random, number);
+    std::string text = std::to_string(kind.count) + "\n";
+    for (std::int32_t number = 0; number < kind.count; ++number) {
+        const Site site = kind.atNodes ? chooseSiteAtNode(problem.mesh, random, inStream)
+                                       : chooseSite(problem.mesh, random, number);
         Place place;
         place.column = &site.column;
         place.z = site.z;
@@ -86,13 +110,13 @@ std::vector<double> waterDepth(const Site& site, const Place& place, const Weath
 
 } // namespace
 
-void write(Problem& problem, const Weather& weather, std::int32_t count, bool waterTable) {
-    if (count == 0) return;
-    writeFile(problem, weather, count, "observed_heads", waterTable ? tableElevation : head);
-    writeFile(problem, weather, count, "observed_d2gwt", tableDepth);
+void write(Problem& problem, const Weather& weather, const Kind& kind) {
+    if (kind.count == 0) return;
+    writeFile(problem, weather, kind, "observed_heads", kind.waterTable ? tableElevation : head);
+    writeFile(problem, weather, kind, "observed_d2gwt", tableDepth);
     const bool surface = std::any_of(problem.domains.begin(), problem.domains.end(),
                                      [](const auto& domain) { return domain.tag == Tag::olf; });
-    if (surface) writeFile(problem, weather, count, "observed_heads_olf", waterDepth);
+    if (surface) writeFile(problem, weather, kind, "observed_heads_olf", waterDepth, true);
 }
 
 } // namespace problem_observations

@@ -13,10 +13,17 @@
 // <prefix>.observedD2gwt      x, y and depth of the water table below the surface
 namespace problem_observations {
 
-// Writes the files, each with `count` measurements of the time of `weather`, which err by some
-// centimetres. A few places lie outside: above the ground, beside the catchment or kilometres away.
-// The surface has a file only where the problem has one.
+struct Kind {
+    std::int32_t count = 0;  // measurements of each file
+    bool waterTable = false; // elevations of the water table in place of heads
+    bool atNodes =
+        false; // sites are inside the mesh and near nodes, for water depths in the stream
+};
+
+// Writes the files, with measurements of the time of `weather`, which err by some centimetres.
+// Unless they are at nodes, a few sites are outside: above the ground, beside the catchment or
+// kilometres away. The surface has a file only where the problem has one.
 void write(problem_files::Problem& problem, const problem_weather::Weather& weather,
-           std::int32_t count, bool waterTable);
+           const Kind& kind);
 
 } // namespace problem_observations

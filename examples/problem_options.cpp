@@ -89,10 +89,16 @@ const Row rows[] = {
      [](Options& options, const std::string& name, const std::string& value) {
          options.layers = number(name, value, 1, 10000);
      }},
-    {"--times", "N", "output times, one hour apart (6)",
+    {"--times", "N", "output times (6)",
      [](Options& options, const std::string& name, const std::string& value) {
          options.times = number(name, value, 1, 1000000000);
      }},
+    {"--step", "SECONDS", "time between output times (3600)",
+     [](Options& options, const std::string& name, const std::string& value) {
+         options.step = number(name, value, 1, 1000000000);
+     }},
+    {"--storm", "", "one storm, which washes solutes off a field, then no more rain",
+     [](Options& options, const std::string&, const std::string&) { options.oneStorm = true; }},
     {"--elements", "KIND", "brick, or prism: every quad of the plan cut in two (brick)",
      [](Options& options, const std::string& name, const std::string& value) {
          options.prisms = second(name, value, "brick", "prism");
@@ -143,6 +149,10 @@ const Row rows[] = {
     {"--observed", "KIND", "heads in the ground, or elevations of the water table (heads)",
      [](Options& options, const std::string& name, const std::string& value) {
          options.observedTable = second(name, value, "heads", "table");
+     }},
+    {"--sites", "KIND", "of the measurements: mixed, some outside the mesh, or nodes (mixed)",
+     [](Options& options, const std::string& name, const std::string& value) {
+         options.sitesAtNodes = second(name, value, "mixed", "nodes");
      }},
     {"--digits", "N", "digits of the time index in file names, 4 to 10 (4)",
      [](Options& options, const std::string& name, const std::string& value) {

@@ -18,6 +18,8 @@ struct Options {
     std::int32_t ny = 16;
     std::int32_t layers = 6;
     std::int32_t times = 6;
+    std::int32_t step = 3600; // seconds between output times
+    bool oneStorm = false;    // which washes the solutes off a field
     bool prisms = false;
     problem_domains::TagSet domains = 0; // pm is there in any case
     problem_domains::TagSet sharing = 0; // domains that share the nodes of pm
@@ -33,6 +35,7 @@ struct Options {
     bool fullTensor = false;
     std::int32_t observations = 24; // field measurements in each of their files
     bool observedTable = false;     // of the water table, not of heads in the ground
+    bool sitesAtNodes = false;      // all measurements are close to nodes
 };
 
 // Reads the command line. Prints the help and ends with status 0 when it is asked for; ends with

@@ -54,6 +54,55 @@ double plumeInFlow(const Place& place, const Weather& weather, double haste) {
                  depthBelowGround(place) + travelled(2));
 }
 
+// With one storm, solutes of a field on the hill side are washed down to the stream, ever more
+// slowly as the ground drains. The stream carries what reaches it to the outlet.
+namespace wash_off {
+
+constexpr double fieldX = 1500; // centre of the field, metres
+constexpr double fieldY = 985;
+constexpr double fieldWidth = 105;
+constexpr double directionX = -0.454; // of the way to the stream, a unit vector
+constexpr double directionY = -0.891;
+constexpr double wayLength = 760;   // metres, to where the plume would come to rest
+constexpr double wayToStream = 585; // metres
+constexpr double slowing = 6.3 * 3600;
+constexpr double streamSpeed = 0.43; // m/s
+
+double travelled(double time, double haste) {
+    const double since = std::max(0.0, haste * (time - problem_weather::oneStormOnset));
+    return wayLength * (1 - std::exp(-since / slowing));
+}
+
+// Part of the peak that a plume has `offset` metres from its centre.
+double partOfPeak(double way, double offset) {
+    const double width = fieldWidth + 0.07 * way;
+    const double part = offset / width;
+    return fieldWidth * fieldWidth / (width * width) * std::exp(-std::min(part * part, 30.0));
+}
+
+double inGround(const Place& place, const Weather& weather, double haste) {
+    const Column& column = *place.column;
+    const double way = travelled(weather.time, haste);
+    const double dx = column.x - fieldX - directionX * way;
+    const double dy = column.y - fieldY - directionY * way;
+    const double depth = depthBelowGround(place) / 11.3;
+    // Nothing passes below the stream.
+    const double onThisSide =
+        1 / (1 + std::exp((problem_mesh::streamLine(column.x) - column.y) / 31.7));
+    return onThisSide * partOfPeak(way, std::hypot(dx, dy)) * std::exp(-depth * depth);
+}
+
+double inStream(const Place& place, const Weather& weather) {
+    const double entryX = fieldX + directionX * wayToStream;
+    const double downstream = entryX - place.column->x;
+    const double lag = std::max(0.0, downstream / streamSpeed);
+    const double way = travelled(weather.time - lag, 1);
+    const double below = 1 / (1 + std::exp(-downstream / (0.4 * fieldWidth)));
+    return below * place.column->stream * partOfPeak(way, way - wayToStream);
+}
+
+} // namespace wash_off
+
 // Of a solute, kg/m3: the plume above what is everywhere, more of it with depth and ever less with
 // time. Minerals stay where they are and dissolve.
 double massConcentration(const Place& place, const Weather& weather, double haste) {
@@ -62,7 +111,9 @@ double massConcentration(const Place& place, const Weather& weather, double hast
     const double everywhere = trait(species, 0.61, 0.0013, 0.0271) * place.column->variation * aged;
     if (!species.mobile) return 61 * everywhere;
     const double peak = trait(species, 0.11, 0.13, 1.91);
-    return everywhere + peak * plumeInFlow(place, weather, haste);
+    const double part = weather.oneStorm ? wash_off::inGround(place, weather, haste)
+                                         : plumeInFlow(place, weather, haste);
+    return everywhere + peak * part;
 }
 
 double temperature(const Place& place, const Weather& weather) {
@@ -117,7 +168,12 @@ double fractureConcentration(const Place& place, const Weather& weather, int) {
 double surfaceConcentration(const Place& place, const Weather& weather, int) {
     const double below = concentration(place, weather, 1);
     if (place.species->heat) return 0.37 * below + 0.63 * (weather.air - freezingPoint);
-    const double seeping = below * (0.09 + 0.31 * place.column->stream);
+    double seeping = below * (0.09 + 0.31 * place.column->stream);
+    if (weather.oneStorm) {
+        const double peak = trait(*place.species, 0.11, 0.13, 1.91);
+        seeping += (place.species->particles ? particlesPerKg : 1) * 0.23 * peak *
+                   wash_off::inStream(place, weather);
+    }
     const double storm = 61 * weather.overland;
     return place.species->particles ? seeping * (1 + 3.1 * storm) : seeping / (1 + storm);
 }

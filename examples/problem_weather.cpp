@@ -12,16 +12,26 @@ constexpr double pi = std::numbers::pi;
 constexpr double day = 86400;
 constexpr double step = 60;
 
+struct Storm {
+    double onset = 0;  // seconds
+    double length = 0; // seconds
+    double peak = 0;   // m/s
+};
+
 // One storm in each 17 hours, none like the other in onset, length and strength.
-double rainAt(double time) {
+Storm stormAt(double time) {
     constexpr double period = 61200;
     const double number = std::floor(time / period);
-    const double onset = number * period + 4300 + 2900 * std::sin(1.9 * number + 0.3);
-    const double length = 7900 + 2300 * std::sin(2.7 * number);
-    const double part = (time - onset) / length;
+    return {.onset = number * period + 4300 + 2900 * std::sin(1.9 * number + 0.3),
+            .length = 7900 + 2300 * std::sin(2.7 * number),
+            .peak = 4.3e-6 * (1 + 0.45 * std::sin(1.3 * number + 1.1))};
+}
+
+double rainAt(double time, bool oneStorm) {
+    const Storm storm = oneStorm ? Storm{oneStormOnset, 26100, 3.9e-6} : stormAt(time);
+    const double part = (time - storm.onset) / storm.length;
     if (part <= 0 || part >= 1) return 0;
-    const double peak = 4.3e-6 * (1 + 0.45 * std::sin(1.3 * number + 1.1));
-    return peak * std::pow(std::sin(pi * part), 2);
+    return storm.peak * std::pow(std::sin(pi * part), 2);
 }
 
 double fill(double store, double inflow, double seconds, double residence) {
@@ -30,7 +40,7 @@ double fill(double store, double inflow, double seconds, double residence) {
 
 void setStateOfTheHour(Weather& weather) {
     const double hourAngle = 2 * pi * (weather.time / day - 0.25);
-    weather.rain = rainAt(weather.time);
+    weather.rain = rainAt(weather.time, weather.oneStorm);
     weather.sun = std::max(0.0, std::sin(hourAngle));
     weather.air = 278.43 + 3.17 * std::sin(hourAngle - 0.6) + 0.43 * std::sin(0.37 * hourAngle);
     weather.meltRate = 2.9e-8 * std::max(0.0, weather.air - 273.15);
@@ -41,7 +51,7 @@ void setStateOfTheHour(Weather& weather) {
 }
 
 void advanceBy(Weather& weather, double seconds) {
-    const double rain = rainAt(weather.time + 0.5 * seconds);
+    const double rain = rainAt(weather.time + 0.5 * seconds, weather.oneStorm);
     const double held = weather.overland + rain * seconds;
     weather.overland = fill(weather.overland, rain, seconds, 1.6 * 3600);
     weather.washed += held - weather.overland;
@@ -55,8 +65,9 @@ void advanceBy(Weather& weather, double seconds) {
 
 } // namespace
 
-Weather start() {
+Weather start(bool oneStorm) {
     Weather weather;
+    weather.oneStorm = oneStorm;
     setStateOfTheHour(weather);
     return weather;
 }

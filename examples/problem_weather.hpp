@@ -21,10 +21,13 @@ struct Weather {
     double mostRain = 0;    // highest values since the start
     double mostOverland = 0;
     double mostValley = 0;
+    bool oneStorm = false; // the storm of `oneStormOnset`, and no other
 };
 
+constexpr double oneStormOnset = 3900; // seconds
+
 // The state at the start, before the first storm.
-Weather start();
+Weather start(bool oneStorm = false);
 
 // Moves the state on to a later time. The steps in between are short and always the same, so the
 // state at a time hardly depends on how often it is asked for, and not at all for whole minutes.
