@@ -16,7 +16,7 @@ namespace {
 
 const std::string stem = "tec_append";
 constexpr std::int64_t fileBytes = 12; // the integer and the two lengths of its record
-// The next index must fit into the integer too.
+// The next run starts at the index after it, which must also fit into 32 bits.
 constexpr std::int32_t maximumIndex = std::numeric_limits<std::int32_t>::max() - 1;
 
 std::int32_t firstIndexInWindow() {
@@ -28,7 +28,7 @@ std::int32_t firstIndexInWindow() {
     }
 }
 
-void warnOfIndex(const std::string& name) {
+void warnOnce(const std::string& name) {
     if (run.appendIndexWarned) return;
     run.appendIndexWarned = true;
     write_string("Warning: Failed to open file " + name +
@@ -71,7 +71,7 @@ void writeTecplotAppend(std::int32_t index) {
     const int unit = file_units::getUnit();
     if (io_layer::openRecordsForCommit(unit, name) != io_layer::ok) {
         file_units::freeUnit(unit);
-        return warnOfIndex(name);
+        return warnOnce(name);
     }
     error::checkFileWrite(io_layer::writeRecord(unit, &index, sizeof index), name);
     file_units::commitUnit(unit);

@@ -17,10 +17,11 @@ struct CellPattern {
     std::array<std::size_t, maximumCellSlots> slots{};
 };
 
-// The pattern of elements with this number of slots. Its length is 0 if no shape has that number.
+// Returns the pattern of elements with this number of slots. Its length is 0 if no shape has that
+// number.
 const CellPattern& cellPattern(std::int32_t nodesPerElement);
 
-// A four-node element whose fourth node is 0 is a triangle and uses the three-node pattern.
+// True for a four-node element whose fourth node is 0. It uses the three-node pattern.
 bool isTriangle(const Domain& domain, const std::int32_t* slots);
 
 } // namespace model

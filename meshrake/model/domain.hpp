@@ -10,7 +10,7 @@
 
 namespace model {
 
-// Type of the values of a column, with the type codes of the writer library.
+// Type of a column's values. The numbers are the type codes of the writer library.
 enum class DataType { single = 1, real8 = 2, longInt = 3 };
 
 enum class Location { node, element };
@@ -31,15 +31,15 @@ struct Column {
 // and one pair of flags.
 struct OutputVar {
     std::string_view key;     // key of its row in the variable table
-    bool firstExists = false; // its file was found in the first pass: it is in the data set
-    bool exists = false;      // its file was found at the current output time
+    bool firstExists = false; // the first pass found it: later passes read or share it
+    bool exists = false;      // it has values of the current output time, which the zone gets
     std::vector<Column> columns;
 };
 
-// Variables, by number, that the next zone of a data set marks.
+// Numbers of the variables with a property that holds for the next zone of a data set only.
 struct NextZone {
-    std::vector<std::int32_t> sharedVars;       // share the values of zone 1
-    std::vector<std::int32_t> cellCenteredVars; // have one value per element
+    std::vector<std::int32_t> sharedVars;       // the zone shares their values with zone 1
+    std::vector<std::int32_t> cellCenteredVars; // one value per element
 };
 
 // The plot file of a domain.
@@ -59,7 +59,7 @@ struct DataSet {
     void* handle = nullptr;                // open file of the writer library
     std::vector<std::int32_t> varTypes;    // type codes
     std::vector<std::string> varUnits;     // at most 50 characters each, empty: none
-    std::vector<std::int32_t> varLocation; // in the last zone: 1 nodes, 0 elements
+    std::vector<std::int32_t> varLocation; // in the last zone: 1 at nodes, 0 in elements
 };
 
 // One simulation domain: its mesh, options, output variables and plot file. Node and element
@@ -68,17 +68,17 @@ struct Domain {
     std::string name;                    // tag; empty while the domain does not exist
     DomainSet tag = 0;                   // the same as a bit
     bool exists = false;                 // its coordinates file exists
-    const Domain* pmReference = nullptr; // pm as it is at the current output time
+    const Domain* pmReference = nullptr; // pm, with its columns at the current output time
     int tecplotUnit = -1;                // file unit of the plot file, below 1 when closed
 
     std::int32_t couplingScheme = 0; // 1: own nodes (multi-node), else nodes of pm (common-node)
-    DomainOption writeDomain;
-    std::array<DomainOption, optionCount> options;
+    DomainOption writeDomain;        // "write <tag> domain file"; enabled: the domain is written
+    std::array<DomainOption, optionCount> options; // by Option
 
     std::int32_t nodeCount = 0;
     std::vector<double> x, y, z;          // nodeCount each, length unit; pm and multi-node only
-    std::vector<std::int32_t> linkToPm;   // nodeCount: pm node under each node; not for pm
-    std::vector<std::int32_t> linkFromPm; // pm nodeCount: global node number, below 1 where none
+    std::vector<std::int32_t> linkToPm;   // nodeCount: pm node at each node's position; not for pm
+    std::vector<std::int32_t> linkFromPm; // pm nodeCount: global node number, below 1 if none
     std::int32_t nodeOffset = 0;          // global node number minus the domain's own
 
     std::int32_t elementCount = 0;
@@ -86,13 +86,13 @@ struct Domain {
     std::vector<std::int32_t> elementNodes; // nodesPerElement for each element: pm node numbers
     std::vector<std::int32_t> elementZone;  // elementCount
     std::string zoneType;                   // word of the plot file, blank for an unknown shape
-    std::vector<std::int32_t> fractureLink; // frac: elementCount first values, then the second
+    std::vector<std::int32_t> fractureLink; // frac: 2 * elementCount, read, but not used
     std::vector<double> fractureAperture;   // frac: elementCount, length unit
 
     bool truncateEnabled = false;        // the control file has "truncate <tag> domain"
     bool truncateByLayerEnabled = false; // the control file has "truncate <tag> domain by layer"
     std::array<double, 6> truncateBounds{-1e20, 1e20, -1e20, 1e20, -1e20, 1e20}; // x, y, z pairs
-    std::array<std::int32_t, 2> truncateLayers{0, 1000};                         // first, last
+    std::array<std::int32_t, 2> truncateLayers{0, 1000};                         // first and last
 
     // Results of the truncation, fixed for the run.
     bool outputIsPacked = false;                  // values of included nodes and elements alone
@@ -100,8 +100,8 @@ struct Domain {
     std::vector<std::uint8_t> domainNodeIncluded; // nodeCount; common-node only
     std::vector<std::uint8_t> elementIncluded;    // elementCount
     std::vector<std::int32_t> nodeRenumber; // pm nodeCount: node number in the output, 0: none
-    std::int32_t nnTruncated = 0;           // nodes and elements of the output mesh
-    std::int32_t neTruncated = 0;
+    std::int32_t nnTruncated = 0;           // nodes of the output mesh
+    std::int32_t neTruncated = 0;           // elements of the output mesh
 
     DataSet dataSet;
     std::vector<OutputVar> outputVars; // one for each row of the variable table
@@ -129,8 +129,9 @@ const OutputVar* findOutputVar(const Domain& domain, std::string_view key);
 // The domain's variable with this key. A key that the variable table does not have ends the run.
 OutputVar& outputVar(Domain& domain, std::string_view key);
 
-// Tests whether the domain's coordinates file exists and, if so, sets the option labels and reads
-// the mesh. `pm` is the pm record, also for pm itself. A damaged file ends the run with its name.
+// Creates the domain `tag` if its coordinates file exists: sets the option labels and reads the
+// mesh. `addition` always exists and has no mesh. `pm` is the pm record, also for pm itself. A
+// damaged file ends the run; the banner names it.
 void domainCreate(Domain& domain, std::string_view tag, const Domain& pm);
 
 } // namespace model

@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-// The options of a domain, which lines of the control file switch off. One row each, in the order
-// of the control file template.
+// The options of a domain. All are enabled until a line of the control file disables them. The
+// table has a row for each option, in the order of the control file template.
 namespace model {
 
 // Tags of the domains, one bit each, so that a row can name several.
@@ -86,19 +86,19 @@ struct OptionRow {
     Option option;
     std::string_view words; // of the label: "no <tag>" and these words
     DomainSet inTemplate;   // domains whose template block lists it
-    Option cleared;         // what the control file line switches off; none: not recognised
+    Option cleared;         // option that the line disables; none: the line is not recognized
 };
 
 // Rows in the order of the enumeration.
 extern const std::array<OptionRow, optionCount> optionTable;
 
-// A control file line and the state of the option that it switches off.
+// A control file line and the state of the option that it disables.
 struct DomainOption {
     std::string label; // at most 60 characters, lower case
     bool enabled = true;
 };
 
-// "no <tag> heads" and the like.
+// Returns the control file line of the option, such as "no pm heads", cut at 60 characters.
 std::string optionLabel(const OptionRow& row, std::string_view tag);
 
 } // namespace model

@@ -12,8 +12,8 @@ namespace model {
 
 namespace {
 
-// Tests all numbers first and searches for the bad one only if there is one. The loop of the test
-// has no exit, so that the compiler uses vector instructions.
+// Tests all numbers first, and searches for the invalid one only if there is one. The loop of the
+// test has no exit, so that the compiler uses vector instructions.
 void checkNodeNumbers(int unit, const Domain& domain, const Domain& pm) {
     const std::int32_t lowest =
         domain.tag == tags::pm ? 0 : std::numeric_limits<std::int32_t>::min();
@@ -28,7 +28,7 @@ void checkNodeNumbers(int unit, const Domain& domain, const Domain& pm) {
                                           ", which is not in the mesh");
 }
 
-// An element of zone 0 is outside the dual continuum.
+// An element in zone 0 is outside the dual continuum.
 void dropElementsOfZone0(Domain& domain) {
     const auto slots = static_cast<std::size_t>(domain.nodesPerElement);
     std::size_t kept = 0;

@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::int64_t bytesPerNode = 24; // x, y and z
 
-// Nodes of one vertical column differ in x and y by less than this, in length units.
+// Nodes of a vertical column differ in x and y by less than this, in the length unit.
 constexpr double columnTolerance = 1.0e-5;
 
 void allocateCoordinates(Domain& domain) {
@@ -98,7 +98,7 @@ void checkLinks(int unit, const Domain& domain, const Domain& pm) {
                                               ", which is not in this domain");
 }
 
-void placeOnPm(Domain& domain, const Domain& pm) {
+void copyCoordinatesFromPm(Domain& domain, const Domain& pm) {
     allocateCoordinates(domain);
     for (std::size_t i = 0; i < domain.linkToPm.size(); ++i) {
         const auto node = static_cast<std::size_t>(domain.linkToPm[i] - 1);
@@ -114,8 +114,8 @@ void readLinkedNodes(int unit, Domain& domain, const Domain& pm) {
     file_units::readArray(unit, pm.nodeCount, domain.linkFromPm, "link arrays");
     if (domain.tag == tags::olf) readWalls(unit, domain);
     domain.nodeOffset = hasOwnNodes(domain) ? run.totalNodes : 0;
-    constexpr std::int32_t mostNodes = std::numeric_limits<std::int32_t>::max();
-    if (hasOwnNodes(domain) && domain.nodeCount > mostNodes - run.totalNodes)
+    constexpr std::int32_t maximumNodes = std::numeric_limits<std::int32_t>::max();
+    if (hasOwnNodes(domain) && domain.nodeCount > maximumNodes - run.totalNodes)
         file_units::badContents(unit, "The global number of nodes is beyond 2147483647");
     checkLinks(unit, domain, pm);
     file_units::freeUnit(unit);
@@ -125,7 +125,7 @@ void readLinkedNodes(int unit, Domain& domain, const Domain& pm) {
         return;
     }
     write_string("  Using multi-node coupling scheme");
-    placeOnPm(domain, pm);
+    copyCoordinatesFromPm(domain, pm);
     run.totalNodes += domain.nodeCount;
 }
 

@@ -16,8 +16,9 @@ namespace model {
 void coordsRead(Domain& domain, const Domain& pm);
 
 // Reads <prefix>o.elements_<tag>: nodesPerElement; elementCount; elementNodes; elementZone; then
-// for olf the wall layers of the elements, for frac link and aperture. Elements of zone 0 of `dual`
-// are dropped. Node numbers are those of pm, slots below 1 are unused.
+// for olf the wall layers of the elements, for frac link and aperture. Drops the elements of `dual`
+// that are in zone 0. Node numbers are those of pm; a slot below 1 is unused. A node number outside
+// the mesh and a damaged file end the run.
 void elemsRead(Domain& domain, const Domain& pm);
 
 } // namespace model

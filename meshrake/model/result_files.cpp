@@ -10,7 +10,6 @@
 #include "tvncommon/text/free_form.hpp"
 #include "tvncommon/text/number_formats.hpp"
 
-#include <array>
 #include <cmath>
 #include <limits>
 
@@ -19,75 +18,77 @@ namespace model {
 namespace {
 
 // Kinds of result files whose header has the time of the output, in the order of the search.
-constexpr std::array<std::string_view, 66> timeFileTable{"conc_chem",
-                                                         "conc_dual",
-                                                         "conc_frac",
-                                                         "conc_olf",
-                                                         "conc_pm",
-                                                         "concsolid_pm",
-                                                         "concsolid_dual",
-                                                         "redox",
-                                                         "head_chan",
-                                                         "head_dual",
-                                                         "head_frac",
-                                                         "head_olf",
-                                                         "head_pm",
-                                                         "head_tile",
-                                                         "head_well",
-                                                         "DeltaZ_pm",
-                                                         "DualExchSolAdv_olf",
-                                                         "DualExchSolDisp_olf",
-                                                         "envhead_pm",
-                                                         "ETEvap_olf",
-                                                         "ETPmEvap_olf",
-                                                         "ETPmTranspire_olf",
-                                                         "ETActual_olf",
-                                                         "ExchFlux_chan",
-                                                         "ExchFlux_frac",
-                                                         "Exchflux_olf",
-                                                         "ExchFlux_tile",
-                                                         "ExchFlux_well",
-                                                         "ExchFlux_pm2_chan",
-                                                         "ExchFlux_olf2_chan",
-                                                         "ExchSolAdv_frac",
-                                                         "ExchSolAdv_olf",
-                                                         "ExchSolDisp_frac",
-                                                         "ExchSolDisp_olf",
-                                                         "ice_sat_dual",
-                                                         "ice_sat_pm",
-                                                         "liquid_p",
-                                                         "lp_chan",
-                                                         "lp_frac",
-                                                         "lp_olf",
-                                                         "lp_pm",
-                                                         "permafrost_frac",
-                                                         "permafrost_pm",
-                                                         "pet_olf",
-                                                         "por_pm",
-                                                         "q_dual",
-                                                         "q_pm",
-                                                         "rain_olf",
-                                                         "rate_pm",
-                                                         "sat_dual",
-                                                         "sat_frac",
-                                                         "sat_pm",
-                                                         "snowcover",
-                                                         "snowdepth",
-                                                         "snowmelt",
-                                                         "soilfrost_pm",
-                                                         "solid_pm",
-                                                         "tvk_pm",
-                                                         "v_dual",
-                                                         "v_frac",
-                                                         "v_olf",
-                                                         "v_pm",
-                                                         "hmc_pm.hmc_error",
-                                                         "hmc_olf.hmc_error",
-                                                         "friction_olf",
-                                                         "freeze_thaw_temp"};
+constexpr std::string_view timeFileTable[] = {
+    "conc_chem",
+    "conc_dual",
+    "conc_frac",
+    "conc_olf",
+    "conc_pm",
+    "concsolid_pm",
+    "concsolid_dual",
+    "redox",
+    "head_chan",
+    "head_dual",
+    "head_frac",
+    "head_olf",
+    "head_pm",
+    "head_tile",
+    "head_well",
+    "DeltaZ_pm",
+    "DualExchSolAdv_olf",
+    "DualExchSolDisp_olf",
+    "envhead_pm",
+    "ETEvap_olf",
+    "ETPmEvap_olf",
+    "ETPmTranspire_olf",
+    "ETActual_olf",
+    "ExchFlux_chan",
+    "ExchFlux_frac",
+    "Exchflux_olf",
+    "ExchFlux_tile",
+    "ExchFlux_well",
+    "ExchFlux_pm2_chan",
+    "ExchFlux_olf2_chan",
+    "ExchSolAdv_frac",
+    "ExchSolAdv_olf",
+    "ExchSolDisp_frac",
+    "ExchSolDisp_olf",
+    "ice_sat_dual",
+    "ice_sat_pm",
+    "liquid_p",
+    "lp_chan",
+    "lp_frac",
+    "lp_olf",
+    "lp_pm",
+    "permafrost_frac",
+    "permafrost_pm",
+    "pet_olf",
+    "por_pm",
+    "q_dual",
+    "q_pm",
+    "rain_olf",
+    "rate_pm",
+    "sat_dual",
+    "sat_frac",
+    "sat_pm",
+    "snowcover",
+    "snowdepth",
+    "snowmelt",
+    "soilfrost_pm",
+    "solid_pm",
+    "tvk_pm",
+    "v_dual",
+    "v_frac",
+    "v_olf",
+    "v_pm",
+    "hmc_pm.hmc_error",
+    "hmc_olf.hmc_error",
+    "friction_olf",
+    "freeze_thaw_temp",
+};
 
-// File name for the stem, empty if the problem cannot have such a file.
-std::string candidate(std::string_view stem, std::string_view suffix) {
+// Returns the file name for the stem, empty if the problem cannot have such a file.
+std::string timeFileName(std::string_view stem, std::string_view suffix) {
     const std::string kind(stem);
     const std::string end(suffix);
     if (stem.starts_with("conc") || stem.starts_with("redox")) {
@@ -100,7 +101,7 @@ std::string candidate(std::string_view stem, std::string_view suffix) {
     return problemFile(kind + end);
 }
 
-// Usually the kind of file that was found last exists at the next output time too.
+// Usually the kind of file that was found last also exists at the next output time.
 bool sameKindExists(std::string_view suffix) {
     const std::size_t point = run.timeFile.rfind('.');
     if (point == std::string::npos)
@@ -122,7 +123,7 @@ bool findTimeFile(std::string_view suffix) {
     if (run.timeFileKnown && sameKindExists(suffix)) return true;
     run.timeFileKnown = false;
     for (const std::string_view stem : timeFileTable) {
-        const std::string name = candidate(stem, suffix);
+        const std::string name = timeFileName(stem, suffix);
         if (name.empty() || !file_units::exists(name)) continue;
         run.timeFile = name;
         run.timeFileKnown = true;
@@ -142,7 +143,7 @@ void getTimestamp(std::string_view suffix, bool& found) {
 }
 
 double timeOf(std::string_view timestamp) {
-    // A free-form read of "/" succeeds and leaves the value as it was.
+    // A free-form read of "/" succeeds and does not change the value.
     double time = std::numeric_limits<double>::quiet_NaN();
     int status = free_form::readReal(timestamp, time);
     if (status == io_layer::ok && !std::isfinite(time)) status = io_layer::invalidData;

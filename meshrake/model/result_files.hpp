@@ -12,11 +12,11 @@ void getTimestamp(std::string_view suffix, bool& found);
 // Searches for the same file and puts its name into `run.timeFile`. Returns false if none exists.
 bool findTimeFile(std::string_view suffix);
 
-// Value of a time stamp of the file found last. An infinite one or one that is not a number ends
-// the run.
+// Returns the value of a time stamp, in the unit of the stamp. One that is not a finite number ends
+// the run; the banner names `run.timeFile`.
 double timeOf(std::string_view timestamp);
 
-// Value of the time found last.
+// Returns the value of `run.currentTimeText`.
 double currentTime();
 
 // True if that time is in the time window, which includes both ends.

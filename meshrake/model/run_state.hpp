@@ -16,23 +16,23 @@ namespace model {
 // Field measurements of one file, which are compared with the results of the last output time.
 struct ObservationSet {
     std::int32_t obsCount = 0;            // observation points
-    std::vector<double> obsX, obsY, obsZ; // obsCount each, length unit; obsZ 0 in a plan comparison
+    std::vector<double> obsX, obsY, obsZ; // obsCount each, length unit; obsZ is 0 in plan
     std::vector<double> obsValue;         // obsCount: head, elevation or depth, length unit
     std::vector<double> obsShape;         // 8 for each point: shape function values in its element
-    std::vector<std::int32_t> obsElement; // obsCount: element from 1, 0 unknown, -1 outside
+    std::vector<std::int32_t> obsElement; // obsCount: element from 1; 0: not known; -1: outside
 };
 
-// The state of a run apart from its domains. A program starts with a default record.
+// The state of a run, without its domains. A run starts with a default record.
 struct RunState {
     // Problem and progress
     std::string problemPrefix;         // begins the name of every file of the problem
-    int echoUnit = 0;                  // file unit of the echo file, 0 while it is not open
+    int echoUnit = 0;                  // file unit of the echo file, 0 before it is open
     int controlUnit = 0;               // file unit of the control text while it is processed
     std::int32_t timeIndex = 1;        // output time being processed, from 1
     std::int32_t firstTimeIndex = 1;   // output time of the first pass
     std::int32_t startTimeIndex = 1;   // output time at which the loop starts
     std::int32_t appendFirstIndex = 1; // first output time in the time window
-    bool appendIndexWarned = false;    // the warning that the index cannot be written was shown
+    bool appendIndexWarned = false;    // the run has warned that it cannot write its index
     std::string currentTimeText;       // time stamp of the output time, at most 60 characters
     std::string lastTimeText;          // time stamp of the last completed output time
     std::string timeSuffix;            // timeIndex with leading zeros, suffixDigits characters
@@ -43,7 +43,7 @@ struct RunState {
     bool controlFileExists = false;    // <prefix>.plot.control exists
 
     // Requested options
-    bool tecplotMode = true;               // "tecplot mode"; changes nothing, as it is the default
+    bool tecplotMode = true;               // "tecplot mode", which is the default; not used
     bool tecplotBinary = false;            // plot files are binary, otherwise text
     std::int32_t tecplotFlushInterval = 1; // output times between two flushes
     bool tecplotAppend = false;            // this run appends to the binary files of an earlier one
@@ -51,20 +51,20 @@ struct RunState {
     double timeWindowMin = 0;              // first time of the window, unit of the time stamps
     double timeWindowMax = 0;              // last time of the window, unit of the time stamps
     std::int32_t suffixDigits = 4;         // digits of the time index in file names
-    std::int32_t suffixLength = 5;         // suffixDigits and the point
+    std::int32_t suffixLength = 5;         // suffixDigits + 1, for the point
     bool timeConversion = false;           // time t becomes t * timeUnitFactor + timeUnitOffset
     double timeUnitOffset = 0;             // in the converted unit
     double timeUnitFactor = 0;             // converted units in one unit of the time stamps
-    bool plotIsopach = false;              // a plot of the thickness of the zones of pm
-    bool plotDepthBelowSurface = false;    // a plot of pm's depth below the ground surface
-    bool interpolateDepthToTable = false;  // the depth to groundwater is interpolated in a layer
-    bool compareHeads = false;             // heads of pm with observations
-    bool compareWaterTable = false;        // elevations of the groundwater table with observations
-    bool compareDepthToTable = false;      // depths to the groundwater table with observations
-    bool compareSurfaceDepth = false;      // heads of olf with observations
-    std::array<double, 6> compareWindow{}; // of the comparisons: x, y, z pairs, length unit
-    bool paraviewMode = false;             // legacy VTK files; set by the program, no instruction
-    bool bcLocationOutput = false;         // VTK files of boundary conditions; likewise
+    bool plotIsopach = false;              // plot the thickness of the zones of pm
+    bool plotDepthBelowSurface = false;    // plot the depth of pm's nodes below the surface
+    bool interpolateDepthToTable = false;  // interpolate the water table between two nodes
+    bool compareHeads = false;             // compare heads of pm with observations
+    bool compareWaterTable = false;        // compare elevations of the water table
+    bool compareDepthToTable = false;      // compare depths to the water table
+    bool compareSurfaceDepth = false;      // compare water depths of olf
+    std::array<double, 6> compareWindow{}; // compare only inside: x, y, z pairs, length unit
+    bool paraviewMode = false;             // write legacy VTK files; no instruction sets it
+    bool bcLocationOutput = false;         // write boundary conditions as VTK; likewise
 
     // Problem description
     std::int32_t numTitleLines = 0;         // lines of the title
@@ -79,30 +79,29 @@ struct RunState {
     bool anySpeciesFlagB = false;           // an entry of speciesFlagB is set
     bool hmcPresent = false;                // <prefix>o.hmc exists
     std::int32_t numHmcFractions = 0;       // mixing fractions
-    std::vector<std::string>
-        hmcFractionNames; // numHmcFractions: "f_" and name, at most 80 characters
+    std::vector<std::string> hmcFractionNames; // numHmcFractions: "f_" and name
 
     // Mesh of all domains
     std::int32_t totalNodes = 0;                // global nodes of the domains read so far
     std::int32_t gridCountA = 0;                // first integer after pm's coordinates, not used
     std::int32_t gridCountB = 0;                // second integer after pm's coordinates, not used
     std::int32_t sheetCount = 0;                // sheets of nodes in pm; it has one layer fewer
-    std::int32_t meshNodesPerElement = 0;       // of the last element of a common-node truncation
-    bool wallsPresent = false;                  // olf has cutoff walls: several nodes at one place
+    std::int32_t meshNodesPerElement = 0;       // used slots of the last common-node element
+    bool wallsPresent = false;                  // cutoff walls: olf nodes with the same position
     std::int32_t wallCountA = 0;                // first integer of the wall data, not used
     std::int32_t wallLayers = 0;                // wall layers of wallNodeTable
     std::vector<std::int32_t> wallNodeFlag;     // olf nodes: not 0 at a node with wall data
-    std::vector<std::int32_t> wallNodeTable;    // olf nodes by wallLayers: replacing global node
+    std::vector<std::int32_t> wallNodeTable;    // wallLayers by olf nodes: replacing global node
     std::vector<std::int32_t> wallNodeValue;    // olf nodes: read, but not used
     std::vector<std::int32_t> wallElementLayer; // olf elements: wall layer of the element
 
     ObservationSet observations; // of the comparison in progress
 
     // Plot files
-    // Text or binary form, selected after the control file is read; null: text.
+    // Text or binary form, selected after the control file is read. Null: text.
     const plot_data::WriterFunctions* plotWriter = nullptr;
-    // Text until it is written. One domain's zone is complete before the next domain's begins, so
-    // one buffer is enough.
+    // Collects text until it is written. Each zone is complete before that of the next domain
+    // begins, so one buffer is enough.
     std::vector<char> writeBuffer;
 };
 
