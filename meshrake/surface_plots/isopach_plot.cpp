@@ -4,7 +4,7 @@
 #include "meshrake/plot_data/array_writing.hpp"
 #include "meshrake/plot_data/data_set.hpp"
 #include "meshrake/plot_data/zone.hpp"
-#include "meshrake/surface_plots/plot_parts.hpp"
+#include "meshrake/surface_plots/plot_steps.hpp"
 #include "tvncommon/diagnostics/ArrayHelpers.hpp"
 #include "tvncommon/diagnostics/error.hpp"
 #include "tvncommon/text/utils.hpp"

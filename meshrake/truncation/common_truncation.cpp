@@ -2,7 +2,7 @@
 
 #include "meshrake/model/file_names.hpp"
 #include "meshrake/model/run_state.hpp"
-#include "meshrake/truncation/truncation_parts.hpp"
+#include "meshrake/truncation/truncation_steps.hpp"
 #include "tvncommon/diagnostics/ArrayHelpers.hpp"
 #include "tvncommon/diagnostics/error.hpp"
 

@@ -1,7 +1,7 @@
 #include "meshrake/truncation/multi_truncation.hpp"
 
 #include "meshrake/model/run_state.hpp"
-#include "meshrake/truncation/truncation_parts.hpp"
+#include "meshrake/truncation/truncation_steps.hpp"
 #include "tvncommon/diagnostics/ArrayHelpers.hpp"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-#include "meshrake/surface_plots/plot_parts.hpp"
+#include "meshrake/surface_plots/plot_steps.hpp"
 
 #include "meshrake/model/file_names.hpp"
 #include "meshrake/model/output_lines.hpp"

@@ -1,4 +1,4 @@
-#include "meshrake/truncation/truncation_parts.hpp"
+#include "meshrake/truncation/truncation_steps.hpp"
 
 #include "meshrake/model/file_names.hpp"
 #include "meshrake/model/output_lines.hpp"
