@@ -15,7 +15,7 @@ using plot_data::VariableRow;
 
 namespace {
 
-// The variable of pm with this key. Where pm has no such variable, one that has no file.
+// Returns the variable of pm with this key or, if pm has none, a variable without columns.
 const OutputVar& pmSource(const Domain& domain, std::string_view key) {
     static const OutputVar none;
     const OutputVar* found = model::findOutputVar(*domain.pmReference, key);
@@ -56,7 +56,7 @@ void commonNodeConcInit(Domain& domain, const VariableRow& row, OutputVar& var) 
     if (!run.speciesPresent || !copyFlagsFromPm(domain, row, var)) return;
     for (std::size_t s = 0; s < run.speciesNames.size(); ++s) {
         const bool heat = run.speciesFlagA[s] != 0;
-        if (heat) units::setTempUnitsToC(); // as for the species of pm; holds for all later labels
+        if (heat) units::setTempUnitsToC(); // as for the species of pm; affects all later labels
         const std::string& name = run.speciesNames[s];
         declare(domain, row, var, {name, name}, heat ? "K" : row.unit);
     }
@@ -73,7 +73,7 @@ void commonNodeWrite(Domain& domain, const VariableRow& row, OutputVar& var) {
     static const Column empty;
     for (std::size_t c = 0; c < var.columns.size(); ++c) {
         const Column& column = var.columns[c];
-        // Pressure heads can be off in pm and on here: the column then exists without values.
+        // Pressure heads can be disabled in pm and enabled here: the column then has no values.
         const Column& values = c < source.columns.size() ? source.columns[c] : empty;
         if (column.type == DataType::single)
             plot_data::tecplotWriteArrayReal4(column.varNumber,

@@ -2,20 +2,20 @@
 
 #include "meshrake/plot_data/variable_io.hpp"
 
-// Columns of a common-node domain that show the values of pm: declared where pm has the variable of
-// the same key, written from pm's arrays with the node mask of the domain. pm must have completed
-// the same step of the output time before.
+// Columns of a common-node domain with the values of pm at the nodes of the domain. They are
+// declared if pm has the variable with the same key, and written from pm's arrays. pm must have
+// completed the same step of the output time before.
 namespace variables {
 
-// One column. Where pm has none, the domain's option is cleared for the rest of the run.
+// One column. If pm does not have it, disables the domain's option for the rest of the run.
 void commonNodeInit(model::Domain& domain, const plot_data::VariableRow& row,
                     model::OutputVar& var);
 
-// Heads and, if their option is on, pressure heads.
+// Heads and, if their option is enabled, pressure heads.
 void commonNodeHeadInit(model::Domain& domain, const plot_data::VariableRow& row,
                         model::OutputVar& var);
 
-// One column for each species; that of heat is a temperature.
+// One column for each species. The column of heat is a temperature.
 void commonNodeConcInit(model::Domain& domain, const plot_data::VariableRow& row,
                         model::OutputVar& var);
 

@@ -27,7 +27,7 @@ const VariableRow& rowOf(std::string_view key) {
 
 } // namespace
 
-// Rows with commonNode... steps show the values of the pm variable with the same key. Some of their
+// Rows with commonNode... steps have the values of the pm variable with the same key. Some of their
 // names differ on purpose from those of the multi-node table, such as "Saturation" and "Sat".
 // clang-format off
 std::span<const VariableRow> commonNodeTable() {

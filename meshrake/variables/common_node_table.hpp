@@ -6,7 +6,7 @@
 
 namespace variables {
 
-// The variables of domains on the common-node scheme, in the order of their columns.
+// Returns the variables of domains on the common-node scheme, in the order of their columns.
 std::span<const plot_data::VariableRow> commonNodeTable();
 
 } // namespace variables

@@ -73,7 +73,7 @@ std::string currentFile(const Member& member) {
     return model::fileName(member.file + "." + run.timeSuffix);
 }
 
-// The unit label depends on the species: heat has a temperature instead of a concentration.
+// The unit label depends on the species, see `tecplotTransVarUnitsAdd`.
 void declareSpeciesColumn(Domain& domain, const VariableRow& row, std::size_t species,
                           std::string_view name, Column& column) {
     plot_data::declareColumn(domain, column, name, "");

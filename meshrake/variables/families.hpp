@@ -18,8 +18,9 @@ void familyInit(Domain& domain, const VariableRow& row, OutputVar& var);
 void familyRead(Domain& domain, const VariableRow& row, OutputVar& var);
 
 // Redox capacity has one column, with the unit of the first species. The first pass reads the file
-// of the first species; later output times read the files of all mobile species in turn, and the
-// last one decides: its values are written, or the column is shared.
+// of the first species. Later output times read the files of all mobile species in turn into the
+// same column, and each missing file shares the column. The last file decides whether the zone has
+// values.
 void redoxCapacityInit(Domain& domain, const VariableRow& row, OutputVar& var);
 void redoxCapacityRead(Domain& domain, const VariableRow& row, OutputVar& var);
 

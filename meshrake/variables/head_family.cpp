@@ -18,7 +18,8 @@ using plot_data::VariableRow;
 
 namespace {
 
-// Length unit. LogDepth of a dry node is -8, not the logarithm of 0 or of a negative number.
+// In the length unit. LogDepth of a dry node is then -8, not the logarithm of 0 or of a negative
+// number.
 constexpr double minimumDepth = 1.0e-8;
 
 bool hasWaterDepth(const Domain& domain) {
@@ -30,8 +31,8 @@ bool hasPressureHead(const Domain& domain) {
 }
 
 // Depth refers to the current elevation of the ground, LogDepth always to that of the mesh: with
-// time-varying topography they differ on purpose. The differences are formed in 64 bits; Depth is
-// rounded before the comparison with 0, and the logarithm is that of a 32-bit number.
+// time-varying topography they differ on purpose. The differences are formed in 64 bits. Depth is
+// rounded to 32 bits before the comparison with 0, and the logarithm is that of a 32-bit number.
 void computeWaterDepth(const Domain& domain, OutputVar& var) {
     const std::vector<double>& head = var.columns[0].real8;
     const std::vector<double>& ground = derived_columns::elevation(domain);

@@ -4,10 +4,10 @@
 
 namespace variables {
 
-// Heads, read from the result file, and the columns computed from them, all in the length unit:
-// `Depth` and `LogDepth` in olf and chan, elsewhere `Pressure Head` if its option is on. The
-// elevations of the current output time must have been read. A head file that is missing at a later
-// output time shares all of these columns.
+// Heads, read from the result file, and the columns computed from them: `Depth` and its logarithm
+// `LogDepth` in olf and chan, elsewhere `Pressure Head` if its option is enabled. All lengths are
+// in the length unit. The elevations of the current output time must have been read. If the head
+// file is missing at a later output time, the zone shares all of these columns.
 void headInit(model::Domain& domain, const plot_data::VariableRow& row, model::OutputVar& var);
 void headRead(model::Domain& domain, const plot_data::VariableRow& row, model::OutputVar& var);
 

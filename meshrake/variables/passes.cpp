@@ -46,15 +46,16 @@ bool applies(const VariableRow& row, const Domain& domain) {
     return (row.domains & domain.tag) != 0 && model::enabled(domain, row.option);
 }
 
-// The row's own step if it has one, otherwise that of its kind of files.
+// Returns the row's own step if it has one, otherwise the default for a row with a family of files
+// or with one file.
 VariableRow::Step selectStep(const VariableRow& row, VariableRow::Step own,
                              VariableRow::Step family, VariableRow::Step plain) {
     if (own) return own;
     return row.family == Family::oneFile ? plain : family;
 }
 
-// In the order of the table: a row may use the arrays of rows before it, such as elevations and
-// heads.
+// Goes through the rows in the order of the table: a row may use the arrays of rows before it, such
+// as elevations and heads.
 void declareAndRead(Domain& domain, Table table) {
     for (std::size_t i = 0; i < table.size(); ++i) {
         if (!applies(table[i], domain)) continue;
@@ -63,8 +64,8 @@ void declareAndRead(Domain& domain, Table table) {
     }
 }
 
-// Rows with `sharedLast` come after all others, because the list of shared variables is in the
-// order in which they are shared.
+// Processes rows with `sharedLast` after all others, because the list of shared variables is in the
+// order of the calls that share them.
 void readOrShare(Domain& domain, Table table) {
     for (const bool last : {false, true})
         for (std::size_t i = 0; i < table.size(); ++i) {
@@ -75,7 +76,7 @@ void readOrShare(Domain& domain, Table table) {
         }
 }
 
-// In the order of the declarations: the values of a zone have no names.
+// Writes in the order of the declarations, because the arrays of a zone have no names.
 void writeArrays(Domain& domain, Table table) {
     for (std::size_t i = 0; i < table.size(); ++i) {
         if (!applies(table[i], domain) || !domain.outputVars[i].exists) continue;
@@ -107,7 +108,7 @@ void initTecplot(Domain& domain, Table table) {
 }
 
 void appendTecplot(Domain& domain, Table table) {
-    domain.dataSet.nextZone = {}; // pm collects marks for a zone that it may not write
+    domain.dataSet.nextZone = {}; // a pm that is not written still has the previous ones
     readOrShare(domain, table);
     if (model::isReadButNotWritten(domain)) return;
 

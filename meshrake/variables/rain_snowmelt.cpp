@@ -35,7 +35,7 @@ void rainSnowmeltInit(Domain& domain, const VariableRow& row, OutputVar& var) {
     var.columns = plot_data::columnsOf(row);
     for (std::size_t file = 0; file < snowFiles.size(); ++file) {
         std::string name = plot_data::variableFile(domain, snowFiles[file].stem);
-        // The five files share the flags of one variable, so the last test remains.
+        // The five files have one variable and one pair of flags, so the last file decides.
         var.firstExists = var.exists = plot_data::checkFileInit(name);
         if (!var.exists) continue;
         model::Column& column = var.columns[file];

@@ -49,7 +49,7 @@ constexpr std::int32_t fullTensor = 3; // message of the header
 std::int32_t tensorKind(const std::string& name) {
     const auto header =
         TVNBinaryFile::parseTVNBinFileHeader(TVNBinaryFile::readTVNBinFileHeader(name), name);
-    // A free-form read of a null value, such as "," or "/", succeeds and leaves `kind` as it was.
+    // A free-form read of a null value, such as "," or "/", succeeds and does not change `kind`.
     constexpr std::int32_t unchanged = std::numeric_limits<std::int32_t>::min();
     std::int32_t kind = unchanged;
     int status = free_form::readInteger(header.message, kind);
@@ -84,9 +84,9 @@ void diffPecletRead(Domain& domain, const VariableRow& row, OutputVar& var) {
 
 namespace {
 
-// Returns the row with the spelling whose file exists. On a file system that ignores case both name
-// the same file. An appended run may find the file at output time 1 only, with either spelling:
-// the fallback of plainInit knows one stem, so it is chosen here.
+// Returns the row with the spelling whose file exists. On a file system that ignores case, both are
+// names of the same file. An appended run may find a file of either spelling at output time 1 only.
+// plainInit falls back to that file with the stem of its row, so the stem is selected here.
 VariableRow withSpelling(const Domain& domain, const VariableRow& row, std::string_view first,
                          std::string_view second) {
     VariableRow spelled = row;

@@ -2,21 +2,21 @@
 
 #include "meshrake/plot_data/variable_io.hpp"
 
-// Variables that differ from a plain row of the table in one respect each.
+// Steps of variables for which those of a plain row are not enough.
 namespace variables {
 
 using model::Domain;
 using model::OutputVar;
 using plot_data::VariableRow;
 
-// Element zones. The column always exists: without a file it shows the zones of the element list.
-// A file replaces the element zones of the domain.
+// Element zones. The column always exists: without a file it has the zones of the element list. A
+// file replaces the element zones of the domain.
 void zoneInit(Domain& domain, const VariableRow& row, OutputVar& var);
 void zoneRead(Domain& domain, const VariableRow& row, OutputVar& var);
 void zoneWrite(Domain& domain, const VariableRow& row, OutputVar& var);
 
 // Hydraulic conductivities: six columns if the message in the file's header is 3 (a full tensor),
-// otherwise three. A message that is not a number ends the run.
+// otherwise three. A message that is not an integer ends the run.
 void elemKInit(Domain& domain, const VariableRow& row, OutputVar& var);
 
 // Reads Peclet numbers at a later output time. No pass calls these functions: the columns are

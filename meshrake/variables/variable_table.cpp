@@ -25,8 +25,8 @@ namespace {
 constexpr auto single = model::DataType::single;
 constexpr auto longInt = model::DataType::longInt;
 
-// One variable to a row. The default of a field that a row leaves out: 64-bit reals at the nodes,
-// one file for each output time, no option, no unit.
+// A row that sets only key, domains, stem and columns is a variable of 64-bit reals at the nodes,
+// with one file for each output time, no option and no unit.
 // clang-format off
 const VariableRow table[] = {
     // Mesh
