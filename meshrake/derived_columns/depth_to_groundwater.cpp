@@ -38,8 +38,8 @@ Mesh meshOf(std::int32_t nodeCount, std::int32_t sheetCount, bool interpolate,
             .head = head};
 }
 
-// Where a result needs the head of a node, it is formed again as pressure head plus elevation. This
-// can differ from `head` in the last digit.
+// Where a result needs the head of a node, it is pressure head plus elevation, as in the functions
+// for one node, which have no heads. This can differ from `head` in the last digit.
 double pressureHead(const Mesh& mesh, std::size_t node) {
     return mesh.head[node] - mesh.z[node];
 }
@@ -54,8 +54,8 @@ double crossing(bool interpolate, double zLow, double pLow, double zUp, double p
 // Both sweeps read whole sheets in the order of the memory instead. `waterTable` has an entry for
 // each column: the elevation that a search from the node of the current sheet would find.
 
-// Depths of the unsaturated nodes, whose search goes down. It ends at the first node with a
-// pressure head of 0 or more, or at the bottom: NaN does not end it.
+// Sets the depths of the unsaturated nodes. Their search goes down and ends at the first node with
+// a pressure head of 0 or more, or at the bottom. NaN does not end it.
 void sweepUp(const Mesh& mesh, std::span<double> waterTable, std::span<double> depth) {
     for (std::size_t begin = 0; begin < mesh.nodeCount; begin += mesh.sheetNodes) {
         const std::size_t end = std::min(begin + mesh.sheetNodes, mesh.nodeCount);
@@ -75,9 +75,9 @@ void sweepUp(const Mesh& mesh, std::span<double> waterTable, std::span<double> d
     }
 }
 
-// Depths of the saturated nodes, whose search goes up. It ends at the first unsaturated node, or at
-// the top sheet. Nodes after the top sheet have no node above them and use the head of the top
-// node.
+// Sets the depths of the saturated nodes. Their search goes up and ends at the first unsaturated
+// node, or at the top sheet. Nodes after the top sheet have no node above them and use the head of
+// the top node.
 void sweepDown(const Mesh& mesh, std::span<double> waterTable, std::span<double> depth) {
     for (std::size_t s = (mesh.nodeCount - 1) / mesh.sheetNodes + 1; s-- > 0;) {
         const std::size_t begin = s * mesh.sheetNodes;
@@ -141,7 +141,7 @@ void depth2gwt2dDomain(std::int32_t nodeCount, std::int32_t sheetCount, bool int
     std::vector<char> found;
     ArrayHelpers::allocateArray(found, nodeCount / sheetCount,
                                 "depth to groundwater 2D work array");
-    // Until the depths are computed, the bottom sheet has the elevation of the water table.
+    // The bottom sheet of `depth` has the elevations of the water table until they are used.
     const std::span<double> bottomSheet = depth.first(mesh.sheetNodes);
     lowestCrossings(mesh, found, bottomSheet);
     for (std::size_t bottom = 0; bottom < mesh.sheetNodes; ++bottom) {

@@ -19,8 +19,8 @@ namespace {
 
 using DepthFunction = decltype(&depth_to_groundwater::depth2gwtDomain);
 
-// Allocates the array at its first use. For 4-node elements this is at a later output time: the
-// first pass declares no column and yet later zones have the values. The passes differ on purpose.
+// Allocates the array at its first use. With 4-node elements this is at a later output time: the
+// first pass declares no column, but later passes compute the values. They differ on purpose.
 void compute(Domain& domain, const VariableRow& row, OutputVar& var, DepthFunction depthFunction) {
     if (run.sheetCount < 1 || run.sheetCount > std::max(domain.nodeCount, 1))
         error::fatalError("Depth to groundwater: " + std::to_string(domain.nodeCount) +

@@ -13,8 +13,8 @@ using plot_data::Packing;
 
 namespace {
 
-// The record that has the coordinates of the domain's nodes.
-const Domain& nodesOf(const Domain& domain) {
+// Returns the domain that has the coordinates: pm for a common-node domain.
+const Domain& withCoordinates(const Domain& domain) {
     return model::hasOwnNodes(domain) ? domain : *domain.pmReference;
 }
 
@@ -42,8 +42,8 @@ Layer beforeFirstLayer(const Domain& domain, const VariableRow& row) {
     return {static_cast<std::size_t>(n)};
 }
 
-// Generates a value for each entry of the mask that is set. `valueOf` is called with the index of
-// the entry, in ascending order. The values need no array of their own.
+// Generates a value for each entry of the mask that is set, without an array for all values.
+// `valueOf` is called with the index of the entry, in ascending order.
 template<class T, class ValueOf>
 plot_data::ValueGenerator<T> includedValues(const std::vector<std::uint8_t>& included,
                                             ValueOf valueOf) {
@@ -62,7 +62,7 @@ void writeNumbers(Domain& domain, const VariableRow& row, const OutputVar& var,
                                          domain);
 }
 
-// The first half of the slots are the lower nodes, the second half the upper nodes in the same
+// The first half of the slots has the lower nodes, the second half the upper nodes in the same
 // order.
 double thickness(const Domain& domain, std::size_t element) {
     const std::int32_t half = domain.nodesPerElement / 2;
@@ -92,7 +92,7 @@ void meshColumnInit(Domain& domain, const VariableRow& row, OutputVar& var) {
 
 void coordinatesWrite(Domain& domain, const VariableRow& row, OutputVar& var) {
     const Packing packing{domain.outputIsPacked, domain.nodeIncluded.data()};
-    const Domain& mesh = nodesOf(domain);
+    const Domain& mesh = withCoordinates(domain);
     const std::vector<double>* coordinates[] = {&mesh.x, &mesh.y, &mesh.z};
     for (std::size_t c = 0; c < 3; ++c)
         plot_data::tecplotWriteArrayReal8(var.columns[c].varNumber, mesh.nodeCount,
@@ -105,7 +105,7 @@ void nodeNumberInit(Domain& domain, const VariableRow& row, OutputVar& var) {
 }
 
 void write3DNodeNumber(Domain& domain, const VariableRow& row, OutputVar& var) {
-    // nodeIncluded has pm nodes in a common-node domain and the domain's nodes otherwise.
+    // nodeIncluded is indexed by pm node in a common-node domain, otherwise by the domain's node.
     const std::int32_t* links = model::hasOwnNodes(domain) ? domain.linkToPm.data() : nullptr;
     const auto number = [links](std::size_t i) {
         return links ? links[i] : static_cast<std::int32_t>(i + 1);

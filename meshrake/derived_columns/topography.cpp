@@ -12,8 +12,8 @@ namespace {
 
 constexpr std::string_view key = "tvTopo";
 
-// In an appended run without a file at its first output time, the ground has the elevations of the
-// first output time in the window. Other variables fall back to output time 1.
+// If an appending run has no file at its first output time, it uses the file of the first output
+// time in the time window. Other variables fall back to output time 1.
 bool findFirst(const Domain& domain, std::string_view stem, std::string& name) {
     name = plot_data::variableFile(domain, stem);
     return plot_data::checkFileInit(name, run.appendFirstIndex);
@@ -45,7 +45,7 @@ const std::vector<double>& elevation(const Domain& domain) {
 void tvTopoPreInit(Domain& domain, const VariableRow& row, OutputVar& var) {
     OutputVar& topography = model::outputVar(domain, key);
     std::string name;
-    var.firstExists = topography.firstExists = findFirst(domain, row.stem, name);
+    var.firstExists = topography.firstExists = findFirstFile(domain, row.stem, name);
     if (var.firstExists) readElevations(domain, row, topography, name);
 }
 
@@ -56,7 +56,7 @@ void tvTopoPreRead(Domain& domain, const VariableRow& row, OutputVar&) {
 
 void tvTopoInit(Domain& domain, const VariableRow& row, OutputVar& var) {
     std::string name;
-    var.firstExists = var.exists = findFirst(domain, row.stem, name);
+    var.firstExists = var.exists = findFirstFile(domain, row.stem, name);
     if (!var.firstExists) return;
     readElevations(domain, row, var, name);
     plot_data::declareColumn(domain, var.columns[0], row.columns[0].name, row.unit);
@@ -78,7 +78,7 @@ void tvTopoRead(Domain& domain, const VariableRow& row, OutputVar& var) {
 
 void tvTopoZoneInit(Domain& domain, const VariableRow& row, OutputVar& var) {
     std::string name;
-    var.firstExists = var.exists = findFirst(domain, row.stem, name);
+    var.firstExists = var.exists = findFirstFile(domain, row.stem, name);
     if (!var.firstExists) return;
     var.columns = plot_data::columnsOf(row);
     plot_data::allocateColumn(domain, var.columns[0], row.arrayText);

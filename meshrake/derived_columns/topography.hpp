@@ -11,16 +11,17 @@ using model::Domain;
 using model::OutputVar;
 using plot_data::VariableRow;
 
-// Elevations of the nodes at the current output time, nodeCount values, length unit: those of the
-// last file with time-varying topography, otherwise those of the mesh.
+// Returns the elevations of the nodes at the current output time, nodeCount values, length unit:
+// those of the last file with time-varying topography or, without such a file, of the mesh.
 const std::vector<double>& elevation(const Domain& domain);
 
 // Reads the elevations before the heads, which need them. Declares nothing.
 void tvTopoPreInit(Domain& domain, const VariableRow& row, OutputVar& var);
 void tvTopoPreRead(Domain& domain, const VariableRow& row, OutputVar& var);
 
-// The column of elevations and, in pm, that of mesh elevation minus current elevation: positive at
-// a lowered node. They come after the heads, so the file of an output time is read twice.
+// The column of elevations and, in pm, a second column: mesh elevation minus current elevation,
+// positive at a lowered node. The columns come after those of the heads, so the file of an output
+// time is read twice.
 void tvTopoInit(Domain& domain, const VariableRow& row, OutputVar& var);
 void tvTopoRead(Domain& domain, const VariableRow& row, OutputVar& var);
 

@@ -19,7 +19,7 @@ namespace {
 constexpr std::string_view plot = "plot pm depth below ground surface";
 constexpr std::string_view variables[] = {"X", "Y", "Z", "DepthToSurf"};
 
-// The column of the run if pm has it. If pm was not written, fills and returns `computed`.
+// Returns pm's column of depths if the run has it. Otherwise fills and returns `computed`.
 const std::vector<double>& depthOf(const Domain& olf, const Domain& pm,
                                    std::vector<double>& computed) {
     const model::OutputVar* var = model::findOutputVar(pm, "depth2Surf");

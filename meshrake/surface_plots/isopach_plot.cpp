@@ -22,8 +22,8 @@ namespace {
 constexpr std::string_view plot = "pm isopach plot";
 constexpr const char* arrayName = "top elevation and thickness arrays";
 
-// Triangles are stored in elements of four slots with 0 in the last. All elements of olf have the
-// same shape, so the first one decides.
+// Returns the number of nodes of a surface element. Triangles have four slots with 0 in the last.
+// All elements of olf have the same shape, so the first one decides.
 std::int32_t faceNodesOf(const Domain& olf) {
     const bool triangles = olf.nodesPerElement > 3 && olf.elementNodes[3] == 0;
     return triangles ? 3 : olf.nodesPerElement;
@@ -37,7 +37,8 @@ std::size_t lowerSlotsOf(const Domain& olf, const Domain& pm) {
     return static_cast<std::size_t>(std::min(faceNodesOf(olf), pm.nodesPerElement));
 }
 
-// The slot below an upper slot. In the lowest layer its node number is also that of a node of olf.
+// Returns the slot below an upper slot. In the lowest layer its node number is also that of a node
+// of olf.
 std::size_t surfaceSlot(const Domain& olf, std::size_t upperSlot) {
     return upperSlot - static_cast<std::size_t>(faceNodesOf(olf));
 }
@@ -47,7 +48,7 @@ std::size_t surfaceSlot(const Domain& olf, std::size_t upperSlot) {
                        model::problemFile("elements_pm") + what);
 }
 
-// Checks the node numbers that addLayer uses as indices: those of all elements in a zone.
+// Checks the node numbers that addLayer uses as indices. Elements in zones below 1 are not plotted.
 void checkElements(const Domain& olf, const Domain& pm) {
     const auto surface = static_cast<std::size_t>(olf.elementCount);
     const auto slots = static_cast<std::size_t>(pm.nodesPerElement);
@@ -68,8 +69,8 @@ void checkElements(const Domain& olf, const Domain& pm) {
     }
 }
 
-// Returns the highest zone number of pm. The plot has a data-set zone for each number up to it. A
-// number far above the number of elements is from a damaged file, and the plot would fill the disk.
+// Returns the highest element zone of pm. The plot has a zone for each number up to it. A number
+// far above the number of elements is from a damaged file, and the plot would fill the disk.
 std::int32_t zoneCountOf(const Domain& pm) {
     constexpr std::int32_t most = 100000;
     std::int32_t count = std::numeric_limits<std::int32_t>::min();
@@ -87,8 +88,8 @@ void allocate(Isopach& isopach, const Domain& olf) {
     ArrayHelpers::allocateArray(isopach.zoneThickness, olf.elementCount, arrayName);
 }
 
-// One coordinate of the nodes of olf. A common-node olf has no coordinates: they are copied from
-// its pm nodes into `gathered`.
+// Returns one coordinate of the nodes of olf: `own` or, for a common-node olf, which has no
+// coordinates, `gathered`, with a copy of the coordinate of its pm nodes.
 const std::vector<double>& surfaceCoordinate(const Domain& olf, const std::vector<double>& own,
                                              const std::vector<double>& ofPm,
                                              std::vector<double>& gathered) {
@@ -99,7 +100,7 @@ const std::vector<double>& surfaceCoordinate(const Domain& olf, const std::vecto
     return gathered;
 }
 
-// Adds pm element `p`, which is in the column above surface element `e`.
+// Adds pm element `p`, which is in the column of surface element `e`.
 void addLayer(const Domain& olf, const Domain& pm, std::size_t e, std::size_t p, Isopach& isopach) {
     const auto slots = static_cast<std::size_t>(pm.nodesPerElement);
     const std::int32_t faceNodes = faceNodesOf(olf);
@@ -179,7 +180,8 @@ void plot_pmzone_isopach_structure(Domain& olf, const Domain& pm) {
     allocate(isopach, olf);
 
     openPlot(plot, "pm_Isopach", variables, olf);
-    // 64 bits: the highest 32-bit number can be a zone. Zone 1 is written even if pm has no zone.
+    // The counter has 64 bits because the highest zone can be the highest 32-bit number. Zone 1 is
+    // written even if no element is in a zone.
     for (std::int64_t zone = 1; zone == 1 || zone <= zoneCount; ++zone) {
         const auto number = static_cast<std::int32_t>(zone);
         const std::string time = utils::zeroPaddedIntString(number, digits);

@@ -16,7 +16,7 @@ using model::run;
 
 namespace {
 
-// Lowest global number of the domain's nodes, which are numbered consecutively from it.
+// Returns the lowest global number of the domain's nodes. Their numbers are consecutive.
 std::int32_t linkBaseOf(const Domain& domain) {
     std::int32_t base = std::numeric_limits<std::int32_t>::max();
     for (const std::int32_t node : domain.linkFromPm)
@@ -36,8 +36,8 @@ void includeDomainNode(Domain& domain, std::int32_t pmNode, std::int32_t linkBas
     domain.domainNodeIncluded[static_cast<std::size_t>(node)] = 1;
 }
 
-// Calls `visit` for each used slot of an element. Their number stays in run.meshNodesPerElement:
-// the comparisons with observations take 8 in the element visited last as a sign of brick elements.
+// Calls `visit` for each used slot of an element and sets run.meshNodesPerElement to their number.
+// If the element visited last has 8, the comparisons with observations assume a mesh of bricks.
 template<class Visit>
 void forEachNode(const Domain& domain, std::size_t element, Visit visit) {
     const std::int32_t* slots = model::slotsOf(domain, element);
@@ -79,7 +79,7 @@ void includeTruncated(Domain& domain, const Domain& pm) {
         });
     }
     domain.neTruncated = countIncluded(domain.elementIncluded);
-    // Without an included element, the last element of the list counts as visited last.
+    // Without an included element, meshNodesPerElement is that of the last element of the list.
     if (domain.neTruncated == 0 && domain.elementCount > 0)
         forEachNode(domain, domain.elementIncluded.size() - 1, [](std::int32_t) {});
     domain.nnTruncated = 0;

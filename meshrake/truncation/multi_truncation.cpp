@@ -13,7 +13,7 @@ using model::run;
 
 namespace {
 
-// Domain node at a pm node, 0 where the domain has none.
+// Returns the domain's node at a pm node, 0 if it has none there.
 std::int32_t domainNode(const Domain& domain, std::int32_t pmNode) {
     if (domain.tag == model::tags::pm) return pmNode;
     const std::int32_t global = domain.linkFromPm[static_cast<std::size_t>(pmNode - 1)];
@@ -35,8 +35,8 @@ bool includeNodes(Domain& domain, std::size_t element) {
     return complete;
 }
 
-// Includes all nodes that an element uses. marks[0] is for unused slots, which hold 0: this saves a
-// test for each slot.
+// Includes all nodes that are in an element. Unused slots hold 0 and set marks[0], which saves a
+// test of each slot.
 void includeNodesOfPm(Domain& pm, const std::string& name) {
     std::vector<std::uint8_t> marks;
     ArrayHelpers::allocateArray(marks, std::int64_t{pm.nodeCount} + 1, name);
@@ -44,7 +44,7 @@ void includeNodesOfPm(Domain& pm, const std::string& name) {
     std::copy(marks.begin() + 1, marks.end(), pm.nodeIncluded.begin());
 }
 
-// An element of pm is included also if it has unused slots. An element of another domain is
+// Includes every element of pm, also one with unused slots. An element of another domain is
 // included if all of its nodes are in that domain.
 void includeFullMesh(Domain& domain, const std::string& name) {
     if (domain.tag == model::tags::pm) {
@@ -90,8 +90,8 @@ void multiTruncate(Domain& domain, const Domain& pm) {
     else
         includeTruncated(domain, pm);
     renumber(domain);
-    // All nodes are written. Those at cutoff walls are in no element of the list: the connectivity
-    // puts them in place of others.
+    // With cutoff walls all nodes are written. The additional nodes at a wall are in no element of
+    // the list: the connectivity substitutes them for other nodes.
     if (wholeMesh && run.wallsPresent) domain.nnTruncated = domain.nodeCount;
     reportTruncation(domain, wholeMesh);
     domain.outputIsPacked = !wholeMesh;

@@ -19,7 +19,8 @@ bool within(double value, const double* bounds) {
     return bounds[0] <= value && value <= bounds[1];
 }
 
-// Mean of the pm nodes of the element; NaN without nodes, which is in no range.
+// Returns the mean position of the element's pm nodes. Without nodes it is NaN, which is in no
+// range.
 std::array<double, 3> centroid(const Domain& domain, const Domain& pm, std::size_t element) {
     const std::int32_t* slots = model::slotsOf(domain, element);
     std::array<double, 3> sum{};
@@ -39,7 +40,7 @@ std::array<double, 3> centroid(const Domain& domain, const Domain& pm, std::size
 
 std::int32_t layerSize(const Domain& domain, std::int32_t elementCount) {
     const std::int32_t n = run.sheetCount > 1 ? elementCount / (run.sheetCount - 1) : elementCount;
-    // Only a truncation by layer divides by it. With both truncations the layers do not count.
+    // Only a truncation by layer divides by it. If both are requested, the layers have no effect.
     if (n == 0 && domain.elementCount > 0 && !domain.truncateEnabled &&
         domain.truncateByLayerEnabled)
         error::input_error("Truncation of the " + domain.name +

@@ -5,14 +5,14 @@
 // Steps that the truncations of both coupling schemes share.
 namespace truncation {
 
-// Number of elements in each layer of a mesh with `elementCount` elements. 0 ends the run if the
-// control file requests a truncation by layer.
+// Returns the number of elements in each layer of a mesh with `elementCount` elements. If it is 0
+// and `domain` is truncated by layer, the run ends.
 std::int32_t layerSize(const model::Domain& domain, std::int32_t elementCount);
 
-// Returns whether the requested truncation includes an element, counted from 0. The centroid of its
-// pm nodes must lie in the x, y and z ranges or, in a truncation by layer alone, in the x and y
-// ranges, and its layer of `layerElements` elements in the range of layers. Bounds are inside; an
-// element without nodes is outside.
+// Returns whether the requested truncation includes an element, counted from 0. The centroid of the
+// element's pm nodes must be in the x and y ranges and, if "truncate <tag> domain" is requested, in
+// the z range. Otherwise the element's layer must be in the range of layers; each layer has
+// `layerElements` elements. All ranges include their bounds. An element without nodes is outside.
 bool isInsideTruncation(const model::Domain& domain, const model::Domain& pm, std::size_t element,
                         std::int32_t layerElements);
 

@@ -105,7 +105,7 @@ std::string redoxFile(const Domain& domain, const VariableRow& row, std::size_t 
 void familyInit(Domain& domain, const VariableRow& row, OutputVar& var) {
     const std::vector<Member> members = membersOf(domain, row);
     if (members.empty()) return;
-    // The loop tests the first file again. An appended run that falls back to output time 1 must
+    // The loop tests the first file again. An appending run that falls back to output time 1 must
     // show the warning of that file twice, so this test is not merged with the one in the loop.
     std::string first = currentFile(members.front());
     var.firstExists = plot_data::checkFileInit(first);
