@@ -26,7 +26,7 @@
 
 namespace {
 
-// The lock of the echo file keeps other runs from the files of this prefix.
+// Opens and locks the echo file. Its lock keeps other runs from the files of this prefix.
 void openEchoFile() {
     const std::string name = model::problemFile("meshrake.eco");
     model::run.echoUnit = file_units::getUnit();
@@ -40,7 +40,7 @@ void openEchoFile() {
     warning_messages::warnNow();
 }
 
-// Writes the comparisons and plots that the control file requests, of the last output time.
+// Writes the requested comparisons and plots of the last output time.
 void writeProducts(run::Domains& domains) {
     using namespace observation_compare;
     if (model::run.compareHeads) {
@@ -77,7 +77,7 @@ void runMeshrake(int argc, const char* const* argv, bool legacyVtk) {
     // From here on every banner is written to the echo file too.
     openEchoFile();
     run::header(model::run.echoUnit);
-    // Not before: a run that ends because another one holds the lock must not change a file.
+    // Not before the lock: a run that finds it taken ends and must not change a file.
     if (answered) run::writeBatchFile(model::run.problemPrefix);
     error::warningMsg("Meshrake has been deprecated and will be removed in a future release.\n"
                       "We recommend using tvn2vtu for post-processing going forward.");
@@ -108,8 +108,8 @@ int meshrake_main(int argc, const char* const* argv, bool legacyVtk) {
             runMeshrake(argc, argv, legacyVtk);
         } catch (const std::bad_alloc&) {
             error::check_alloc(io_layer::outOfMemory, "working memory");
-        } catch (const std::exception& surprise) {
-            error::fatalError(std::string("Internal error: ") + surprise.what());
+        } catch (const std::exception& unexpected) {
+            error::fatalError(std::string("Internal error: ") + unexpected.what());
         }
     } catch (const error::RunEnded& end) {
         return end.status;

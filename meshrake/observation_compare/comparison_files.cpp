@@ -25,7 +25,7 @@ std::string quoted(std::string_view text) {
     return '"' + std::string(text) + '"';
 }
 
-// All variables are lengths, coordinates included.
+// All variables are lengths, like the coordinates.
 void writeUnits(int unit, std::initializer_list<std::string_view> names) {
     for (const std::string_view name : names)
         writeLine(unit, "# " + std::string(name) + " units: " + units::parseUnits("L"));
@@ -43,7 +43,7 @@ void writePair(int unit, double first, double second) {
                         number_formats::wideRealText(second));
 }
 
-std::string narrow(double value) {
+std::string fixedField(double value) {
     constexpr int width = 10;
     std::string field(width, ' ');
     number_formats::writeFixedField(value, width, 4, field.data());
@@ -107,7 +107,7 @@ void closeComparison(Comparison& c) {
     writeZone(c.plotUnit, "straight line");
     writePair(c.plotUnit, c.lowest, c.lowest);
     writePair(c.plotUnit, c.highest, c.highest);
-    writeZone(c.plotUnit, "R<sup>2</sup> =" + narrow(rSquared), c.texts.lastZone);
+    writeZone(c.plotUnit, "R<sup>2</sup> =" + fixedField(rSquared), c.texts.lastZone);
     writePair(c.plotUnit, rSquared, rSquared);
     file_units::freeUnit(c.plotUnit);
     file_units::freeUnit(c.scatterUnit);

@@ -29,14 +29,14 @@ namespace {
                        " heads\"" + std::string(more));
 }
 
-// A column of a variable; null if the run does not have it.
+// Returns a column of a variable, null if the run does not have it.
 const model::Column* columnOf(const Domain& domain, std::string_view key, std::size_t column) {
     const model::OutputVar* var = model::findOutputVar(domain, key);
     return var && var->firstExists && column < var->columns.size() ? &var->columns[column]
                                                                    : nullptr;
 }
 
-// Simulated values of all nodes: heads of pm or water depths of olf. The other one is null.
+// Simulated values of all nodes: heads of pm or water depths of olf. The other pointer is null.
 struct NodeValues {
     const std::vector<double>* heads = nullptr;
     const std::vector<float>* depths = nullptr;
@@ -127,8 +127,8 @@ const std::vector<double>& depthsToTable(const Domain& domain) {
     return column->real8;
 }
 
-// Compares at the top nodes of the columns: the depth to the water table or, with the elevations
-// `surface` of all nodes, its elevation.
+// Compares at the top nodes of the columns. The simulated value is the depth to the water table or,
+// if `surface` has the elevations of all nodes, the elevation of the water table.
 void compareColumns(const Domain& domain, const ComparisonTexts& texts,
                     const std::vector<double>* surface) {
     const std::vector<double>& depths = depthsToTable(domain);
@@ -174,7 +174,7 @@ void compare_heads_output(const Domain& domain) {
     std::int32_t node = 0;
     for (std::size_t i = 0; i < set.obsX.size(); ++i) {
         if (!isCompared(i)) continue;
-        // Shape values belong to elements of pm: for olf in a mesh of bricks they are all 0.
+        // Only pm has shape values. In a mesh of bricks the simulated depth of olf is always 0.
         double simulated = 0;
         if (!bricks) {
             find_node({set.obsX[i], set.obsY[i], set.obsZ[i]}, nodes[i], node, domain, echo);

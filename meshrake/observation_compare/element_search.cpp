@@ -28,8 +28,8 @@ int coordinateCount(const Box& box) {
 }
 
 // Sets bounds outside which the element cannot contain a point, with a margin for the tolerance and
-// rounding of local coordinates. A direction without extent has infinite bounds. False if the
-// numbers are too large for that.
+// rounding of local coordinates. A direction without extent has infinite bounds. Returns false if
+// such bounds are not finite numbers.
 bool searchBounds(const Box& box, Box& bounds) {
     for (std::size_t a = 0; a < 3; ++a) {
         const double low = box.low[a];
@@ -47,7 +47,7 @@ bool searchBounds(const Box& box, Box& bounds) {
     return true;
 }
 
-// Local coordinates after the loop has tested the element.
+// Returns the local coordinates after the loop has tested the element.
 LocalPoint coordinatesAt(const ElementSearch& search, const Box& box, std::int32_t element,
                          const Point& point) {
     LocalPoint rst = search.rst;

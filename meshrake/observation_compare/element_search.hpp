@@ -9,12 +9,12 @@
 
 namespace observation_compare {
 
-// Finds the element that contains a point, with the result of this loop: test all elements in
-// ascending order, each by the box of its nodes, and stop at the first one.
+// Finds the element that contains a point. The result is that of a loop which tests all elements in
+// ascending order, each by the box of its nodes, and stops at the first one.
 //
-// The loop uses one set of local coordinates for all elements and points. An element without extent
-// in some direction sets only some of them, so its test also depends on coordinates that earlier
-// elements have set; `Partial` says which elements.
+// The loop has one set of local coordinates for all elements and points. An element without extent
+// in some direction sets only some of them. So its test also depends on coordinates that earlier
+// elements have set; `Partial` has the numbers of these elements.
 struct ElementSearch {
     struct Item {
         box_tree::Box box;
@@ -29,17 +29,17 @@ struct ElementSearch {
     box_tree::Tree tree;
     std::vector<Partial> partial;     // ascending: elements that set fewer than three coordinates
     std::vector<std::int32_t> always; // ascending: elements without useful bounds, always tested
-    LocalPoint rst{};                 // as the last search left them
+    LocalPoint rst{};                 // local coordinates after the last search
 };
 
 // Builds the tree of the domain's elements.
 void prepare(ElementSearch& search, const model::Domain& domain);
 
-// Returns the number of the first element that contains the point and sets `rst` to the local
-// coordinates in it. Returns 0 if there is none; `rst` is then what the loop leaves.
+// Returns the number of the first element that contains the point, from 1, and sets `rst` to the
+// local coordinates in it. Returns 0 if there is none, and sets `rst` to what the loop would leave.
 std::int32_t containingElement(ElementSearch& search, const box_tree::Point& point);
 
-// Box of the nodes of an element (from 0), without its unused slots.
+// Returns the box of the nodes of an element (from 0), without its unused slots.
 box_tree::Box elementBox(const model::Domain& domain, std::size_t element);
 
 } // namespace observation_compare

@@ -24,8 +24,8 @@ constexpr double lowestTop = -1e10;
 constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 
 struct Group {
-    std::array<std::array<double, groupSize>, 3> xyz;
-    std::array<std::int32_t, groupSize> node; // from 1
+    std::array<std::array<double, groupSize>, 3> xyz; // by axis
+    std::array<std::int32_t, groupSize> node;         // from 1
 };
 
 struct Index {
@@ -39,7 +39,7 @@ std::array<std::span<const double>, 3> axesOf(const NodeSet& nodes) {
             std::span(nodes.domain.z).first(count)};
 }
 
-// Stores coordinates axis by axis, so that one instruction handles several nodes. Unused entries
+// Stores coordinates axis by axis, so that one instruction processes several nodes. Unused entries
 // are NaN: like infinite coordinates, they are not near any point.
 void fillGroup(const NodeSet& nodes, std::span<const std::int32_t> members, Group& group,
                Box& box) {
@@ -78,14 +78,14 @@ Index buildIndex(const NodeSet& nodes) {
     return index;
 }
 
-// A larger square has a root that rounds to a greater distance than that of `square`: roots that
-// round to the same number differ by at most 2^-52 of it, so their squares by 2^-51 = 4.4e-16.
+// Returns a bound for squares whose root can round to the same distance as that of `square`. Such
+// roots differ by at most 2^-52 of the distance, so their squares by 2^-51 = 4.4e-16 of `square`.
 // The least normal number covers denormal squares.
 double boundOf(double square) {
     return square * (1 + 1e-15) + std::numeric_limits<double>::min();
 }
 
-// The nearest node so far. Of nodes whose distances round to the same number, the lowest counts.
+// The nearest node so far. Of nodes whose distances round to the same number, the lowest is used.
 struct Best {
     double distance = maximumDistance;
     std::int32_t node = 0;
@@ -109,7 +109,8 @@ void searchGroup(const Group& group, const Point& p, Best& best) {
     }
 }
 
-// `hint` is a node that may be near, or 0. Its distance limits the search from the start.
+// Returns the node nearest to `p`. `hint` is a node that may be near, or 0: its distance limits the
+// search from the start.
 std::int32_t nearest(const NodeSet& nodes, const Index& index, const Point& p, std::int32_t hint) {
     if (!std::isfinite(p[0]) || !std::isfinite(p[1]) || !std::isfinite(p[2])) return 0;
     Best best;
@@ -133,7 +134,7 @@ constexpr int decimals = 5;
 
 constexpr std::int64_t lineBytes = labelWidth + 3 * fieldWidth + 1;
 
-char* putLine(std::string_view label, std::span<const double> values, char* out) {
+char* writeLine(std::string_view label, std::span<const double> values, char* out) {
     char* const fields = out + labelWidth;
     std::fill(std::copy(label.begin(), label.end(), out), fields, ' ');
     out = fields;
@@ -150,9 +151,10 @@ void echoSearch(plot_data::TextBlock& echo, const Point& target, const Point& fo
     const Point delta{found[0] - target[0], found[1] - target[1], found[2] - target[2]};
     ensureSpace(echo, 2 + 3 * lineBytes);
     char* out = std::fill_n(echo.end, 2, '\n');
-    out = putLine(inSpace ? "Target x, y, z" : "Target x, y", std::span(target).first(axes), out);
-    out = putLine("Found x, y, z", found, out);
-    echo.end = putLine(inSpace ? "Delta x, y, z" : "Delta x, y", std::span(delta).first(axes), out);
+    out = writeLine(inSpace ? "Target x, y, z" : "Target x, y", std::span(target).first(axes), out);
+    out = writeLine("Found x, y, z", found, out);
+    echo.end =
+        writeLine(inSpace ? "Delta x, y, z" : "Delta x, y", std::span(delta).first(axes), out);
 }
 
 } // namespace
@@ -162,8 +164,8 @@ std::vector<std::int32_t> nearestNodes(const NodeSet& nodes, std::span<const dou
     const Index index = buildIndex(nodes);
     std::vector<std::int32_t> found;
     ArrayHelpers::allocateArray(found, static_cast<std::int64_t>(x.size()), arrayName);
-    // In spatial order, a point finds its part of the tree in the cache and the node of the point
-    // before it as a hint. A coarse order is enough.
+    // In spatial order, the search of a point finds its part of the tree in the cache, and the node
+    // of the previous point is a good hint. A coarse order is enough.
     constexpr std::size_t runLength = 256;
     std::int32_t hint = 0;
     for (const std::int32_t point : box_tree::spatialOrder(x, y, z, runLength)) {

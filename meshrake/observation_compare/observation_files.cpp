@@ -18,8 +18,8 @@ using model::run;
 
 namespace {
 
-// Each observation begins a line: at least one character and the line's end.
-constexpr std::int64_t leastLine = 2;
+// Each observation begins a line, of at least one character and a line end.
+constexpr std::int64_t minimumLineBytes = 2;
 
 void readItems(int unit, std::span<const free_form::Item> items) {
     const auto nextLine = [unit](std::string& line) { return file_units::readLine(unit, line); };
@@ -37,13 +37,15 @@ void allocateSet(std::int32_t count, const std::string& name) {
     ArrayHelpers::allocateArray(set.obsElement, count, name);
 }
 
+// Reads <prefix>.<table>. `arrays` names the observations in the out-of-memory banner. In space an
+// observation has x, y, z and a value, in plan it has no z.
 void readSet(const std::string& table, const std::string& arrays, bool inSpace) {
     const std::string name = model::fileName(run.problemPrefix + "." + table);
     const int unit = file_units::openTextRead(name);
     std::int32_t count = 0;
     readItems(unit, std::array<free_form::Item, 1>{&count});
     // The last line may have no line end.
-    if (count < 0 || count > (io_layer::bytesLeft(unit) + 1) / leastLine)
+    if (count < 0 || count > (io_layer::bytesLeft(unit) + 1) / minimumLineBytes)
         file_units::badContents(unit, "The number of observations, " + std::to_string(count) +
                                           ", does not fit the size of the file");
     allocateSet(count, "observation data for " + arrays);

@@ -2,11 +2,13 @@
 
 #include "meshrake/model/domain.hpp"
 
-// Readers of text files of observations in free-form numbers: their number, then each one from a
-// new line on. The rest of its last line is skipped. Each reader replaces the observation set of
-// the run and, for pm with bricks of eight nodes, locates the observations in the elements. A count
-// that does not fit the file, a file that ends too soon and an invalid number end the run; the
-// message names the file.
+// Readers of text files of observations, with free-form numbers. The first line has the number of
+// observations. Each observation begins on a new line and may continue on the next; the rest of its
+// last line is skipped.
+//
+// Each reader replaces the observation set of the run. For pm with bricks of eight nodes it also
+// locates the observations in the elements. A count that does not fit the file, a file that ends
+// too soon and an invalid number end the run; the message names the file.
 namespace observation_compare {
 
 // Reads <prefix>.observed_heads as x, y, z and head. A domain other than pm ends the run.

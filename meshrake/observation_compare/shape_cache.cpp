@@ -30,18 +30,18 @@ constexpr int shapeDigits = 11;
 constexpr std::size_t shapeBegin = elementWidth + 2;
 constexpr std::size_t shapeStep = 1 + shapeWidth;
 constexpr std::size_t lineWidth = shapeBegin + 8 * shapeStep - 1;
-// A value without an exponent has four blanks in its place, which an editor may remove.
+// A value without an exponent ends with four blanks instead, which an editor may remove.
 constexpr std::size_t trimmedWidth = lineWidth - 4;
 
-// The word of a field; empty if it has several, or a character with a meaning of its own in free
-// form.
+// Returns the word of a field. Empty if the field has several words or a character with a special
+// meaning in free form.
 std::string_view singleWord(std::string_view field) {
     const std::string_view word = StringHelpers::trimLeft(StringHelpers::trimRight(field));
     return word.find_first_of(" \t,/*") == std::string_view::npos ? word : std::string_view();
 }
 
-// The shape values of a point add up to 1, the eight entries of -1 to -8. A file that is cut before
-// its last exponent looks like one without trailing blanks, but its values do not add up.
+// The sum of a point's shape values is 1, that of the eight entries of -1 is -8. A file that is cut
+// before its last exponent looks like one without trailing blanks, but its sum is another.
 bool addUp(std::span<const double> shape) {
     constexpr double tolerance = 1.0e-6;
     const double sum = std::accumulate(shape.begin(), shape.end(), 0.0);
@@ -88,7 +88,7 @@ void writeCacheLine(int unit, std::int32_t element, const Shape& shape) {
 
 void searchElements(ElementSearch& search, int unit) {
     model::ObservationSet& set = run.observations;
-    // One write for many lines of progress, but often enough to be seen.
+    // One write for many lines of progress, but often enough to show the progress.
     constexpr std::size_t linesAtOnce = 200;
     plot_data::TextBlock progress = plot_data::beginBlock(io_layer::screen);
     const std::string of = " of " + std::to_string(set.obsCount) + " observation points";

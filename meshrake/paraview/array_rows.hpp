@@ -7,8 +7,9 @@
 #include <vector>
 
 // Points and arrays of a legacy VTK file. A label has the form "POINT_DATA,SCALARS head float":
-// keyword of the section, comma, line of the array. The keyword is written only with the first
-// array of a section, for which `dataIndex` is 1. A failed write ends the run.
+// keyword of the section, comma, line of the array. The keyword and the number of values are
+// written only with the first array of a section, for which `dataIndex` is 1. A failed write ends
+// the run.
 namespace paraview {
 
 // The nodes or elements of an array.
@@ -18,8 +19,8 @@ struct Extent {
     bool truncated = false;             // scalars are then written without values
 };
 
-// Write scalars, six to a line; without values, only the label. 64-bit values below 1e-30 in
-// magnitude become 0, in the array too.
+// Write scalars, six to a line; for a truncated extent only the label. 64-bit values below 1e-30 in
+// magnitude become 0, also in the array.
 void write_paraview_darray(std::span<double> values, const Extent& extent, std::string_view label,
                            std::int32_t dataIndex, int unit);
 void write_paraview_array(std::span<const float> values, const Extent& extent,
@@ -39,13 +40,13 @@ void write_paraview_vector_2d_darray(std::span<const double> vx, std::span<const
                                      const Extent& extent, std::string_view label,
                                      std::int32_t dataIndex, int unit);
 
-// Writes the header line of the points and a line with the coordinates of each. A coordinate with
-// an empty span is 0.
+// Writes the header line of the points and a line with the coordinates of each point. A coordinate
+// with an empty span is 0.
 void writePoints(const std::vector<std::span<const double>>& coordinates, std::int32_t points,
                  int unit);
 
-// Fields of these files: a real of 15 columns with five digits, stars if its exponent has three
-// digits; an integer of 10 columns.
+// Return fields of these files. A real has 15 columns and five digits, and is all stars if its
+// exponent has three digits. An integer has 10 columns.
 std::string narrowReal(double value);
 std::string count(std::int64_t value);
 

@@ -12,9 +12,9 @@ namespace paraview {
 // More than 1000 names and a damaged file end the run.
 void addition_paraview_bclocationout();
 
-// Converts one file. Its second line names the coordinates ("X", "Y", "Z" with the quotes), the
-// third has "I=" and the number of points. For each coordinate follow a line with "#" and the
-// numbers, one to a line; without "#" the coordinate is 0 and has no numbers.
+// Converts one file. Its second line names the coordinates ("X", "Y", "Z" with the quotes). The
+// third line has "I=" and the number of points. Then each coordinate has a line with "#" and the
+// numbers, one to a line. If the line has no "#", the coordinate is 0 and has no numbers.
 void convert_bc_file_into_paraviewformat(int inputUnit, int outputUnit);
 
 // Removes leading blanks and tabs.

@@ -26,14 +26,13 @@ using model::run;
 
 namespace {
 
-// The file, and the number of arrays so far in the current section.
 struct Output {
     Domain& domain;
-    int unit;
-    std::int32_t dataIndex = 0;
+    int unit;                   // of the file
+    std::int32_t dataIndex = 0; // arrays so far in the current section
 };
 
-void line(const Output& out, std::string_view text) {
+void writeLine(const Output& out, std::string_view text) {
     file_units::writeLine(out.unit, text);
 }
 
@@ -42,7 +41,7 @@ std::string wideInteger(std::int32_t value) {
 }
 
 // True if the first pass found the variable and its option is enabled.
-bool isShown(const Domain& domain, std::string_view key, Option option) {
+bool isWritten(const Domain& domain, std::string_view key, Option option) {
     const OutputVar* var = model::findOutputVar(domain, key);
     return var && var->firstExists && model::enabled(domain, option);
 }
@@ -66,17 +65,18 @@ void writeHead(const Output& out) {
     number_formats::writeWideReal(model::currentTime(), time.data());
     const std::size_t title =
         run.numTitleLines < 2 ? 1 : static_cast<std::size_t>(run.numTitleLines);
-    line(out, "# vtk DataFile Version 1.0");
-    line(out, run.titleLines[title - 1]);
-    line(out, "ASCII");
-    line(out, "");
-    line(out, "DATASET UNSTRUCTURED_GRID");
-    line(out, "FIELD FieldData 1");
-    line(out, "TIME 1 1 double");
-    line(out, time);
+    writeLine(out, "# vtk DataFile Version 1.0");
+    writeLine(out, run.titleLines[title - 1]);
+    writeLine(out, "ASCII");
+    writeLine(out, "");
+    writeLine(out, "DATASET UNSTRUCTURED_GRID");
+    writeLine(out, "FIELD FieldData 1");
+    writeLine(out, "TIME 1 1 double");
+    writeLine(out, time);
 }
 
-// VTK cell type of elements with this many slots: line, triangle, quadrilateral, brick.
+// Returns the cell type of the legacy VTK format for elements with this number of slots: line,
+// pixel (a triangle, whose cell repeats a node), quadrilateral or brick.
 int cellType(std::int32_t nodesPerElement) {
     constexpr std::pair<std::int32_t, int> types[] = {{2, 3}, {3, 8}, {4, 9}, {6, 12}, {8, 12}};
     for (const auto& [slots, type] : types)
@@ -86,7 +86,7 @@ int cellType(std::int32_t nodesPerElement) {
 
 using CellStep = void (*)(const Output&, const CellPattern&, const std::int32_t* slots);
 
-// Calls the step for the included ones of the first `neTruncated` elements, not of all elements.
+// Calls the step for the included elements among the first `neTruncated` elements, not among all.
 void forEachCell(const Output& out, const CellPattern& pattern, CellStep step) {
     const Domain& domain = out.domain;
     const CellPattern& triangle = model::cellPattern(3);
@@ -109,11 +109,11 @@ void writeCell(const Output& out, const CellPattern& pattern, const std::int32_t
     const char* lineFeed =
         number_formats::writeConnectivityRows(numbers.data(), 1, pattern.length, text.data() + 1) -
         1;
-    line(out, std::string_view(text.data(), lineFeed));
+    writeLine(out, std::string_view(text.data(), lineFeed));
 }
 
 void writeCellType(const Output& out, const CellPattern& pattern, const std::int32_t*) {
-    line(out, std::to_string(cellType(pattern.nodesPerElement)));
+    writeLine(out, std::to_string(cellType(pattern.nodesPerElement)));
 }
 
 void writeCells(const Output& out) {
@@ -121,12 +121,12 @@ void writeCells(const Output& out) {
     const CellPattern& pattern = model::cellPattern(out.domain.nodesPerElement);
     if (pattern.length > 0) {
         const std::string numbers = count(std::int64_t{cells} * (pattern.length + 1));
-        line(out, "");
-        line(out, "CELLS " + count(cells) + (pattern.length < 8 ? " " : "\n") + numbers);
+        writeLine(out, "");
+        writeLine(out, "CELLS " + count(cells) + (pattern.length < 8 ? " " : "\n") + numbers);
         forEachCell(out, pattern, writeCell);
     }
-    line(out, "");
-    line(out, "CELL_TYPES " + count(cells));
+    writeLine(out, "");
+    writeLine(out, "CELL_TYPES " + count(cells));
     if (pattern.length > 0) forEachCell(out, pattern, writeCellType);
 }
 
@@ -138,7 +138,7 @@ Extent elements(const Domain& domain) {
     return {domain.elementCount, domain.elementIncluded.data(), domain.outputIsPacked};
 }
 
-// Only the label is written of a column that is missing or has no values.
+// Writes only the label if the column is missing or has no values.
 void writeColumn(Output& out, OutputVar& var, std::size_t column, const Extent& extent,
                  std::string_view label) {
     model::Column none;
@@ -153,13 +153,13 @@ void writeColumn(Output& out, OutputVar& var, std::size_t column, const Extent& 
 void writeScalars(Output& out, const ScalarRow& row) {
     Domain& domain = out.domain;
     const std::string_view present = row.presentWith.empty() ? row.key : row.presentWith;
-    if ((row.domains & domain.tag) == 0 || !isShown(domain, present, row.option)) return;
+    if ((row.domains & domain.tag) == 0 || !isWritten(domain, present, row.option)) return;
     writeColumn(out, model::outputVar(domain, row.key), row.column,
                 row.ofElements ? elements(domain) : nodes(domain), row.label);
 }
 
 void writeFamily(Output& out, const FamilyRow& row) {
-    if (!isShown(out.domain, row.key, row.option)) return;
+    if (!isWritten(out.domain, row.key, row.option)) return;
     OutputVar& var = model::outputVar(out.domain, row.key);
     const std::vector<std::string>& names = run.*row.names;
     for (std::size_t member = 0; member < names.size(); ++member)
@@ -167,9 +167,9 @@ void writeFamily(Output& out, const FamilyRow& row) {
                     "POINT_DATA,SCALARS " + names[member] + " float");
 }
 
-// Immobile species are not exchanged: their arrays are zeros.
+// Immobile species are not exchanged: writes zeros for them.
 void writeExchange(Output& out, const ArrayRow& row) {
-    if (!isShown(out.domain, row.key, row.option)) return;
+    if (!isWritten(out.domain, row.key, row.option)) return;
     OutputVar& var = model::outputVar(out.domain, row.key);
     for (std::size_t mobile = 0; mobile < var.columns.size(); ++mobile)
         writeColumn(out, var, mobile, nodes(out.domain), row.label);
@@ -183,13 +183,13 @@ void writeNodeLink(Output& out) {
     const Domain& domain = out.domain;
     if (domain.tag == model::tags::pm) return;
     if (++out.dataIndex == 1) {
-        line(out, "");
-        line(out, "POINT_DATA " + count(domain.nodeCount));
+        writeLine(out, "");
+        writeLine(out, "POINT_DATA " + count(domain.nodeCount));
     }
-    line(out, "SCALARS 3D_node int");
-    line(out, "LOOKUP_TABLE default");
+    writeLine(out, "SCALARS 3D_node int");
+    writeLine(out, "LOOKUP_TABLE default");
     for (std::size_t i = 0; i < static_cast<std::size_t>(domain.nodeCount); ++i)
-        if (domain.nodeIncluded[i]) line(out, wideInteger(domain.linkToPm[i]));
+        if (domain.nodeIncluded[i]) writeLine(out, wideInteger(domain.linkToPm[i]));
 }
 
 void writeNodeData(Output& out) {
@@ -203,7 +203,7 @@ void writeNodeData(Output& out) {
 }
 
 void writeVectors(Output& out, const ArrayRow& row) {
-    if (!isShown(out.domain, row.key, row.option)) return;
+    if (!isWritten(out.domain, row.key, row.option)) return;
     const std::vector<model::Column>& columns = model::outputVar(out.domain, row.key).columns;
     write_paraview_vector_array(columns[0].real4, columns[1].real4, columns[2].real4,
                                 elements(out.domain), row.label, ++out.dataIndex, out.unit);

@@ -7,6 +7,7 @@ using enum model::Option;
 
 namespace {
 
+// Environmental head has the name of ice saturation.
 // clang-format off
 constexpr ScalarRow nodeScalarRows[] = {
     {"head", anyDomain, heads, "POINT_DATA,SCALARS head float"},

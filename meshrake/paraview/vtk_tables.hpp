@@ -9,8 +9,8 @@
 #include <string_view>
 #include <vector>
 
-// The arrays of a legacy VTK file, in the order of the file. A key is that of a row in the table of
-// variables. A label is the keyword of the section, a comma, and the line of the array.
+// The arrays of a legacy VTK file, in the order of the file. A key is that of a row in the variable
+// table. A label is the keyword of the section, a comma, and the line of the array.
 namespace paraview {
 
 // One column of a variable.
@@ -21,7 +21,7 @@ struct ScalarRow {
     std::string_view label;
     std::size_t column = 0;
     bool ofElements = false;
-    std::string_view presentWith{}; // key of the variable that must exist, if it is another one
+    std::string_view presentWith{}; // key of the variable that must exist; empty: `key`
 };
 
 // Each column of a variable under the name of its species or mixing fraction.

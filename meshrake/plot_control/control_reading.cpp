@@ -25,12 +25,12 @@ struct Line {
     std::string folded; // the same in lower case
 };
 
-// False at the end of the text.
+// Reads the next line. Returns false at the end of the text.
 bool nextLine(Line& line) {
     std::string raw;
     const int status = io_layer::readLine(run.controlUnit, raw);
     if (status == io_layer::endOfFile) return false;
-    if (status != io_layer::ok) endUnreadable(status);
+    if (status != io_layer::ok) endRunUnreadable(status);
     line.typed = StringHelpers::cut(raw, lineLimit);
     line.folded = line.typed;
     StringHelpers::lcase(line.folded);
@@ -54,19 +54,20 @@ void reportUnrecognized(const Line& line) {
     }
 }
 
-// Null for a line that is not an instruction of this section. `domain` is that of a block.
+// Returns null for a line that is not an instruction of this section. `domain` is that of a block.
 const InstructionRow* findInstruction(Section section, const Line& line,
                                       const Domain* domain = nullptr) {
-    const auto isMeant = [&](const InstructionRow& row) {
+    const auto matches = [&](const InstructionRow& row) {
         if (row.section != section) return false;
         if (section != Section::domainBlock) return row.words == line.folded;
         return (row.domains & domain->tag) && instructionLine(row, domain->name) == line.folded;
     };
     const auto table = instructionTable();
-    const auto it = std::find_if(table.begin(), table.end(), isMeant);
+    const auto it = std::find_if(table.begin(), table.end(), matches);
     return it == table.end() ? nullptr : &*it;
 }
 
+// Returns false if the line is not that of an option.
 bool disableOption(Domain& domain, const Line& line) {
     for (const model::OptionRow& row : model::optionTable) {
         if (row.cleared == model::Option::none) continue;
@@ -107,7 +108,7 @@ void readPlotControlInit() {
         if (const InstructionRow* instruction = findInstruction(Section::first, line)) {
             instruction->execute(nullptr);
         } else if (endsSection(line)) {
-            // Only binary data sets can be continued.
+            // Only binary data sets can be resumed.
             run.tecplotAppend = run.tecplotAppend && run.tecplotBinary;
             if (run.tecplotAppend) model::initTecplotAppend();
             return;

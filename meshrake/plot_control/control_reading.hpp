@@ -2,16 +2,16 @@
 
 #include "meshrake/model/domain.hpp"
 
-// Reads the control text without comments from `run.controlUnit`: a first section, then a block for
-// each domain to write, with instructions and the lines that disable its options. The first 60
-// characters of a line count, in any case. A value that cannot be read ends the run; a line that is
-// not an instruction is reported and skipped.
+// Reads the control text without comments from `run.controlUnit`. It has a first section, then a
+// block for each domain to write, with instructions and the lines that disable its options. Only
+// the first 60 characters of a line are used, in upper or lower case. A value that cannot be read
+// ends the run. A line that is not an instruction is skipped and reported on screen and echo file.
 namespace plot_control {
 
 // Reads the first section, up to its "end".
 void readPlotControlInit();
 
-// Finds and reads the block of the domain; a domain without one is not written. For `addition`:
+// Finds and reads the block of the domain. A domain without a block is not written. For `addition`
 // reads the instructions that may be anywhere after the first section.
 void readPlotControl(model::Domain& domain);
 

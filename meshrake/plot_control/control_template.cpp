@@ -12,12 +12,12 @@ using model::run;
 
 namespace {
 
-void line(const std::string& text) {
+void writeLine(const std::string& text) {
     file_units::writeLine(run.controlUnit, text);
 }
 
-void comment(std::string_view text) {
-    line("! " + std::string(text));
+void writeComment(std::string_view text) {
+    writeLine("! " + std::string(text));
 }
 
 bool hasObservations(const InstructionRow& row) {
@@ -26,50 +26,50 @@ bool hasObservations(const InstructionRow& row) {
             file_units::exists(model::fileName(run.problemPrefix + std::string(row.observations))));
 }
 
-void instructionLines(const InstructionRow& row, std::string_view tag) {
-    line((row.isActive ? "" : "! ") + instructionLine(row, tag));
+void writeInstruction(const InstructionRow& row, std::string_view tag) {
+    writeLine((row.isActive ? "" : "! ") + instructionLine(row, tag));
     for (std::string_view values = row.exampleValues; !values.empty();) {
         const std::string_view first = values.substr(0, values.find('\n'));
-        comment(first);
+        writeComment(first);
         values.remove_prefix(std::min(first.size() + 1, values.size()));
     }
 }
 
-void sectionLines(Section section) {
+void writeSection(Section section) {
     for (const InstructionRow& row : instructionTable())
-        if (row.section == section) instructionLines(row, "");
+        if (row.section == section) writeInstruction(row, "");
 }
 
-void blockLines(const Domain& domain) {
-    line(domain.writeDomain.label);
+void writeBlock(const Domain& domain) {
+    writeLine(domain.writeDomain.label);
     for (const model::OptionRow& row : model::optionTable)
-        if (row.inTemplate & domain.tag) comment(model::optionOf(domain, row.option).label);
+        if (row.inTemplate & domain.tag) writeComment(model::optionOf(domain, row.option).label);
     for (const InstructionRow& row : instructionTable())
-        if ((row.domains & domain.tag) && hasObservations(row)) instructionLines(row, domain.name);
+        if ((row.domains & domain.tag) && hasObservations(row)) writeInstruction(row, domain.name);
 }
 
 } // namespace
 
 void writePlotControlInit() {
-    sectionLines(Section::first);
-    line("end");
+    writeSection(Section::first);
+    writeLine("end");
 }
 
 void writePlotControl(const Domain& domain) {
     if (!domain.exists) return;
     if (domain.tag == model::tags::addition) {
-        comment("Additional post-processing commands");
-        sectionLines(Section::afterFirst);
+        writeComment("Additional post-processing commands");
+        writeSection(Section::afterFirst);
     } else {
-        blockLines(domain);
+        writeBlock(domain);
     }
-    line("end");
-    line("!" + std::string(45, '-'));
+    writeLine("end");
+    writeLine("!" + std::string(45, '-'));
 }
 
 void writePlotControlEnd() {
-    line("write time series file");
-    line("end");
+    writeLine("write time series file");
+    writeLine("end");
 }
 
 } // namespace plot_control

@@ -2,8 +2,8 @@
 
 #include "meshrake/model/domain.hpp"
 
-// Writes the control file of a problem that has none, on `run.controlUnit`: all instructions that
-// apply to the problem, nearly all as comments. A run that reads it uses the defaults.
+// Writes the control file of a problem that has none, on `run.controlUnit`. It has all instructions
+// that apply to the problem, nearly all as comments. A run that reads it uses the defaults.
 namespace plot_control {
 
 // Writes the first section.

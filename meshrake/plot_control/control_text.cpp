@@ -12,7 +12,7 @@ namespace {
 constexpr std::size_t lineLimit = 256;
 constexpr std::string_view includeWord = "include";
 
-// Reads the next line that is not a comment, without leading blanks; false at the end.
+// Reads the next line that is not a comment, without leading blanks. Returns false at the end.
 bool nextLine(int unit, std::string& line) {
     std::string raw;
     while (file_units::readLine(unit, raw, io_layer::LongLine::cut)) {

@@ -30,7 +30,7 @@ void readTimeConversion(Domain*) {
     run.timeConversion = true;
 }
 
-// A line for each of x, y and z.
+// Reads a line for each of x, y and z.
 void readRanges(std::array<double, 6>& r) {
     readValues({{&r[0], &r[1]}, {&r[2], &r[3]}, {&r[4], &r[5]}});
 }
@@ -63,7 +63,8 @@ constexpr std::string_view wholeMesh =
 constexpr std::string_view allLayers =
     "-0.10000E+21 0.10000E+21\n-0.10000E+21 0.10000E+21\n           0        1000";
 
-// What a row leaves out: first section, a comment in the template, no values.
+// A row that omits these fields is for the first section, is a comment in the template, and has no
+// values.
 constexpr InstructionRow table[] = {
     {.words = "tecplot mode",
      .execute = [](Domain*) { run.tecplotMode = true; },

@@ -22,26 +22,26 @@ struct InstructionRow {
     model::DomainSet domains = 0; // Section::domainBlock: where it is recognized
 
     // Reads the values from the next lines and sets what is requested. `domain` is null in the
-    // first section, the domain of the block, or `addition` after the first section. A value that
-    // cannot be read ends the run.
+    // first section, the domain of the block in a block, otherwise `addition`. A value that cannot
+    // be read ends the run.
     void (*execute)(model::Domain* domain) = nullptr;
 
     // Template
     bool isActive = false;            // the line is not a comment
     std::string_view exampleValues{}; // lines after it, always comments
-    // Ending of a file of observations. Without that file and the first heads of pm the template
-    // leaves the instruction out. Empty: always shown.
+    // Ending of the name of a file of observations. Without that file and the first heads of pm the
+    // template omits the instruction. Empty: never omitted.
     std::string_view observations{};
 
-    // Documentation: what the value lines hold, and a sentence.
-    std::string_view values{};
-    std::string_view effect{};
+    // Documentation
+    std::string_view values{}; // what the value lines contain
+    std::string_view effect{}; // a sentence
 };
 
-// In the order of the template.
+// Returns the rows in the order of the template.
 std::span<const InstructionRow> instructionTable();
 
-// The line of the control file, for a domain with this tag.
+// Returns the line of the control file, for a domain with this tag.
 std::string instructionLine(const InstructionRow& row, std::string_view tag);
 
 } // namespace plot_control

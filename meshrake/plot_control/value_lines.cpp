@@ -20,13 +20,13 @@ int readItems(std::initializer_list<free_form::Item> items) {
 
 } // namespace
 
-void endUnreadable(int status) {
+void endRunUnreadable(int status) {
     error::input_error_stat(status, "Error reading " + run.problemPrefix + ".plot.control file");
 }
 
 void readValues(std::initializer_list<std::initializer_list<free_form::Item>> lines) {
     for (const auto& items : lines)
-        if (const int status = readItems(items); status != io_layer::ok) endUnreadable(status);
+        if (const int status = readItems(items); status != io_layer::ok) endRunUnreadable(status);
 }
 
 void readOutputFileSuffix() {

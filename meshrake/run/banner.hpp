@@ -7,7 +7,8 @@ namespace run {
 // Writes the program's banner on a file unit; a unit below 1 is the screen.
 void header(int unit);
 
-// Writes the message, unless it is empty, and the closing lines. Ends the run with status 0.
+// Writes the message, unless it is empty, and the closing lines on screen and echo file. Closes all
+// files and ends the run with status 0.
 [[noreturn]] void normalExitStop(std::string_view message = {});
 
 } // namespace run

@@ -18,7 +18,8 @@ namespace {
 
 const std::string scratchFile = "scratch_plot";
 
-// All runs in a folder share the file. Each holds its lock from the first write to the last read.
+// Opens the file, which all runs in a folder share, and locks it. The lock is held from the first
+// write to the last read.
 int openScratchFile() {
     const int unit = file_units::getUnit();
     const auto open = [unit](bool wait) {
@@ -34,7 +35,7 @@ int openScratchFile() {
 }
 
 void readControl(const std::string& name, Domains& domains) {
-    // Open first: a scratch file that is a link to the control file is then refused.
+    // The control file is opened first, so that a scratch file that is a link to it is refused.
     const int control = file_units::openTextRead(name);
     const int scratch = openScratchFile();
     plot_control::strip_comments(control, scratch);

@@ -15,7 +15,7 @@ using model::Domain;
 
 namespace {
 
-// Writes the arrays of the zone that the plot file has just received.
+// Writes the mesh and the values of the last zone as a legacy VTK file.
 void writeForParaview(Domain& domain) {
     if (model::run.paraviewMode && domain.writeDomain.enabled) paraview::multiParaview(domain);
 }
@@ -62,7 +62,7 @@ void createDomains(Domains& d) {
 
 bool pmNeededByCommonNodeDomains(const Domains& d) {
     if (d.pm.writeDomain.enabled) return false;
-    // Not dual: if pm is not read, a common-node dual has no columns of pm.
+    // dual does not count, on purpose: a common-node dual then has no columns of pm.
     const Domain* others[] = {&d.frac, &d.olf, &d.well, &d.tile, &d.chan};
     return std::any_of(std::begin(others), std::end(others), [](const Domain* domain) {
         return domain->couplingScheme == 0 && domain->writeDomain.enabled;

@@ -6,22 +6,24 @@
 
 namespace run {
 
-// The domains of a run. At each output time pm is processed first; the others see its new values.
+// The domains of a run. At each output time pm is processed first, because the others use its new
+// values.
 struct Domains {
     model::Domain pm, dual, olf, frac, chan, well, tile;
     model::Domain addition; // only for instructions
 };
 
-// The order in which domains are read from the control file, processed and closed.
+// Returns the domains in the order in which they are read from the control file, processed and
+// closed.
 std::array<model::Domain*, 7> processingOrder(Domains& domains);
 
-// Reads the mesh of all domains, in the order of the global node numbers.
+// Creates all domains and reads their meshes, in the order of the global node numbers.
 void createDomains(Domains& domains);
 
-// True if pm must be read although it is not written: a common-node domain is.
+// True if pm is not written but must be read, because a common-node domain is written.
 bool pmNeededByCommonNodeDomains(const Domains& domains);
 
-// Process the first output time, and a later one, of all domains.
+// Process all domains at the first output time and at a later one.
 void initAll(Domains& domains);
 void appendAll(Domains& domains);
 

@@ -15,11 +15,11 @@ namespace {
 
 const std::string batchFile = "batch.pfx";
 constexpr std::size_t prefixLength = 300;
-// A program that answers the prompt may never stop.
+// Limits the answers to the prompt, because a program that answers it may never stop.
 constexpr int maximumLines = 1000;
 
-// Reads the first word on the unit, and skips blank lines before it. `lines` counts the lines that
-// were read; too many from the standard input end the run.
+// Reads the first word on the unit and skips blank lines before it. `lines` counts the lines that
+// were read. Too many lines from the standard input end the run.
 int readPrefix(int unit, std::string& prefix, int& lines) {
     std::string line;
     for (;; ++lines) {

@@ -5,9 +5,9 @@
 
 namespace run {
 
-// Returns the prefix of the problem's files from `batch.pfx`. If a file with this prefix and
-// `extension` does not exist, asks for the prefix on the screen until one does, and sets
-// `answered`. The end of the standard input ends the run.
+// Returns the prefix of the problem's files from `batch.pfx`. If no file with this prefix and
+// `extension` exists, asks for the prefix on the screen until one exists, and sets `answered` to
+// true. The end of the standard input, and 1000 lines without a valid prefix, end the run.
 std::string getModelPrefix(std::string_view extension, bool& answered);
 
 // Replaces `batch.pfx` by one with this prefix. A failed open is reported on the screen; a failed

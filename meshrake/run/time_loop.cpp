@@ -16,7 +16,7 @@ std::string timeLine() {
     return model::run.timeSuffix + ": " + model::run.currentTimeText;
 }
 
-// Reads the time of the current index from its result files; false if there are none.
+// Reads the time of the current index from its result files. Returns false if none exists.
 bool findOutputTime() {
     model::run.timeSuffix = model::outputTimeIndex(model::run.timeIndex);
     bool found = false;
@@ -48,7 +48,7 @@ void timeLoop(Domains& domains) {
             firstInWindowFound = true;
         }
         if (model::run.timeIndex == model::run.firstTimeIndex) {
-            // Also without any output time: the mesh and its properties are still written.
+            // Without any output time, mesh and properties are written all the same.
             initAll(domains);
             recordProgress();
             if (!found) return;

@@ -4,8 +4,9 @@
 
 namespace run {
 
-// Processes the output times from `startTimeIndex` of the run on, up to the first index without
-// result files. The first one in the time window creates the data sets; each later one adds a zone.
+// Processes the output times from `run.startTimeIndex` to the last index before one without result
+// files. The first output time in the time window creates the data sets; each later one adds a
+// zone. Without any output time, zone 1 has the mesh and its properties alone.
 void timeLoop(Domains& domains);
 
 } // namespace run

@@ -84,9 +84,9 @@ void diffPecletRead(Domain& domain, const VariableRow& row, OutputVar& var) {
 
 namespace {
 
-// Returns the row with the spelling whose file exists. On a file system that ignores case, both are
-// names of the same file. An appending run may find a file of either spelling at output time 1 only.
-// plainInit falls back to that file with the stem of its row, so the stem is selected here.
+// Returns the row with the spelling whose file exists. If the file system ignores case, both are
+// names of the same file. An appending run may find a file of either spelling at output time 1
+// only. plainInit falls back to that file with the stem of its row, so the stem is selected here.
 VariableRow withSpelling(const Domain& domain, const VariableRow& row, std::string_view first,
                          std::string_view second) {
     VariableRow spelled = row;
