@@ -14,7 +14,7 @@ constexpr std::string_view key = "tvTopo";
 
 // If an appending run has no file at its first output time, it uses the file of the first output
 // time in the time window. Other variables fall back to output time 1.
-bool findFirst(const Domain& domain, std::string_view stem, std::string& name) {
+bool findFirstFile(const Domain& domain, std::string_view stem, std::string& name) {
     name = plot_data::variableFile(domain, stem);
     return plot_data::checkFileInit(name, run.appendFirstIndex);
 }
