@@ -1,7 +1,7 @@
 #include "fuzz/support.hpp"
 
+#include "companion/data_set/data_set_file.hpp"
 #include "meshrake/meshrake.hpp"
-#include "tools/data_set_file.hpp"
 #include "tvncommon/diagnostics/error.hpp"
 #include "tvncommon/io/io_layer.hpp"
 #include "tvncommon/io/system_calls.hpp"

@@ -6,8 +6,8 @@
 // to a row. --headers leaves out the arrays. An invalid file ends the program with status 1, with
 // the position of the first fault in a binary file.
 
-#include "tools/data_set_file.hpp"
-#include "tools/text_data_set.hpp"
+#include "companion/data_set/data_set_file.hpp"
+#include "tests/support/text_data_set.hpp"
 
 #include <cstdio>
 #include <exception>

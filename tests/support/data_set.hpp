@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tools/text_data_set.hpp"
+#include "tests/support/text_data_set.hpp"
 
 #include <string>
 #include <vector>

@@ -1,6 +1,6 @@
 #include "tests/tecio/tecio_calls.hpp"
 
-#include "tools/data_set_file.hpp"
+#include "companion/data_set/data_set_file.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
+#include "companion/data_set/data_set_file.hpp"
 #include "tecio/own_functions.hpp"
 #include "tests/support/power_cut.hpp"
 #include "tests/support/runs.hpp"
 #include "tests/tecio/tecio_calls.hpp"
-#include "tools/data_set_file.hpp"
 #include "tvncommon/io/system_calls.hpp"
 
 #include <gtest/gtest.h>

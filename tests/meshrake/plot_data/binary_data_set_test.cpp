@@ -1,6 +1,6 @@
+#include "companion/data_set/data_set_file.hpp"
 #include "tests/support/data_set.hpp"
 #include "tests/support/runs.hpp"
-#include "tools/data_set_file.hpp"
 
 #include <gmock/gmock.h>
 

@@ -1,6 +1,6 @@
+#include "companion/data_set/data_set_file.hpp"
 #include "tests/support/data_set.hpp"
 #include "tests/support/faulty_calls.hpp"
-#include "tools/data_set_file.hpp"
 
 #include <cerrno>
 #include <sys/wait.h>

@@ -1,4 +1,4 @@
-#include "tools/text_data_set.hpp"
+#include "tests/support/text_data_set.hpp"
 
 #include <algorithm>
 #include <cstdlib>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tools/data_set_file.hpp"
+#include "companion/data_set/data_set_file.hpp"
 
 #include <string>
 #include <vector>

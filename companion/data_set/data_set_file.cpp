@@ -1,4 +1,4 @@
-#include "tools/data_set_file.hpp"
+#include "companion/data_set/data_set_file.hpp"
 
 #include <algorithm>
 #include <array>
