@@ -13,7 +13,7 @@ if [[ $# -gt 0 && $1 != -* ]]; then
     shift
 fi
 
-tools/install_packages.sh tests
+tools/install_packages.sh tool tests
 tools/build.sh "$preset" "$@"
 
 log=$(mktemp)

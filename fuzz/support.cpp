@@ -216,9 +216,8 @@ void checkClosed() {
 void checkDataSets() {
     for (const auto& [name, bytes] : disk.changed) {
         if (!bytes || !name.ends_with(".szplt")) continue;
-        std::istringstream in(*bytes);
         try {
-            data_set_file::read(in);
+            data_set_file::read(name);
         } catch (const std::runtime_error& fault) {
             require(false, name + " is no data set: " + fault.what());
         }

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installs the packages that a build needs and that are missing, or says what to install.
 #
-#   tools/install_packages.sh [tests] [bench] [fuzz] [valgrind]
+#   tools/install_packages.sh [tool] [tests] [bench] [fuzz] [valgrind]
 #
 # Changes nothing if all packages are installed. It installs as root, or with a sudo that asks for
 # no password; otherwise it ends with status 1.
@@ -22,6 +22,7 @@ missing_packages() {
     has_command c++ || echo g++
     for group in "$@"; do
         case $group in
+        tool) has_header CLI/CLI.hpp || echo libcli11-dev ;;
         tests)
             has_header gtest/gtest.h || echo libgtest-dev
             has_header gmock/gmock.h || echo libgmock-dev

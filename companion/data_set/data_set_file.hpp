@@ -1,27 +1,39 @@
 #pragma once
 
+#include "tvncommon/io/byte_file.hpp"
+
 #include <cstdint>
-#include <iosfwd>
 #include <map>
 #include <string>
 #include <vector>
 
-// Reads binary data sets, without any of the code that writes them.
+// Reads binary data sets, without any of the code that writes them. docs/formats.md, "Binary data
+// set", describes the layout. Every function throws std::runtime_error with the name of the file,
+// the position and the fault for a file that cannot be read or that is not in the layout. Counts
+// are compared with the size of the file before memory is allocated.
 namespace data_set_file {
 
-// All values as 64-bit reals, which hold those of every type.
+// One output time of a domain.
 struct Zone {
     std::string title;
-    std::int32_t type = 0;
-    std::int32_t strand = -1;
+    std::int32_t type = 0;    // 1 lines, 2 triangles, 3 quadrilaterals, 4 tetrahedra, 5 bricks
+    std::int32_t strand = -1; // below 0: the zone has no time
     double time = 0;
     std::int64_t nodes = 0, elements = 0;
-    std::vector<std::int32_t> types;         // 1 float, 2 double, 3 32-bit integer
-    std::vector<bool> centred;               // the variable has a value for each element
-    std::vector<std::int32_t> shares;        // zone from 1 that has the values, 0: this one
-    std::int32_t connectivityShare = 0;      // zone from 1 that has the node lists, 0: this one
-    std::vector<std::vector<double>> values; // by variable, empty where shared
-    std::vector<std::int32_t> elementNodes;  // from 1, element by element
+    std::vector<std::int32_t> types;    // by variable: 1 float, 2 double, 3 32-bit integer
+    std::vector<bool> centred;          // the variable has a value for each element
+    std::vector<std::int32_t> shares;   // zone from 1 that has the values, 0: this one
+    std::int32_t connectivityShare = 0; // zone from 1 that has the node lists, 0: this one
+
+    // Where the arrays are in the file, those of shared ones in the data of the earlier zone.
+    std::vector<std::int64_t> valuesAt; // by variable
+    std::int64_t elementNodesAt = 0;
+    std::vector<double> ranges; // least and greatest value of each variable that is not shared
+
+    // Filled by `read` alone; empty where shared. The values are 64-bit reals, which hold those of
+    // every type.
+    std::vector<std::vector<double>> values;
+    std::vector<std::int32_t> elementNodes; // from 1, element by element
 };
 
 struct DataSet {
@@ -34,8 +46,42 @@ struct DataSet {
     std::int64_t trailing = 0; // bytes after the last zone
 };
 
-// Throws std::runtime_error, with the position, for what is not in the layout.
+// A file that is open for reading; the destructor closes it.
+struct File {
+    explicit File(std::string name);
+    ~File();
+    File(const File&) = delete;
+    File& operator=(const File&) = delete;
+
+    std::string path;
+    std::int64_t size = 0;
+    byte_file::File bytes;
+};
+
+// Reads the headers, and the beginning of the data of each zone, but neither values nor node lists.
+// All arrays of the zones are inside the file.
+DataSet scan(File& file);
+
+// Number of nodes of an element, by zone type.
+std::int64_t cornersOf(const Zone& zone);
+
+// Number of values of a variable (from 0), and the bytes of one.
+std::int64_t valueCount(const Zone& zone, std::size_t variable);
+std::int64_t valueBytes(const Zone& zone, std::size_t variable);
+
+// Read all values of a variable (from 0), or the one of a node or element (from 0), also if the
+// zone shares them.
+std::vector<double> readValues(const File& file, const Zone& zone, std::size_t variable);
+double readValue(const File& file, const Zone& zone, std::size_t variable, std::int64_t index);
+
+// Reads the node lists: elements by corners, node numbers from 1, also if the zone shares them.
+std::vector<std::int32_t> readElementNodes(const File& file, const Zone& zone);
+
+// Reads all values of a variable that the zone does not share, and compares them with the least and
+// greatest value in the file.
+std::vector<double> readCheckedValues(const File& file, const Zone& zone, std::size_t variable);
+
+// Reads a whole data set and compares all values with their ranges.
 DataSet read(const std::string& path);
-DataSet read(std::istream& in);
 
 } // namespace data_set_file

@@ -62,8 +62,12 @@ Ran runHere(const std::vector<std::string>& arguments) {
     EXPECT_EQ(input, 0);
     std::vector<const char*> argv{"meshrake"};
     for (const std::string& argument : arguments) argv.push_back(argument.c_str());
+    return keepStreams([&] { return meshrake_main(static_cast<int>(argv.size()), argv.data()); });
+}
+
+Ran keepStreams(const std::function<int()>& call) {
     const Keeping keeping;
-    const int status = meshrake_main(static_cast<int>(argv.size()), argv.data());
+    const int status = call();
     return {status, kept[1], kept[2]};
 }
 

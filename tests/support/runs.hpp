@@ -27,6 +27,9 @@ Ran runHere(const std::vector<std::string>& arguments = {});
 Ran runProgram(const std::string& arguments = "", const std::string& input = "",
                const std::string& shell = "exec");
 
+// Status of a call that writes to both streams, and what it wrote.
+Ran keepStreams(const std::function<int()>& call);
+
 // True with the environment variable MESHRAKE_LONG_TESTS: all errors of a call, more random states.
 bool longTests();
 

@@ -1,0 +1,74 @@
+#include "companion/screen/screen.hpp"
+
+#include "tvncommon/diagnostics/error.hpp"
+#include "tvncommon/io/io_layer.hpp"
+
+#include <stdexcept>
+
+namespace screen {
+
+namespace {
+
+void check(int status) {
+    if (status != io_layer::ok)
+        throw std::runtime_error("standard output: " + error::ioStatErrorMsg(status));
+}
+
+bool isControl(unsigned char c) {
+    return c < ' ' || c == 0x7f;
+}
+
+// U+0080 to U+009F, control characters of some terminals, in UTF-8.
+bool isLongControl(std::string_view text, std::size_t at) {
+    return text[at] == '\xc2' && at + 1 < text.size() &&
+           static_cast<unsigned char>(text[at + 1]) >= 0x80 &&
+           static_cast<unsigned char>(text[at + 1]) <= 0x9f;
+}
+
+std::string escapeOf(unsigned char c) {
+    constexpr std::string_view digits = "0123456789abcdef";
+    switch (c) {
+    case '\n':
+        return "\\n";
+    case '\r':
+        return "\\r";
+    case '\t':
+        return "\\t";
+    default:
+        return {'\\', 'x', digits[c >> 4U], digits[c & 15U]};
+    }
+}
+
+} // namespace
+
+std::string printable(std::string_view text) {
+    std::string out;
+    out.reserve(text.size());
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto c = static_cast<unsigned char>(text[i]);
+        if (isLongControl(text, i)) {
+            out += escapeOf(c);
+            out += escapeOf(static_cast<unsigned char>(text[++i]));
+        } else if (isControl(c)) {
+            out += escapeOf(c);
+        } else {
+            out += text[i];
+        }
+    }
+    return out;
+}
+
+void write(std::string_view text) {
+    check(io_layer::writeText(io_layer::screen, text));
+}
+
+void writeError(std::string_view line) {
+    io_layer::writeLine(io_layer::standardError, line);
+    io_layer::flush(io_layer::standardError);
+}
+
+void flush() {
+    check(io_layer::flush(io_layer::screen));
+}
+
+} // namespace screen
