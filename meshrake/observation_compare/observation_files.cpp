@@ -23,7 +23,7 @@ constexpr std::int64_t minimumLineBytes = 2;
 
 void readItems(int unit, std::span<const free_form::Item> items) {
     const auto nextLine = [unit](std::string& line) { return file_units::readLine(unit, line); };
-    error::checkFileRead(free_form::readItems(nextLine, items, free_form::LeftOut::refused),
+    error::checkFileRead(free_form::readItems(nextLine, items, free_form::MissingValue::refused),
                          io_layer::pathOf(unit));
 }
 

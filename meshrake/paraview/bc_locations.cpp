@@ -62,8 +62,9 @@ std::int32_t readPointCount(int unit) {
 void readNumbers(int unit, std::span<double> numbers) {
     const auto line = [unit](std::string& text) { return nextLine(unit, text); };
     for (double& number : numbers)
-        error::checkFileRead(free_form::readReals(line, {&number, 1}, free_form::LeftOut::refused),
-                             io_layer::pathOf(unit));
+        error::checkFileRead(
+            free_form::readReals(line, {&number, 1}, free_form::MissingValue::refused),
+            io_layer::pathOf(unit));
 }
 
 void writeHead(int unit) {

@@ -63,8 +63,8 @@ int writeTo(int unit, std::span<const std::string_view> lines) {
     return status == io_layer::ok ? io_layer::flush(unit) : status;
 }
 
-// Returns the status of the logging unit. A failure of the standard error stream is ignored:
-// nothing is left to report it to.
+// Returns the status of the logging unit. A failure of the standard error stream is ignored,
+// because it cannot be reported anywhere.
 int writeToAll(std::span<const std::string_view> lines) {
     const int status = state.loggingUnit > 0 ? writeTo(state.loggingUnit, lines) : io_layer::ok;
     writeTo(io_layer::standardError, lines);
@@ -103,7 +103,7 @@ void checkFile(int iostat, std::string_view what, std::string_view filename) {
     fatalErrorStat(iostat, std::string(what) + std::string(trimRight(filename)));
 }
 
-// For a run that continues: a failure of the logging unit must not be ignored.
+// For functions that return: the run continues, so a failure of the logging unit must end it.
 void checkLog(int status) {
     checkFileWrite(status, io_layer::pathOf(state.loggingUnit));
 }
@@ -156,7 +156,7 @@ void checkFileWrite(int iostat, std::string_view filename) {
     checkFile(iostat, "Error writing file: ", filename);
 }
 
-// The pieces are written one by one, because a composed text would need memory.
+// Writes the pieces one by one, because a composed text would need memory.
 void check_alloc(int stat, std::string_view name) {
     if (stat == 0) return;
     const std::string_view detail = statusText(stat);

@@ -18,17 +18,18 @@ struct RunEnded {
 // Restores the state of a program start: no logging unit.
 void reset();
 
-// Banner "*** FATAL ERROR, HALTING EXECUTION ***" with the message; ends the run.
+// Ends the run with the banner "*** FATAL ERROR, HALTING EXECUTION ***" and the message.
 [[noreturn]] void fatalError(std::string_view message);
 
-// Banner "*** INPUT ERROR, HALTING EXECUTION ***", for wrong input of the user; ends the run.
+// Ends the run with the banner "*** INPUT ERROR, HALTING EXECUTION ***", for wrong input of the
+// user, and the message.
 [[noreturn]] void input_error(std::string_view message);
 
-// Banner "***      WARNING MESSAGE      ***"; returns.
+// Writes the banner "***      WARNING MESSAGE      ***" with the message, and returns.
 void warningMsg(std::string_view message);
 
-// The same three with the text and number of a status of the I/O layer after the message. They do
-// not test the status: 0 ends the run too.
+// The same three, with the text and number of a status of the I/O layer after the message. They do
+// not test the status: 0 also ends the run.
 [[noreturn]] void fatalErrorStat(int iostat, std::string_view message);
 [[noreturn]] void input_error_stat(int iostat, std::string_view message);
 void warningMsgStat(int iostat, std::string_view message);
@@ -42,8 +43,8 @@ void checkFileWrite(int iostat, std::string_view filename);
 // Allocates no memory.
 void check_alloc(int stat, std::string_view name);
 
-// Writes a banner and returns, for a process that can throw no exception: the allocation banner for
-// "working memory", or the banner of an internal error. Allocates no memory.
+// Writes a banner and returns, for a process that cannot throw an exception. It is the allocation
+// banner for "working memory" or the banner of an internal error. Allocates no memory.
 void writeLastBanner(bool memoryExhausted);
 
 // Ends the run with the dimensioning banner if more is requested than the default of the array size

@@ -26,7 +26,7 @@ std::string trimmed(std::string_view text) {
     return std::string(StringHelpers::trimRight(text));
 }
 
-// The lines of the queue; the caller writes an empty line after each.
+// Returns the lines to print. The caller writes an empty line after each.
 std::vector<std::string> queueLines() {
     if (state.count == 0) return {"No warnings were raised."};
     std::vector<std::string> lines{"There was 1 warning raised."};

@@ -11,7 +11,7 @@ namespace warning_messages {
 // set.
 void reset();
 
-// From now on warnings are dropped, shown as banners at once, or collected.
+// Warnings after the call are dropped, shown as banners at once, or collected, in this order.
 void warnOff();
 void warnNow();
 void warnLater();

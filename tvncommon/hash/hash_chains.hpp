@@ -13,10 +13,10 @@
 #include <utility>
 #include <vector>
 
-// Chained hash tables from keys to 32-bit integers. `Kind` defines how a node stores a key (`Key`),
-// how a key is passed (`View`) and looked up (`LookupKey`), its hash function, when two keys are
-// the same, and the names in messages. A failed allocation and a hash function that returns no
-// bucket number end the run.
+// Chained hash tables from keys to 32-bit integers. `Kind` defines how a node stores a key (`Key`)
+// and how a key is passed (`View`) and looked up (`LookupKey`). It also has the hash function, the
+// comparison of keys and the names in messages. A failed allocation, and a hash function that does
+// not return a bucket number, end the run.
 namespace hash_chains {
 
 // Names in messages.
@@ -24,7 +24,8 @@ struct Names {
     std::string_view table, iterator, buckets, node;
 };
 
-// Nodes are numbered from 1 by their position in `Table::nodes`; 0 is the end of a list.
+// Entry of a table. Nodes are numbered from 1 by their position in `Table::nodes`; 0 is the end of
+// a list.
 template<class Kind>
 struct ListNode {
     typename Kind::Key key{};
@@ -45,16 +46,17 @@ struct Table {
     std::int32_t freeNode = 0; // first of the list of erased nodes
 };
 
-// Position in a walk through all nodes, bucket by bucket. An insertion or erasure invalidates it.
+// Position in an iteration over all nodes, bucket by bucket. An insertion or erasure invalidates
+// it.
 struct Iterator {
-    std::int32_t next = 0;  // the next node, 0 at the end
-    std::size_t bucket = 0; // the bucket, from 0, after that of `next`
+    std::int32_t next = 0;  // next node, 0 at the end
+    std::size_t bucket = 0; // bucket, from 0, after that of `next`
 };
 
 // Returns the first of a fixed list of primes that is not below `n`, or the last prime of the list.
 std::int32_t getPrimeBucketCount(std::int64_t n);
 
-// Returns the least number of buckets for this number of entries.
+// Returns the least number of buckets that keeps the load factor of this number of entries.
 std::int64_t bucketsFor(std::int32_t entries);
 
 constexpr std::int32_t maxBucketCount() {
@@ -111,7 +113,7 @@ float loadFactor(const Table<Kind>& table) {
     return static_cast<float>(table.size) / static_cast<float>(table.bucketCount);
 }
 
-// Ends the run: `bucket` is not a bucket number.
+// Ends the run because `bucket` is not a bucket number.
 [[noreturn]] void noSuchBucket(std::int64_t bucket, std::int32_t count, const Names& names);
 
 // Returns the index, from 0, of a bucket number from 1 to `count`; any other number ends the run.

@@ -30,13 +30,13 @@ std::int32_t elementOfLayer(std::int32_t planElement, std::int32_t layer) {
 }
 
 // Reports a point that no element contains, and returns `nearest`, or 0 after an error.
-std::int32_t elementOutside(const std::string& what, const std::string& place, bool moved,
+std::int32_t elementOutside(const std::string& what, const std::string& at, bool useNearest,
                             std::int32_t nearest) {
-    if (!moved) {
-        report(what, place);
+    if (!useNearest) {
+        report(what, at);
         return 0;
     }
-    reportFallback(what + ": using nearest element", place);
+    reportFallback(what + ": using nearest element", at);
     return nearest;
 }
 
@@ -101,12 +101,12 @@ void setWarnOnFallback(bool on) {
     state.warnOnFallback = on;
 }
 
-void report(std::string_view message, const std::string& place) {
-    state.errorCallback(std::string(message) + "\n" + place);
+void report(std::string_view message, const std::string& at) {
+    state.errorCallback(std::string(message) + "\n" + at);
 }
 
-void reportFallback(std::string_view message, const std::string& place) {
-    if (state.warnOnFallback) state.warnCallback(std::string(message) + "\n" + place);
+void reportFallback(std::string_view message, const std::string& at) {
+    if (state.warnOnFallback) state.warnCallback(std::string(message) + "\n" + at);
 }
 
 std::int32_t findElement2D(double x, double y) {
@@ -123,21 +123,22 @@ std::int32_t findElement2DUnchecked(double x, double y) {
 
 std::int32_t findElement3D(double x, double y, double z, std::optional<std::int32_t> hint) {
     const std::string name = "findElement3D: ";
-    const bool move = state.nearestFallback;
+    const bool useNearest = state.nearestFallback;
     const std::int32_t plan = planElementAt(x, y, hint);
     if (plan == 0) {
-        const std::int32_t nearest = move ? findNearestElement3D(x, y, z) : 0;
-        return elementOutside(name + "point outside mesh", point(x, y, z), move, nearest);
+        const std::int32_t nearest = useNearest ? findNearestElement3D(x, y, z) : 0;
+        return elementOutside(name + "point outside mesh", point(x, y, z), useNearest, nearest);
     }
     double below = interpElementBottomIndex(plan, x, y, state.nodeZ);
-    if (z < below) return elementOutside(name + "point below mesh", point(x, y, z), move, plan);
+    if (z < below)
+        return elementOutside(name + "point below mesh", point(x, y, z), useNearest, plan);
     for (std::int32_t layer = 1; layer <= layerCount(); ++layer) {
         const std::int32_t element = elementOfLayer(plan, layer);
         const double top = interpElementTopIndex(element, x, y, state.nodeZ);
         if (below <= z && z <= top) return element;
         below = top;
     }
-    return elementOutside(name + "point above mesh", point(x, y, z), move,
+    return elementOutside(name + "point above mesh", point(x, y, z), useNearest,
                           elementOfLayer(plan, std::max(layerCount(), 1)));
 }
 

@@ -34,12 +34,12 @@ void initElementSearch(std::int32_t elementCount, std::int32_t planElementCount,
 void setErrorCallback(Callback callback);
 void setWarnCallback(Callback callback);
 
-// Whether the nearest element or corner is used for a point outside (default: no, it is an error),
-// and whether that is reported to the warning callback (default: yes).
+// Set whether the nearest element or corner is used for a point outside (default: no, it is an
+// error), and whether this is reported to the warning callback (default: yes).
 void setNearestFallback(bool on);
 void setWarnOnFallback(bool on);
 
-// Return the plan element that contains (x, y). For a point outside the second one returns 0
+// Return the plan element that contains (x, y). For a point outside, the second function returns 0
 // without an error or warning.
 std::int32_t findElement2D(double x, double y);
 std::int32_t findElement2DUnchecked(double x, double y);
@@ -55,8 +55,8 @@ std::int32_t findElementByLayer(double x, double y, std::int32_t layer);
 std::int32_t findNearestElement2D(double x, double y);
 std::int32_t findNearestElement3D(double x, double y, double z);
 
-// Inside tests. The bottom and top face belong to an element. A point on an edge in plan is in
-// elements of one direction of corners only, see FixedResolutionGrid::pointInTri.
+// Test whether a point is inside. The bottom and top face belong to an element. A point on an edge
+// in plan is in elements of one direction of corners only, see FixedResolutionGrid::pointInTri.
 bool pointInElement2D(std::int32_t element, double x, double y);
 bool pointInElement3D(std::int32_t element, double x, double y, double z);
 bool pointInTriangle2D(std::span<const double, 3> xs, std::span<const double, 3> ys, double x,
@@ -64,9 +64,9 @@ bool pointInTriangle2D(std::span<const double, 3> xs, std::span<const double, 3>
 bool pointInQuad2D(std::span<const double, 4> xs, std::span<const double, 4> ys, double x,
                    double y);
 
-// Linear interpolation of node values: in an element between its bottom and top face, on one of
-// these faces, and in plan. Quadrilaterals are divided from their first to their third node. The
-// second form of each finds the element first.
+// Interpolate node values linearly: in an element between its bottom and top face, on one of these
+// faces, and in plan. Quadrilaterals are divided from their first to their third node. The
+// functions without an index find the element first.
 double interpElement3DIndex(std::int32_t element, double x, double y, double z,
                             std::span<const double> values);
 double interpElementTopIndex(std::int32_t element, double x, double y,

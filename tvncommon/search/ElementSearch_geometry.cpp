@@ -15,9 +15,9 @@ constexpr std::array<std::size_t, 3> firstHalf{0, 1, 2}, secondHalf{0, 2, 3};
 // Returns the entry of an array for node `k` (from 0) of an element; null if there is none.
 const double* entryOf(std::span<const double> array, std::int32_t element, std::size_t k) {
     if (element < 1 || element > state.elementCount) return nullptr;
-    const std::size_t place = (static_cast<std::size_t>(element) - 1) * allNodes().count + k;
-    if (place >= state.elementNodes.size()) return nullptr;
-    const auto node = static_cast<std::size_t>(state.elementNodes[place]) - 1;
+    const std::size_t slot = (static_cast<std::size_t>(element) - 1) * allNodes().count + k;
+    if (slot >= state.elementNodes.size()) return nullptr;
+    const auto node = static_cast<std::size_t>(state.elementNodes[slot]) - 1;
     return node < array.size() ? &array[node] : nullptr;
 }
 
@@ -41,7 +41,7 @@ std::array<double, 3> pick(std::span<const double, N> four, const std::array<std
     return {four[at[0]], four[at[1]], four[at[2]]};
 }
 
-// Returns the value at the point, none outside the triangle.
+// Returns the value at the point, no value outside the triangle.
 std::optional<double> inTriangle(const std::array<double, 3>& xs, const std::array<double, 3>& ys,
                                  const std::array<double, 3>& values, double x, double y) {
     const std::array<double, 3> weights = barycentricCoords(xs, ys, x, y);
@@ -53,12 +53,12 @@ std::optional<double> inTriangle(const std::array<double, 3>& xs, const std::arr
 // Reports a point outside a face, and returns the value of the nearest corner, or 0 after an error.
 double valueOutside(const std::string& what, std::span<const double> xs, std::span<const double> ys,
                     std::span<const double> values, double x, double y) {
-    const std::string place = "point: " + pointToString2D(x, y);
+    const std::string at = "point: " + pointToString2D(x, y);
     if (!state.nearestFallback) {
-        report(what, place);
+        report(what, at);
         return 0;
     }
-    reportFallback(what + ": using value of nearest vertex", place);
+    reportFallback(what + ": using value of nearest vertex", at);
     std::size_t nearest = 0;
     double best = std::numeric_limits<double>::max();
     for (std::size_t k = 0; k < xs.size(); ++k) {
@@ -169,11 +169,11 @@ double interpElement3DIndex(std::int32_t element, double x, double y, double z,
     const double vb = interpElementBottomIndex(element, x, y, values);
     const double vt = interpElementTopIndex(element, x, y, values);
     const auto outsideFaces = [&](const std::string& what, const char* moved, double value) {
-        const std::string place = "point: " + pointToString3D(x, y, z);
+        const std::string at = "point: " + pointToString3D(x, y, z);
         if (state.nearestFallback)
-            reportFallback(what + moved, place);
+            reportFallback(what + moved, at);
         else
-            report(what, place);
+            report(what, at);
         return value;
     };
     if (z < zb)

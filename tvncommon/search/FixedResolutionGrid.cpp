@@ -13,7 +13,7 @@ namespace FixedResolutionGrid {
 
 namespace {
 
-constexpr std::int64_t mostEntries = std::numeric_limits<std::int32_t>::max() - 1;
+constexpr std::int64_t maximumEntries = std::numeric_limits<std::int32_t>::max() - 1;
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 
 // Plan corners of an element, three or four. `known` is false if the coordinate arrays lack one.
@@ -43,7 +43,7 @@ std::array<double, 4> boxOf(const FixedResGrid& grid, const Corners& corners) {
     return box;
 }
 
-// Returns the cell of a coordinate, from 0 to `highest`. Where the quotient is NaN, as in a mesh
+// Returns the cell of a coordinate, from 0 to `highest`. If the quotient is NaN, as in a mesh
 // without extent, it is the first cell.
 std::int32_t cellOf(double coordinate, double lowest, double size, std::int32_t highest) {
     const double cell = (coordinate - lowest) / size;
@@ -71,11 +71,11 @@ double crossProduct(const Corners& c, std::size_t a, std::size_t b, double atX, 
     return (c.xs[b] - c.xs[a]) * (atY - c.ys[a]) - (c.ys[b] - c.ys[a]) * (atX - c.xs[a]);
 }
 
-// Whether the inside test rejects every point that is outside the element's box by more than half a
+// True if the inside test rejects every point that is outside the element's box by more than half a
 // 256th of a cell. Rounding may make it accept such a point: an error of a cross product moves the
 // edge by the part error / area of the box. A triangle without area even accepts every point of its
 // line. The factor 4096 is 8 times the 512 of half a 256th. 1e-15 is more than four roundings of
-// 2^-53, and 1e-300 more than products lose to underflow.
+// 2^-53, and 1e-300 is more than products lose to underflow.
 bool isTestBoundedByBox(const FixedResGrid& grid, const Corners& c,
                         const std::array<double, 4>& box) {
     const double w = box[1] - box[0], h = box[3] - box[2];
@@ -139,7 +139,7 @@ void FixedResGrid::init(std::int32_t cellsX, std::int32_t cellsY, std::int32_t c
 void FixedResGrid::buildTable() {
     constexpr const char* workName = "Fixed resolution grid work array";
     const std::int64_t cells = std::int64_t{nx} * ny;
-    if (cells > mostEntries) ArrayHelpers::allocationFailed(workName);
+    if (cells > maximumEntries) ArrayHelpers::allocationFailed(workName);
     std::vector<std::int32_t> cursors;
     ArrayHelpers::allocateArray(cursors, cells, workName);
     std::int64_t entries = 0;
@@ -150,7 +150,7 @@ void FixedResGrid::buildTable() {
             ++cursors[cell];
             ++entries;
         });
-        if (entries > mostEntries) ArrayHelpers::allocationFailed(indexName);
+        if (entries > maximumEntries) ArrayHelpers::allocationFailed(indexName);
     }
 
     ArrayHelpers::allocateArray(rowIndex, cells + 1, "Fixed resolution grid row index array");

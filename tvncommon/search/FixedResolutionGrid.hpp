@@ -30,10 +30,9 @@ struct FixedResGrid {
     double dx = 0, dy = 0;                         // size of a cell
     std::span<const double> x, y;
     std::span<const std::int32_t> elementNodes;
-    std::vector<std::int32_t>
-        rowIndex; // position of each cell's first element, from 1, and the end
+    std::vector<std::int32_t> rowIndex;     // first element of each cell, from 1, and the end
     std::vector<std::int32_t> elementIndex; // elements cell by cell, ascending in each
-    std::vector<CellExtent> extents;        // of each of them; not used in a derived record
+    std::vector<CellExtent> extents;        // one for each entry; not used in a derived record
 
     FixedResGrid() = default;
     FixedResGrid(const FixedResGrid&) = default;
@@ -45,8 +44,8 @@ struct FixedResGrid {
     // Fills the arrays of the cells; a failed allocation ends the run.
     virtual void buildTable();
 
-    // Whether the plan polygon of the element contains the point. A point on an edge is in elements
-    // of clockwise or of counterclockwise corners only, see `pointInTri`.
+    // True if the plan polygon of the element contains the point. A point on an edge is in elements
+    // of one direction of corners only, see `pointInTri`.
     virtual bool pointIn(std::int32_t element, double atX, double atY) const;
 
     // Builds the grid, of at least one cell in each direction, over the first `count` elements. A
@@ -61,10 +60,10 @@ struct FixedResGrid {
     virtual std::int32_t findElement(double atX, double atY) const;
 };
 
-// Whether a triangle contains the point: it must be on the same side of all three edges. A point on
-// the line of an edge counts as left of it, and so does one whose side is unknown because of NaN.
-// So a point on an edge is in a triangle of counterclockwise corners and not in one of clockwise
-// corners.
+// True if the triangle contains the point: it must be on the same side of all three edges. A point
+// on the line of an edge counts as left of it. So does a point whose side is unknown because of
+// NaN. Therefore a point on an edge is in a triangle of counterclockwise corners, not in one of
+// clockwise corners.
 bool pointInTri(const std::array<double, 3>& xs, const std::array<double, 3>& ys, double atX,
                 double atY);
 

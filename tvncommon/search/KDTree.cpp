@@ -106,11 +106,11 @@ void Tree<D>::nearestNNeighborSearch(const Point<D>& at, std::int32_t n,
                                      std::span<double> distances, std::span<std::int32_t> indices,
                                      std::int32_t& found) const {
     found = 0;
-    const auto wanted = static_cast<std::size_t>(std::max(n, 0));
-    distances = distances.first(wanted);
+    const auto count = static_cast<std::size_t>(std::max(n, 0));
+    distances = distances.first(count);
     std::ranges::fill(distances, farthest);
-    if (empty() || wanted == 0) return;
-    nearestNNeighborSearchRec(0, at, distances, indices.first(wanted), found);
+    if (empty() || count == 0) return;
+    nearestNNeighborSearchRec(0, at, distances, indices.first(count), found);
     for (double& distance : distances.first(static_cast<std::size_t>(found)))
         distance = std::sqrt(distance);
 }

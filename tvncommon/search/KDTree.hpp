@@ -22,7 +22,8 @@ struct Box {
     std::array<double, D> lower, upper;
 };
 
-// A range of `order`: that of its two children, or of a leaf.
+// A node of the tree owns a range of `order`, which its two children divide. A leaf has no
+// children.
 template<std::size_t D>
 struct Node {
     std::int32_t first = 1, last = 0; // positions in `order`, from 1
@@ -32,9 +33,10 @@ struct Node {
     std::int32_t left = 0, right = 0; // indices in `nodes`, from 0; 0, the root, in a leaf
 };
 
-// Answers are lists of point numbers of which the first `count` entries are in use. Distances are
-// in length units; the recursive functions compare their squares. The members are virtual so that a
-// derived record can replace one; the last four are not, because they are called for every point.
+// Results are lists of point numbers of which the first `count` entries are in use. Distances are
+// in the unit of the coordinates; the recursive functions compare their squares. The members are
+// virtual so that a derived record can replace one. The last four are final, because they are
+// called for every point.
 template<std::size_t D>
 struct Tree {
     std::int32_t leafSize = 0;  // a range of at most this length is not split
@@ -67,24 +69,25 @@ struct Tree {
     virtual std::int32_t depth() const;
     virtual std::int32_t leaves() const;
 
-    // All points at exactly this position.
+    // Finds all points at exactly this position.
     virtual void exactSearch(const Point<D>& at, std::vector<std::int32_t>& indices,
                              std::int32_t& count) const;
 
-    // The nearest point, or 0 if the tree is empty; and all points that are equally near.
+    // Find the nearest point, or 0 in an empty tree, and all points that are equally near.
     virtual void nearestNeighborSearch(const Point<D>& at, std::int32_t& index,
                                        double& distance) const;
     virtual void nearestNeighborSearchWithTies(const Point<D>& at,
                                                std::vector<std::int32_t>& indices,
                                                std::int32_t& count, double& distance) const;
 
-    // The `n` nearest points in order of distance, into arrays of `n`. If the tree has fewer
+    // Stores the `n` nearest points in order of distance in arrays of `n`. If the tree has fewer
     // points, `found` is below `n` and the other distances are the largest finite number.
     virtual void nearestNNeighborSearch(const Point<D>& at, std::int32_t n,
                                         std::span<double> distances,
                                         std::span<std::int32_t> indices, std::int32_t& found) const;
 
-    // All points at a distance of at most `radius`, and all points in the box, its bounds included.
+    // Find all points at a distance of at most `radius`, and all points in a box, which includes
+    // its bounds.
     virtual void radiusSearch(const Point<D>& at, double radius, std::vector<std::int32_t>& indices,
                               std::int32_t& count) const;
     virtual void rangeSearch(const Box<D>& box, std::vector<std::int32_t>& indices,
@@ -112,18 +115,18 @@ struct Tree {
     // point: no point before it has a greater value, no point after it a smaller one.
     virtual std::int32_t medianCut(std::int32_t first, std::int32_t last, std::int32_t dim);
 
-    // The point at a position of `order`, its coordinate in a dimension, and the coordinate of any
-    // point.
+    // Return the point at a position of `order`, its coordinate in a dimension (from 1), and the
+    // coordinate of any point.
     virtual Point<D> getPoint(std::int32_t position) const final;
     virtual double getValueIndex(std::int32_t position, std::int32_t dim) const final;
     virtual double getValueXYZ(const Point<D>& at, std::int32_t dim) const final;
 
-    // The name of `getValueXYZ` in two dimensions.
+    // The same as `getValueXYZ`, under its name in two dimensions.
     double getValueXY(const Point<D>& at, std::int32_t dim) const requires(D == 2) {
         return getValueXYZ(at, dim);
     }
 
-    // Square of the distance from `at` to the point at a position of `order`.
+    // Returns the square of the distance from `at` to the point at a position of `order`.
     virtual double dist2(const Point<D>& at, std::int32_t position) const final;
 
     std::array<std::uint64_t, 2> random{}; // state of the random number generator

@@ -16,9 +16,8 @@
 // Construction of a tree.
 namespace KDTree {
 
-constexpr std::uint64_t randomSeed =
-    20240327; // any number: it only has to be the same in every run
-constexpr std::int32_t insertionSortBelow = 8; // of shorter ranges the median is found by sorting
+constexpr std::uint64_t randomSeed = 20240327; // any number, but the same in every run
+constexpr std::int32_t insertionSortBelow = 8; // the median of shorter ranges is found by sorting
 
 struct Names {
     std::string_view node, order, pushback;
@@ -33,7 +32,7 @@ inline std::size_t offset(std::int32_t number) {
     return static_cast<std::size_t>(number) - 1;
 }
 
-// Order of coordinates in which NaN is after all numbers.
+// True if `a` comes before `b`. NaN comes after all numbers.
 inline bool below(double a, double b) {
     return a < b || (std::isnan(b) && !std::isnan(a));
 }

@@ -16,8 +16,8 @@ namespace {
 constexpr double infinity = std::numeric_limits<double>::infinity();
 constexpr const char* arrayName = "search tree";
 
-// A point of an item, relative to the longest side of the box around all items. The order needs no
-// more precision than that.
+// A point of an item, as a part of the longest side of the box around all items. The order does not
+// need more than 32 bits.
 struct Location {
     std::array<float, 3> at;
     std::int32_t item;
@@ -140,7 +140,8 @@ std::vector<Block>& addLevel(Tree& tree, std::size_t boxes) {
     return level;
 }
 
-// Returns bits: bit k is 1 if box k contains the point and its number is below `bound`.
+// Returns a bit for each box: bit k is 1 if box k contains the point and its number is below
+// `bound`.
 unsigned containing(const Block& block, const Point& p, std::int32_t bound) {
     unsigned bits = 0;
     for (std::size_t k = 0; k < fanOut; ++k) {

@@ -12,11 +12,11 @@
 //
 // The items are sorted so that neighbours in the order are neighbours in space. `groupSize` items
 // in a row are a group, which the caller stores and searches itself. Eight groups are a block of
-// the lowest level, eight blocks a block of the next level. The order makes the boxes small and so
-// the search fast; the result depends on the boxes alone.
+// the lowest level, eight blocks are a block of the next level. The order makes the boxes small and
+// so the search fast, but the result depends on the boxes alone.
 namespace box_tree {
 
-inline constexpr std::size_t groupSize = 32; // larger ones take less time to build
+inline constexpr std::size_t groupSize = 32; // a tree of larger groups takes less time to build
 inline constexpr std::size_t fanOut = 8;
 
 using Point = search::Point<3>;
@@ -46,7 +46,7 @@ std::vector<std::int32_t> spatialOrder(std::span<const double> x, std::span<cons
 // Returns the number of groups of this number of items.
 std::size_t groupCount(std::size_t items);
 
-// Extends the box of a group by an item from `low` to `high`.
+// Extends the box of a group so that it contains an item from `low` to `high`.
 void extend(Box& box, const Point& low, const Point& high);
 
 // Builds the tree over the boxes of the groups and the smallest item number in each. Only
@@ -71,13 +71,13 @@ struct Search {
 void begin(Search& search, const Tree& tree, const Point& point);
 
 // Finds the next group whose box contains the point and whose smallest item number is below
-// `bound`; false if there is none. The bound may decrease from call to call.
+// `bound`. Returns false if there is none. The bound may decrease from call to call.
 bool nextContaining(Search& search, std::int32_t bound, std::size_t& group);
 
 // Finds the next group whose box is not farther from the point than the square root of `bound`,
-// near ones first; false if there is none. Squares are computed as dx * dx + dy * dy + dz * dz, so
-// that with the same rounding no item is nearer than its box. The bound may decrease from call to
-// call.
+// near groups first. Returns false if there is none. Squares are computed as dx * dx + dy * dy +
+// dz * dz, so that with the same rounding no item is nearer than its box. The bound may decrease
+// from call to call.
 bool nextNear(Search& search, double bound, std::size_t& group);
 
 } // namespace box_tree

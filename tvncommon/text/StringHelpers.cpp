@@ -12,18 +12,18 @@ namespace StringHelpers {
 
 namespace {
 
-constexpr int widestEdit = 256;
+constexpr int maximumWidth = 256;
 
 struct IntegerEdit {
     int width = 0; // 0: as wide as the value needs
-    int leastDigits = 1;
+    int minimumDigits = 1;
 };
 
 // Reads a number at the beginning of `text` and removes it.
 bool readNumber(std::string_view& text, int& number) {
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
     text.remove_prefix(static_cast<std::size_t>(end - text.data()));
-    return error == std::errc() && number >= 0 && number <= widestEdit;
+    return error == std::errc() && number >= 0 && number <= maximumWidth;
 }
 
 bool parseEdit(std::string_view format, IntegerEdit& edit) {
@@ -35,12 +35,12 @@ bool parseEdit(std::string_view format, IntegerEdit& edit) {
     if (rest.empty()) return true;
     if (rest.front() != '.') return false;
     rest.remove_prefix(1);
-    return readNumber(rest, edit.leastDigits) && rest.empty() &&
-           (edit.width == 0 || edit.leastDigits <= edit.width);
+    return readNumber(rest, edit.minimumDigits) && rest.empty() &&
+           (edit.width == 0 || edit.minimumDigits <= edit.width);
 }
 
 std::string applyEdit(std::int32_t value, const IntegerEdit& edit) {
-    const auto least = static_cast<std::size_t>(edit.leastDigits);
+    const auto least = static_cast<std::size_t>(edit.minimumDigits);
     const auto width = static_cast<std::size_t>(edit.width);
     if (value == 0 && least == 0) return {};
     std::string text = std::to_string(value);

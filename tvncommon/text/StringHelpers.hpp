@@ -9,7 +9,7 @@
 // Positions count from 1.
 namespace StringHelpers {
 
-// The text without its trailing or its leading blanks. Other white space stays.
+// Return the text without its trailing or its leading blanks. Other white space is kept.
 std::string_view trimRight(std::string_view text);
 std::string_view trimLeft(std::string_view text);
 
@@ -23,9 +23,8 @@ std::string_view cut(std::string_view text, std::size_t width);
 bool equalPadded(std::string_view a, std::string_view b);
 
 // Returns the decimal text of a value, without leading blanks. A `format` such as "(I6)", "(I6.4)"
-// or
-// "(I0)" gives the greatest width and the least number of digits. A text that would be wider
-// becomes as many stars as the width. For any other format the result is empty and `iostat`
+// or "(I0)" gives the greatest width and the least number of digits. If the text is wider, the
+// result has stars, as many as the width. For any other format the result is empty and `iostat`
 // receives the status of a failed write; without `iostat` the run ends.
 std::string toString_i4(std::int32_t value, std::string_view format = {}, int* iostat = nullptr);
 
@@ -44,8 +43,8 @@ std::size_t findFirstNotOf(std::string_view text, std::string_view chars, std::i
 // Returns the text without the characters in `chars` and without trailing blanks.
 std::string removeCopy(std::string_view text, std::string_view chars);
 
-// Moves the first token of `text` to `token` and removes the delimiter that ends it, with
-// `collapse` also the delimiters that follow directly. Returns false if `text` was blank.
+// Moves the first token of `text` to `token` and removes the delimiter after it. With `collapse` it
+// also removes the delimiters that follow directly. Returns false if `text` was blank.
 bool chomp(std::string& text, std::string_view delimiters, bool collapse, std::string& token);
 
 } // namespace StringHelpers

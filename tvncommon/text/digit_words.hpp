@@ -52,7 +52,7 @@ inline constexpr std::array<unsigned char, 33> gapMask = {
 using SixteenDigits = __m128i;
 
 // The characters of two numbers below 10^8, those of `upper` first. A high product of 16 bits is
-// a shift by 16: 3 more make 19. _mm_madd_epi16 sees 0x10000 - 100 as the pair (-100, 0).
+// a shift by 16: 3 more make 19. _mm_madd_epi16 takes 0x10000 - 100 as the pair (-100, 0).
 inline SixteenDigits sixteenDigits(std::uint64_t upper, std::uint64_t lower) {
     const __m128i eights =
         _mm_set_epi64x(static_cast<std::int64_t>(lower), static_cast<std::int64_t>(upper));

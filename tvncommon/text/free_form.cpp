@@ -22,7 +22,7 @@ constexpr std::string_view digits = "0123456789";
 struct Reader {
     std::string_view rest;     // of the current line
     std::string_view repeated; // the value after a repeat count
-    std::uint32_t repeats = 0; // items that still get it
+    std::uint32_t repeats = 0; // further items with this value
     bool afterValue = false;   // a comma may still follow the last value, also on a later line
 };
 
@@ -99,8 +99,8 @@ bool split(std::string_view text, Decimal& number) {
     return (hasLetter || hasSign) && isDigits(text.substr(hasSign ? 1 : 0));
 }
 
-// Whether a number out of range is too large and not too small, from the power of ten of its first
-// digit.
+// True if a number out of range is too large, false if it is too small. The power of ten of its
+// first digit decides.
 bool isTooLarge(const Decimal& number) {
     const std::size_t first = number.mantissa.find_first_not_of("0.");
     if (first == std::string_view::npos) return false;
@@ -179,7 +179,7 @@ int readOne(std::string_view text, Number& value) {
 
 // Calls `store` with the text of each value that is not missing.
 template<class Store>
-int readMany(const NextLine& nextLine, std::size_t count, LeftOut leftOut, Store store) {
+int readMany(const NextLine& nextLine, std::size_t count, MissingValue missing, Store store) {
     std::string line;
     Reader reader;
     for (std::size_t i = 0; i < count; ++i) {
@@ -190,8 +190,8 @@ int readMany(const NextLine& nextLine, std::size_t count, LeftOut leftOut, Store
             reader.rest = line;
             token = nextToken(reader, number);
         }
-        const bool hasNone = token == Token::slash || token == Token::null;
-        if (token == Token::malformed || (hasNone && leftOut == LeftOut::refused))
+        const bool isMissing = token == Token::slash || token == Token::null;
+        if (token == Token::malformed || (isMissing && missing == MissingValue::refused))
             return invalidData;
         if (token == Token::slash) return ok;
         if (token == Token::null) continue;
@@ -232,14 +232,14 @@ int readWord(std::string_view line, std::string& word) {
     return invalidData;
 }
 
-int readItems(const NextLine& nextLine, std::span<const Item> items, LeftOut leftOut) {
-    return readMany(nextLine, items.size(), leftOut, [&](std::size_t i, std::string_view number) {
+int readItems(const NextLine& nextLine, std::span<const Item> items, MissingValue missing) {
+    return readMany(nextLine, items.size(), missing, [&](std::size_t i, std::string_view number) {
         return std::visit([&](auto* value) { return parse(number, *value); }, items[i]);
     });
 }
 
-int readReals(const NextLine& nextLine, std::span<double> values, LeftOut leftOut) {
-    return readMany(nextLine, values.size(), leftOut, [&](std::size_t i, std::string_view number) {
+int readReals(const NextLine& nextLine, std::span<double> values, MissingValue missing) {
+    return readMany(nextLine, values.size(), missing, [&](std::size_t i, std::string_view number) {
         return parse(number, values[i]);
     });
 }

@@ -196,7 +196,8 @@ char* writeRealRows(const double* values, std::int64_t rows, char* out) {
     return out;
 }
 
-// Widened in batches: a conversion just before the digits of the same value would add its latency.
+// Widens the values in batches: a conversion just before the digits of the same value would add its
+// latency.
 char* writeRealRows(const float* values, std::int64_t rows, char* out) {
     constexpr std::int64_t batchRows = 16;
     std::array<double, batchRows * valuesPerRow> wide;
@@ -272,22 +273,22 @@ std::string exponentField(double value, int width, int digits) {
 }
 
 char* writeFixedField(double value, int width, int decimals, char* field) {
-    constexpr int blanks = 48;     // before the digits, so that a whole field is copied
-    constexpr int mostDigits = 16; // of `sixteenDigits`
-    std::array<char, 400> buffer;  // blanks, at most 309 digits, the point and 9 decimals
+    constexpr int blanks = 48;        // before the digits, so that a whole field is copied
+    constexpr int maximumDigits = 16; // of `sixteenDigits`
+    std::array<char, 400> buffer;     // blanks, at most 309 digits, the point and 9 decimals
     std::memset(buffer.data(), ' ', blanks);
     char* begin = buffer.data() + blanks;
-    char* end = begin + mostDigits + 1;
+    char* end = begin + maximumDigits + 1;
     const double size = std::fabs(value);
     if (size * static_cast<double>(powersOfTen[static_cast<std::size_t>(decimals)]) < 9e15) {
         const std::uint64_t scaled = scaledInteger(size, decimals);
         const std::uint64_t eight = scaled / 100000000;
-        char* const point = begin + mostDigits - decimals;
+        char* const point = begin + maximumDigits - decimals;
         digit_words::storeWithGap(digit_words::sixteenDigits(eight, scaled - eight * 100000000),
-                                  static_cast<std::size_t>(mostDigits - decimals), begin);
+                                  static_cast<std::size_t>(maximumDigits - decimals), begin);
         *point = '.';
         begin = point - std::max(digitCount(scaled) - decimals, 1);
-        std::memset(begin - mostDigits, ' ', mostDigits);
+        std::memset(begin - maximumDigits, ' ', maximumDigits);
     } else if (std::isfinite(value)) {
         end = std::to_chars(begin, buffer.data() + buffer.size(), size, std::chars_format::fixed,
                             decimals)

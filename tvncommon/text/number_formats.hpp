@@ -14,9 +14,9 @@ inline constexpr int realRowBytes = valuesPerRow * wideRealWidth + 1;
 inline constexpr int integerWidth = 10;
 inline constexpr int integerRowBytes = valuesPerRow * (integerWidth + 1) + 1;
 
-// The wide real: 17 significant digits, correctly rounded, a tie to the even digit. Zero and
+// Writes a wide real: 17 significant digits, correctly rounded, a tie to the even digit. Zero and
 // magnitudes that round to 0.1 and more, but less than 10^17, are in fixed notation followed by
-// five blanks; any other is 0.ddd...E+ddd. `field` receives 26 bytes.
+// five blanks. Any other number is 0.ddd...E+ddd. `field` receives 26 bytes.
 void writeWideReal(double value, char* field);
 
 // Returns the same text without blanks.
@@ -55,7 +55,7 @@ char* writeFixedField(double value, int width, int decimals, char* field);
 
 // Returns `digits` significant digits (at most 17), right-aligned in `width` (at least 5) columns.
 // Zero and magnitudes that round to 0.1 and more, but less than 10^digits, are in fixed notation
-// followed by four blanks; any other as by `exponentField`.
+// followed by four blanks. Any other number is as from `exponentField`.
 std::string generalField(double value, int width, int digits);
 
 // Returns the number right-aligned in `width` columns.

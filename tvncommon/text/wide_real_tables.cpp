@@ -20,8 +20,8 @@ constexpr void multiplyByTen(BigInteger& number) {
     }
 }
 
-// Dividing by ten n times and dropping the remainders is the same as dropping it once from the
-// quotient by 10^n.
+// n divisions by ten that drop their remainders give the same as one division by 10^n that drops
+// its remainder.
 constexpr void divideByTen(BigInteger& number) {
     uint128 rest = 0;
     for (std::size_t i = number.size(); i-- > 0;) {

@@ -12,8 +12,8 @@
 // integer and 128 bits of fraction. This is the fixed-precision scheme of Ryu (Adams, PLDI 2018;
 // "Ryu revisited", OOPSLA 2019) and Schubfach (Giulietti, 2020), for a fixed number of digits.
 //
-// Why every result is correctly rounded. x is multiplier * 2^-(scaleBinade + 1) with a multiplier
-// below 2^58, and the product is multiplier * significand / 2^128.
+// Every result is correctly rounded, for this reason. x is multiplier * 2^-(scaleBinade + 1) with a
+// multiplier below 2^58, and the product is multiplier * significand / 2^128.
 // - Powers 0 to 55 are exact in 128 bits, since 5^55 < 2^128. So is the product, and a tie is
 //   detected.
 // - Other significands are rounded up by less than 1, so the product is too large by less than
@@ -75,8 +75,9 @@ constexpr std::uint64_t roundedDigits(Normalized x, const Decade& decade) {
     const uint128 product = uint128{factor} * decade.scaleHigh + (low >> 64);
     const auto fraction = static_cast<std::uint64_t>(product);
     const std::uint64_t digits = static_cast<std::uint64_t>(product >> 64) + (fraction >> 63);
-    // Without a branch, which would be mispredicted: of 32-bit values, in some decades every fourth
-    // is a tie. `offTie` is 0 for a fraction of exactly one half; the digits are then made even.
+    // Without a branch, which would often be mispredicted: in some decades every fourth of the
+    // 32-bit values is a tie. `offTie` is 0 for a fraction of exactly one half. The digits are then
+    // made even.
     const std::uint64_t offTie =
         (fraction ^ std::uint64_t{1} << 63) | static_cast<std::uint64_t>(low);
     return digits & ~std::uint64_t{offTie == 0};

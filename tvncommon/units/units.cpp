@@ -21,7 +21,7 @@ bool isKnown(std::int32_t handle) {
     return handle >= 0 && static_cast<std::size_t>(handle) < systems.size();
 }
 
-// The unit of a dimension letter; empty for any other character.
+// Returns the unit of a dimension letter, empty for any other character.
 std::string_view baseUnit(char letter) {
     switch (letter) {
     case 'L':
@@ -44,14 +44,14 @@ std::string_view baseUnit(char letter) {
     }
 }
 
-// The text of a factor: empty, the unit, or the unit with its exponent.
+// Returns the text of a factor: empty, the unit, or the unit with its exponent.
 std::string factorText(std::string_view factor) {
     const std::size_t hat = factor.find('^');
     std::string symbol = " " + getDerivedUnit(factor.substr(0, hat));
     if (hat == std::string_view::npos || hat + 1 == factor.size()) return symbol;
 
     const std::string_view exponent = factor.substr(hat + 1);
-    // Free-form reading leaves `power` unchanged for an exponent such as "/2", which must be shown.
+    // A free-form read of an exponent such as "/2" does not change `power`; its text is then kept.
     float power = std::numeric_limits<float>::quiet_NaN();
     StringHelpers::str2r4(exponent, power);
     if (power == 1.0F) return symbol;

@@ -37,8 +37,8 @@ SIUnits power_real_dr(const SIUnits& a, double exponent) {
 double conversionFactor(const UnitSystem& unitSystem, const SIUnits& exponents) {
     const auto system = static_cast<std::size_t>(unitSystem.handle);
     if (system >= systems.size()) return 1;
-    return std::pow(systems[system].lengthsInMetre, exponents.length) *
-           std::pow(systems[system].secondsInTime, -exponents.time);
+    return std::pow(systems[system].lengthUnitsPerMetre, exponents.length) *
+           std::pow(systems[system].secondsPerTimeUnit, -exponents.time);
 }
 
 void convert(const UnitSystem& unitSystem, double& value, const SIUnits& exponents) {
@@ -68,7 +68,7 @@ void deserialize(UnitSystem& unitSystem, int unit) {
     case io_layer::Form::formatted: {
         const std::array<free_form::Item, 1> item{&read};
         const auto line = [unit](std::string& text) { return file_units::readLine(unit, text); };
-        error::checkFileRead(free_form::readItems(line, item, free_form::LeftOut::refused),
+        error::checkFileRead(free_form::readItems(line, item, free_form::MissingValue::refused),
                              io_layer::pathOf(unit));
         break;
     }

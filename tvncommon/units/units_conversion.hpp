@@ -12,7 +12,7 @@ struct SIUnits {
     double mass = 0, length = 0, time = 0, temperature = 0, amount = 0;
 };
 
-// Dimensions of a product, a quotient and a power.
+// Return the dimensions of a product, a quotient and a power.
 SIUnits multiply(const SIUnits& a, const SIUnits& b);
 SIUnits divide(const SIUnits& a, const SIUnits& b);
 SIUnits power_int(const SIUnits& a, std::int32_t exponent);
@@ -25,8 +25,8 @@ double conversionFactor(const UnitSystem& unitSystem, const SIUnits& exponents);
 // Converts a value in SI units to this system; in system 0 the value is not changed.
 void convert(const UnitSystem& unitSystem, double& value, const SIUnits& exponents);
 
-// Write the handle to a unit, and read it: as one record if the unit is open for records, as one
-// line if it is open for text. A unit that is not open and an unknown handle end the run.
+// Write the handle to a file unit, and read it: as one record if the unit is open for records, as
+// one line if it is open for text. A unit that is not open and an unknown handle end the run.
 void serialize(const UnitSystem& unitSystem, int unit);
 void deserialize(UnitSystem& unitSystem, int unit);
 

@@ -9,11 +9,11 @@ struct System {
     std::string_view name;
     std::string_view length;
     std::string_view time;
-    double lengthsInMetre;
-    double secondsInTime;
+    double lengthUnitsPerMetre;
+    double secondsPerTimeUnit;
 };
 
-// By handle. In the centimeter systems the day comes before the hour.
+// By handle. In the centimeter systems the simulator numbers the day before the hour.
 inline constexpr std::array<System, 10> systems{{
     {"kilogram-meter-second", "m", "s", 1, 1},
     {"kilogram-meter-minute", "m", "min", 1, 60},
