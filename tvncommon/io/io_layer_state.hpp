@@ -42,6 +42,9 @@ struct Connection {
 // The unit's file, or null.
 Connection* find(int unit);
 
+// Writes pending text and clears it, also after a failure.
+int flushPending(Connection& c);
+
 // Reads what one system call returns from `position`: 0 bytes at the end of the file, below 0 for a
 // failure. The end of the file is that of the open: bytes appended since are not read, and a file
 // that has become shorter is a failure.
