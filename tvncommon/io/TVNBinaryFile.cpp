@@ -27,7 +27,8 @@ OpenFile openAndReadHeader(const std::string& filename, std::string* header = nu
     return file;
 }
 
-// One record of `bytes` bytes into `into`; `what` begins the message of a failure.
+// Reads one record of `bytes` bytes into `into`. `what` is the part of the file in the message of a
+// failure.
 void readValues(const OpenFile& file, void* into, std::int64_t bytes, const std::string& what,
                 const std::string& filename) {
     const int status = io_layer::readRecord(file.unit, into, bytes);
@@ -73,7 +74,7 @@ std::string inFile(const std::string& filename) {
     return "\nFile: " + filename;
 }
 
-// The number in `length` characters of the header from the 0-based `offset` on.
+// Returns the number in `length` characters of the header from `offset` (from 0) on.
 std::int32_t headerNumber(std::string_view header, std::size_t offset, std::size_t length,
                           const std::string& what, const std::string& filename) {
     const std::string_view text = header.substr(offset, length);

@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-// Result files of the simulator: a record file (see io_layer) whose first record is a header of 80
-// characters and whose further records are the values.
+// Result files of the simulator. A result file is a record file (see io_layer.hpp) whose first
+// record is a header of 80 characters and whose other records are the values.
 //
 //   offset length
 //        0     55  time stamp, one blank, a free message; both may be missing
@@ -17,9 +17,9 @@
 //       68      2  number of components
 //       70     10  number of values per component
 //
-// With the magic ("newer"), a file of several components has one record of n values for each of
-// them. Without it ("older"), the 80 characters are free text after the time stamp, and a file of
-// several components has one record for each node, with the node's value of each component.
+// With the magic (newer format), a file of several components has one record of n values for each
+// component. Without it (older format), the 80 characters are free text after the time stamp, and a
+// file of several components has one record for each node, with a value of each component.
 namespace TVNBinaryFile {
 
 inline constexpr int headerLength = 80;
@@ -38,16 +38,16 @@ struct BinaryHeader {
     std::int32_t numValues = 0;
 };
 
-// First record of the file, 80 characters. A failed open or read ends the run.
+// Returns the first record of the file, 80 characters. A failed open or read ends the run.
 std::string readTVNBinFileHeader(const std::string& filename);
 
-// Parses the header; ends the run, naming the file, when it is short or malformed. Trailing blanks
-// of the texts are dropped; leading blanks of the time stamp stay.
+// Parses the header. A short or malformed header ends the run; the banner names the file. Trailing
+// blanks of the texts are dropped, leading blanks of the time stamp are kept.
 BinaryHeader parseTVNBinFileHeader(std::string_view header, const std::string& filename);
 
 bool isNewerFileFormat(std::string_view header);
 
-// Read a whole file of one component into the caller's array of `n` values. Of a longer record the
+// Read a file of one component into the caller's array of `n` values. If the record is longer, its
 // first `n` values are read. A shorter record and any other failure end the run with a banner that
 // names the file. A negative `n` counts as 0. `header`, if given, receives the 80 characters of the
 // header.

@@ -33,7 +33,7 @@ struct CheckedFile {
     std::int64_t size = 0;
 };
 
-// The file has no unit, so the end of the run would leave it open.
+// Closes the file, which has no unit and would otherwise stay open, and ends the run.
 [[noreturn]] void endRun(CheckedFile& c, int status, const std::string& message) {
     byte_file::close(c.file);
     if (status == io_layer::ok) error::input_error(message);
@@ -58,16 +58,16 @@ CheckedFile openChecked(const std::string& filename, const std::string& headerNa
     return c;
 }
 
-// Returns the length of the record after the header and reads its first `wanted` bytes into `into`.
-// A negative length means that the record continues in a further sub-record.
-std::int64_t readValueRecord(CheckedFile& c, char* into, std::int64_t wanted) {
+// Returns the length of the record after the header and reads its first `size` bytes into `into`. A
+// negative length means that the record continues in a further sub-record.
+std::int64_t readValueRecord(CheckedFile& c, char* into, std::int64_t size) {
     std::int64_t position = valuesBegin, total = 0;
     for (bool continues = true; continues;) {
         std::int32_t marker = 0;
         readOrEndRun(c, position, &marker, frameBytes, "block size");
         const std::int64_t length = marker < 0 ? -std::int64_t{marker} : marker;
         continues = marker < 0;
-        const std::int64_t part = std::min(length, wanted - total);
+        const std::int64_t part = std::min(length, size - total);
         if (part > 0) readOrEndRun(c, position + frameBytes, into + total, part, "values");
         total += length;
         position += length + 2 * frameBytes;

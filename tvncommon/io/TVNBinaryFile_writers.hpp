@@ -10,12 +10,12 @@
 // A failed open or write ends the run with a banner that names the file.
 namespace TVNBinaryFile {
 
-// While this is on, files are of the older generation: their headers have no magic and nothing
-// after it. `resetWriters` returns to the newer one.
+// After setUseOldFormat(true) files have the older format: their headers have no magic and nothing
+// after it. `resetWriters` returns to the newer format.
 void setUseOldFormat(bool on);
 void resetWriters();
 
-// Write the entries `first` to `last` of the array, counted from 1; none if `last` is below
+// Write the entries `first` to `last` of the array, counted from 1, or none if `last` is below
 // `first`. An entry outside the array ends the run.
 void write_i4_1d(const std::string& filename, std::string_view message, std::int32_t first,
                  std::int32_t last, std::span<const std::int32_t> array);

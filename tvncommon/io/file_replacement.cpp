@@ -17,14 +17,14 @@ using system_calls::OpenMode;
 using system_calls::restart;
 using system_calls::table;
 
-constexpr int mostLinks = 40; // as many as the system follows
-constexpr std::size_t longestLink = 4096;
-constexpr int mostAttempts = 100; // to create a file that other processes remove or lock
+constexpr int maximumLinks = 40; // as many as the system follows
+constexpr std::size_t maximumLinkLength = 4096;
+constexpr int maximumAttempts = 100; // to create a file that other processes remove or lock
 
 // Replaces `name` by the name of the file that it links to, even if that does not exist.
 int followLinks(std::string& name) {
-    for (int links = 0; links <= mostLinks; ++links) {
-        std::string target(longestLink, '\0');
+    for (int links = 0; links <= maximumLinks; ++links) {
+        std::string target(maximumLinkLength, '\0');
         const std::ptrdiff_t n = table.readLink(name.c_str(), target.data(), target.size());
         if (n < 0) { // EINVAL: the name is no link
             const bool final = errno == EINVAL || errno == ENOENT || errno == ENOTDIR;
@@ -37,13 +37,13 @@ int followLinks(std::string& name) {
     return io_layer::openFailed;
 }
 
-// No file of this name or with these permissions can be created in the folder.
+// True if no file of this name or with these permissions can be created in the folder.
 bool refusedByFolder(int error) {
     return error == EACCES || error == EPERM || error == EROFS || error == ENAMETOOLONG;
 }
 
-// Locks the open file. False if another process has the lock, or has removed or renamed the file
-// since the open. On a file system without locks only the name is compared.
+// Locks the open file. Returns false if another process has the lock, or has removed or renamed the
+// file since the open. On a file system without locks only the name is compared.
 bool lockUnchanged(int descriptor, const std::string& name) {
     const bool locked = restart([=] { return table.lock(descriptor, false); }) == 0;
     if (!locked && errno == EWOULDBLOCK) return false;
@@ -53,8 +53,8 @@ bool lockUnchanged(int descriptor, const std::string& name) {
            opened.number == named.number;
 }
 
-// `errno` of an open for writing of a folder, a pipe, a broken or circular link, and a file of
-// another user. None of these can be locked; they are removed if the system permits it.
+// True for the `errno` of an open for writing of a folder, a pipe, a broken or circular link, or a
+// file of another user. None of these can be locked; they are removed if the system permits it.
 bool cannotBeLocked(int error) {
     return error == ENOENT || error == EISDIR || error == ENXIO || error == ELOOP ||
            error == EACCES;
@@ -72,8 +72,9 @@ int removeLeftOver(const std::string& newFile) {
     return result == 0 || error == ENOENT ? 0 : -1;
 }
 
-// Runs of several problems in one folder share `batch.pfx`. The lock protects the new file of one
-// run from the others until it has its final name. EEXIST while another process holds it.
+// Creates and locks the new file. Runs of several problems in one folder share `batch.pfx`: the
+// lock protects the new file of one run from the others until it has its final name. Fails with
+// EEXIST while another process holds the lock.
 int createLocked(const std::string& newFile) {
     for (int attempt = 1;; ++attempt) {
         const int descriptor =
@@ -81,7 +82,7 @@ int createLocked(const std::string& newFile) {
         if (descriptor >= 0 && lockUnchanged(descriptor, newFile)) return descriptor;
         if (descriptor >= 0) table.close(descriptor);
         if (descriptor < 0 && errno != EEXIST) return -1;
-        if (attempt == mostAttempts) return errno = EEXIST, -1;
+        if (attempt == maximumAttempts) return errno = EEXIST, -1;
         if (removeLeftOver(newFile) != 0) return -1;
     }
 }

@@ -9,11 +9,10 @@ namespace file_replacement {
 
 struct Replacement {
     std::string target;  // the file that is replaced, after all links of its name were followed
-    std::string newFile; // name of the new file; empty if written in place, and after the end
+    std::string newFile; // name of the new file; empty if written in place, and once it is gone
 };
 
-// Whether the target may be written in place where no new file can be created but the target can be
-// written.
+// Whether a target that can be written may be written in place if no new file can be created.
 enum class InPlace { refused, permitted };
 
 // Creates "<target>.unfinished" in the folder of the target, opens it for writing and locks it.

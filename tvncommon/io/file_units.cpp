@@ -16,7 +16,7 @@ void checkWrite(int unit, int status) {
     if (status != io_layer::ok) error::checkFileWrite(status, io_layer::pathOf(unit));
 }
 
-// The name without its trailing blanks.
+// Returns the name without trailing blanks. Ends the run if no such file exists.
 std::string nameOfExisting(std::string_view filename) {
     std::string name(StringHelpers::trimRight(filename));
     if (!exists(name)) error::fatalError("File not found: " + name);
@@ -109,7 +109,7 @@ bool readLine(int unit, std::string& line, io_layer::LongLine longLine) {
     const int status = io_layer::readLine(unit, line, longLine);
     if (status == io_layer::endOfFile) return false;
     if (status == io_layer::invalidData)
-        badContents(unit, "A line has more than " + std::to_string(io_layer::longestLine) +
+        badContents(unit, "A line has more than " + std::to_string(io_layer::maximumLineBytes) +
                               " characters.");
     checkRead(unit, status);
     return true;

@@ -8,22 +8,22 @@
 #include "tvncommon/diagnostics/ArrayHelpers.hpp"
 #include "tvncommon/io/io_layer.hpp"
 
-// The I/O layer for callers who do not test a status: a failure ends the run with a banner that
-// names the file and gives the status of the I/O layer.
+// The I/O layer for callers that do not test a status: a failure ends the run with a banner that
+// names the file and has the status of the I/O layer.
 namespace file_units {
 
-// Takes the lowest free unit of the range 1100 to 20000; ends the run when none is left.
+// Takes the lowest free unit of the range 1100 to 20000. Ends the run if none is free.
 int getUnit();
 
 // Closes and frees the unit. Ends the run if the number is outside the range or free already, or if
 // pending output cannot be written.
 void freeUnit(int unit);
 
-// The same for a unit of `openTextForCommit` or `io_layer::openRecordsForCommit`: the new file
+// The same for a unit of `openTextForCommit` or `io_layer::openRecordsForCommit`, whose new file
 // replaces the old one.
 void commitUnit(int unit);
 
-// The same for all units of the range.
+// Closes and frees all units of the range.
 void freeUnitAll();
 
 // True if a file or folder of that name exists. Ends the run, naming the file, if the system
@@ -47,7 +47,7 @@ void writeLine(int unit, std::string_view line);
 void writeBlock(int unit, const char* block, std::size_t size);
 void rewind(int unit);
 
-// Reads the next line into `line`; false at the end of the file.
+// Reads the next line into `line`. Returns false at the end of the file.
 bool readLine(int unit, std::string& line,
               io_layer::LongLine longLine = io_layer::LongLine::refused);
 

@@ -16,9 +16,9 @@ using system_calls::OpenMode;
 using system_calls::restart;
 using system_calls::table;
 
-constexpr std::size_t longestName = 300;
-// Some file systems give a file another number at each look, so that no attempt would succeed.
-constexpr int mostAttempts = 100;
+constexpr std::size_t maximumNameLength = 300; // of the simulator's texts
+// Some file systems give a file another number at each query, so that no attempt would succeed.
+constexpr int maximumAttempts = 100;
 
 struct State {
     std::array<bool, lastUnit - firstUnit + 1> taken{};
@@ -45,8 +45,8 @@ State freshState() {
 
 State state = freshState();
 
-// Adds a connection without a file. This comes before the open, because a failed allocation after
-// the open would lose the descriptor and with it a lock.
+// Adds a connection without a file. Called before the open, because a failed allocation after the
+// open would lose the descriptor and with it a lock.
 Connection& connect(int unit, const std::string& path, Form form, Flush flushing) {
     Connection c;
     c.path = path;
@@ -60,7 +60,8 @@ int openFile(Connection& c, OpenMode mode) {
     if (c.descriptor < 0) return statusOfOpen(errno);
     c.writing = mode != OpenMode::read;
     system_calls::FileInfo info;
-    // Only a regular file is read: another one may never end. A device or pipe can be written.
+    // Only a regular file is read, because another one may never end. A device or pipe can be
+    // written.
     const bool usable = table.fileInfo(c.descriptor, info) == 0 &&
                         (c.writing || info.kind == system_calls::FileKind::regular);
     if (!usable) {
@@ -111,7 +112,7 @@ int lock(int descriptor, bool wait) {
     }
 }
 
-// Sets `same` to whether the open file is still the one of this name. While the call waited for the
+// Sets `same` to whether the name is still that of the open file. While the call waited for the
 // lock, another process may have removed or replaced the file.
 int compareIdentity(const std::string& path, const system_calls::FileInfo& info, bool& same) {
     system_calls::FileInfo named;
@@ -120,7 +121,7 @@ int compareIdentity(const std::string& path, const system_calls::FileInfo& info,
     return found || errno == ENOENT ? ok : statusOfOpen(errno);
 }
 
-// An input file may also have the name of the output file, through a link.
+// True if the file is open for reading. Through a link an output file can be an input file.
 bool isInput(const system_calls::FileInfo& info) {
     return std::any_of(state.connections.begin(), state.connections.end(), [&](const auto& entry) {
         const Connection& c = entry.second;
@@ -128,9 +129,9 @@ bool isInput(const system_calls::FileInfo& info) {
     });
 }
 
-// One attempt to lock and empty the file of this name; `done` if it succeeded or the file needs no
+// Makes one attempt to lock and empty the file. Sets `done` if it succeeded or the file needs no
 // lock. The last attempt accepts a file whose identity changed. A file that is open for reading is
-// not emptied.
+// not emptied: the call fails.
 int openLocked(Connection& c, bool wait, bool last, bool& done) {
     system_calls::FileInfo info;
     if (table.fileInfo(c.descriptor, info) != 0) return openFailed;
@@ -146,7 +147,7 @@ int openLocked(Connection& c, bool wait, bool last, bool& done) {
     return emptied ? ok : openFailed;
 }
 
-// The contents must be on the disk before the rename. A device has no sync.
+// Syncs the contents, which must be on the disk before the rename. A device has no sync.
 int sync(int descriptor) {
     const bool synced = restart([=] { return table.sync(descriptor); }) == 0;
     return synced || errno == EINVAL || errno == ENOSYS ? ok : writeFailed;
@@ -159,10 +160,10 @@ Connection* find(int unit) {
     return it == state.connections.end() ? nullptr : &it->second;
 }
 
-// The system would end the name at a NUL and open another file. So would a name that is cut at the
-// length of the simulator's texts.
+// The system would end the name at a NUL and open another file. The same happens to a name that is
+// cut at the length of the simulator's texts.
 bool canBeName(const std::string& path) {
-    return path.size() <= longestName && path.find('\0') == std::string::npos;
+    return path.size() <= maximumNameLength && path.find('\0') == std::string::npos;
 }
 
 int statusOfOpen(int error) {
@@ -237,7 +238,7 @@ int releaseAll(std::string& path) {
     int first = ok;
     while (!state.connections.empty() && state.connections.rbegin()->first >= firstUnit) {
         auto& [unit, c] = *state.connections.rbegin();
-        std::string name = std::move(c.path); // a copy could fail in a run without memory
+        std::string name = std::move(c.path); // a copy would fail if memory is exhausted
         const int status = releaseUnit(unit);
         if (status == ok || first != ok) continue;
         first = status;
@@ -281,7 +282,7 @@ int openTextLocked(int unit, const std::string& path, Flush flushing, bool wait)
         int status = open(unit, path, OpenMode::write, Form::formatted, flushing);
         if (status != ok) return status;
         bool done = false;
-        status = openLocked(*find(unit), wait, attempt == mostAttempts, done);
+        status = openLocked(*find(unit), wait, attempt == maximumAttempts, done);
         if (status == ok && done) return ok;
         table.close(find(unit)->descriptor);
         state.connections.erase(unit);

@@ -4,9 +4,9 @@
 #include <string>
 #include <string_view>
 
-// Files by unit number: text line by line, and binary files of records. Nothing here ends the run;
+// Files by unit number: text line by line, and binary files of records. Nothing here ends the run:
 // every operation returns a status number, 0 for success. `file_units` is built on this layer for
-// callers who do not test the status.
+// callers that do not test the status.
 //
 // A record file is a sequence of records: a 32-bit little-endian length, the payload, the same
 // length again. A payload too long for that length is written as a chain of sub-records, each with
@@ -19,7 +19,7 @@ inline constexpr int screen = -1;
 inline constexpr int standardError = 0;
 inline constexpr int firstUnit = 1100;
 inline constexpr int lastUnit = 20000;
-inline constexpr std::size_t longestLine = 1048576; // bytes
+inline constexpr std::size_t maximumLineBytes = 1048576;
 
 // Status numbers of this layer.
 inline constexpr int ok = 0;
@@ -50,8 +50,8 @@ int statusOfOpen(int error);
 void reset();
 
 // Sets `found` to whether a file or folder of that name exists. Only ENOENT and ENOTDIR mean that
-// it does not. Any other failure returns a status, because the file may exist; so does a name for
-// which `canBeName` is false.
+// it does not exist. After any other failure the file may exist, so the call returns a status. It
+// also returns one for a name for which `canBeName` is false.
 int exists(const std::string& path, bool& found);
 
 // Units. `takeUnit` returns the lowest free number of the range, or 0 if none is free.
@@ -60,7 +60,7 @@ bool unitTaken(int unit);
 // Writes pending output, closes the file and frees the number. A unit without a file is only freed.
 // A new file that was not committed is removed.
 int releaseUnit(int unit);
-// The same for a unit of `openTextForCommit` or `openRecordsForCommit`: syncs the new file and
+// The same for a unit of `openTextForCommit` or `openRecordsForCommit`, but syncs the new file and
 // renames it to the old one. After a failure before the rename the old file is unchanged.
 int commitUnit(int unit);
 // Releases all units and returns the first failure, with the file's name in `path`.
@@ -88,20 +88,21 @@ int openTextLocked(int unit, const std::string& path, Flush flush, bool wait);
 enum class Form { unconnected, formatted, unformatted };
 Form formOf(int unit);
 
-// A line longer than `longestLine` is an error, or is cut for a caller that uses fewer columns. On
-// the standard input, which may never end, it is always an error.
+// A line longer than `maximumLineBytes` is an error, or is cut for a caller that uses fewer
+// columns. On the standard input, which may never end, it is always an error.
 enum class LongLine { refused, cut };
 
-// Reads the next line without its line end; `endOfFile` if there is none, `invalidData` for a line
-// that is too long. A last line needs no line feed. A carriage return before the line feed is
-// dropped.
+// Reads the next line without its line end. Returns `endOfFile` if there is none and `invalidData`
+// for a line that is too long. A last line needs no line feed. A carriage return before the line
+// feed is dropped.
 int readLine(int unit, std::string& line, LongLine longLine = LongLine::refused);
 // Write text, and text with a line feed. With `Flush::inBlocks` it is pending until `flush` or
 // until a block of 32 KiB is full. On standard output and standard error each ASCII control
 // character other than line feed and tab becomes `?`.
 int writeText(int unit, std::string_view text);
 int writeLine(int unit, std::string_view line);
-// Writes pending output and then the block, in one write of its own.
+// Writes pending output and then the block, in one write of its own. Replaces control characters
+// like `writeText`.
 int writeBlock(int unit, const char* block, std::size_t size);
 int flush(int unit);
 int rewind(int unit);
@@ -109,8 +110,8 @@ int rewind(int unit);
 // Returns the number of bytes between the read position and the end of the file.
 std::int64_t bytesLeft(int unit);
 
-// Reads one record: its first `size` payload bytes go to `into`, the rest is skipped. `readFailed`
-// for a record that is cut off, has a shorter payload, or whose two lengths differ.
+// Reads the first `size` payload bytes of one record into `into` and skips the rest. Returns
+// `readFailed` for a record that is cut off, has a shorter payload, or whose two lengths differ.
 int readRecord(int unit, void* into, std::int64_t size);
 
 // The same in several pieces.
@@ -118,8 +119,8 @@ int beginRecord(int unit);
 int readInRecord(int unit, void* into, std::int64_t size);
 int endRecord(int unit);
 
-// Writes one record; a payload above `maximumSubRecord` bytes becomes sub-records. The greatest
-// piece is that of the simulator's run time: 2^31 - 1 bytes less the two lengths.
+// Writes one record. A payload above `maximumSubRecord` bytes is written as sub-records. The
+// default is the maximum of the simulator's run time: 2^31 - 1 bytes less the two lengths.
 int writeRecord(int unit, const void* payload, std::int64_t size,
                 std::int64_t maximumSubRecord = 2147483639);
 

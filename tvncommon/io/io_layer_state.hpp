@@ -32,25 +32,25 @@ struct Connection {
     std::size_t readBegin = 0;    // unread part of `readBuffer`
     std::size_t readEnd = 0;
     std::int64_t size = 0;            // file size at the open
-    std::int64_t position = 0;        // bytes that readers have got
+    std::int64_t position = 0;        // bytes that callers have read
     std::int64_t written = 0;         // bytes written to the file
     std::int64_t preallocatedEnd = 0; // end of the disk space that is reserved for later writes
     file_replacement::Replacement replacement; // of a file that is opened for commit
     OpenRecord record;
 };
 
-// The unit's file, or null.
+// Returns the unit's file, or null.
 Connection* find(int unit);
 
 // Writes pending text and clears it, also after a failure.
 int flushPending(Connection& c);
 
-// Reads what one system call returns from `position`: 0 bytes at the end of the file, below 0 for a
-// failure. The end of the file is that of the open: bytes appended since are not read, and a file
-// that has become shorter is a failure.
+// Reads at `position` what one system call returns, and returns the number of bytes: 0 at the end
+// of the file, below 0 for a failure. The file ends where it ended at the open: bytes appended
+// since are not read, and a file that has become shorter is a failure.
 std::ptrdiff_t readSome(const Connection& c, char* into, std::int64_t size, std::int64_t position);
 
-// Fills the empty read buffer; at the end of the file it stays empty.
+// Fills the empty read buffer. At the end of the file it stays empty.
 int fillBuffer(Connection& c, std::int64_t position);
 
 } // namespace io_layer

@@ -15,8 +15,8 @@ using system_calls::restart;
 using system_calls::table;
 
 constexpr std::size_t writeBufferSize = 32768;
-// A file that stays below 8 MiB is spared the extra calls: the reservation, and the truncation at
-// its close. A step of 64 MiB is one call for 512 blocks of text.
+// A file below 8 MiB is written without the extra calls: the reservation, and the truncation at its
+// close. A step of 64 MiB is one call for 64 blocks of a mebibyte.
 constexpr std::int64_t preallocateFrom = 8388608;
 constexpr std::int64_t preallocationStep = 67108864;
 
@@ -43,8 +43,8 @@ void preallocate(Connection& c, std::size_t size) {
     c.preallocatedEnd = reserved ? begin + preallocationStep : unbounded;
 }
 
-// Control characters in input texts could change the state of a terminal. Line feeds and tabs are
-// layout.
+// True for a character that could change the state of a terminal, which texts from input files may
+// have. Line feeds and tabs are layout.
 bool isControl(char c) {
     return (c >= 0 && c < ' ' && c != '\n' && c != '\t') || c == '\x7f';
 }
@@ -58,11 +58,12 @@ int flushPending(Connection& c) {
 }
 
 std::ptrdiff_t readSome(const Connection& c, char* into, std::int64_t size, std::int64_t position) {
-    const std::int64_t wanted = std::min(size, c.size - position);
-    if (wanted <= 0) return 0;
+    const std::int64_t available = std::min(size, c.size - position);
+    if (available <= 0) return 0;
     for (;;) {
-        const std::ptrdiff_t n = table.read(c.descriptor, into, static_cast<std::size_t>(wanted));
-        if (n == 0 && c.size != unbounded) return -1; // the file has been cut since the open
+        const std::ptrdiff_t n =
+            table.read(c.descriptor, into, static_cast<std::size_t>(available));
+        if (n == 0 && c.size != unbounded) return -1; // the file is shorter than at the open
         if (n >= 0 || errno != EINTR) return n;
     }
 }
@@ -93,7 +94,7 @@ int readLine(int unit, std::string& line, LongLine longLine) {
         const std::size_t n =
             lineFeed ? static_cast<std::size_t>(static_cast<const char*>(lineFeed) - begin)
                      : available;
-        const std::size_t kept = std::min(n, longestLine - line.size());
+        const std::size_t kept = std::min(n, maximumLineBytes - line.size());
         if (kept < n && (longLine == LongLine::refused || c->size == unbounded)) return invalidData;
         line.append(begin, kept);
         c->readBegin += n + (lineFeed ? 1 : 0);

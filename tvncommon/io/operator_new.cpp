@@ -8,17 +8,16 @@
 #include <typeinfo>
 #include <unistd.h>
 
-// Replaces `operator new` of a program that links this file, which the programs of this project do
-// and the library does not: other users of the library keep their own. Memory then comes from
-// `system_calls::table.allocate`. The forms of `operator new` for arrays and those that do not
-// throw call the one below. No type of the programs has an alignment greater than that of
-// `std::malloc`.
+// Replaces `operator new` of a program that links this file, so that memory comes from
+// `system_calls::table.allocate`. The programs of this project link it. The library does not: its
+// other users keep their own. The forms of `operator new` for arrays and those that do not throw
+// call the one below. No type of the programs has an alignment greater than that of `std::malloc`.
 
 namespace {
 
-// For an exception that nothing catches: one thrown before `main` or in a function that must not
-// throw, or `std::bad_alloc` without memory for the exception itself, which is no current exception
-// then.
+// Ends the process after an exception that nothing catches. It was thrown before `main` or in a
+// function that must not throw. If there was no memory for a `std::bad_alloc`, there is no current
+// exception.
 [[noreturn]] void endProcess() noexcept {
     const std::type_info* thrown = abi::__cxa_current_exception_type();
     const bool memory = !thrown || *thrown == typeid(std::bad_alloc);

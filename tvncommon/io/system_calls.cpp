@@ -99,9 +99,9 @@ int lockFile(int descriptor, bool wait) {
     return ::flock(descriptor, wait ? LOCK_EX : LOCK_EX | LOCK_NB);
 }
 
-// Large pages: a page fault for every 4096 bytes of a large array would take longer than the read
-// of its values. On a problem of 296,000 nodes with two output times, plotting takes this user and
-// system time (bench/run_measured, least of 15 runs each):
+// Uses large pages, because a page fault for every 4096 bytes of a large array would take longer
+// than the read of its values. A run on a problem of 296,000 nodes with two output times takes this
+// user and system time (bench/run_measured, least of 15 runs each):
 //
 //                         text data sets   binary data sets
 //     with large pages        0.110 s          0.037 s
@@ -132,7 +132,7 @@ constexpr std::size_t stackBytes = 262144; // more than any run uses
     for (std::size_t at = stackBytes; at > 0; at -= 4096) bytes[at - 1] = 0;
 }
 
-// The stack grows when it is used; a process that has reached its memory limit by then is killed.
+// The stack grows when it is used, and a process that has then reached its memory limit is killed.
 // So it grows here, if a mapping of the same size shows that the limit permits it.
 bool reserveStack() {
     void* probe =

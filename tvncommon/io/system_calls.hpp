@@ -28,7 +28,7 @@ struct FileInfo {
 
 inline constexpr std::size_t largePage = 2097152; // bytes
 
-// Each call returns what its namesake of the system returns, -1 with `errno` on failure.
+// Each call returns what the system's call of that name returns, -1 with `errno` on failure.
 struct Table {
     int (*open)(const char* path, OpenMode mode);
     std::ptrdiff_t (*read)(int descriptor, void* into, std::size_t size);
@@ -54,9 +54,9 @@ struct Table {
     int (*fileInfoOfName)(const char* path, FileInfo& info);
     // Reads the target of a link, without a NUL; EINVAL for a name that is no link.
     std::ptrdiff_t (*readLink)(const char* path, char* into, std::size_t size);
-    // Memory for `operator new` of a program that links operator_new.cpp; null for a failure.
-    // `std::free` frees it. Blocks of `largePage` bytes and more begin at a large page. A test that
-    // replaces this entry counts its own allocations too, unless it disables the count in them.
+    // Returns memory for `operator new` of a program that links operator_new.cpp, null for a
+    // failure. `std::free` frees it. Blocks of `largePage` bytes and more begin at a large page. A
+    // test that replaces this entry also counts its own allocations, unless it disables the count.
     void* (*allocate)(std::size_t size);
 };
 
@@ -81,7 +81,7 @@ auto restart(Call call) {
 // Returns false if there is no memory for the stack.
 bool prepareProcess();
 
-// Local date and time, with the offset from universal time.
+// Local date and time, with its offset from universal time.
 struct LocalTime {
     int year, month, day, hour, minute, second;
     int offsetMinutes;

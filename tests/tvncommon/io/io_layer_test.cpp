@@ -149,7 +149,7 @@ TEST_F(IoLayer, Lines) {
 
 // What is cut off would be lost without a word to a caller that takes the whole line.
 TEST_F(IoLayer, LongLines) {
-    const std::string longest(longestLine, ' ');
+    const std::string longest(maximumLineBytes, ' ');
     put("file", longest + "\n" + longest + "1\r\nnext\n");
     const int unit = file_units::openTextRead("file");
     std::string line;
