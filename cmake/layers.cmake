@@ -11,8 +11,8 @@ target_compile_options(meshrake_settings INTERFACE
   # Reports false positives for std::string in version 12.
   $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>
   $<$<BOOL:${MESHRAKE_WERROR}>:-Werror>)
-if(MESHRAKE_PORTABLE_DIGITS)
-  target_compile_definitions(meshrake_settings INTERFACE MESHRAKE_PORTABLE_DIGITS)
+if(MESHRAKE_PORTABLE)
+  target_compile_definitions(meshrake_settings INTERFACE MESHRAKE_PORTABLE)
 endif()
 if(MESHRAKE_SANITIZE)
   target_compile_options(meshrake_settings INTERFACE

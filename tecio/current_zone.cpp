@@ -1,7 +1,7 @@
 #include "tecio/data_file.hpp"
 
 #include "tecio/status.hpp"
-#include "tecio/value_range.hpp"
+#include "tecio/wide_summary.hpp"
 #include "tvncommon/io/io_layer.hpp"
 
 #include <algorithm>
@@ -114,19 +114,20 @@ int writeData(DataFile& f, std::int64_t position, const void* from, std::int64_t
     return status;
 }
 
-// Updates range and checksum block by block. A block of at most 128 KiB is still in the cache for
-// the second pass.
+// Updates the range and, in a durable data set, the checksum of a variable. A block of at most
+// 128 KiB is still in the cache for the second pass.
 void summarize(DataFile& f, std::size_t v, std::int64_t count, const void* values) {
     constexpr std::int64_t blockValues = 16384;
     const std::int32_t type = f.current.zone.types[v];
     const std::int64_t each = valueBytes(type);
-    Range& whole = f.current.ranges[v];
-    for (std::int64_t done = 0; done < count; done += blockValues) {
+    Range& range = f.current.ranges[v];
+    Checksum* checksum = f.durable ? &f.current.checksums[v] : nullptr;
+    for (std::int64_t done = summarizeWide(type, values, count, range, checksum); done < count;) {
         const char* block = static_cast<const char*>(values) + done * each;
         const std::int64_t n = std::min(count - done, blockValues);
-        const Range range = rangeOf(type, block, n);
-        whole = {std::min(whole.least, range.least), std::max(whole.greatest, range.greatest)};
-        if (f.durable) addBytes(f.current.checksums[v], block, n * each);
+        extend(range, rangeOf(type, block, n));
+        if (checksum) addBytes(*checksum, block, n * each);
+        done += n;
     }
 }
 

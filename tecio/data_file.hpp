@@ -7,17 +7,13 @@
 #include "tecio/checksum.hpp"
 #include "tecio/layout.hpp"
 #include "tecio/sidecar.hpp"
+#include "tecio/value_range.hpp"
 #include "tvncommon/io/byte_file.hpp"
 
 // An unfinished data set. The functions write in an order in which neither a reader nor a later run
 // after a kill finds a zone whose data are missing. docs/formats.md, "Order of writes", describes
 // the order and the syncs of a durable data set; a change here must keep to it.
 namespace tecio {
-
-// Least and greatest value, NaN excluded. Without any value the least is above the greatest.
-struct Range {
-    double least, greatest;
-};
 
 // The zone that is being written.
 struct CurrentZone {

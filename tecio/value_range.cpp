@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <limits>
 
 namespace tecio {
 
@@ -12,13 +11,10 @@ namespace {
 // for it to unroll the inner loop instead. A comparison with NaN is false and changes nothing.
 template<class T>
 Range range(const T* values, std::int64_t count) {
-    using Limits = std::numeric_limits<T>;
     constexpr std::int64_t lanes = 32;
-    constexpr T above = Limits::has_infinity ? Limits::infinity() : Limits::max();
-    constexpr T below = Limits::has_infinity ? -Limits::infinity() : Limits::lowest();
     std::array<T, lanes> least, greatest;
-    least.fill(above);
-    greatest.fill(below);
+    least.fill(greatestOf<T>);
+    greatest.fill(leastOf<T>);
     const auto take = [&](std::size_t lane, T value) {
         least[lane] = value < least[lane] ? value : least[lane];
         greatest[lane] = value > greatest[lane] ? value : greatest[lane];
@@ -28,8 +24,8 @@ Range range(const T* values, std::int64_t count) {
         for (std::size_t lane = 0; lane < lanes; ++lane)
             take(lane, values[i + static_cast<std::int64_t>(lane)]);
     for (; i < count; ++i) take(0, values[i]);
-    return {static_cast<double>(*std::min_element(least.begin(), least.end())),
-            static_cast<double>(*std::max_element(greatest.begin(), greatest.end()))};
+    return {static_cast<double>(*std::min_element(least.begin(), least.end())) + 0.0,
+            static_cast<double>(*std::max_element(greatest.begin(), greatest.end())) + 0.0};
 }
 
 } // namespace
@@ -43,6 +39,11 @@ Range rangeOf(std::int32_t type, const void* values, std::int64_t count) {
     default:
         return range(static_cast<const std::int32_t*>(values), count);
     }
+}
+
+void extend(Range& range, const Range& by) {
+    range.least = std::min(range.least, by.least);
+    range.greatest = std::max(range.greatest, by.greatest);
 }
 
 } // namespace tecio

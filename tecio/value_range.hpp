@@ -1,13 +1,29 @@
 #pragma once
 
 #include <cstdint>
-
-#include "tecio/data_file.hpp"
+#include <limits>
 
 namespace tecio {
 
-// Returns the least and greatest value of an array of this type: 1 float, 2 double, 3 int32_t. NaN
-// is ignored.
+// Least and greatest value, NaN excluded. Without any value the least is above the greatest. A zero
+// has no sign, so that the order of the comparisons does not show.
+struct Range {
+    double least, greatest;
+};
+
+// The range of no values.
+template<class T>
+inline constexpr T greatestOf = std::numeric_limits<T>::has_infinity
+                                    ? std::numeric_limits<T>::infinity()
+                                    : std::numeric_limits<T>::max();
+template<class T>
+inline constexpr T leastOf = std::numeric_limits<T>::has_infinity
+                                 ? -std::numeric_limits<T>::infinity()
+                                 : std::numeric_limits<T>::lowest();
+
+// Returns the range of an array of this type: 1 float, 2 double, 3 int32_t.
 Range rangeOf(std::int32_t type, const void* values, std::int64_t count);
+
+void extend(Range& range, const Range& by);
 
 } // namespace tecio

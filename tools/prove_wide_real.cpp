@@ -8,7 +8,7 @@
 // std::to_chars: powers of two and ten with their neighbours, ties, random bit patterns, usual
 // sizes and, with --floats, each 32-bit pattern. It prints its steps and ends with status 1 at the
 // first fault. The tests run it with few patterns, in the form of digit_words.hpp that
-// MESHRAKE_PORTABLE_DIGITS selects.
+// MESHRAKE_PORTABLE selects.
 
 #include "tools/wide_real_reference.hpp"
 #include "tvncommon/text/digit_words.hpp"

@@ -4,8 +4,8 @@
 #include <bit>
 #include <cstdint>
 #include <cstring>
-// The CMake option MESHRAKE_PORTABLE_DIGITS selects the form for other machines on every machine.
-#if defined(__SSE2__) && !defined(MESHRAKE_PORTABLE_DIGITS)
+// The CMake option MESHRAKE_PORTABLE selects the form for other machines on every machine.
+#if defined(__SSE2__) && !defined(MESHRAKE_PORTABLE)
 #define MESHRAKE_SSE2_DIGITS
 #include <emmintrin.h>
 #endif

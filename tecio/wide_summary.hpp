@@ -1,0 +1,16 @@
+#pragma once
+
+#include <cstdint>
+
+#include "tecio/checksum.hpp"
+#include "tecio/value_range.hpp"
+
+namespace tecio {
+
+// Updates the range and, if given, the checksum by values of this type (as for `rangeOf`), in one
+// pass with 32-byte registers. Returns the number of values done from the first: those in whole
+// blocks of the checksum, 0 if the processor has no such registers.
+std::int64_t summarizeWide(std::int32_t type, const void* values, std::int64_t count, Range& range,
+                           Checksum* checksum);
+
+} // namespace tecio
