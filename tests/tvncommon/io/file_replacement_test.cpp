@@ -1,0 +1,160 @@
+#include "tvncommon/io/file_replacement.hpp"
+
+#include "tests/support/runs.hpp"
+#include "tvncommon/io/byte_file.hpp"
+#include "tvncommon/io/io_layer.hpp"
+#include "tvncommon/io/system_calls.hpp"
+
+#include <cerrno>
+#include <sys/stat.h>
+
+// What can prevent a file from being replaced, and what must not.
+namespace {
+
+using namespace io_layer;
+using sample_files::get;
+using sample_files::put;
+
+class FileReplacement : public testing::Test {
+protected:
+    ~FileReplacement() override {
+        system_calls::table = system_calls::systemTable();
+        reset();
+    }
+    sample_files::Folder folder;
+};
+
+constexpr const char* newFile = "file.unfinished";
+
+int replaceFile() {
+    const int unit = takeUnit();
+    int status = openTextForCommit(unit, "file");
+    if (status == ok) status = writeLine(unit, "new");
+    const int committed = status == ok ? commitUnit(unit) : status;
+    releaseUnit(unit);
+    return committed;
+}
+
+// Something is in the place of the new file.
+TEST_F(FileReplacement, LeftOversOfAllKinds) {
+    const std::pair<const char*, void (*)()> removable[] = {
+        {"file", [] { put(newFile, "of an earlier run"); }},
+        {"link", [] { std::filesystem::create_symlink("missing", newFile); }},
+        {"loop", [] { std::filesystem::create_symlink(newFile, newFile); }},
+        {"pipe", [] { ASSERT_EQ(mkfifo(newFile, 0666), 0); }}};
+    for (const auto& [kind, create] : removable) {
+        put("file", "old");
+        create();
+        EXPECT_EQ(replaceFile(), ok) << kind;
+        EXPECT_EQ(get("file"), "new\n");
+        EXPECT_FALSE(std::filesystem::exists(std::filesystem::symlink_status(newFile)));
+    }
+    std::filesystem::create_directory(newFile);
+    EXPECT_EQ(replaceFile(), openFailed);
+    EXPECT_EQ(get("file"), "new\n");
+    EXPECT_TRUE(std::filesystem::is_directory(newFile));
+}
+
+// A call for the new file fails with an errno: the new file is then written, the old one is
+// emptied and written in place, or the replacement fails and the old file stays.
+enum class Outcome { replaced, inPlace, failed };
+struct Row {
+    const char* call;
+    int error;
+    Outcome outcome;
+};
+
+int failing;
+void fail(const std::string& call, int error) {
+    failing = error;
+    system_calls::Table& table = system_calls::table;
+    table = system_calls::systemTable();
+    if (call == "create")
+        table.open = [](const char* path, system_calls::OpenMode mode) {
+            if (mode != system_calls::OpenMode::create)
+                return system_calls::systemTable().open(path, mode);
+            return errno = failing, -1;
+        };
+    if (call == "open the left-over")
+        table.open = [](const char* path, system_calls::OpenMode mode) {
+            if (std::string(path) != newFile || mode == system_calls::OpenMode::create)
+                return system_calls::systemTable().open(path, mode);
+            return errno = failing, -1;
+        };
+    if (call == "create and empty") {
+        fail("create", error);
+        table.truncate = [](int, std::int64_t) { return errno = EIO, -1; };
+    }
+    if (call == "lock") table.lock = [](int, bool) { return errno = failing, -1; };
+    if (call == "remove") table.remove = [](const char*) { return errno = failing, -1; };
+    if (call == "permissions")
+        table.setPermissions = [](int, unsigned) { return errno = failing, -1; };
+    if (call == "sync") table.sync = [](int) { return errno = failing, -1; };
+}
+
+TEST_F(FileReplacement, CallsThatFail) {
+    const Row rows[] = {
+        {"create", EACCES, Outcome::inPlace},
+        {"create", EPERM, Outcome::inPlace},
+        {"create", EROFS, Outcome::inPlace},
+        {"create", ENAMETOOLONG, Outcome::inPlace},
+        {"create", EIO, Outcome::failed},
+        {"create and empty", EACCES, Outcome::failed},
+        {"open the left-over", EACCES, Outcome::replaced}, // that of another user, in our folder
+        {"open the left-over", EIO, Outcome::failed},
+        {"remove", EACCES, Outcome::inPlace},
+        {"remove", EIO, Outcome::failed},
+        {"remove", ENOENT, Outcome::failed}, // in vain, as another process creates it each time
+        {"lock", EWOULDBLOCK, Outcome::failed},
+        {"lock", ENOLCK, Outcome::replaced}, // a file system without locks
+        {"permissions", EPERM, Outcome::inPlace},
+        {"permissions", EIO, Outcome::failed},
+        {"sync", EINVAL, Outcome::replaced}, // a file system without syncs
+        {"sync", ENOSYS, Outcome::replaced},
+        {"sync", EIO, Outcome::failed}};
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.call + (" " + std::to_string(row.error)));
+        put("file", "old");
+        std::filesystem::permissions("file", std::filesystem::perms{0640});
+        put(newFile, "of an earlier run");
+        const auto before = std::filesystem::hard_link_count("file");
+        std::filesystem::create_hard_link("file", "second name");
+        fail(row.call, row.error);
+        EXPECT_EQ(replaceFile() == ok, row.outcome != Outcome::failed);
+        system_calls::table = system_calls::systemTable();
+        EXPECT_EQ(get("file"), row.outcome == Outcome::failed ? "old" : "new\n");
+        EXPECT_EQ(std::filesystem::hard_link_count("file") == before,
+                  row.outcome == Outcome::replaced);
+        std::filesystem::remove("second name");
+        std::filesystem::remove(newFile);
+    }
+    byte_file::File file;
+    std::int64_t size = 0;
+    ASSERT_EQ(byte_file::open("file", system_calls::OpenMode::update, file, size), ok);
+    for (const auto& [error, status] :
+         {std::pair{EINVAL, ok}, std::pair{ENOSYS, ok}, std::pair{EIO, writeFailed}}) {
+        fail("sync", error);
+        EXPECT_EQ(byte_file::sync(file), status);
+        EXPECT_EQ(byte_file::syncFolderOf("./file"), status);
+    }
+    byte_file::close(file);
+}
+
+// The system's own answers, without the table that tests replace.
+TEST_F(FileReplacement, SpaceAndMemoryOfTheSystem) {
+    const system_calls::Table table = system_calls::systemTable();
+    const int withoutReserve = table.open("/proc/self/comm", system_calls::OpenMode::existing);
+    ASSERT_GE(withoutReserve, 0);
+    EXPECT_EQ(table.reserve(withoutReserve, 0, 1), 0);
+    table.close(withoutReserve);
+    put("file", "");
+    const int reading = table.open("file", system_calls::OpenMode::read);
+    EXPECT_EQ(table.reserve(reading, 0, 1), -1);
+    table.close(reading);
+    EXPECT_EQ(table.allocate(std::numeric_limits<std::size_t>::max() - 1), nullptr);
+    void* least = table.allocate(0);
+    EXPECT_NE(least, nullptr);
+    std::free(least);
+}
+
+} // namespace
