@@ -60,32 +60,6 @@ int writePages(DataFile& f, std::int64_t position, const Bytes& bytes, bool last
     return status;
 }
 
-// Returns the headers of the zones that have none in the file yet, for the position after the last
-// header.
-Bytes pagesToPublish(DataFile& f) {
-    const std::int64_t at = headersEnd(f, f.headerEnds.size());
-    Bytes out;
-    for (std::size_t z = f.headerEnds.size(); z < f.zones.size(); ++z) {
-        addHeader(out, at, zoneHeaderBytes(f.zones[z]));
-        f.headerEnds.push_back(at + sizeOf(out));
-    }
-    padPage(out, at);
-    return out;
-}
-
-// Returns everything before the data, with at least `padding` bytes for more headers, and sets the
-// positions.
-Bytes headerBytes(DataFile& f, std::int64_t padding) {
-    Bytes out = headBytes(f.head);
-    f.auxAt = sizeOf(out);
-    out += f.aux;
-    f.zonesAt = sizeOf(out);
-    f.headerEnds.clear();
-    out += pagesToPublish(f);
-    addPadding(out, 0, sizeOf(out) + padding);
-    return out + headersEndBytes();
-}
-
 int copyData(const byte_file::File& from, std::int64_t fromAt, const byte_file::File& to,
              std::int64_t toAt, std::int64_t size, std::vector<char>& block) {
     for (std::int64_t done = 0; done < size;) {
@@ -127,9 +101,7 @@ int replaceWithCopy(DataFile& f, std::int64_t padding) {
 
 // A new file is renamed to the data set when its header is complete.
 int writeNewHeader(DataFile& f, std::int64_t zoneBytes) {
-    const std::int64_t padding =
-        std::clamp(zoneBytes / zoneBytesPerPaddingByte, leastPadding, mostPaddingAtFirst);
-    const Bytes header = headerBytes(f, padding);
+    const Bytes header = headerBytes(f, paddingAtFirst(zoneBytes));
     f.dataAt = f.dataEnd = sizeOf(header);
     const int status = write(f, 0, header);
     if (status == ok) return commitFile(f, f.file, f.replacement);
@@ -157,6 +129,40 @@ int updateAux(DataFile& f) {
 }
 
 } // namespace
+
+Bytes pagesToPublish(DataFile& f) {
+    const std::int64_t at = headersEnd(f, f.headerEnds.size());
+    Bytes out;
+    for (std::size_t z = f.headerEnds.size(); z < f.zones.size(); ++z) {
+        addHeader(out, at, zoneHeaderBytes(f.zones[z]));
+        f.headerEnds.push_back(at + sizeOf(out));
+    }
+    padPage(out, at);
+    return out;
+}
+
+Bytes headerBytes(DataFile& f, std::int64_t padding) {
+    Bytes out = headBytes(f.head);
+    f.auxAt = sizeOf(out);
+    out += f.aux;
+    f.zonesAt = sizeOf(out);
+    f.headerEnds.clear();
+    out += pagesToPublish(f);
+    addPadding(out, 0, sizeOf(out) + padding);
+    return out + headersEndBytes();
+}
+
+std::int64_t paddingAtFirst(std::int64_t zoneBytes) {
+    return std::clamp(zoneBytes / zoneBytesPerPaddingByte, leastPadding, mostPaddingAtFirst);
+}
+
+std::int64_t morePadding(const DataFile& f) {
+    return (f.dataAt - f.zonesAt) * paddingGrowth;
+}
+
+bool fitsBeforeData(const DataFile& f, std::int64_t at, const Bytes& pages) {
+    return at + sizeOf(pages) + sizeOf(headersEndBytes()) <= f.dataAt;
+}
 
 std::string sidecarPath(const std::string& path) {
     return path + ".szhdr";
@@ -186,9 +192,8 @@ int flush(DataFile& f) {
     if (f.headerEnds.size() < f.zones.size()) {
         const std::int64_t at = headersEnd(f, f.headerEnds.size());
         const Bytes pages = pagesToPublish(f);
-        const bool fits = at + sizeOf(pages) + sizeOf(headersEndBytes()) <= f.dataAt;
-        status = fits ? writePages(f, at, pages, false)
-                      : replaceWithCopy(f, (f.dataAt - f.zonesAt) * paddingGrowth);
+        status = fitsBeforeData(f, at, pages) ? writePages(f, at, pages, false)
+                                              : replaceWithCopy(f, morePadding(f));
     }
     // Bytes after the data are of an interrupted run, or of a longer zone that was replaced.
     if (status == ok && f.size > f.dataEnd) {

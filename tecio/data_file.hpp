@@ -75,6 +75,24 @@ int writeHeader(DataFile& file, std::int64_t zoneBytes);
 // Commits the current zone, and writes the headers of all zones.
 int flush(DataFile& file);
 
+// The bytes that `writeHeader` and `flush` write, and the steps by which they decide. Nothing here
+// touches the file.
+
+// Returns everything before the data, with at least `padding` bytes for more headers, and sets the
+// positions.
+Bytes headerBytes(DataFile& file, std::int64_t padding);
+
+// Returns the headers of the zones that have none in the file yet, for the position after the last
+// header, and sets their ends.
+Bytes pagesToPublish(DataFile& file);
+
+// Whether these headers fit at this position before the data.
+bool fitsBeforeData(const DataFile& file, std::int64_t at, const Bytes& pages);
+
+// Bytes of padding of a new file whose first zone has `zoneBytes`, and of a copy with more padding.
+std::int64_t paddingAtFirst(std::int64_t zoneBytes);
+std::int64_t morePadding(const DataFile& file);
+
 // End of the first `count` headers in the file.
 std::int64_t headersEnd(const DataFile& file, std::size_t count);
 

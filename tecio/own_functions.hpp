@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
+#include <vector>
 
 // What this project's writer library has beside the functions of tecio.h. Another library with
 // those functions lacks these, so callers test MESHRAKE_OWN_TECIO first.
@@ -27,5 +29,30 @@ void keepZones(void* fileHandle, std::int32_t count);
 // Closes data sets that an earlier run left open, without finishing them, and restores the
 // defaults of all settings.
 void reset();
+
+// What the size of a data set depends on.
+struct DataSetParts {
+    struct Value {
+        std::int32_t variable = 0; // from 1; 0: a value of the data set
+        std::string name, value;
+    };
+    struct Zone {
+        std::string title;
+        std::int64_t nodes = 0, elements = 0;
+        int nodesPerElement = 0;         // in the node lists
+        std::vector<std::int32_t> types; // by variable: 1 float, 2 double, 3 int32_t
+        std::vector<bool> ofElements;    // by variable: it has a value for each element
+        std::vector<bool> shared;        // by variable: the zone shares its values
+        bool sharesNodeLists = false;
+        bool isFlushed = false; // a flush follows
+    };
+    std::string title, variableList; // names separated by commas
+    std::vector<Value> values;
+    std::vector<Zone> zones;
+};
+
+// Returns the size in bytes of the finished data set, and that of the data of its zones alone.
+std::int64_t dataSetBytes(const DataSetParts& parts);
+std::int64_t zoneBytes(const DataSetParts& parts);
 
 } // namespace tecio

@@ -114,6 +114,67 @@ int32_t writeValues(void* handle, int32_t zone, int32_t var, int32_t partition, 
 
 } // namespace
 
+namespace {
+
+// Types of zones with node lists of this length; a zone without a type has none.
+std::int32_t zoneType(int nodesPerElement) {
+    constexpr std::int32_t none = 0, lines = 1, quadrilaterals = 3, bricks = 5;
+    return nodesPerElement == 2   ? lines
+           : nodesPerElement == 4 ? quadrilaterals
+           : nodesPerElement == 8 ? bricks
+                                  : none;
+}
+
+tecio::Zone zoneOf(const tecio::DataSetParts::Zone& parts) {
+    tecio::Zone zone;
+    zone.title = parts.title;
+    zone.type = zoneType(parts.nodesPerElement);
+    zone.nodes = parts.nodes;
+    zone.elements = parts.elements;
+    zone.types = parts.types;
+    for (const bool ofElements : parts.ofElements) zone.locations.push_back(ofElements ? 0 : 1);
+    for (const bool shared : parts.shared) zone.shares.push_back(shared ? 1 : 0);
+    zone.connectivityShare = parts.sharesNodeLists ? 1 : 0;
+    return zone;
+}
+
+void layOutHeaders(DataFile& file) {
+    if (file.headerEnds.size() == file.zones.size()) return;
+    const std::int64_t at = tecio::headersEnd(file, file.headerEnds.size());
+    const tecio::Bytes pages = tecio::pagesToPublish(file);
+    if (tecio::fitsBeforeData(file, at, pages)) return;
+    file.dataAt = tecio::sizeOf(tecio::headerBytes(file, tecio::morePadding(file)));
+}
+
+} // namespace
+
+std::int64_t tecio::zoneBytes(const DataSetParts& parts) {
+    std::int64_t bytes = 0;
+    for (const DataSetParts::Zone& zone : parts.zones) bytes += layoutOf(zoneOf(zone)).size;
+    return bytes;
+}
+
+std::int64_t tecio::dataSetBytes(const DataSetParts& parts) {
+    DataFile file;
+    file.head = {parts.title, splitAtCommas(parts.variableList)};
+    for (const auto& [variable, name, value] : parts.values) {
+        if (value.find_first_not_of(' ') == std::string::npos) continue;
+        file.aux += variable > 0 ? variableAuxBytes(variable, name, value) : auxBytes(name, value);
+    }
+    for (const DataSetParts::Zone& zone : parts.zones) {
+        file.zones.push_back(zoneOf(zone));
+        if (file.zones.size() == 1) {
+            const std::int64_t padding = paddingAtFirst(layoutOf(file.zones.front()).size);
+            file.zones.clear(); // the header of a new file has none yet
+            file.dataAt = sizeOf(headerBytes(file, padding));
+            file.zones.push_back(zoneOf(zone));
+        }
+        if (zone.isFlushed) layOutHeaders(file);
+    }
+    layOutHeaders(file);
+    return file.dataAt + zoneBytes(parts);
+}
+
 void tecio::reset() {
     for (const auto& file : state.open) closeAndDiscard(*file);
     state = {};

@@ -26,6 +26,7 @@ void compute(Domain& domain, const VariableRow& row, OutputVar& var, DepthFuncti
         error::fatalError("Depth to groundwater: " + std::to_string(domain.nodeCount) +
                           " nodes in " + std::to_string(run.sheetCount) +
                           " sheets\nFile: " + model::problemFile("coordinates_pm"));
+    if (run.dryRun) return;
     if (var.columns[0].real8.empty())
         plot_data::allocateColumn(domain, var.columns[0], row.arrayText);
     depthFunction(domain.nodeCount, run.sheetCount, run.interpolateDepthToTable, elevation(domain),

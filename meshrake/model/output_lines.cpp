@@ -7,11 +7,11 @@
 namespace model {
 
 void writeScreen(std::string_view line) {
-    file_units::writeLine(io_layer::screen, line);
+    if (!run.dryRun) file_units::writeLine(io_layer::screen, line);
 }
 
 void writeEcho(std::string_view line) {
-    file_units::writeLine(run.echoUnit, line);
+    if (!run.dryRun) file_units::writeLine(run.echoUnit, line);
 }
 
 void write_string(std::string_view line) {

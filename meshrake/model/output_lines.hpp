@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-// Lines on the screen and in the echo file. A failed write ends the run.
+// Lines on the screen and in the echo file; none in a dry run. A failed write ends the run.
 namespace model {
 
 void writeScreen(std::string_view line);

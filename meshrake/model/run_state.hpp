@@ -9,6 +9,10 @@
 
 namespace plot_data {
 struct WriterFunctions;
+struct DryRun;
+} // namespace plot_data
+namespace plot_control {
+struct ControlSource;
 }
 
 namespace model {
@@ -96,6 +100,12 @@ struct RunState {
     std::vector<std::int32_t> wallElementLayer; // olf elements: wall layer of the element
 
     ObservationSet observations; // of the comparison in progress
+
+    // Of a program that reports what a run would do: nothing is written on the screen or to the
+    // echo file, and result files are tested instead of read. Null: a run.
+    const plot_data::DryRun* dryRun = nullptr;
+    // Control text in memory, of a dry run; null: the text on `controlUnit`.
+    const plot_control::ControlSource* controlSource = nullptr;
 
     // Plot files
     // Text or binary form, selected after the control file is read. Null: text.

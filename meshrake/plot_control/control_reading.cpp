@@ -3,9 +3,9 @@
 #include "meshrake/model/append_state.hpp"
 #include "meshrake/model/output_lines.hpp"
 #include "meshrake/model/run_state.hpp"
+#include "meshrake/plot_control/control_source.hpp"
 #include "meshrake/plot_control/instruction_table.hpp"
 #include "meshrake/plot_control/value_lines.hpp"
-#include "tvncommon/io/file_units.hpp"
 #include "tvncommon/io/io_layer.hpp"
 #include "tvncommon/text/StringHelpers.hpp"
 
@@ -18,8 +18,6 @@ using model::run;
 
 namespace {
 
-constexpr std::size_t lineLimit = 60;
-
 struct Line {
     std::string typed;  // without trailing blanks
     std::string folded; // the same in lower case
@@ -28,7 +26,7 @@ struct Line {
 // Reads the next line. Returns false at the end of the text.
 bool nextLine(Line& line) {
     std::string raw;
-    const int status = io_layer::readLine(run.controlUnit, raw);
+    const int status = readControlLine(raw);
     if (status == io_layer::endOfFile) return false;
     if (status != io_layer::ok) endRunUnreadable(status);
     line.typed = StringHelpers::cut(raw, lineLimit);
@@ -37,8 +35,17 @@ bool nextLine(Line& line) {
     return true;
 }
 
+// Not called for an instruction, which may begin with these letters.
 bool endsSection(const Line& line) {
-    return line.folded.starts_with("end");
+    const bool ends = line.folded.starts_with("end");
+    if (ends) noteUse(LineUse::sectionEnd);
+    return ends;
+}
+
+void execute(const InstructionRow& instruction, Domain* domain) {
+    noteUse(LineUse::instruction);
+    instruction.execute(domain);
+    noteValuesRead();
 }
 
 void echoInstruction(std::string_view text) {
@@ -47,6 +54,7 @@ void echoInstruction(std::string_view text) {
 }
 
 void reportUnrecognized(const Line& line) {
+    noteUse(LineUse::unrecognized);
     for (const auto& write : {model::writeEcho, model::writeScreen}) {
         write("Plot control - Unrecognized line");
         write(line.folded);
@@ -73,6 +81,7 @@ bool disableOption(Domain& domain, const Line& line) {
         if (row.cleared == model::Option::none) continue;
         if (model::optionOf(domain, row.option).label != line.folded) continue;
         model::optionOf(domain, row.cleared).enabled = false;
+        noteUse(LineUse::option);
         return true;
     }
     return false;
@@ -83,7 +92,7 @@ void readAfterFirstSection(Domain& addition) {
         const InstructionRow* instruction = findInstruction(Section::afterFirst, line);
         if (!instruction) continue;
         echoInstruction(line.folded);
-        instruction->execute(&addition);
+        execute(*instruction, &addition);
     }
 }
 
@@ -92,7 +101,7 @@ void readBlock(Domain& domain) {
         echoInstruction(line.typed);
         if (disableOption(domain, line)) continue;
         if (const auto* instruction = findInstruction(Section::domainBlock, line, &domain))
-            instruction->execute(&domain);
+            execute(*instruction, &domain);
         else if (endsSection(line))
             return;
         else
@@ -102,11 +111,18 @@ void readBlock(Domain& domain) {
 
 } // namespace
 
+void readRest(Domain& domain) {
+    if (domain.tag == model::tags::addition)
+        readAfterFirstSection(domain);
+    else
+        readBlock(domain);
+}
+
 void readPlotControlInit() {
     for (Line line; nextLine(line);) {
         echoInstruction(line.typed);
         if (const InstructionRow* instruction = findInstruction(Section::first, line)) {
-            instruction->execute(nullptr);
+            execute(*instruction, nullptr);
         } else if (endsSection(line)) {
             // Only binary data sets can be resumed.
             run.tecplotAppend = run.tecplotAppend && run.tecplotBinary;
@@ -121,18 +137,19 @@ void readPlotControlInit() {
 void readPlotControl(Domain& domain) {
     domain.writeDomain.enabled = false;
     if (!domain.exists) return;
-    file_units::rewind(run.controlUnit);
+    rewindControl();
     Line line;
     do {
         if (!nextLine(line)) return;
     } while (!endsSection(line));
-    if (domain.tag == model::tags::addition) return readAfterFirstSection(domain);
+    if (domain.tag == model::tags::addition) return readRest(domain);
     do {
         if (!nextLine(line)) return;
     } while (line.folded != domain.writeDomain.label);
     domain.writeDomain.enabled = true;
+    noteUse(LineUse::blockBegin);
     echoInstruction(domain.writeDomain.label);
-    readBlock(domain);
+    readRest(domain);
 }
 
 } // namespace plot_control

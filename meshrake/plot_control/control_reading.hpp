@@ -8,11 +8,16 @@
 // ends the run. A line that is not an instruction is skipped and reported on screen and echo file.
 namespace plot_control {
 
+inline constexpr std::size_t lineLimit = 60; // characters of a line that count
+
 // Reads the first section, up to its "end".
 void readPlotControlInit();
 
 // Finds and reads the block of the domain. A domain without a block is not written. For `addition`
 // reads the instructions that may be anywhere after the first section.
 void readPlotControl(model::Domain& domain);
+
+// Reads a block, or the instructions of `addition`, from the next line on.
+void readRest(model::Domain& domain);
 
 } // namespace plot_control

@@ -68,7 +68,7 @@ void writePlotControl(const Domain& domain) {
 }
 
 void writePlotControlEnd() {
-    writeLine("write time series file");
+    writeLine(std::string(timeSeriesLine));
     writeLine("end");
 }
 

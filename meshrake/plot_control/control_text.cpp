@@ -12,33 +12,41 @@ namespace {
 constexpr std::size_t lineLimit = 256;
 constexpr std::string_view includeWord = "include";
 
-// Reads the next line that is not a comment, without leading blanks. Returns false at the end.
-bool nextLine(int unit, std::string& line) {
+void copyIncluded(const std::string& path, int outputUnit) {
+    if (!file_units::exists(path)) error::input_error("Include file not found: " + path);
+    const int unit = file_units::openTextRead(path);
+    std::string line;
+    int number = 0;
+    while (nextControlLine(unit, line, number)) file_units::writeLine(outputUnit, line);
+    file_units::freeUnit(unit);
+}
+
+} // namespace
+
+bool nextControlLine(int unit, std::string& line, int& number) {
     std::string raw;
     while (file_units::readLine(unit, raw, io_layer::LongLine::cut)) {
+        ++number;
         line = StringHelpers::trimLeft(StringHelpers::cut(raw, lineLimit));
         if (!line.empty() && line.front() != '!') return true;
     }
     return false;
 }
 
-void copyIncluded(std::string_view name, int outputUnit) {
-    const std::string path(name);
-    if (!file_units::exists(path)) error::input_error("Include file not found: " + path);
-    const int unit = file_units::openTextRead(path);
-    std::string line;
-    while (nextLine(unit, line)) file_units::writeLine(outputUnit, line);
-    file_units::freeUnit(unit);
+bool isInclude(std::string_view line) {
+    return line.starts_with(includeWord);
 }
 
-} // namespace
+std::string includedFile(std::string_view line) {
+    return std::string(StringHelpers::trimLeft(line.substr(includeWord.size())));
+}
 
 void strip_comments(int inputUnit, int outputUnit) {
     std::string line;
-    while (nextLine(inputUnit, line)) {
-        if (line.starts_with(includeWord))
-            copyIncluded(StringHelpers::trimLeft(std::string_view(line).substr(includeWord.size())),
-                         outputUnit);
+    int number = 0;
+    while (nextControlLine(inputUnit, line, number)) {
+        if (isInclude(line))
+            copyIncluded(includedFile(line), outputUnit);
         else
             file_units::writeLine(outputUnit, line);
     }

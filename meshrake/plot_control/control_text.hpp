@@ -1,5 +1,8 @@
 #pragma once
 
+#include <string>
+#include <string_view>
+
 namespace plot_control {
 
 // Copies the control text of one open unit to another and rewinds the copy. Drops blank lines,
@@ -7,5 +10,13 @@ namespace plot_control {
 // replaced by the lines of the file that it names; an "include" in that file is copied as it is.
 // Lines are cut at 256 characters. A missing include file and a failed read end the run.
 void strip_comments(int inputUnit, int outputUnit);
+
+// Reads the next line that is not dropped, without leading and trailing blanks; false at the end of
+// the text. `number` is the number of the line in its file; it must be 0 before the first call.
+bool nextControlLine(int unit, std::string& line, int& number);
+
+// True for a line that is replaced by the lines of a file, and the name of that file.
+bool isInclude(std::string_view line);
+std::string includedFile(std::string_view line);
 
 } // namespace plot_control

@@ -1,6 +1,7 @@
 #include "meshrake/plot_control/value_lines.hpp"
 
 #include "meshrake/model/run_state.hpp"
+#include "meshrake/plot_control/control_source.hpp"
 #include "tvncommon/diagnostics/error.hpp"
 #include "tvncommon/io/file_units.hpp"
 #include "tvncommon/io/io_layer.hpp"
@@ -11,10 +12,12 @@ using model::run;
 
 namespace {
 
+bool nextLine(std::string& line) {
+    if (!run.controlSource) return file_units::readLine(run.controlUnit, line);
+    return readControlLine(line) == io_layer::ok;
+}
+
 int readItems(std::initializer_list<free_form::Item> items) {
-    const auto nextLine = [](std::string& line) {
-        return file_units::readLine(run.controlUnit, line);
-    };
     return free_form::readItems(nextLine, std::span(items.begin(), items.size()));
 }
 

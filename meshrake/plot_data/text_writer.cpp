@@ -3,6 +3,7 @@
 #include "meshrake/plot_data/data_set.hpp"
 #include "meshrake/plot_data/node_lists.hpp"
 #include "meshrake/plot_data/text_block.hpp"
+#include "meshrake/plot_data/text_layout.hpp"
 #include "meshrake/plot_data/writer_functions.hpp"
 #include "tvncommon/diagnostics/error.hpp"
 #include "tvncommon/io/file_units.hpp"
@@ -22,11 +23,6 @@ namespace {
 
 using number_formats::valuesPerRow;
 static_assert(valuesPerPiece % valuesPerRow == 0);
-
-// The format has these limits. A longer zone line, or a longer list of variable numbers in it, is
-// cut without a message.
-constexpr int headerLimit = 512;
-constexpr int listLimit = 512;
 
 void appendLine(std::string& text, const std::string& line) {
     if (!text.empty()) text += '\n';
@@ -57,13 +53,12 @@ void openFile(std::string_view name, std::string_view title, Domain& domain) {
     if (domain.tecplotUnit < 1) domain.tecplotUnit = file_units::getUnit();
     error::checkFileOpen(
         io_layer::openTextReplace(domain.tecplotUnit, path, io_layer::Flush::inBlocks), path);
-    file_units::writeLine(domain.tecplotUnit, "TITLE = \"" + std::string(title) + "\"");
-    file_units::writeLine(domain.tecplotUnit, "VARIABLES = " + domain.dataSet.varNameList);
+    file_units::writeLine(domain.tecplotUnit, text_layout::titleLine(title));
+    file_units::writeLine(domain.tecplotUnit, text_layout::variablesLine(domain));
 }
 
 void writeMetadata(std::string_view key, std::string_view value, Domain& domain) {
-    file_units::writeLine(domain.tecplotUnit,
-                          "DATASETAUXDATA " + std::string(key) + "=\"" + std::string(value) + "\"");
+    file_units::writeLine(domain.tecplotUnit, text_layout::metadataLine(key, value));
 }
 
 void writeUnits(Domain& domain) {
@@ -82,40 +77,13 @@ void closeFile(Domain& domain) {
     domain.tecplotUnit = -1;
 }
 
-std::string listOf(const std::vector<std::int32_t>& numbers) {
-    std::string list;
-    for (const std::int32_t number : numbers)
-        list += (list.empty() ? "" : ",") + std::to_string(number);
-    return std::string(StringHelpers::cut(list, listLimit));
-}
-
-void appendPart(std::string& zoneHeader, std::string_view part) {
-    const std::string_view begin = StringHelpers::trimRight(zoneHeader);
-    zoneHeader = StringHelpers::cut(std::string(begin) + std::string(part), headerLimit);
-}
-
 void writeZone(std::string_view title, std::string_view solutionTime, int connectivityShareZone,
                Domain& domain) {
-    DataSet& set = domain.dataSet;
-    ++set.zoneNumber;
-    std::string zoneHeader;
-    appendPart(zoneHeader, "ZONE T=\"" + std::string(title) + "\"");
-    const std::string_view time = StringHelpers::trimLeft(solutionTime);
-    if (!time.empty()) appendPart(zoneHeader, ", SOLUTIONTIME=" + std::string(time));
-    appendPart(zoneHeader, ", DATAPACKING=BLOCK");
-    appendPart(zoneHeader, ", NODES=" + std::to_string(domain.nnTruncated));
-    appendPart(zoneHeader, ", ELEMENTS=" + std::to_string(domain.neTruncated));
-    appendPart(zoneHeader, ", ZONETYPE=" + domain.zoneType);
-    if (!set.nextZone.cellCenteredVars.empty())
-        appendPart(zoneHeader,
-                   ", VARLOCATION=([" + listOf(set.nextZone.cellCenteredVars) + "]=CELLCENTERED)");
-    if (set.zoneNumber > 1 && !set.nextZone.sharedVars.empty())
-        appendPart(zoneHeader, ", VARSHARELIST=([" + listOf(set.nextZone.sharedVars) + "])");
-    if (connectivityShareZone > 0)
-        appendPart(zoneHeader, ", CONNECTIVITYSHAREZONE=" + std::to_string(connectivityShareZone));
-    file_units::writeLine(domain.tecplotUnit, StringHelpers::trimRight(zoneHeader));
-    if (!set.varTypeList.empty())
-        file_units::writeLine(domain.tecplotUnit, "DT=(" + set.varTypeList + ")");
+    ++domain.dataSet.zoneNumber;
+    file_units::writeLine(domain.tecplotUnit, text_layout::zoneLine(title, solutionTime,
+                                                                    connectivityShareZone, domain));
+    const std::string types = text_layout::typesLine(domain);
+    if (!types.empty()) file_units::writeLine(domain.tecplotUnit, types);
 }
 
 // Rows of five values; only the last row of an array may be shorter.
@@ -148,7 +116,7 @@ void writeArray(std::int32_t, const ValueGenerator<T>& next, std::string_view la
                 Domain& domain) {
     std::array<T, valuesPerPiece> buffer;
     TextBlock block = beginBlock(domain.tecplotUnit);
-    appendLine(block, "# " + std::string(StringHelpers::trimRight(label)));
+    appendLine(block, text_layout::arrayLine(label));
     for (std::span<const T> piece = next(buffer); !piece.empty(); piece = next(buffer))
         appendValues(block, piece);
     writeBlock(block);
@@ -156,9 +124,9 @@ void writeArray(std::int32_t, const ValueGenerator<T>& next, std::string_view la
 
 void writeConnectivity(Domain& domain) {
     TextBlock block = beginBlock(domain.tecplotUnit);
-    appendLine(block, "# element node lists");
+    appendLine(block, text_layout::nodeListsLine);
     writeNodeLists(domain, [&](const std::int32_t* nodes, std::int64_t lists, int length) {
-        const std::int64_t rowBytes = length * (number_formats::integerWidth + 1) + 1;
+        const std::int64_t rowBytes = text_layout::nodeListBytes(length);
         while (lists > 0) {
             const std::int64_t n = std::min(lists, ensureSpace(block, rowBytes));
             block.end = number_formats::writeConnectivityRows(nodes, n, length, block.end);

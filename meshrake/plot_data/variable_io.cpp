@@ -84,6 +84,7 @@ void declareColumn(Domain& domain, Column& column, std::string_view name, std::s
 }
 
 void allocateColumn(const Domain& domain, Column& column, std::string_view arrayText) {
+    if (run.dryRun) return;
     const std::int32_t n = valueCount(domain, column);
     switch (column.type) {
     case DataType::single:
@@ -97,6 +98,9 @@ void allocateColumn(const Domain& domain, Column& column, std::string_view array
 
 void readColumns(const Domain& domain, std::span<Column> columns, const std::string& name) {
     const std::int32_t n = valueCount(domain, columns[0]);
+    if (run.dryRun)
+        return run.dryRun->testFile(
+            {name, columns[0].type, n, columns.size(), columns[0].varNumber});
     const auto components = static_cast<int>(columns.size());
     // The reader puts each component of a record into the array of its column, without a copy.
     float* real4[maximumColumns];
@@ -115,6 +119,12 @@ void readColumns(const Domain& domain, std::span<Column> columns, const std::str
     case DataType::longInt:
         return TVNBinaryFile::read_i4_1d(name, n, columns[0].int4.data());
     }
+}
+
+void readElementZones(Domain& domain, const std::string& name) {
+    if (run.dryRun)
+        return run.dryRun->testFile({name, DataType::longInt, domain.elementCount, 1, 0});
+    TVNBinaryFile::read_i4_1d(name, domain.elementCount, domain.elementZone.data());
 }
 
 void shareColumns(Domain& domain, std::span<const Column> columns) {

@@ -68,6 +68,21 @@ struct VariableRow {
     Step write = nullptr; // writes the values into the zone
 };
 
+// A result file as the run reads it.
+struct ResultFile {
+    const std::string& name;
+    DataType type;
+    std::int32_t count; // values of each component
+    std::size_t components;
+    std::int32_t varNumber; // of the first component; 0 before it is in the data set
+};
+
+// What a dry run does in place of reading. No array has memory then; those of the columns are
+// empty, and so are the columns that are computed from them.
+struct DryRun {
+    void (*testFile)(const ResultFile& file);
+};
+
 // Number of columns that have a name.
 std::size_t columnCount(const VariableRow& row);
 
@@ -98,6 +113,9 @@ void allocateColumn(const Domain& domain, Column& column, std::string_view array
 // Reads a result file whose records have the components of the columns. A file of another length or
 // a damaged one ends the run.
 void readColumns(const Domain& domain, std::span<Column> columns, const std::string& name);
+
+// The same for a file of one integer for each element, which replaces the zones of the domain.
+void readElementZones(Domain& domain, const std::string& name);
 
 // The next zone shares the columns with zone 1.
 void shareColumns(Domain& domain, std::span<const Column> columns);

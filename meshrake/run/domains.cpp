@@ -17,29 +17,21 @@ namespace {
 
 // Writes the mesh and the values of the last zone as a legacy VTK file.
 void writeForParaview(Domain& domain) {
-    if (model::run.paraviewMode && domain.writeDomain.enabled) paraview::multiParaview(domain);
+    const bool writes = domain.writeDomain.enabled && model::hasOwnNodes(domain);
+    if (model::run.paraviewMode && writes) paraview::multiParaview(domain);
 }
 
 void init(Domain& domain, const Domain& pm) {
-    if (!domain.exists) return;
-    if (domain.writeDomain.enabled && !model::hasOwnNodes(domain)) {
-        truncation::commonTruncate(domain, pm);
-        variables::initCommonTecplot(domain);
-    } else if (domain.writeDomain.enabled || model::isReadButNotWritten(domain)) {
-        truncation::multiTruncate(domain, pm);
-        variables::initMultiTecplot(domain);
-        writeForParaview(domain);
-    }
+    if (!isProcessed(domain)) return;
+    truncate(domain, pm);
+    variables::initTecplot(domain);
+    writeForParaview(domain);
 }
 
 void append(Domain& domain) {
-    if (!domain.exists) return;
-    if (domain.writeDomain.enabled && !model::hasOwnNodes(domain)) {
-        variables::appendCommonTecplot(domain);
-    } else if (domain.writeDomain.enabled || model::isReadButNotWritten(domain)) {
-        variables::appendMultiTecplot(domain);
-        writeForParaview(domain);
-    }
+    if (!isProcessed(domain)) return;
+    variables::appendTecplot(domain);
+    writeForParaview(domain);
 }
 
 } // namespace
@@ -48,16 +40,24 @@ std::array<Domain*, 7> processingOrder(Domains& d) {
     return {&d.pm, &d.dual, &d.frac, &d.olf, &d.well, &d.chan, &d.tile};
 }
 
+void createDomain(Domains& d, const DomainEntry& entry) {
+    model::domainCreate(d.*entry.domain, entry.tag, d.pm);
+    if (entry.domain == &Domains::pm) d.pm.couplingScheme = 1;
+}
+
 void createDomains(Domains& d) {
-    model::domainCreate(d.pm, "pm", d.pm);
-    d.pm.couplingScheme = 1;
-    model::domainCreate(d.dual, "dual", d.pm);
-    model::domainCreate(d.olf, "olf", d.pm);
-    model::domainCreate(d.frac, "frac", d.pm);
-    model::domainCreate(d.chan, "chan", d.pm);
-    model::domainCreate(d.well, "well", d.pm);
-    model::domainCreate(d.tile, "tile", d.pm);
-    model::domainCreate(d.addition, "addition", d.pm);
+    for (const DomainEntry& entry : creationOrder) createDomain(d, entry);
+}
+
+bool isProcessed(const Domain& domain) {
+    return domain.exists && (domain.writeDomain.enabled || model::isReadButNotWritten(domain));
+}
+
+void truncate(Domain& domain, const Domain& pm) {
+    if (model::hasOwnNodes(domain))
+        truncation::multiTruncate(domain, pm);
+    else
+        truncation::commonTruncate(domain, pm);
 }
 
 bool pmNeededByCommonNodeDomains(const Domains& d) {

@@ -3,6 +3,7 @@
 #include "meshrake/model/domain.hpp"
 
 #include <array>
+#include <string_view>
 
 namespace run {
 
@@ -13,15 +14,34 @@ struct Domains {
     model::Domain addition; // only for instructions
 };
 
+struct DomainEntry {
+    std::string_view tag;
+    model::Domain Domains::*domain;
+};
+
+// The order of the global node numbers.
+inline constexpr DomainEntry creationOrder[] = {
+    {"pm", &Domains::pm},     {"dual", &Domains::dual},        {"olf", &Domains::olf},
+    {"frac", &Domains::frac}, {"chan", &Domains::chan},        {"well", &Domains::well},
+    {"tile", &Domains::tile}, {"addition", &Domains::addition}};
+
 // Returns the domains in the order in which they are read from the control file, processed and
 // closed.
 std::array<model::Domain*, 7> processingOrder(Domains& domains);
 
-// Creates all domains and reads their meshes, in the order of the global node numbers.
+// Create one domain, and all in the order above, and read their meshes. A damaged file ends the
+// run.
+void createDomain(Domains& domains, const DomainEntry& entry);
 void createDomains(Domains& domains);
 
 // True if pm is not written but must be read, because a common-node domain is written.
 bool pmNeededByCommonNodeDomains(const Domains& domains);
+
+// True for a domain that is read at the output times.
+bool isProcessed(const model::Domain& domain);
+
+// Selects the nodes and elements of a domain that are written, before its first output time.
+void truncate(model::Domain& domain, const model::Domain& pm);
 
 // Process all domains at the first output time and at a later one.
 void initAll(Domains& domains);

@@ -36,6 +36,15 @@ int readPrefix(int unit, std::string& prefix, int& lines) {
     }
 }
 
+bool isProblem(const std::string& prefix, std::string_view extension) {
+    const std::string name = prefix + std::string(extension);
+    if (file_units::exists(name)) return true;
+    writeScreen("Unable to find file " + name);
+    return false;
+}
+
+} // namespace
+
 bool readBatchFile(std::string& prefix) {
     if (!file_units::exists(batchFile)) {
         writeScreen("batch.pfx file does not exist");
@@ -59,15 +68,6 @@ bool readBatchFile(std::string& prefix) {
     }
     return good;
 }
-
-bool isProblem(const std::string& prefix, std::string_view extension) {
-    const std::string name = prefix + std::string(extension);
-    if (file_units::exists(name)) return true;
-    writeScreen("Unable to find file " + name);
-    return false;
-}
-
-} // namespace
 
 std::string getModelPrefix(std::string_view extension, bool& answered) {
     std::string prefix;

@@ -32,33 +32,45 @@ void recordProgress() {
 
 } // namespace
 
-void timeLoop(Domains& domains) {
+void beginTimeLoop() {
     model::run.timeIndex = model::run.firstTimeIndex = model::run.startTimeIndex;
+}
+
+OutputTime nextOutputTime(bool& firstInWindowFound) {
+    const bool found = findOutputTime();
+    if (!found && model::run.tecplotAppend && model::run.startTimeIndex > 1)
+        return OutputTime::nothingToAppend;
+    if (found && model::run.truncateTime) {
+        if (!model::inTimeWindow()) return OutputTime::outsideWindow;
+        if (!firstInWindowFound) model::run.firstTimeIndex = model::run.timeIndex;
+        firstInWindowFound = true;
+    }
+    if (model::run.timeIndex == model::run.firstTimeIndex)
+        return found ? OutputTime::first : OutputTime::onlyMesh;
+    return found ? OutputTime::later : OutputTime::end;
+}
+
+void timeLoop(Domains& domains) {
+    beginTimeLoop();
     bool firstInWindowFound = false;
     for (;; ++model::run.timeIndex) {
-        const bool found = findOutputTime();
-        if (!found && model::run.tecplotAppend && model::run.startTimeIndex > 1)
-            return write_string("No more data to append");
-        if (found && model::run.truncateTime) {
-            if (!model::inTimeWindow()) {
-                write_string("Skip Time " + timeLine());
-                continue;
-            }
-            if (!firstInWindowFound) model::run.firstTimeIndex = model::run.timeIndex;
-            firstInWindowFound = true;
+        const OutputTime time = nextOutputTime(firstInWindowFound);
+        if (time == OutputTime::nothingToAppend) return write_string("No more data to append");
+        if (time == OutputTime::end) return;
+        if (time == OutputTime::outsideWindow) {
+            write_string("Skip Time " + timeLine());
+            continue;
         }
-        if (model::run.timeIndex == model::run.firstTimeIndex) {
-            // Without any output time, mesh and properties are written all the same.
-            initAll(domains);
-            recordProgress();
-            if (!found) return;
-            write_string("");
-            write_string("Time " + timeLine());
-        } else {
-            if (!found) return;
+        if (time == OutputTime::later) {
             write_string("Time " + timeLine());
             appendAll(domains);
             recordProgress();
+        } else {
+            initAll(domains);
+            recordProgress();
+            if (time == OutputTime::onlyMesh) return;
+            write_string("");
+            write_string("Time " + timeLine());
         }
         model::run.lastTimeText = model::run.currentTimeText;
     }

@@ -56,28 +56,22 @@ VariableRow::Step selectStep(const VariableRow& row, VariableRow::Step own,
 
 // Goes through the rows in the order of the table: a row may use the arrays of rows before it, such
 // as elevations and heads.
-void declareAndRead(Domain& domain, Table table) {
-    for (std::size_t i = 0; i < table.size(); ++i) {
-        if (!applies(table[i], domain)) continue;
-        selectStep(table[i], table[i].init, familyInit, plot_data::plainInit)(domain, table[i],
-                                                                              domain.outputVars[i]);
-    }
+void declareAndRead(Domain& domain) {
+    for (std::size_t i = 0; i < tableOf(domain).size(); ++i) declareVariable(domain, i);
 }
 
 // Processes rows with `sharedLast` after all others, because the list of shared variables is in the
 // order of the calls that share them.
-void readOrShare(Domain& domain, Table table) {
+void readOrShare(Domain& domain) {
+    const Table table = tableOf(domain);
     for (const bool last : {false, true})
-        for (std::size_t i = 0; i < table.size(); ++i) {
-            const bool inDataSet = applies(table[i], domain) && domain.outputVars[i].firstExists;
-            if (!inDataSet || table[i].sharedLast != last) continue;
-            selectStep(table[i], table[i].read, familyRead,
-                       plot_data::plainRead)(domain, table[i], domain.outputVars[i]);
-        }
+        for (std::size_t i = 0; i < table.size(); ++i)
+            if (table[i].sharedLast == last) readVariable(domain, i);
 }
 
 // Writes in the order of the declarations, because the arrays of a zone have no names.
-void writeArrays(Domain& domain, Table table) {
+void writeArrays(Domain& domain) {
+    const Table table = tableOf(domain);
     for (std::size_t i = 0; i < table.size(); ++i) {
         if (!applies(table[i], domain) || !domain.outputVars[i].exists) continue;
         const VariableRow::Step write = table[i].write ? table[i].write : plot_data::plainWrite;
@@ -91,45 +85,61 @@ void flushAtInterval(Domain& domain) {
     if (done % run.tecplotFlushInterval == 0) plot_data::tecplotFileFlush(domain);
 }
 
-void initTecplot(Domain& domain, Table table) {
-    const std::string name = model::problemFile(domain.name);
-    announce(domain, name);
-    plot_data::tecplotInit(domain);
-    createOutputVars(domain, table);
-    declareAndRead(domain, table);
-    if (model::isReadButNotWritten(domain)) return;
+} // namespace
 
-    plot_data::tecplotFileOpen(name, run.titleLines.front(), domain);
+Table tableOf(const Domain& domain) {
+    return model::hasOwnNodes(domain) ? variableTable() : commonNodeTable();
+}
+
+void beginDataSet(Domain& domain) {
+    announce(domain, model::problemFile(domain.name));
+    plot_data::tecplotInit(domain);
+    createOutputVars(domain, tableOf(domain));
+}
+
+void declareVariable(Domain& domain, std::size_t i) {
+    const VariableRow& row = tableOf(domain)[i];
+    if (!applies(row, domain)) return;
+    selectStep(row, row.init, familyInit, plot_data::plainInit)(domain, row, domain.outputVars[i]);
+}
+
+void writeFirstZone(Domain& domain) {
+    if (model::isReadButNotWritten(domain)) return;
+    plot_data::tecplotFileOpen(model::problemFile(domain.name), run.titleLines.front(), domain);
     plot_data::tecplotVarUnitsWrite(domain);
     plot_data::tecplotWriteZoneFE(domain.name, run.currentTimeText, 0, domain);
-    writeArrays(domain, table);
+    writeArrays(domain);
     plot_data::tecplotWriteConnectivity(domain);
     flushAtInterval(domain);
 }
 
-void appendTecplot(Domain& domain, Table table) {
+void beginLaterZone(Domain& domain) {
     domain.dataSet.nextZone = {}; // a pm that is not written still has the previous ones
-    readOrShare(domain, table);
-    if (model::isReadButNotWritten(domain)) return;
+}
 
+void readVariable(Domain& domain, std::size_t i) {
+    const VariableRow& row = tableOf(domain)[i];
+    if (!applies(row, domain) || !domain.outputVars[i].firstExists) return;
+    selectStep(row, row.read, familyRead, plot_data::plainRead)(domain, row, domain.outputVars[i]);
+}
+
+void writeLaterZone(Domain& domain) {
+    if (model::isReadButNotWritten(domain)) return;
     plot_data::tecplotWriteZoneFE(domain.name, run.currentTimeText, 1, domain);
-    writeArrays(domain, table);
+    writeArrays(domain);
     flushAtInterval(domain);
 }
 
-} // namespace
+void initTecplot(Domain& domain) {
+    beginDataSet(domain);
+    declareAndRead(domain);
+    writeFirstZone(domain);
+}
 
-void initMultiTecplot(Domain& domain) {
-    initTecplot(domain, variableTable());
-}
-void initCommonTecplot(Domain& domain) {
-    initTecplot(domain, commonNodeTable());
-}
-void appendMultiTecplot(Domain& domain) {
-    appendTecplot(domain, variableTable());
-}
-void appendCommonTecplot(Domain& domain) {
-    appendTecplot(domain, commonNodeTable());
+void appendTecplot(Domain& domain) {
+    beginLaterZone(domain);
+    readOrShare(domain);
+    writeLaterZone(domain);
 }
 
 } // namespace variables

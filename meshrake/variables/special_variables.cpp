@@ -22,14 +22,14 @@ void zoneInit(Domain& domain, const VariableRow& row, OutputVar& var) {
     const bool found = plot_data::checkFileInit(name);
     plot_data::declareColumn(domain, var.columns[0], row.columns[0].name, row.unit);
     // The column has no array of its own: the isopach plot needs the same zones as the plot file.
-    if (found) TVNBinaryFile::read_i4_1d(name, domain.elementCount, domain.elementZone.data());
+    if (found) plot_data::readElementZones(domain, name);
 }
 
 void zoneRead(Domain& domain, const VariableRow& row, OutputVar& var) {
     const std::string name = plot_data::variableFile(domain, row.stem);
     var.exists = file_units::exists(name);
     if (var.exists)
-        TVNBinaryFile::read_i4_1d(name, domain.elementCount, domain.elementZone.data());
+        plot_data::readElementZones(domain, name);
     else
         plot_data::shareColumns(domain, var.columns);
     plot_data::markColumns(domain, var.columns);

@@ -17,7 +17,8 @@ using StringHelpers::trimRight;
 namespace {
 
 struct State {
-    int loggingUnit = 0; // 0: none
+    int loggingUnit = 0;                          // 0: none
+    std::vector<std::string>* messages = nullptr; // null: banners are written
 };
 constinit State state;
 
@@ -81,6 +82,10 @@ void writePieces(int unit, std::span<const std::string_view> pieces) {
 }
 
 int banner(std::string_view title, std::string_view message) {
+    if (state.messages) {
+        state.messages->emplace_back(trimRight(message));
+        return io_layer::ok;
+    }
     const std::string stars(title.size(), '*');
     return writeToAll({"", stars, title, stars, "", trimRight(message), ""});
 }
@@ -124,6 +129,10 @@ void input_error(std::string_view message) {
     endRun();
 }
 
+std::vector<std::string>* collectMessages(std::vector<std::string>* messages) {
+    return std::exchange(state.messages, messages);
+}
+
 void warningMsg(std::string_view message) {
     checkLog(banner("***      WARNING MESSAGE      ***", message));
 }
@@ -159,6 +168,10 @@ void checkFileWrite(int iostat, std::string_view filename) {
 // Writes the pieces one by one, because a composed text would need memory.
 void check_alloc(int stat, std::string_view name) {
     if (stat == 0) return;
+    if (state.messages) {
+        state.messages->push_back(withStatus(stat, "Allocation failed: " + std::string(name)));
+        endRun();
+    }
     const std::string_view detail = statusText(stat);
     char digits[16];
     const char* end = std::to_chars(digits, digits + sizeof digits, stat).ptr;

@@ -4,6 +4,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 // Framed banners, and the end of a run after a failure. Every banner is written to the logging
 // unit, if one is set, and then to the standard error stream.
@@ -15,8 +16,12 @@ struct RunEnded {
     int status = 1;
 };
 
-// Restores the state of a program start: no logging unit.
+// Restores the state of a program start: no logging unit, banners are written.
 void reset();
+
+// Appends the message of each later banner to `messages` and writes no banner; with null, banners
+// are written again. A failure still ends the run. Returns the argument of the previous call.
+std::vector<std::string>* collectMessages(std::vector<std::string>* messages);
 
 // Ends the run with the banner "*** FATAL ERROR, HALTING EXECUTION ***" and the message.
 [[noreturn]] void fatalError(std::string_view message);

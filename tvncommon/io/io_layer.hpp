@@ -119,6 +119,10 @@ int beginRecord(int unit);
 int readInRecord(int unit, void* into, std::int64_t size);
 int endRecord(int unit);
 
+// Reads the lengths of one record but not its payload, whose bytes `size` receives. `readFailed` as
+// in `readRecord`, `endOfFile` if there is no further record.
+int skipRecord(int unit, std::int64_t& size);
+
 // Writes one record. A payload above `maximumSubRecord` bytes is written as sub-records. The
 // default is the maximum of the simulator's run time: 2^31 - 1 bytes less the two lengths.
 int writeRecord(int unit, const void* payload, std::int64_t size,

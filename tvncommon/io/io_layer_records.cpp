@@ -131,6 +131,20 @@ int readRecord(int unit, void* into, std::int64_t size) {
     return status;
 }
 
+int skipRecord(int unit, std::int64_t& size) {
+    size = 0;
+    int status = beginRecord(unit);
+    while (status == ok) {
+        const OpenRecord& record = find(unit)->record;
+        const bool continues = record.continues;
+        size += record.subRecordLength;
+        status = endSubRecord(*find(unit));
+        if (status != ok || !continues) return status;
+        status = beginSubRecord(*find(unit), false);
+    }
+    return status;
+}
+
 int writeRecord(int unit, const void* payload, std::int64_t size, std::int64_t maximumSubRecord) {
     const char* from = static_cast<const char*>(payload);
     bool first = true;
