@@ -18,8 +18,8 @@ struct Packing {
     const std::uint8_t* mask = nullptr; // one entry for each value
 };
 
-// `count` values, of which the packing selects some; `label` is the comment. The text form holds
-// its variables in the order of the calls, whatever their numbers.
+// Write `count` values, of which the packing may select a part. `label` is the comment. The text
+// form has the variables in the order of the calls, whatever their numbers.
 void tecplotWriteArrayReal4(std::int32_t varNumber, std::int64_t count, const float* values,
                             const Packing& packing, std::string_view label, model::Domain& domain);
 void tecplotWriteArrayReal8(std::int32_t varNumber, std::int64_t count, const double* values,
@@ -28,12 +28,12 @@ void tecplotWriteArrayInt4(std::int32_t varNumber, std::int64_t count, const std
                            const Packing& packing, std::string_view label, model::Domain& domain);
 
 // Returns the next values to write: the first part of `buffer`, which the call has filled, or an
-// array that exists elsewhere. The result is empty after the last value. A part of `buffer` that is
-// shorter than `buffer` must be the last one.
+// array of its own. The result is empty after the last value. A result in `buffer` that is shorter
+// than `buffer` must be the last one.
 template<class T>
 using ValueGenerator = std::function<std::span<const T>(std::span<T> buffer)>;
 
-// The same for values that are computed piece by piece and never in memory all at once.
+// The same for values that are computed piece by piece, without an array of all values.
 void tecplotWriteGeneratedReal8(std::int32_t varNumber, const ValueGenerator<double>& next,
                                 std::string_view label, model::Domain& domain);
 void tecplotWriteGeneratedInt4(std::int32_t varNumber, const ValueGenerator<std::int32_t>& next,

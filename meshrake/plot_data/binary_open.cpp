@@ -23,8 +23,8 @@ bool continuesOutput() {
     return run.tecplotAppend && run.startTimeIndex > 1;
 }
 
-// The library resumes every data set that has a sidecar, so a sidecar of a data set that is to be
-// replaced is removed first.
+// Removes the sidecar of a data set that is to be replaced, because the library resumes every data
+// set that has a sidecar.
 void prepareSidecar(const std::string& path) {
     const std::string sidecar = path + ".szhdr";
     const bool resumes = continuesOutput() && file_units::exists(path);
@@ -36,7 +36,7 @@ void prepareSidecar(const std::string& path) {
                                  "\nThe data set was finished: no zone can be appended to it.");
 }
 
-// The file that caused a failed open, and the reason where the status gives one.
+// Returns the file that caused a failed open and, if the status gives one, the reason.
 std::string openFailure(std::int32_t status, const std::string& path) {
     switch (ownStatus(status)) {
     case damagedDataSet:
@@ -53,7 +53,7 @@ std::string openFailure(std::int32_t status, const std::string& path) {
     }
 }
 
-// The library separates names by commas.
+// Ends the run if a name has a comma, by which the library separates the names.
 void checkNames(const Domain& domain) {
     const std::string& list = domain.dataSet.varNameList;
     if (std::count(list.begin(), list.end(), ',') < domain.dataSet.numVars) return;
@@ -79,7 +79,7 @@ void openDataSet(std::string_view name, std::string_view title, Domain& domain) 
     const std::string path = std::string(name) + ".szplt";
     checkNames(domain);
     prepareSidecar(path);
-    // A later run that appends relies on the zones of the output times that this one records.
+    // A later run that appends needs the zones of all output times that this one records.
     if constexpr (MESHRAKE_OWN_TECIO) tecio::setDurable(run.tecplotAppend);
     const std::int32_t status =
         tecFileWriterOpen(std::string(name).c_str(), std::string(title).c_str(),

@@ -6,11 +6,11 @@
 #include <string>
 #include <string_view>
 
-// Opening of a data set of the writer library, which may resume one that an earlier run left
-// unfinished. A failure ends the run with the name of the file and the reason.
+// Opens data sets with the writer library. It may resume a data set that an earlier run left
+// unfinished. A failure ends the run; the banner has the name of the file and the reason.
 namespace plot_data::binary {
 
-// What this project's writer library returns beside a status of the I/O layer, as in tecio.h.
+// Statuses of this project's writer library that are not those of the I/O layer, as in tecio.h.
 enum LibraryStatus : std::int32_t {
     invalidArguments = 1,
     damagedDataSet = 2,
@@ -20,10 +20,10 @@ enum LibraryStatus : std::int32_t {
     notDurable = 6
 };
 
-// The status as this project's library defines it; 1 for any failure of another library.
+// Returns the status as this project's library defines it: 1 for any failure of another library.
 std::int32_t ownStatus(std::int32_t status);
 
-// The file at which the library's last call failed: the data set `path` or its sidecar.
+// Returns the file at which the library's last call failed: the data set `path` or its sidecar.
 std::string failedFile(const std::string& path);
 
 // Opens <name>.szplt. A run that continues the output resumes the data set, or creates it if it is
@@ -31,9 +31,9 @@ std::string failedFile(const std::string& path);
 void openDataSet(std::string_view name, std::string_view title, model::Domain& domain);
 
 // Publishes the zones of an earlier run that are complete in the file but not in its header, so
-// that readers see them. Such a run was interrupted after it recorded its last output time; without
-// a further output time this run opens no data set, so nothing else would publish them. A damaged
-// data set ends the run. One without a sidecar is finished and stays as it is.
+// that readers find them. The earlier run was interrupted after it recorded its last output time.
+// Without a further output time this run opens no data set, so nothing else would publish them. A
+// damaged data set ends the run. One without a sidecar is finished and is not changed.
 void publishZonesOfEarlierRun(const model::Domain& domain);
 
 } // namespace plot_data::binary

@@ -28,7 +28,7 @@ constexpr std::int32_t strand = 1;
 // A longer unit is cut without a message.
 constexpr std::size_t unitLimit = 50;
 
-// Why the library refused a call; the name of the file follows.
+// Returns the reason of a failed call, as a text before the name of the file.
 std::string_view reasonOf(std::int32_t status) {
     if (MESHRAKE_OWN_TECIO && status == binary::invalidArguments)
         return "Arrays of a zone do not fit its variables, nodes and elements: ";
@@ -37,7 +37,7 @@ std::string_view reasonOf(std::int32_t status) {
     return "File: ";
 }
 
-// A failed call closes the data set, which stays unfinished, and ends the run.
+// After a failed call, closes the data set, which stays unfinished, and ends the run.
 void check(std::int32_t status, const std::string& what, Domain& domain) {
     if (status == 0) return;
     const std::string file = binary::failedFile(domain.dataSet.fileName + ".szplt");
@@ -93,7 +93,7 @@ void closeFile(Domain& domain) {
     error::checkFileWrite(status, binary::failedFile(set.fileName + ".szplt"));
 }
 
-// The library's numbers of the zone types that domains have.
+// Returns the library's number of a zone type.
 std::int32_t zoneTypeCode(std::string_view zoneType) {
     constexpr std::pair<std::string_view, std::int32_t> codes[] = {
         {"FELINESEG", 1}, {"FEQUADRILATERAL", 3}, {"FETETRAHEDRON", 4}, {"FEBRICK", 5}};
@@ -102,7 +102,8 @@ std::int32_t zoneTypeCode(std::string_view zoneType) {
     return 0;
 }
 
-// One entry for each variable: `value` for those with these numbers, `otherwise` for the rest.
+// Returns a list with an entry for each variable: `value` for these numbers, `otherwise` for all
+// others.
 std::vector<std::int32_t> entries(const std::vector<std::int32_t>& varNumbers, std::int32_t value,
                                   std::int32_t otherwise, const DataSet& set) {
     std::vector<std::int32_t> list(static_cast<std::size_t>(set.numVars), otherwise);
@@ -111,8 +112,8 @@ std::vector<std::int32_t> entries(const std::vector<std::int32_t>& varNumbers, s
     return list;
 }
 
-// An interrupted run may have left a zone of this output time, which is replaced. Zones of other
-// output times with the same time are kept.
+// Keeps zones of other output times that have the same time. A zone of this output time, which an
+// interrupted run may have left, is replaced.
 void keepZonesOfEarlierTimes(double time, const DataSet& set) {
     if constexpr (MESHRAKE_OWN_TECIO)
         if (tecio::resumedZonesAt(set.handle, time, strand) > 0)
@@ -159,8 +160,8 @@ template<class T>
 using LibraryWrite = std::int32_t (*)(void* handle, std::int32_t zone, std::int32_t varNumber,
                                       std::int32_t partition, std::int64_t count, const T* values);
 
-// Variable number 0 has no column: its values are dropped. A zone without values gets one empty
-// call. `libraryWrite` is the library's function for values of this type.
+// Variable number 0 has no column: its values are dropped. The library is also called for an array
+// without values. `libraryWrite` is its function for values of this type.
 template<class T, LibraryWrite<T> libraryWrite>
 void writeArray(std::int32_t varNumber, const ValueGenerator<T>& next, std::string_view,
                 Domain& domain) {
@@ -179,7 +180,7 @@ void writeArray(std::int32_t varNumber, const ValueGenerator<T>& next, std::stri
     checkCount(varNumber, written, domain);
 }
 
-// A zone without elements gets one empty call.
+// The library is also called for a zone without elements.
 void writeConnectivity(Domain& domain) {
     const DataSet& set = domain.dataSet;
     const auto write = [&](const std::int32_t* nodes, std::int64_t lists, int length) {

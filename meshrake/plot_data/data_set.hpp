@@ -13,14 +13,14 @@ namespace plot_data {
 using model::DataType;
 using model::Domain;
 
-// Selects the form of all plot files of the run: binary if the control file asks for it
+// Selects the form of all plot files of the run: binary if the control file requests it
 // (`run.tecplotBinary`), otherwise text. Called once, after the control file is read.
 void selectWriter();
 
-// Extension of the plot files with its point: ".dat" or ".szplt".
+// Returns the extension of the plot files with its point: ".dat" or ".szplt".
 std::string_view plotFileExtension();
 
-// Name of the type in a plot file: "SINGLE", "DOUBLE" or "LONGINT".
+// Returns the name of the type in a plot file: "SINGLE", "DOUBLE" or "LONGINT".
 std::string_view tecDt2String(DataType type);
 
 // Clears the data set record of the domain.
@@ -32,11 +32,11 @@ std::int32_t tecplotVarAdd(std::string_view name, Domain& domain);
 // Sets the type of the variable that was added last.
 void tecplotDataType(DataType type, Domain& domain);
 
-// The variable's values in the next zone are those of zone 1.
+// Shares the variable's values in the next zone with zone 1.
 void tecplotVarShareAdd(std::int32_t varNumber, Domain& domain);
 
-// The variable is cell-centred in the next zone. Every zone needs this call, also for a variable
-// that is shared.
+// Marks the variable as cell-centred in the next zone. Every zone needs this call, also for a
+// variable that is shared.
 void tecplotVarLocCCAdd(std::int32_t varNumber, Domain& domain);
 
 // Opens the plot file <name> + plotFileExtension() and writes title, variables and metadata. A
@@ -44,12 +44,13 @@ void tecplotVarLocCCAdd(std::int32_t varNumber, Domain& domain);
 // the run.
 void tecplotFileOpen(std::string_view name, std::string_view title, Domain& domain);
 
-// Writes the headers of all complete zones of a binary file, so that readers see them. A text file
+// Writes the headers of all complete zones of a binary file, so that readers find them. A text file
 // needs no flush.
 void tecplotFileFlush(Domain& domain);
 
-// Finishes and closes the file; does nothing if it was never opened. In a run that appends, a
-// binary file is flushed and stays unfinished, so that a later run can resume it.
+// Finishes and closes the file. Does nothing if it was never opened, except that a run that appends
+// then publishes the zones of an earlier run in a binary file. A run that appends flushes a binary
+// file and leaves it unfinished, so that a later run can resume it.
 void tecplotFileClose(Domain& domain);
 
 // Writes the eight auxiliary values of a data set: program, time, problem and base units.

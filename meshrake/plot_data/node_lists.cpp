@@ -38,7 +38,7 @@ std::int32_t outputNumber(const OwnNodes& own, std::int32_t node) {
     return own.numbers.empty() ? node : own.numbers[static_cast<std::size_t>(node - 1)];
 }
 
-// The node that the wall table puts in place of `node` for the wall layer of the element.
+// Returns the node that replaces `node` in the wall layer of the element, or `node` itself.
 std::int32_t wallReplacement(const Domain& domain, const OwnNodes& own, std::int32_t node,
                              std::size_t element) {
     if (!run.wallsPresent || domain.tag != model::tags::olf) return node;
@@ -55,7 +55,7 @@ std::int32_t wallReplacement(const Domain& domain, const OwnNodes& own, std::int
     return outputNumber(own, replacement) > 0 ? replacement : node;
 }
 
-// Output number of the domain's node at a pm node, 0 if it has none.
+// Returns the output number of the domain's node at a pm node, 0 if it has none.
 std::int32_t ownNode(const Domain& domain, const OwnNodes& own, std::int32_t pmNode,
                      std::size_t element) {
     if (pmNode < 1) return 0;

@@ -15,10 +15,11 @@ struct TextBlock {
 // Starts an empty block for the file of `unit`.
 TextBlock beginBlock(int unit);
 
-// Ensures space for a row of `rowBytes` bytes: a block that is too full is written and emptied.
-// Returns how many such rows fit.
+// Ensures space for a row of `rowBytes` bytes: writes and empties the block if the row does not
+// fit. Returns how many such rows fit.
 std::int64_t ensureSpace(TextBlock& block, std::int64_t rowBytes);
 
+// Appends a line and a line feed.
 void appendLine(TextBlock& block, std::string_view line);
 
 // Writes the block and empties it. A failure ends the run.

@@ -67,7 +67,7 @@ void writeUnits(Domain& domain) {
     if (!set.unitAuxData.empty()) file_units::writeLine(domain.tecplotUnit, set.unitAuxData);
 }
 
-// Text is written as it comes, so there is nothing to flush.
+// A text file has no headers that are written late, so there is nothing to flush.
 void flushFile(Domain&) {}
 
 void closeFile(Domain& domain) {
@@ -86,7 +86,7 @@ void writeZone(std::string_view title, std::string_view solutionTime, int connec
     if (!types.empty()) file_units::writeLine(domain.tecplotUnit, types);
 }
 
-// Rows of five values; only the last row of an array may be shorter.
+// Appends rows of five values. Only the last row of an array may be shorter.
 template<class T>
 void appendValues(TextBlock& block, std::span<const T> values) {
     constexpr bool isReal = std::is_floating_point_v<T>;

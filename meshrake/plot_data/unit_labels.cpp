@@ -17,8 +17,8 @@ void tecplotVarUnitsAddPrivate(std::string_view varName, std::int32_t varNumber,
     writer().addUnit(varName, varNumber, unit, domain);
 }
 
-// A heat species has a temperature in place of a concentration and a heat flux in place of a mass
-// flux. Particles have a number of particles in place of a mass.
+// Returns the unit for a species. Heat has a temperature instead of a concentration and a heat flux
+// instead of a mass flux. Particles have a number of particles instead of a mass.
 std::string parseUnitsTrans(std::size_t speciesIndex, std::string_view label) {
     constexpr std::string_view concentration = "M * L^-3";
     constexpr std::string_view massFlux = "M * L^-2 * T^-1";

@@ -6,8 +6,8 @@
 
 namespace plot_data {
 
-// Adds the unit of a variable. `label` is an expression of dimension letters such as "M * L^-3";
-// with an empty one the variable has no unit.
+// Adds the unit of a variable. `label` is an expression of dimension letters such as "M * L^-3". If
+// it is empty, the variable has no unit.
 void tecplotVarUnitsAdd(std::string_view varName, std::int32_t varNumber, std::string_view label,
                         model::Domain& domain);
 

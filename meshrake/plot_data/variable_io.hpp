@@ -47,7 +47,7 @@ struct VariableRow {
 
     std::string_view key{};       // identifies the row, unique in the table
     DomainSet domains = 0;        // domains that may have the variable
-    Option option = Option::none; // of the control file, switches the variable off
+    Option option = Option::none; // of the control file, disables the variable
     std::string_view stem{}; // of the file name; ends with "_" if the name of the domain follows
     DataType type = DataType::real8;                  // of the values in file and data set
     Location location = Location::node;               // node or element
@@ -61,14 +61,14 @@ struct VariableRow {
     // the list of shared variables. Its columns keep the position that the row has in the table.
     bool sharedLast = false;
 
-    // Functions of a variable that differs from the rest. Null: `plainInit`, `plainRead` and
-    // `plainWrite`, or what the family has in their place.
+    // Functions of a variable that needs its own. Null: `plainInit`, `plainRead` and `plainWrite`,
+    // or the functions of the family.
     Step init = nullptr;  // first pass: declares the columns and reads the values
     Step read = nullptr;  // later output time: reads the values or shares them
     Step write = nullptr; // writes the values into the zone
 };
 
-// A result file as the run reads it.
+// A result file that the run reads.
 struct ResultFile {
     const std::string& name;
     DataType type;
@@ -77,29 +77,30 @@ struct ResultFile {
     std::int32_t varNumber; // of the first component; 0 before it is in the data set
 };
 
-// What a dry run does in place of reading. No array has memory then; those of the columns are
-// empty, and so are the columns that are computed from them.
+// What a dry run does instead of reading. Its arrays have no memory: those of the columns, and of
+// the columns computed from them, are empty.
 struct DryRun {
     void (*testFile)(const ResultFile& file);
 };
 
-// Number of columns that have a name.
+// Returns the number of columns that have a name.
 std::size_t columnCount(const VariableRow& row);
 
-// "<prefix>o.<stem><domain>.<suffix>" with the suffix of the current output time.
+// Returns the file name "<prefix>o.<stem><domain>.<suffix>" with the suffix of the current output
+// time. A stem that does not end with "_" is followed by the suffix alone.
 std::string variableFile(const Domain& domain, std::string_view stem);
 
 // Returns whether the file of the first pass exists. If it is missing, an appending run replaces
-// `name` by the file of time index `fallback`; if that exists, echo file and screen show a warning.
+// `name` by the file of time index `fallback`. If that exists, echo file and screen show a warning.
 bool checkFileInit(std::string& name, std::int32_t fallback = 1);
 
-// File of the row's values in the first pass, empty if it does not exist.
+// Returns the file of the row's values in the first pass, empty if it does not exist.
 std::string firstFile(const Domain& domain, const VariableRow& row);
 
 // The functions from here to `writeColumn` are the steps of the three functions after them, for
 // variables that need other combinations.
 
-// A column, and all columns, of the row's type and location, without number and values.
+// Return a column, and all columns, of the row's type and location, without number and values.
 Column columnOf(const VariableRow& row, std::string_view label);
 std::vector<Column> columnsOf(const VariableRow& row);
 
@@ -114,10 +115,11 @@ void allocateColumn(const Domain& domain, Column& column, std::string_view array
 // a damaged one ends the run.
 void readColumns(const Domain& domain, std::span<Column> columns, const std::string& name);
 
-// The same for a file of one integer for each element, which replaces the zones of the domain.
+// The same for a file of one integer for each element, which replaces the element zones of the
+// domain.
 void readElementZones(Domain& domain, const std::string& name);
 
-// The next zone shares the columns with zone 1.
+// Shares the columns of the next zone with zone 1.
 void shareColumns(Domain& domain, std::span<const Column> columns);
 
 // Marks the element columns as cell-centred in the next zone, which every zone needs.

@@ -8,16 +8,16 @@
 #include <string>
 #include <string_view>
 
-// A plot file has two forms, text and binary. Each form implements this record of functions; the
-// public functions of `plot_data` call the record that `selectWriter` chose. Names, titles, values
-// and times arrive without trailing blanks.
+// A plot file has two forms, text and binary. Each form implements this record of functions. The
+// public functions of `plot_data` call the record that `selectWriter` selected, with names, titles,
+// values and times without trailing blanks.
 namespace plot_data {
 
 struct WriterFunctions {
     std::string_view extension; // of the plot file, with its point
 
-    // Before the file is open: collect in `domain.dataSet` what the file will hold.
-    // The comma before the name is in the list already.
+    // Called before the file is open; they collect in `domain.dataSet` what its header will have.
+    // The comma before the name is already in the list.
     void (*addVariableName)(std::string_view name, model::Domain& domain);
     void (*addDataType)(model::DataType type, model::Domain& domain);
     // `unit` is the text to show, empty for none.
@@ -44,11 +44,11 @@ struct WriterFunctions {
 extern const WriterFunctions textWriter;
 extern const WriterFunctions binaryWriter;
 
-// The record of this run; text until one is selected.
+// Returns the record of this run: that of text until one is selected.
 const WriterFunctions& writer();
 
-// Values of one piece of an array, small enough to stay in the cache until they are in the file.
-// Whole rows of five, because only the last row of an array may be short.
+// Number of values in one piece of an array, small enough to stay in the cache until they are in
+// the file. It is a multiple of five, because only the last row of an array may be short.
 inline constexpr std::size_t valuesPerPiece = 20000;
 
 } // namespace plot_data

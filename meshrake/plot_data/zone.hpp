@@ -6,9 +6,10 @@
 
 namespace plot_data {
 
-// Opens the next zone with the output counts of the domain. `solutionTime` may be blank. If
-// `connectivityShareZone` is above 0, the zone shares the node lists of that zone. The marks of
-// tecplotVarShareAdd and tecplotVarLocCCAdd apply to this zone alone.
+// Begins the next zone, with the numbers of nodes and elements of the output mesh. `solutionTime`
+// may be blank. If `connectivityShareZone` is above 0, the zone shares the node lists of that zone.
+// The calls of tecplotVarShareAdd and tecplotVarLocCCAdd since the last zone apply to this zone
+// alone.
 void tecplotWriteZoneFE(std::string_view title, std::string_view solutionTime,
                         int connectivityShareZone, model::Domain& domain);
 
