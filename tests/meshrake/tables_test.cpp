@@ -19,7 +19,7 @@
 #include <set>
 #include <sstream>
 
-// The tables of options, variables and instructions, and what refers to their rows.
+// The tables of options, variables and instructions, and the tables that refer to their rows.
 namespace {
 
 using model::Domain;
@@ -43,7 +43,7 @@ protected:
         for (Domain* domain : run::processingOrder(all)) domains.push_back(*domain);
     }
 
-    // The control file of this problem, every line an instruction or values.
+    // Returns the template for this problem with its comments as active lines.
     std::string templateText() {
         sample_files::put("t.observed_d2gwt", "");
         model::run.controlUnit = file_units::openTextReplace("template", io_layer::Flush::inBlocks);
@@ -57,7 +57,7 @@ protected:
         return text.substr(1);
     }
 
-    // Reads the first section, up to "end", and then what the text has for the domain.
+    // Reads the first section, up to "end", and then the block of the domain.
     static void read(const std::string& text, Domain& domain) {
         sample_files::put("control", text);
         model::run.controlUnit = file_units::openTextRead("control");
@@ -130,7 +130,7 @@ TEST_F(Tables, UnitsAreNotCut) {
     }
 }
 
-// Lines of each section of a control file that are not values.
+// Returns the lines of each section of a control file, without the value lines.
 std::vector<Texts> sectionsOf(const std::string& text) {
     std::vector<Texts> sections(1);
     std::istringstream in(text);
@@ -143,7 +143,7 @@ std::vector<Texts> sectionsOf(const std::string& text) {
     return sections;
 }
 
-// What applies to a domain that has all files: each instruction and option.
+// The template for a problem with all domains and files has each instruction and option.
 TEST_F(Tables, TemplateIsComplete) {
     const auto linesOf = [](Section section, const Domain& domain) {
         Texts lines;
@@ -192,7 +192,7 @@ TEST_F(Tables, OptionsOfTheTemplateAreReadBack) {
     }
 }
 
-// Options that no template shows can be disabled too.
+// Options that are in no template can also be disabled.
 TEST_F(Tables, EachOptionIsReadBack) {
     for (const model::OptionRow& row : model::optionTable) {
         if (row.cleared == Option::none) continue;
@@ -202,7 +202,7 @@ TEST_F(Tables, EachOptionIsReadBack) {
     }
 }
 
-// What instructions of the control file have changed, with values.
+// Returns the fields that instructions of the control file have changed, with their values.
 std::string changes(const Domain& domain) {
     const model::RunState fresh;
     const Domain freshDomain;
@@ -239,7 +239,7 @@ std::string changes(const Domain& domain) {
     return text.str();
 }
 
-// "5 6\n7 8\n" and so on, with as many numbers in each line as the example has.
+// Returns "5 6\n7 8\n" and so on, with as many numbers in each line as the example has.
 std::string numbersLike(std::string_view example) {
     std::string text;
     std::istringstream lines{std::string(example)};
@@ -251,7 +251,7 @@ std::string numbersLike(std::string_view example) {
     return text;
 }
 
-// Each instruction by itself, with values in lines as the template shows them.
+// Each instruction by itself, with its values in as many lines as in the template.
 TEST_F(Tables, EachInstructionIsReadBack) {
     const model::RunState before = model::run;
     const auto resultOf = [&](const InstructionRow& row, Domain& domain) {
@@ -278,8 +278,8 @@ TEST_F(Tables, EachInstructionIsReadBack) {
     sample_files::expectFile("instructions.txt", report);
 }
 
-// The program that writes sample problems has a table of its own: types, sizes and names of its
-// files must be those of the rows, and a variable without a sample file would not be tested.
+// The program that writes sample problems has its own table. Types, sizes and names of its files
+// must be those of the rows. A variable without a sample file would not be tested.
 TEST_F(Tables, VariablesHaveTheFilesOfTheSimulator) {
     std::set<std::string_view> withoutFile;
     for (const VariableRow& row : variables::variableTable())
@@ -304,14 +304,15 @@ TEST_F(Tables, VariablesHaveTheFilesOfTheSimulator) {
             const bool nodal = row.location == Location::node;
             EXPECT_EQ(header.dataType, type) << name;
             EXPECT_EQ(header.numValues, nodal ? domain.nodeCount : domain.elementCount) << name;
-            // The second column of the moving ground is computed.
+            // The second column of the time-varying topography is computed.
             const std::size_t components = row.stem == "tvtopo_" ? 1 : plot_data::columnCount(row);
             EXPECT_EQ(header.numComponents, static_cast<int>(components)) << name;
         }
     EXPECT_THAT(left,
                 testing::ElementsAre("to.liquid_p.0001", "to.snowcover.0001", "to.snowdepth.0001",
                                      "to.snowmelt.0001", "to.solid_p.0001"));
-    EXPECT_THAT(withoutFile, testing::ElementsAre("redoxCapacity")); // its name has a species
+    // The name of its file has a species.
+    EXPECT_THAT(withoutFile, testing::ElementsAre("redoxCapacity"));
 }
 
 } // namespace

@@ -30,7 +30,7 @@ protected:
         takeEcho();
     }
 
-    // Reads a control text as a run does, from its copy without comments.
+    // Reads a control text like a run, from its copy without comments.
     void read(const std::string& text) {
         sample_files::put("control", text);
         const int control = file_units::openTextRead("control");
@@ -44,7 +44,7 @@ protected:
         file_units::freeUnit(run.controlUnit);
     }
 
-    static std::set<std::string> switchedOff(const Domain& domain) {
+    static std::set<std::string> disabledOptions(const Domain& domain) {
         std::set<std::string> labels;
         for (const model::DomainOption& option : domain.options)
             if (!option.enabled) labels.insert(option.label);
@@ -55,7 +55,7 @@ protected:
     Domain &pm = domains[0], &olf = domains[1], &chan = domains[2], &well = domains[3];
 };
 
-TEST_F(PlotControl, TemplateOffersWhatFitsTheProblem) {
+TEST_F(PlotControl, TemplateHasTheInstructionsThatApplyToTheProblem) {
     const auto written = [&] {
         run.controlUnit = file_units::openTextReplace("template", io_layer::Flush::inBlocks);
         plot_control::writePlotControlInit();
@@ -74,15 +74,15 @@ TEST_F(PlotControl, TemplateOffersWhatFitsTheProblem) {
                 HasSubstr("! compare gw table elevation\n! compare depth to gw table\nend\n"));
 }
 
-TEST_F(PlotControl, EchoOfWhatIsRead) {
+TEST_F(PlotControl, InstructionsAndUnrecognizedLinesAreEchoed) {
     read("Tecplot Mode\nNonsense LINE\n  END of section  \n"
          "WRITE OLF domain file\nNo olf HEADS\nwhat Is\nend\nPlot PM depth below ground surface\n");
     sample_files::expectFile("control_echo.txt", takeEcho() + "-- screen --\n" + takeScreen());
-    EXPECT_THAT(switchedOff(olf), ElementsAre("no olf heads"));
+    EXPECT_THAT(disabledOptions(olf), ElementsAre("no olf heads"));
     EXPECT_TRUE(run.plotDepthBelowSurface);
 }
 
-TEST_F(PlotControl, ValuesOfSeveralInstructions) {
+TEST_F(PlotControl, ReadsValuesOfSeveralInstructions) {
     const std::string tail(60, ' ');
     read("tecplot binary mode\ntecplot binary append\ntecplot binary flush interval\n7 rest\n"
          "truncate time domain\n-1.5,\n 2.5d3\nend\nplot pm zone isopach structure\n"
@@ -95,13 +95,14 @@ TEST_F(PlotControl, ValuesOfSeveralInstructions) {
     EXPECT_EQ(run.tecplotFlushInterval, 7);
     EXPECT_EQ(run.timeWindowMin, -1.5);
     EXPECT_EQ(run.timeWindowMax, 2500);
-    EXPECT_THAT(run.compareWindow, ElementsAre(1, 2, 3, 4, 5, 6)); // one for both; olf is last
-    EXPECT_THAT(switchedOff(olf), ElementsAre("no olf et"));
-    EXPECT_THAT(switchedOff(pm), ElementsAre("no pm heads"));
+    // Both comparisons have the same window; the block of olf is read last.
+    EXPECT_THAT(run.compareWindow, ElementsAre(1, 2, 3, 4, 5, 6));
+    EXPECT_THAT(disabledOptions(olf), ElementsAre("no olf et"));
+    EXPECT_THAT(disabledOptions(pm), ElementsAre("no pm heads"));
     EXPECT_EQ(takeScreen(), "\nAppending to Tecplot output\nStarting at time index 0001\n\n");
 }
 
-TEST_F(PlotControl, SectionsAndFilters) {
+TEST_F(PlotControl, SectionsCommentsAndIncludedFiles) {
     sample_files::put("more", "! comment\n  no pm heads\ninclude more\n\nendless");
     const std::string cases[] = {"end\nwrite olf domain file\nend\nwrite pm domain file\nend\n",
                                  "end\nwrite pm domain file ! why\nwrite olf domain file",
@@ -123,7 +124,7 @@ TEST_F(PlotControl, SectionsAndFilters) {
         report += "\n" + takeScreen();
     }
     sample_files::expectFile("control_sections.txt", report);
-    EXPECT_THAT(switchedOff(pm), ElementsAre("no pm heads"));
+    EXPECT_THAT(disabledOptions(pm), ElementsAre("no pm heads"));
 }
 
 TEST_F(PlotControl, ValuesThatEndTheRun) {

@@ -7,7 +7,7 @@
 #include <cmath>
 #include <filesystem>
 
-// Binary data sets against text ones of the same run.
+// Compares binary data sets with text data sets of the same problem.
 namespace {
 
 using namespace sample_files;
@@ -45,7 +45,7 @@ void expectSame(DataSet binary, DataSet text) {
     }
 }
 
-// Runs the problem in both forms and compares all data sets; returns how many there are.
+// Runs the problem in both forms and compares all data sets. Returns their number.
 int compareForms(const std::string& topLevel, const std::string& inBlocks) {
     std::string blocks;
     for (const std::string& tag : tags) {
@@ -66,19 +66,19 @@ int compareForms(const std::string& topLevel, const std::string& inBlocks) {
         for (const std::string& name : names) {
             SCOPED_TRACE(name);
             const std::string text = "to." + name + ".dat", binary = "to." + name + ".szplt";
-            const bool there = std::filesystem::exists(text);
-            EXPECT_EQ(there, std::filesystem::exists(binary));
-            if (there) {
+            const bool exists = std::filesystem::exists(text);
+            EXPECT_EQ(exists, std::filesystem::exists(binary));
+            if (exists) {
                 const data_set::Text parsed = data_set::parse(get(text));
                 EXPECT_EQ(parsed.fault, "");
                 expectSame(data_set_file::read(binary), parsed.set);
             }
-            compared += there;
+            compared += exists;
         }
     return compared;
 }
 
-TEST(BinaryDataSet, IsTheTextDataSet) {
+TEST(BinaryDataSet, HasTheContentsOfTheTextDataSet) {
     struct Case {
         std::string problem, topLevel, inBlocks;
         int dataSets;
@@ -97,10 +97,10 @@ TEST(BinaryDataSet, IsTheTextDataSet) {
              {all + "--generation older --units 7 --coupling mixed", window, "", 9},
              {all, "", "truncate @ domain\n0 120\n-1e20 1e20\n-1e20 1e20\n", 9},
              {all + "--coupling common", "", "truncate @ domain\n0 120\n0 80\n-1e20 1e20\n", 9},
-             {all, "", "truncate @ domain\n-2 -1\n-2 -1\n-2 -1\n", 9}, // nothing is left
+             {all, "", "truncate @ domain\n-2 -1\n-2 -1\n-2 -1\n", 9}, // no element is included
              {size + " --variables all", "", "truncate @ domain by layer\n-1 1e20\n-1 1e20\n2 2\n",
               4},
-             {"--nx 60 --ny 40 --layers 20 --times 1", "", // more than a block of kept values
+             {"--nx 60 --ny 40 --layers 20 --times 1", "", // more values than in a piece
               "truncate @ domain\n0 1e20\n20 1e20\n-1e20 1e20\n", 4},
          }) {
         SCOPED_TRACE(c.problem + c.inBlocks);
@@ -111,8 +111,8 @@ TEST(BinaryDataSet, IsTheTextDataSet) {
     }
 }
 
-// The zones that a viewer finds when the run opens the heads of each output time.
-TEST(BinaryDataSet, FlushIntervalsCountFromTheFirstTimeOfTheRun) {
+// Counts the zones that a viewer finds when the run opens the heads of each output time.
+TEST(BinaryDataSet, FlushIntervalsBeginAtTheFirstOutputTimeOfTheRun) {
     const Folder folder;
     write(brickProblem({1, 1, 1, 5}));
     put("t.plot.control", "tecplot binary mode\ntecplot binary flush interval\n3\n"
@@ -132,16 +132,16 @@ TEST(BinaryDataSet, FlushIntervalsCountFromTheFirstTimeOfTheRun) {
     EXPECT_EQ(data_set_file::read("to.pm.szplt").zones.size(), 4U);
 }
 
-// A run that cannot give a variable as many values as the zone has, or that names one in a way that
-// the writer cannot take, ends.
-TEST(BinaryDataSet, EndsWhereTextWouldGoWrong) {
+// A variable whose number of values is not that of the zone, and an invalid time, end a binary run.
+// A text data set would be invalid.
+TEST(BinaryDataSet, WrongNumbersOfValuesAndInvalidTimesEndTheRun) {
     const Problem good = brickProblem({2, 1, 1, 1});
     Bytes elements = good.at("to.elements_pm");
-    patch(elements, 2, 3, 0); // node 5 is in no element, though the mesh is whole
+    patch(elements, 2, 3, 0); // node 5 is in no element, although the mesh is not truncated
     std::string report;
     for (const auto& [name, contents] : std::vector<std::pair<std::string, Bytes>>{
              {"to.elements_pm", elements},
-             {"to.snowdepth.0001", resultFile("0", {Reals(2, 1.0)})}, // snow without its last file
+             {"to.snowdepth.0001", resultFile("0", {Reals(2, 1.0)})}, // without the snow cover
              {"to.head_olf.0001", resultFile("now", {Reals(6, 1.0)})},
              {"to.head_olf.0001", resultFile("/", {Reals(6, 1.0)})},
              {"to.head_olf.0001", resultFile("inf", {Reals(6, 1.0)})},

@@ -27,7 +27,7 @@ protected:
         domain.tecplotUnit = file_units::openTextReplace("plot", io_layer::Flush::inBlocks);
     }
 
-    // What has been written since the last call.
+    // Returns what was written since the last call.
     std::string take() {
         file_units::freeUnit(domain.tecplotUnit);
         const std::string text = sample_files::get("plot");
@@ -44,7 +44,7 @@ TEST_F(PlotData, FirstZoneSharesNothing) {
     EXPECT_EQ(take(), "ZONE T=\"pm\", DATAPACKING=BLOCK, NODES=0, ELEMENTS=0, ZONETYPE=\n");
 }
 
-TEST_F(PlotData, SaysNothingOfAUnitThatIsEmpty) {
+TEST_F(PlotData, EmptyUnitsAreNotWritten) {
     tecplotVarUnitsAdd("X", 1, "", domain);
     tecplotVarUnitsWrite(domain);
     EXPECT_EQ(take(), "");
@@ -61,8 +61,8 @@ TEST_F(PlotData, ListsAndZoneLinesAreCutAt512) {
         "ZONE T=\"pm\", DATAPACKING=BLOCK, NODES=0, ELEMENTS=0, ZONETYPE=, VARLOCATION=([" + list;
     EXPECT_EQ(take(), whole.substr(0, 512) + "\n");
 
-    // Cut after ", VARLOCATION=([1]=CELLCENTERED)," the line loses its last blank, and one more
-    // character of the next part fits.
+    // The line is cut after ", VARLOCATION=([1]=CELLCENTERED), " and loses the blank at its end, so
+    // that one more character of the next part fits.
     const std::string front =
         ", DATAPACKING=BLOCK, NODES=0, ELEMENTS=0, ZONETYPE=, VARLOCATION=([1]=CELLCENTERED)";
     const std::string title(510 - front.size() - 9, 'x');
@@ -72,18 +72,18 @@ TEST_F(PlotData, ListsAndZoneLinesAreCutAt512) {
     EXPECT_EQ(take(), "ZONE T=\"" + title + "\"" + front + ",,\n");
 }
 
-// Rows of five fields, for the values that are kept.
+// Returns rows of five fields, for the values that the mask includes.
 std::string rowsOf(const std::array<std::string, 3>& fields,
-                   const std::vector<std::uint8_t>& kept) {
+                   const std::vector<std::uint8_t>& mask) {
     std::string text;
     int n = 0;
-    for (std::size_t i = 0; i < kept.size(); ++i)
-        if (kept[i]) text += fields[i % 3] + (++n % 5 == 0 ? "\n" : "");
+    for (std::size_t i = 0; i < mask.size(); ++i)
+        if (mask[i]) text += fields[i % 3] + (++n % 5 == 0 ? "\n" : "");
     return n % 5 == 0 ? text : text + '\n';
 }
 
-// Few values, and counts around blocks of 1048576 bytes: 18724 rows of 56, 8004 rows of 131.
-TEST_F(PlotData, ArraysWholeAndPacked) {
+// Few values, and counts around blocks of 1048576 bytes: 18724 rows of 56 bytes, 8004 of 131.
+TEST_F(PlotData, ArraysAreWrittenWholeAndPacked) {
     const std::array<std::string, 3> realFields{
         "  0.50000000000000000     ", "  -4.0000000000000000     ", "  0.15625000000000000E-001"};
     const std::array<std::string, 3> intFields{"          7", "         -4", " 2147483647"};
@@ -107,18 +107,18 @@ TEST_F(PlotData, ArraysWholeAndPacked) {
             {{true, all.data()}, &all},
             {{true, some.data()}, &some},
             {{true, none.data()}, &none}};
-        for (const auto& [packing, kept] : packings) {
+        for (const auto& [packing, mask] : packings) {
             SCOPED_TRACE(std::to_string(count));
-            const std::string reals = "# v\n" + rowsOf(realFields, *kept);
+            const std::string reals = "# v\n" + rowsOf(realFields, *mask);
             tecplotWriteArrayReal8(1, n, real8.data(), packing, "v ", domain);
             EXPECT_TRUE(take() == reals);
             tecplotWriteArrayReal4(1, n, real4.data(), packing, "v", domain);
             EXPECT_TRUE(take() == reals);
             tecplotWriteArrayInt4(1, n, int4.data(), packing, "v", domain);
-            EXPECT_TRUE(take() == "# v\n" + rowsOf(intFields, *kept));
+            EXPECT_TRUE(take() == "# v\n" + rowsOf(intFields, *mask));
         }
     }
-    // A comment that leaves one byte less than a row at the end of the block, or none.
+    // Comments of lengths around the one after which the rows exactly fill the block.
     const std::vector<std::uint8_t> all(100000, 1);
     for (const std::size_t length : std::initializer_list<std::size_t>{29, 30, 31}) {
         const std::string label(length, 'x');
@@ -131,7 +131,7 @@ TEST_F(PlotData, ArraysWholeAndPacked) {
     EXPECT_EQ(take(), "# v\n  0.10000000149011612     \n");
 }
 
-// Nodes 1 to 8 of pm are written as 11 to 18, but the eighth is not.
+// Nodes 1 to 7 of pm have the output numbers 11 to 17; node 8 is not written.
 TEST_F(PlotData, ConnectivityPatterns) {
     domain.tag = model::tags::pm;
     domain.couplingScheme = 1;
@@ -162,9 +162,9 @@ TEST_F(PlotData, ConnectivityPatterns) {
     sample_files::expectFile("connectivity.txt", report);
 }
 
-// Surface of six nodes on pm nodes 1 to 6, global numbers 101 to 106, and of two more behind walls,
-// 107 and 108, for nodes 2 and 5: in elements of layer 1 and 2 the table exchanges them.
-TEST_F(PlotData, QuadrilateralsByTheirOwnLinksAndWalls) {
+// A surface of six nodes on pm nodes 1 to 6, with global numbers 101 to 106, and of two nodes at
+// cutoff walls, 107 and 108, which replace nodes 2 and 5 in elements of wall layers 1 and 2.
+TEST_F(PlotData, QuadrilateralsUseTheirLinksAndWalls) {
     constexpr std::int32_t none = std::numeric_limits<std::int32_t>::min();
     domain.tag = model::tags::olf;
     domain.couplingScheme = 1;
@@ -193,13 +193,14 @@ TEST_F(PlotData, QuadrilateralsByTheirOwnLinksAndWalls) {
     run.wallElementLayer = {0, 1, 2, 1, 1, 3};
     add("with walls");
 
-    // Truncated: node 1 is not written, nor is 8. All others move up; what 8 stood for stays.
+    // Truncated: nodes 1 and 8 are not written. The other numbers decrease. An element that would
+    // use node 8 keeps the node that 8 replaces.
     domain.outputIsPacked = true;
     domain.nodeIncluded = {0, 1, 1, 1, 1, 1, 1, 0};
     domain.nodeRenumber = {0, 1, 2, 3, 4, 5, 0, 0};
     add("truncated");
 
-    // Walls are the surface's own; a domain that shares the nodes of pm has no links to go by.
+    // Only the surface has walls. A common-node domain uses nodeRenumber, not its links.
     domain.outputIsPacked = false;
     domain.nodeRenumber = {1, 2, 3, 4, 5, 6, 0, 0};
     domain.tag = model::tags::frac;

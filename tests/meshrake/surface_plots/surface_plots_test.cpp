@@ -17,7 +17,7 @@ const std::string writePm = "write pm domain file\nend\n";
 const std::string writeOlf = "write olf domain file\nend\n";
 const std::string rule(48, '-');
 
-// Two columns of bricks in three layers, which are 1, 2 and 3 high; each layer is a zone.
+// Two columns of bricks in three layers with heights 1, 2 and 3. Each layer is an element zone.
 class SurfacePlots : public runs::ProblemRun {
 protected:
     SurfacePlots() { problem = brickProblem({2, 1, 3, 1}); }
@@ -37,7 +37,7 @@ protected:
     }
 };
 
-TEST_F(SurfacePlots, GiveEachZoneItsThicknessAndTop) {
+TEST_F(SurfacePlots, IsopachsHaveThicknessAndTopOfEachZone) {
     const std::pair<const char*, Integers> cases[] = {
         {"a gap between two layers", {1, 1, 2, 2, 1, 1}},
         {"missing in one column", {1, 2, 1, 2, 1, 2}},
@@ -57,7 +57,7 @@ TEST_F(SurfacePlots, GiveEachZoneItsThicknessAndTop) {
     expectFile("isopachs.txt", report);
 }
 
-TEST_F(SurfacePlots, GoByTheTruncationOfTheRun) {
+TEST_F(SurfacePlots, UseTheTruncationOfTheRun) {
     const Text plot =
         isopachPlot(writePm + "write olf domain file\ntruncate olf domain\n1 2\n0 1\n0 9\nend\n");
     EXPECT_EQ(valuesOf(plot, 0, "x"), (Reals{1, 2, 1, 2}));
@@ -65,7 +65,7 @@ TEST_F(SurfacePlots, GoByTheTruncationOfTheRun) {
     const Bytes echo = get("to.meshrake.eco");
     EXPECT_EQ(echo.find("Medium: olf"), echo.rfind("Medium: olf"));
 
-    // What the run did not write is truncated now, and says so first.
+    // A domain that the run has not written is truncated for the plot, which is reported first.
     const runs::Ran ran = run("end\n" + isopachs + depths);
     const std::string report = "Full mesh (no truncation)\nNodes:    6\nElements: 2\n \n" + rule +
                                "\npm isopach plot\nCreating Tecplot file to.pm_Isopach.dat\n";
@@ -75,23 +75,23 @@ TEST_F(SurfacePlots, GoByTheTruncationOfTheRun) {
                                       "\nplot pm depth below ground surface\nCreating "));
 }
 
-TEST_F(SurfacePlots, TakeTheNodesOfPmWhereTheSurfaceHasNone) {
-    // The nodes of olf, from the last to the first.
-    Integers back(18);
-    back.insert(back.end(), {6, 5, 4, 3, 2, 1});
+TEST_F(SurfacePlots, UseTheCoordinatesOfPmIfTheSurfaceHasNoNodesOfItsOwn) {
+    // The nodes of olf are in descending order.
+    Integers linkFromPm(18);
+    linkFromPm.insert(linkFromPm.end(), {6, 5, 4, 3, 2, 1});
     problem["to.coordinates_olf"] = integerRecords({6, 0}) +
-                                    integerRecord({24, 23, 22, 21, 20, 19}) + integerRecord(back) +
-                                    integerRecord({0});
+                                    integerRecord({24, 23, 22, 21, 20, 19}) +
+                                    integerRecord(linkFromPm) + integerRecord({0});
     problem.erase("to.head_olf.0001");
     const Text plot = isopachPlot();
     EXPECT_EQ(valuesOf(plot, 0, "x"), (Reals{2, 1, 0, 2, 1, 0}));
     EXPECT_EQ(valuesOf(plot, 1, "z (isopach top)"), Reals(6, 3.0));
 }
 
-TEST_F(SurfacePlots, ShowDepthsBelowTheTopOfTheColumn) {
+TEST_F(SurfacePlots, DepthsAreBelowTheTopNodeOfTheColumn) {
     Reals expected;
     for (const double depth : {6, 5, 3, 0}) expected.insert(expected.end(), 6, depth);
-    // pm holds the depths already where it is written.
+    // If pm is written, it already has the depths.
     for (const std::string& control : {writePm + writeOlf, writeOlf}) {
         const Text plot = this->plot(control + depths, "to.pm_DepthToSurf.dat");
         EXPECT_EQ(data_set::join(plot.set.variables), "X,Y,Z,DepthToSurf");
@@ -101,7 +101,7 @@ TEST_F(SurfacePlots, ShowDepthsBelowTheTopOfTheColumn) {
     }
 }
 
-TEST_F(SurfacePlots, EndBeforeTheyBeginWhereTheMeshDoesNotFit) {
+TEST_F(SurfacePlots, InvalidMeshesEndTheRunBeforeAnythingIsWritten) {
     const Problem good = problem;
     const auto expectEnd = [&](const std::string& plot, const std::string& words) {
         const runs::Ran ran = run("end\n" + writePm + writeOlf + plot);
@@ -127,8 +127,8 @@ TEST_F(SurfacePlots, EndBeforeTheyBeginWhereTheMeshDoesNotFit) {
     }
 }
 
-// Triangles in slots of four, upon prisms.
-TEST(IsopachStructure, OfTrianglesHasThreeNodesToAFace) {
+// Surface triangles in elements of four or three slots, above prisms.
+TEST(IsopachStructure, TrianglesHaveThreeNodesInAFace) {
     Domain pm, olf;
     pm.z = {0, 0, 0, 1, 2, 3, 4, 5, 6};
     pm.nodesPerElement = 6;
