@@ -20,30 +20,30 @@ Values headsOf(const Values& z, const Values& pressureHead) {
     return head;
 }
 
-// Bit patterns, one for all that is no number.
+// Returns the bits of each value; all NaN give the same.
 std::vector<std::uint64_t> bitsOf(const Values& values) {
     std::vector<std::uint64_t> bits;
     for (const double v : values) bits.push_back(v != v ? 1 : std::bit_cast<std::uint64_t>(v));
     return bits;
 }
 
-// A column with sheets 10 apart, values from the bottom up.
+// A column of nodes with sheets at a distance of 10, values from the bottom up.
 struct Column {
     const char* what;
     Values pressureHead, depth, interpolated;
     double depth2d, interpolated2d;
 };
 
-TEST(DepthToGroundwater, ColumnsByHand) {
+TEST(DepthToGroundwater, ColumnsComputedByHand) {
     const Column columns[] = {
         {"unsaturated", {-1, -2, -3, -4}, {1, 11, 21, 31}, {1, 11, 21, 31}, 31, 31},
         {"unequal slopes", {20, 6, -2, -9}, {-16, -6, 4, 14}, {-17.5, -7.5, 2.5, 12.5}, 14, 12.5},
         {"zero is saturated", {0, 0, -1, -1}, {-10, 0, 10, 20}, {-10, 0, 10, 20}, 20, 20},
         {"perched zone", {2, -2, 6, -2}, {-2, 8, -6, 4}, {-5, 5, -7.5, 2.5}, 28, 25},
         {"perched over a dry bottom", {-1, -3, 4, 1}, {1, 11, -11, -1}, {1, 11, -11, -1}, 0, 0},
-        {"no number, dry top", {5, nan, -1, -1}, {nan, nan, 15, 25}, {nan, nan, nan, nan}, 25, 25},
-        {"no number, wet top", {5, nan, 1, 1}, {-31, -21, -11, -1}, {-31, -21, -11, -1}, 0, 0},
-        {"no number at the top", {-5, -1, -1, nan}, {5, 15, 25, nan}, {5, 15, 25, nan}, 0, 0},
+        {"NaN, dry top", {5, nan, -1, -1}, {nan, nan, 15, 25}, {nan, nan, nan, nan}, 25, 25},
+        {"NaN, wet top", {5, nan, 1, 1}, {-31, -21, -11, -1}, {-31, -21, -11, -1}, 0, 0},
+        {"NaN at the top", {-5, -1, -1, nan}, {5, 15, 25, nan}, {5, 15, 25, nan}, 0, 0},
         {"one sheet, unsaturated", {-3}, {3}, {3}, 0, 0}};
     for (const Column& column : columns) {
         SCOPED_TRACE(column.what);
@@ -61,8 +61,8 @@ TEST(DepthToGroundwater, ColumnsByHand) {
     }
 }
 
-// A column in which any other order of the operations ends in another last digit.
-TEST(DepthToGroundwater, InterpolatesInTheOrderAgreed) {
+// In this column any other order of the operations gives another last digit.
+TEST(DepthToGroundwater, InterpolatesInAFixedOrderOfOperations) {
     const Values z{0, 4.7, 7.7}, head{1.3, 0.5, 0.5};
     Values depth(3);
     depth2gwtDomain(3, 3, true, z, head, depth);
@@ -71,9 +71,9 @@ TEST(DepthToGroundwater, InterpolatesInTheOrderAgreed) {
     EXPECT_EQ(depth, Values(3, 6.58909090909091));
 }
 
-// The sweeps over whole sheets must not differ in one bit from a walk for each node alone, nor step
-// outside the arrays where nodes are left over.
-TEST(DepthToGroundwater, SweepsEqualWalks) {
+// The sweeps over whole sheets must give the same bits as a search from each node, also if nodes
+// follow the top sheet.
+TEST(DepthToGroundwater, SweepsEqualSearchesFromEachNode) {
     std::mt19937 random(5);
     const auto below = [&](int limit) {
         return std::uniform_int_distribution(0, limit - 1)(random);
@@ -91,27 +91,27 @@ TEST(DepthToGroundwater, SweepsEqualWalks) {
         Values pressureHead(z.size());
         std::ranges::transform(head, z, pressureHead.begin(), std::minus<>());
         for (const bool interpolate : {false, true}) {
-            Values depth(z.size(), 99), depth2d(z.size(), 99), walked(z.size()), walked2d(z.size());
+            Values depth(z.size(), 99), depth2d(z.size(), 99), found(z.size()), found2d(z.size());
             depth2gwtDomain(nodeCount, sheetCount, interpolate, z, head, depth);
             depth2gwt2dDomain(nodeCount, sheetCount, interpolate, z, head, depth2d);
             for (int node = 1; node <= nodeCount; ++node) {
                 const auto i = static_cast<std::size_t>(node - 1);
                 double table = 0;
-                depth2gwtNode(node, nodeCount, sheetCount, interpolate, z, pressureHead, walked[i],
+                depth2gwtNode(node, nodeCount, sheetCount, interpolate, z, pressureHead, found[i],
                               table);
                 if (node > sheetCount * sheetNodes) continue;
                 depth2gwtNodeBottomUp(node, nodeCount, sheetCount, interpolate, z, pressureHead,
-                                      walked2d[i], table);
+                                      found2d[i], table);
             }
-            ASSERT_EQ(bitsOf(depth), bitsOf(walked));
-            ASSERT_EQ(bitsOf(depth2d), bitsOf(walked2d));
+            ASSERT_EQ(bitsOf(depth), bitsOf(found));
+            ASSERT_EQ(bitsOf(depth2d), bitsOf(found2d));
         }
     }
 }
 
-TEST(DepthToGroundwater, SheetsThatCannotBeFormedEndTheRun) {
+TEST(DepthToGroundwater, WrongSheetCountsEndTheRun) {
     Values depth(3);
-    depth2gwtDomain(0, 0, true, depth, depth, depth); // no node, no sheet to form
+    depth2gwtDomain(0, 0, true, depth, depth, depth); // a mesh without nodes
     depth2gwt2dDomain(0, 0, true, depth, depth, depth);
     for (const std::int32_t sheetCount : {0, -1, 4, 2147483647, -2147483647 - 1}) {
         for (const auto& compute : {depth2gwtDomain, depth2gwt2dDomain})

@@ -35,7 +35,7 @@ void addNode(Domain& mesh, const Point& p) {
     mesh.nodeCount = static_cast<std::int32_t>(mesh.x.size());
 }
 
-// Few values make shared faces, equal distances and elements without extent.
+// Few different values give shared faces, equal distances and elements without extent.
 double someValue(Random& random, int kind) {
     static constexpr double odd[] = {infinity, -infinity, notANumber, 1e308,       -1e308,
                                      1e200,    1e-310,    5e-324,     6.3e6 + 1e-9};
@@ -48,13 +48,13 @@ double someValue(Random& random, int kind) {
 Point somePoint(Random& random, int kind) {
     if (kind < 4)
         return {someValue(random, kind), someValue(random, kind), someValue(random, kind)};
-    // At nearly the same distance from the origin: squares that differ, roots that do not.
+    // Points at nearly the same distance from the origin, with different squares and equal roots.
     const Point p{random.part() - 0.5, random.part() - 0.5, random.part() - 0.5};
     const double length = std::sqrt(p[0] * p[0] + p[1] * p[1] + p[2] * p[2]) + 1e-300;
     return {p[0] / length, p[1] / length, p[2] / length};
 }
 
-// The loop over all elements as it would be written down.
+// The loop over all elements that the search must be equal to.
 std::int32_t plainFind(const Domain& mesh, const Point& p, LocalPoint& rst) {
     for (std::int32_t e = 0; e < mesh.elementCount; ++e) {
         const auto [low, high] = observation_compare::elementBox(mesh, std::size_t(e));
@@ -70,8 +70,8 @@ std::int32_t plainFind(const Domain& mesh, const Point& p, LocalPoint& rst) {
     return 0;
 }
 
-// Skewed and overlapping elements, half of them small or flat; some slots are unused.
-Domain soup(Random& random, int kind) {
+// Returns skewed and overlapping elements, half of them small or flat, with some unused slots.
+Domain randomElements(Random& random, int kind) {
     Domain mesh;
     mesh.nodesPerElement = random.below(4) == 0 ? 6 : 8;
     mesh.elementCount = 1 + random.below(150);
@@ -88,7 +88,7 @@ Domain soup(Random& random, int kind) {
     return mesh;
 }
 
-// Anywhere, on nodes, and beside the faces of elements at both sides of the tolerance.
+// Returns a point anywhere, on a node, or near a face, on both sides of the tolerance.
 Point pointNear(const Domain& mesh, Random& random, int kind) {
     const int where = random.below(3);
     if (where == 0) return somePoint(random, kind);
@@ -103,11 +103,11 @@ Point pointNear(const Domain& mesh, Random& random, int kind) {
     return p;
 }
 
-TEST(ElementSearch, StopsWhereTheLoopOverAllElementsDoes) {
+TEST(ElementSearch, EqualsTheLoopOverAllElements) {
     Random random;
     int found = 0, partial = 0, always = 0;
     for (int round = 0; round < 400; ++round) {
-        const Domain mesh = soup(random, round % 4);
+        const Domain mesh = randomElements(random, round % 4);
         observation_compare::ElementSearch search;
         prepare(search, mesh);
         partial += !search.partial.empty();
@@ -139,7 +139,7 @@ std::int32_t plainNearest(const Domain& mesh, std::int32_t count, bool inPlan, c
     return node;
 }
 
-TEST(NodeSearch, KeepsTheNodeThatTheLoopOverAllNodesDoes) {
+TEST(NodeSearch, EqualsTheLoopOverAllNodes) {
     Random random;
     for (int round = 0; round < 500; ++round) {
         const int kind = round % 5;
@@ -162,7 +162,7 @@ TEST(NodeSearch, KeepsTheNodeThatTheLoopOverAllNodesDoes) {
     }
 }
 
-TEST(NodeSearch, TakesTheFirstOfEqualTops) {
+TEST(NodeSearch, ReturnsTheFirstOfEqualTops) {
     model::run.sheetCount = 3;
     Domain mesh;
     for (const double z : {5.0, 1.0, -1e10, 5.0, 2.0, -2e10, 4.0, 3.0, notANumber})
@@ -177,10 +177,10 @@ std::string fixedField(double value, int width, int decimals) {
     return field;
 }
 
-TEST(NarrowFields, AreRoundedOnceBeforeTheirForm) {
-    EXPECT_EQ(fixedField(0.015625, 10, 5), "   0.01562"); // a tie goes to the even digit
+TEST(NarrowFields, AreRoundedBeforeTheirNotationIsSelected) {
+    EXPECT_EQ(fixedField(0.015625, 10, 5), "   0.01562"); // a tie is rounded to the even digit
     EXPECT_EQ(fixedField(-1e-9, 8, 4), " -0.0000");
-    EXPECT_EQ(fixedField(0.5, 5, 4), ".5000"); // one column short of the zero
+    EXPECT_EQ(fixedField(0.5, 5, 4), ".5000"); // one column too narrow for the zero
     EXPECT_EQ(fixedField(-99999.99996, 10, 4), "**********");
     EXPECT_EQ(fixedField(-infinity, 10, 4), " -Infinity");
     EXPECT_EQ(fixedField(1e16, 19, 0), " 10000000000000000.");
@@ -233,24 +233,25 @@ protected:
     }
 };
 
-// Two points in element 1, the second compared on element 2; the third is nowhere.
+// Two points in element 1, of which the second is compared with element 2. The third point is
+// outside.
 const std::string threePoints = "3\n.5 .5 .5 55\n0.25, 0, 0, 1.0 of no interest\n9 9\n9 7\n";
 
-TEST_F(Comparison, LocatesPointsOnceAndTrustsTheCache) {
+TEST_F(Comparison, LocatesPointsOnceAndReadsTheCacheLater) {
     EXPECT_THAT(runHeads(threePoints).screen,
                 HasSubstr("locations\nThis might take several minutes...\n"
                           " 1 of 3 observation points\n 2 of 3 observation points\n"
                           " 3 of 3 observation points\n\n"));
     expectFiles({"compare_heads.dat", "compare_heads_scatter.dat", "ObsShape.txt"});
 
-    // The third point takes no part any more.
+    // The cache marks the third point as outside, so it is not compared.
     EXPECT_THAT(runHeads(threePoints).screen, Not(HasSubstr("several minutes")));
     expectFiles({"ObsShape.txt"});
     EXPECT_THAT(get("to.compare_heads.dat"),
                 HasSubstr("1.2500000000000000\nZONE T=\"straight line\"\n 1.0000000000000000"));
     EXPECT_THAT(get("to.compare_heads.dat"), testing::EndsWith(" 0.99978566529492452\n"));
 
-    // An editor has taken the blanks at the ends of the lines, and the last end of a line.
+    // An editor has removed the blanks at the ends of the lines, and the last line end.
     Bytes& cache = problem["to.ObsShape.txt"] = get("to.ObsShape.txt");
     for (std::size_t at; (at = cache.find(" \n")) != Bytes::npos;) cache.erase(at, 1);
     cache.pop_back();
@@ -258,7 +259,7 @@ TEST_F(Comparison, LocatesPointsOnceAndTrustsTheCache) {
     EXPECT_EQ(runHeads(threePoints).status, 0);
     EXPECT_EQ(getDated("to.compare_heads.dat"), compared);
 
-    // Shape values that no search gives, one of them without a point, and more than is needed.
+    // The values of the cache are not checked: one is not a shape value, and a line is left over.
     problem["to.ObsShape.txt"] =
         expected("ObsShape.txt").replace(12, 18, "                 4") + "more\n";
     EXPECT_EQ(runHeads(threePoints).status, 0);
@@ -279,7 +280,7 @@ TEST_F(Comparison, RefusesDamagedFiles) {
         {"2147483647\n1 1 1 1\n", cache},
         {"3\n1 1 1 1\n1 1 1 1\n1 1 1\n", cache},
         {"2\n1 1 1 1\n1 1 one 1\n", cache},
-        {"2\n1 1 1 1\n1 1 1 /\n", cache}, // values that are left out
+        {"2\n1 1 1 1\n1 1 1 /\n", cache}, // a missing value
         {"1\n1,,1 1\n", cache},
         {"/\n", cache},
         {threePoints, ""},
@@ -299,14 +300,15 @@ TEST_F(Comparison, RefusesDamagedFiles) {
                         {"Failed to open file: t.observed_d2gwt"});
 }
 
-TEST_F(Comparison, CountsTheWindowInTheErrorAlone) {
-    // The bounds are inside; the third point is out, and in the spread about the others' mean.
+TEST_F(Comparison, PointsOutsideTheWindowCountInTheVarianceOnly) {
+    // Points on the bounds are inside. The third point is outside: it is not compared, but counts
+    // in the variance about the mean of the others.
     runWith(threePoints, "compare heads 3d domain\n0.25 0.5\n0 0.5\n0 9\n", withDual);
-    // Errors 0.25 + 0.0625; spread about 28: 27^2 + 27^2 + 21^2.
+    // Squared errors 0.25 + 0.0625; squares about the mean 28: 27^2 + 27^2 + 21^2.
     EXPECT_THAT(get("to.compare_heads.dat"), HasSubstr(" 0.99983543"));
 }
 
-TEST_F(Comparison, WithoutSpreadIsWrittenAsItComes) {
+TEST_F(Comparison, WithoutVarianceIsNaNOrInfinite) {
     EXPECT_EQ(runHeads("0\n").status, 0);
     EXPECT_EQ(get("to.ObsShape.txt"), "");
     std::string report = getDated("to.compare_heads.dat");
@@ -315,29 +317,29 @@ TEST_F(Comparison, WithoutSpreadIsWrittenAsItComes) {
     expectFile("compare_without_spread.txt", report + getDated("to.compare_heads.dat"));
 }
 
-TEST_F(Comparison, NeedsAnElementForEachPointThatTakesPart) {
+TEST_F(Comparison, NeedsAnElementForEachComparedPoint) {
     const std::string four = "4\n0 0 0 1\n0 0 0 1\n0 0 0 1\n";
-    EXPECT_EQ(runHeads(four + "9 9 9 1\n").status, 1); // outside, which only the cache shows
+    EXPECT_EQ(runHeads(four + "9 9 9 1\n").status, 1); // only the cache marks a point as outside
     EXPECT_EQ(runHeads(four + "9 9 9 1\n").status, 0);
     std::filesystem::remove("to.ObsShape.txt");
     runs::expectFailure(runHeads(four + "0 0 0 1\n"),
                         {"observation 4 takes part", "only 3 elements"});
 }
 
-TEST_F(Comparison, FindsTheNearestNodeWhereNoElementIsLookedFor) {
+TEST_F(Comparison, UsesTheNearestNodeWithoutElementSearch) {
     runWith("3\n0.5 0.25 0.75 9\n-1e30 0 0 8\n3 1 -7 7\n",
             "compare heads 3d domain\n-1e40 9\n-9 9\n-9 9\n", withOlf);
     EXPECT_FALSE(std::filesystem::exists("to.ObsShape.txt"));
-    // The second point is too far from everything and keeps the node of the first.
+    // The second point is too far from all nodes and keeps the node of the first.
     const Bytes echo = get("to.meshrake.eco");
     expectFile("nearest_nodes.txt",
                echo.substr(echo.find("Target x, y, z")) + getDated("to.compare_heads.dat"));
 }
 
-TEST_F(Comparison, TakesTheTopOfTheNearestColumn) {
+TEST_F(Comparison, UsesTheTopOfTheNearestColumn) {
     problem["to.head_pm.0001"] = resultFile("12.5", {Reals(16, 0.25)});
     problem.erase("to.head_olf.0001");
-    // The ground has risen from 1 to 2 since.
+    // The time-varying topography is at 2, the mesh at 1.
     Reals ground(8, 0.0);
     ground.resize(16, 2.0);
     problem["to.tvtopo_pm.0001"] = resultFile("12.5", {ground});
@@ -352,9 +354,9 @@ TEST_F(Comparison, TakesTheTopOfTheNearestColumn) {
 
 const std::string depths = "write olf domain file\ncompare surface water depth\n" + everywhere;
 
-TEST_F(Comparison, OfWaterDepthsGoesByTheSurface) {
+TEST_F(Comparison, WaterDepthsAreThoseOfTheSurface) {
     problem["t.observed_heads_olf"] = "1\n0.1 0.1 2\n";
-    // Elements are looked for in pm alone.
+    // Only pm has an element search.
     const std::pair<std::string, std::string> cases[] = {
         {"", "      0.10000000E+01      0.20000000E+01      0.50000000E+00"},
         {withDual, "      0.00000000E+00      0.20000000E+01      0.00000000E+00"}};
@@ -364,7 +366,7 @@ TEST_F(Comparison, OfWaterDepthsGoesByTheSurface) {
     }
 }
 
-TEST_F(Comparison, SaysWhatItMisses) {
+TEST_F(Comparison, MissingResultsEndTheRun) {
     problem["t.observed_heads_olf"] = "0\n";
     runs::expectFailure(runWith("0\n", "no pm heads\n" + heads, withOlf),
                         {"Head of the pm domain", "\"no pm heads\""});

@@ -8,7 +8,7 @@ namespace {
 
 constexpr double untouched = 9, infinite = std::numeric_limits<double>::infinity();
 
-TEST(ShapeFunctions, LocalCoordinatesOfAnElementAlone) {
+TEST(ShapeFunctions, LocalCoordinatesOfOneElement) {
     struct Case {
         std::int32_t type, dimensions;
         std::array<double, 3> point, low, high, rst;
@@ -19,7 +19,7 @@ TEST(ShapeFunctions, LocalCoordinatesOfAnElementAlone) {
         {128, 3, {2.00004, 0, 0}, {0, 0, 0}, {2, 8, 3}, {1.00004, -1, -1}, false},
         {128, 3, {2.0002, 0, 0}, {0, 0, 0}, {2, 8, 3}, {1.0002, -1, -1}, true},
         {128, 2, {1, 2, 99}, {0, 0, 0}, {2, 8, 3}, {0, -0.5, untouched}, false},
-        // Of a flat box the entries close up; what is left of `rst` still counts.
+        // A flat box sets fewer entries; those that it does not set are also tested.
         {128, 3, {1, 5, 3}, {0, 5, 0}, {2, 5, 4}, {0, 0.5, untouched}, true},
         {128, 3, {1, 0, 0}, {0, 0, -infinite}, {2, 8, infinite}, {0, -1, 0}, false},
         {64, 3, {1, 2, 3}, {0, 0, 0}, {2, 8, 3}, {untouched, untouched, untouched}, false}};
@@ -33,8 +33,8 @@ TEST(ShapeFunctions, LocalCoordinatesOfAnElementAlone) {
     }
 }
 
-// Anticlockwise over the lower face, then over the upper one.
-TEST(ShapeFunctions, EachIsOneAtItsOwnCorner) {
+// The corners are anticlockwise on the lower face, then on the upper face.
+TEST(ShapeFunctions, EachIsOneAtItsCorner) {
     constexpr double corners[8][3] = {{-1, -1, -1}, {1, -1, -1}, {1, 1, -1}, {-1, 1, -1},
                                       {-1, -1, 1},  {1, -1, 1},  {1, 1, 1},  {-1, 1, 1}};
     for (std::size_t k = 0; k < 8; ++k) {

@@ -60,7 +60,7 @@ TEST_F(BcLocations, ValidAndDamagedFiles) {
 TEST_F(BcLocations, NamesOfTheList) {
     put("list", "first line\n\t \t wells\t! name of wells\n  ! name\nrim here ! name\n" +
                     std::string(400, 'x') + " ! name\n" + std::string(992, ' ') + "a ! name\n" +
-                    std::string(993, ' ') + "b ! name\n"); // cut in front of its end
+                    std::string(993, ' ') + "b ! name\n"); // cut before its end
     std::vector<std::string> names{"before"};
     paraview::get_bc_names_from_bc_file(file_units::openTextRead("list"), names, 300);
     EXPECT_THAT(names, ElementsAre("before", "wells\t!", "!", "rim", std::string(300, 'x'), "a"));

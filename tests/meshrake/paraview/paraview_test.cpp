@@ -20,14 +20,14 @@ using testing::HasSubstr;
 
 TEST(Paraview, RowsOfEveryWriter) {
     constexpr double infinity = std::numeric_limits<double>::infinity();
-    constexpr double noNumber = std::numeric_limits<double>::quiet_NaN();
+    constexpr double nan = std::numeric_limits<double>::quiet_NaN();
     const Folder folder;
     const int unit = file_units::openTextReplace("rows", io_layer::Flush::inBlocks);
     const std::uint8_t mask[] = {1, 0, 1, 1, 1, 1};
     const paraview::Extent few{3, mask, false}, truncated{3, mask, true}, many{6, mask, true};
     Reals values{1.000000002e-30, 2, 3, 4, 5, -1.5e-30, 7};
     const std::vector<float> a{1, 2, 1e-31F};
-    const Reals x{0, 9, -0.0, 0.1, -12.34567, 99999.4}, y{1e99, 9, -1e-200, infinity, noNumber, 1},
+    const Reals x{0, 9, -0.0, 0.1, -12.34567, 99999.4}, y{1e99, 9, -1e-200, infinity, nan, 1},
         limits{0.0999994, 9, 0.0999996, 99999.6, 1.03125, 1.09375};
     paraview::write_paraview_darray(values, {7, nullptr, false}, "POINT_DATA,SCALARS h", 1, unit);
     paraview::write_paraview_array(a, few, "CELL_DATA,SCALARS s", 2, unit);
@@ -41,7 +41,7 @@ TEST(Paraview, RowsOfEveryWriter) {
     expectFile("rows.vtk", get("rows"));
 }
 
-// A line of nodes at x = y = z = 1, 2, ... under which pm has the same ones.
+// Nodes at x = y = z = 1, 2, ..., linked to pm nodes 100, 200, ...
 class Writer : public runs::PartOfRun {
 protected:
     Writer() {
@@ -91,7 +91,7 @@ TEST_F(Writer, CellsOfEveryKind) {
     const std::pair<std::int32_t, Integers> cases[] = {
         {2, {1, 2, 2, 3}},
         {3, {1, 2, 3}},
-        {4, {1, 2, 3, 0, 5, 6, 7, -1}}, // 0 is a slot that is empty
+        {4, {1, 2, 3, 0, 5, 6, 7, -1}}, // 0 is an unused slot
         {6, {1, 2, 3, 4, 5, 6}},
         {8, {1, 2, 3, 4, 5, 6, 7, 0}},
         {5, {1, 2, 3, 4, 5}},
@@ -105,7 +105,7 @@ TEST_F(Writer, CellsOfEveryKind) {
     expectFile("cells.vtk", text);
 }
 
-TEST_F(Writer, TitleAnnouncementAndWhatEndsTheRun) {
+TEST_F(Writer, TitleReportAndErrors) {
     Domain domain = makeDomain("pm", model::tags::pm, 1, 2, {});
     run.numTitleLines = 2;
     EXPECT_THAT(written(domain), HasSubstr("\nlast\nASCII\n"));
@@ -135,29 +135,29 @@ TEST_F(Writer, TruncatedDomainsHaveNoScalars) {
     domain.nodeIncluded = {0, 1, 1, 0};
     domain.elementIncluded = {0, 1, 0};
     domain.nnTruncated = 2;
-    domain.neTruncated = 1; // the included one is not the first
+    domain.neTruncated = 1; // the included element is not the first
     add(domain, "head", 1).columns[0].real8 = {1e-31, 2, 3, 4};
     for (model::Column& column : add(domain, "vel", 3).columns) column.real4 = {1, 2, 3};
     expectFile("truncated.well.vtk", written(domain));
     EXPECT_EQ(domain.outputVars[0].columns[0].real8[0], 1e-31);
 }
 
-// Lines that begin arrays and sections.
+// Returns the lines that begin arrays and sections.
 std::string sections(const std::string& text) {
     std::istringstream in(text);
-    std::string kept;
+    std::string lines;
     for (std::string line; std::getline(in, line);)
         for (const char* word : {"POINT_DATA", "CELL_DATA", "SCALARS", "VECTORS"})
-            if (line.starts_with(word)) kept += line + "\n";
-    return kept;
+            if (line.starts_with(word)) lines += line + "\n";
+    return lines;
 }
 
-TEST_F(Writer, ColumnsThatAreMissingAndOptionsThatAreOff) {
+TEST_F(Writer, MissingColumnsAndDisabledOptions) {
     Domain surface = makeDomain("olf", model::tags::olf, 2, 2, {1, 2});
     run.speciesNames = {"A", "B"};
     add(surface, "head", 3);
     add(surface, "rainSnowmelt", 5).columns[1].real8 = {7};
-    add(surface, "exchSolAdv", 1).columns[0].real4 = {1, 2}; // B does not move
+    add(surface, "exchSolAdv", 1).columns[0].real4 = {1, 2}; // B is immobile
     for (const char* key : {"heads", "exchFluxDual", "et3dEvap", "iceSat"}) add(surface, key, 1);
     model::optionOf(surface, model::Option::heads).enabled = false;
     std::string report = written(surface);
@@ -217,7 +217,7 @@ TEST_F(VtkRun, SectionsOfAllVariables) {
     expectFile("all.sections", text);
 }
 
-TEST_F(VtkRun, OnlyDomainsThatAreWrittenAndHaveNodesOfTheirOwn) {
+TEST_F(VtkRun, WritesOnlyRequestedDomainsWithTheirOwnNodes) {
     makeProblem("--nx 2 --ny 2 --layers 1 --times 1 --domains pm,olf,chan --coupling mixed");
     put("t.plot.control", "end\nwrite olf domain file\nend\nwrite chan domain file\nend\n");
     EXPECT_EQ(runVtk(), 0) << get("errors");

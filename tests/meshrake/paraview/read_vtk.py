@@ -1,8 +1,8 @@
-"""Reads what meshrake_vtk writes with VTK's own reader and compares it with the simulator's files.
+"""Reads the files of meshrake_vtk with VTK's own reader and compares them with the simulator's files.
 
     read_vtk.py MESHRAKE_VTK MAKE_PROBLEM
 
-Ends with status 77 where VTK is not installed."""
+Ends with status 77 if VTK is not installed."""
 import os
 import struct
 import subprocess

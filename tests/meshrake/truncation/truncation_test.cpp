@@ -11,8 +11,8 @@ namespace {
 using model::Domain;
 using sample_files::Integers;
 
-// 2 by 1 columns of 2 bricks, 6 nodes a sheet, at the heights 0, 1 and 3. Centroids have x at 0.5
-// and 1.5, y at 0.5, z at 0.5 and 2; the surface has them at 3.
+// 2 by 1 columns of 2 bricks, with 6 nodes in each sheet, at elevations 0, 1 and 3. The centroids
+// have x = 0.5 or 1.5, y = 0.5, and z = 0.5 or 2 in pm and z = 3 in the surface.
 class Truncation : public runs::PartOfRun {
 protected:
     explicit Truncation(bool commonNodes = false) {
@@ -32,7 +32,7 @@ protected:
         add(what, domain);
     }
 
-    // What is kept, from 1, and how the nodes under the pm nodes are numbered.
+    // Adds the included nodes and elements, from 1, and the output numbers by pm node.
     void add(const std::string& what, const Domain& domain) {
         report << what << takeScreen() << "kept " << domain.nnTruncated << " " << domain.neTruncated
                << (domain.outputIsPacked ? ", packed" : "");
@@ -53,7 +53,7 @@ protected:
 
 constexpr double all = 1e20;
 
-TEST_F(Truncation, KeepsElementsByTheirCentroids) {
+TEST_F(Truncation, IncludesElementsByTheirCentroids) {
     struct Case {
         const char* what;
         std::array<double, 6> bounds;
@@ -66,11 +66,11 @@ TEST_F(Truncation, KeepsElementsByTheirCentroids) {
         {"a point", {0.5, 0.5, 0.5, 0.5, 0.5, 0.5}, {0, 0}, true, false},
         {"upper layer", {0.5, 1.5, -all, all, 2, 3}, {0, 0}, true, false},
         {"right column", {0.6, all, -all, all, -all, all}, {0, 0}, true, false},
-        {"layer 2", open, {2, 1000}, false, true}, // one element makes a layer of the surface
+        {"layer 2", open, {2, 1000}, false, true}, // each layer of the surface has one element
         {"layer 1", open, {0, 1}, false, true},
-        {"layers, where z does not count", {-all, 1, -all, all, 100, 100}, {1, 2}, false, true},
-        {"both, where layers do not count", {-all, all, -all, all, 2, all}, {1, 1}, true, true},
-        {"nothing", {1, 0, 1, 0, 1, 0}, {0, 1000}, true, false}};
+        {"layers, which ignore the z range", {-all, 1, -all, all, 100, 100}, {1, 2}, false, true},
+        {"both, which ignores the layers", {-all, all, -all, all, 2, all}, {1, 1}, true, true},
+        {"no element", {1, 0, 1, 0, 1, 0}, {0, 1000}, true, false}};
     for (const Case& c : cases)
         for (Domain* domain : {&pm, &olf}) {
             domain->truncateBounds = c.bounds;
@@ -87,9 +87,9 @@ TEST_F(Truncation, OddMeshes) {
     olf.linkFromPm[17] = 0;
     truncate("a triangle, and an element with a node that is not in the domain", olf);
     pm.elementNodes[0] = 0;
-    truncate("a node of no element", pm);
+    truncate("a node that is in no element", pm);
     model::run.wallsPresent = true;
-    truncate("with walls all nodes count, but are not numbered", pm);
+    truncate("with walls all nodes are written, but not numbered", pm);
     pm.truncateByLayerEnabled = true;
     pm.truncateLayers = {1, 1};
     for (const std::int32_t sheets : {0, 1}) {
@@ -101,21 +101,22 @@ TEST_F(Truncation, OddMeshes) {
     olf.truncateBounds = {2.0 / 3, 2.0 / 3, 1.0 / 3, 1.0 / 3, 3, 3};
     truncate("the centroid of a triangle, and an element without nodes", olf);
     olf.truncateBounds = {-all, all, -all, all, -all, all};
-    truncate("all of it", olf);
+    truncate("the whole mesh", olf);
     sample_files::expectFile("truncation_of_odd_meshes.txt", report.str());
 }
 
-// A surface that shares the nodes of pm.
+// A surface on the common-node scheme.
 class CommonTruncation : public Truncation {
 protected:
     CommonTruncation() : Truncation(true) {}
 };
 
-TEST_F(CommonTruncation, WholeOrInPart) {
+TEST_F(CommonTruncation, IncludesTheWholeMeshOrAPart) {
     const Integers elementNodes = olf.elementNodes;
     std::swap(olf.linkToPm[0], olf.linkToPm[5]);
     olf.elementNodes = {13, 14, 17, 16, 14, 17, 16, -3};
-    truncate("whole: numbered as the domain has the nodes, also one of no element", olf);
+    truncate("whole: numbered in the order of the domain's nodes, also one that is in no element",
+             olf);
     EXPECT_EQ(model::run.meshNodesPerElement, 3);
     std::swap(olf.linkToPm[0], olf.linkToPm[5]);
     olf.elementNodes = elementNodes;

@@ -7,7 +7,7 @@
 
 #include <limits>
 
-// Which files give which columns, by output time.
+// The columns of each zone for given result files and options.
 namespace {
 
 using namespace sample_files;
@@ -16,14 +16,15 @@ using testing::HasSubstr;
 using testing::Not;
 using Texts = std::vector<std::string>;
 
-// A result file whose values differ by output time and by file. Without values it is removed.
+// A result file whose values differ by output time and by file. A shape without values removes the
+// file.
 struct Shape {
     char type = 'd'; // double, float, integer
     std::size_t components = 1, values = 0;
     std::string text = "0.0";
     double step = 100; // from one output time to the next
 };
-const Shape gone, node8{'d', 1, 8}, node4{'d', 1, 4}, node4Single{'f', 1, 4}, element{'d', 1, 1};
+const Shape noFile, node8{'d', 1, 8}, node4{'d', 1, 4}, node4Single{'f', 1, 4}, element{'d', 1, 1};
 const Shape elementSingle{'f', 1, 1}, elementInteger{'i', 1, 1}, vector{'f', 3, 1};
 const Shape tensor{'d', 6, 1, "0.0 3"}, diagonal{'d', 3, 1, "0.0 1 rest"};
 const Shape ground8{'d', 1, 8, "0.0", 0.125}, ground4{'d', 1, 4, "0.0", 0.125};
@@ -39,8 +40,9 @@ Bytes fileOf(const Shape& shape, double value) {
 
 struct Case {
     std::string what, domains;
-    std::map<std::string, Shape> files; // names without "to.", with times: "head_pm.12" has two
-    Texts off;                          // options
+    // Names without "to."; "head_pm.12" is the files of output times 1 and 2.
+    std::map<std::string, Shape> files;
+    Texts disabled; // options
     int times = 2;
 };
 
@@ -76,7 +78,8 @@ std::string summaryOf(const Case& c) {
     std::string& control = problem["t.plot.control"] = "end\n";
     for (const std::string& domain : data_set::split(c.domains)) {
         control += "write " + domain + " domain file\n";
-        for (const std::string& option : c.off) control += "no " + domain + " " + option + "\n";
+        for (const std::string& option : c.disabled)
+            control += "no " + domain + " " + option + "\n";
         control += "end\n";
     }
     write(problem);
@@ -93,20 +96,23 @@ const Texts heads{"heads"};
 // clang-format off
 const Case cases[] = {
     {"some heads", "pm", {}, {"pressure heads", "depth to water table"}},
-    {"heads vanish", "pm", {{"head_pm.2", gone}}, {}},
-    {"heads too late", "pm", {{"head_pm.1", gone}}, {}},
+    {"heads missing at output time 2", "pm", {{"head_pm.2", noFile}}, {}},
+    {"heads missing at output time 1", "pm", {{"head_pm.1", noFile}}, {}},
     {"walls", "pm", {{"wall_node_pm.1", {'i', 1, 8}}, {"wall_elem_pm.12", elementInteger}}, heads},
     {"full tensor", "pm", {{"ElemK_pm.12", tensor}}, heads},
-    {"diagonal of it", "pm", {{"ElemK_pm.1", diagonal}}, heads},
-    {"tensor whose message is no number", "pm", {{"ElemK_pm.1", {'d', 3, 1, "0.0 full"}}}, heads},
-    {"late property", "pm", {{"ElemPor_pm.2", elementSingle}}, heads},
-    {"constant although files come", "pm", {{"Peclet_pm.12", vector}, {"v_pm.12", vector}}, heads},
+    {"diagonal tensor", "pm", {{"ElemK_pm.1", diagonal}}, heads},
+    {"tensor whose message is not a number", "pm", {{"ElemK_pm.1", {'d', 3, 1, "0.0 full"}}},
+     heads},
+    {"property file missing at output time 1", "pm", {{"ElemPor_pm.2", elementSingle}}, heads},
+    {"constant variables with files at later times", "pm",
+     {{"Peclet_pm.12", vector}, {"v_pm.12", vector}}, heads},
     {"both spellings", "pm", {{"ETPMEvap3D_pm.1", node8}, {"ETPmEvap3D_pm.2", node8}}, heads},
-    {"flag of another", "pm", {{"tv_por_pm.1", elementSingle}, {"tv_stor_pm.1", element}},
+    {"option of another variable", "pm",
+     {{"tv_por_pm.1", elementSingle}, {"tv_stor_pm.1", element}},
      {"heads", "time varying specific storage"}},
     {"surface", "olf", {}, {}},
-    {"surface heads vanish", "olf", {{"head_olf.2", gone}}, {}},
-    {"each by its file", "olf", {{"ETEvap_olf.1", node4}, {"ETActual_olf.12", node4},
+    {"surface heads missing at output time 2", "olf", {{"head_olf.2", noFile}}, {}},
+    {"each variable by its file", "olf", {{"ETEvap_olf.1", node4}, {"ETActual_olf.12", node4},
      {"ETPmEvap_olf.2", node4}, {"ExchFlux_olf.1", node4Single},
      {"ExchFlux_pm2_olf.12", node4Single}}, heads},
     {"snow", "olf", {{"snowdepth.12", element}, {"snowmelt.12", element}, {"snowcover.12", node4}},
@@ -126,14 +132,15 @@ const Case cases[] = {
      {"conc_pm.Virus-Redox.1", node8}}, heads},
     {"redox, the first file missing", "pm", {{"conc_pm.Heat-Redox.1", node8},
      {"conc_pm.Virus-Redox.12", node8}}, heads},
-    {"redox, late", "pm", {{"conc_pm.Heat-Redox.2", node8}, {"conc_pm.Virus-Redox.12", node8}},
+    {"redox, the file of the first species missing at output time 1", "pm",
+     {{"conc_pm.Heat-Redox.2", node8}, {"conc_pm.Virus-Redox.12", node8}},
      heads},
     {"topography", "pm,olf", {{"tvtopo_olf.123", ground4}, {"tvtopo_pm.123", ground8},
      {"tvtopo_zone_pm.123", elementInteger}}, {}, 3},
-    {"topography missing", "pm,olf", {{"tvtopo_olf.13", ground4}, {"tvtopo_pm.13", ground8},
-     {"tvtopo_zone_pm.13", elementInteger}}, {}, 3},
-    {"topography late", "pm,olf", {{"tvtopo_olf.23", ground4}, {"tvtopo_pm.23", ground8},
-     {"tvtopo_zone_pm.23", elementInteger}}, {}, 3},
+    {"topography missing at output time 2", "pm,olf",
+     {{"tvtopo_olf.13", ground4}, {"tvtopo_pm.13", ground8}, {"tvtopo_zone_pm.13", elementInteger}}, {}, 3},
+    {"topography missing at output time 1", "pm,olf",
+     {{"tvtopo_olf.23", ground4}, {"tvtopo_pm.23", ground8}, {"tvtopo_zone_pm.23", elementInteger}}, {}, 3},
 };
 // clang-format on
 
@@ -143,9 +150,9 @@ TEST(Columns, FollowFilesAndOptions) {
     expectFile("columns.txt", summaries);
 }
 
-// Variables with a file for each species or mixing fraction. At the first or the second of three
-// output times each combination of the files is missing.
-TEST(Columns, OfFamiliesFollowTheirFiles) {
+// Variables with a file for each species or mixing fraction. Each combination of the files is
+// missing at the first or the second of three output times.
+TEST(Columns, FamiliesFollowTheirFiles) {
     const auto ofSpecies = [](const std::string& stem, std::size_t count) {
         Texts files;
         for (const char* species : {"Heat", "Virus", "Ca salt"})
@@ -174,8 +181,8 @@ TEST(Columns, OfFamiliesFollowTheirFiles) {
     expectFile("family_columns.txt", summaries);
 }
 
-// All families at once, in their order and only in their domains.
-TEST(Columns, OfFamiliesOccurInTheirDomains) {
+// All families in one problem: their columns are in order and only in their domains.
+TEST(Columns, FamiliesAreInTheirDomains) {
     const Folder folder;
     makeProblem("--nx 3 --ny 2 --layers 2 --times 1 --domains dual,olf --hmc 2 "
                 "--species Heat:heat,Virus:particles,Ca:immobile --variables conc,concsolid,iconc,"
@@ -197,9 +204,9 @@ protected:
     }
 };
 
-// A run that resumes without files warns of each, before the number of its column; of the first one
-// also when it decides for the family.
-TEST_F(ColumnValues, OfFamiliesFallBackToTheFirstIndex) {
+// A run that resumes without files shows a warning for each file, before the number of its column.
+// The first file also has one from the test whether the data set has the family.
+TEST_F(ColumnValues, FamiliesFallBackToTheFirstIndex) {
     for (const std::string species : {"Heat", "Virus", "Ca salt"})
         problem["to.conc_pm." + species + ".0001"] = fileOf(node8, 1);
     problem["to.tec_append"] = integerRecord({1});
@@ -227,7 +234,7 @@ TEST_F(ColumnValues, WaterDepths) {
     EXPECT_EQ(valuesOf("olf", 1, "log10(Depth)"), (Reals{-8, 2, -4, -8}));
 }
 
-// Columns, layers and heights of 2 by 1 by 2 bricks, whole and truncated.
+// Columns, layers and thicknesses of 2 by 1 by 2 bricks, whole and truncated.
 TEST_F(ColumnValues, MeshColumns) {
     problem = brickProblem({2, 1, 2, 2});
     ASSERT_EQ(run().status, 0);
@@ -238,7 +245,7 @@ TEST_F(ColumnValues, MeshColumns) {
     for (const std::string label : {"Layer #", "Column #", "Thickness"})
         EXPECT_EQ(valuesOf("pm", 0, label), Reals{2});
     EXPECT_EQ(valuesOf("olf", 0, "3D node #"), (Reals{14, 15, 17, 18}));
-    // A zone with a file for each time is not shared.
+    // Element zones with a file for each output time are not shared.
     problem["to.tv_zone_pm.0002"] = resultFile("0.0", Integers{9, 8, 7, 6});
     run("end\nwrite pm domain file\nno pm layer numbers\nno pm column numbers\n"
         "no pm element thickness\nno pm heads\n");
@@ -247,8 +254,8 @@ TEST_F(ColumnValues, MeshColumns) {
     EXPECT_EQ(valuesOf("pm", 1, "zone (cell centred)"), (Reals{9, 8, 7, 6}));
 }
 
-// The one layer of tetrahedra has no depth columns at first and gets their values later.
-TEST_F(ColumnValues, TetrahedraAndTheirDepths) {
+// A mesh of tetrahedra declares no depth columns, but its later zones have their values.
+TEST_F(ColumnValues, TetrahedraHaveDepthsInLaterZones) {
     problem["to.elements_pm"] =
         integerRecords({4, 2}) + integerRecord({1, 2, 3, 5, 2, 3, 4, 6}) + integerRecord({1, 1});
     run();
@@ -263,7 +270,7 @@ TEST_F(ColumnValues, TetrahedraAndTheirDepths) {
 
 class Steps : public runs::PartOfRun {};
 
-// No pass calls pecletRead: all zones share the numbers of the first.
+// No pass calls pecletRead: all zones share the numbers of zone 1.
 TEST_F(Steps, PecletNumbersCanBeReadAtLaterTimes) {
     Problem problem = brickProblem({1, 1, 1, 1});
     const std::vector<Singles> components{{1}, {2}, {3}};
@@ -285,9 +292,10 @@ TEST_F(Steps, PecletNumbersCanBeReadAtLaterTimes) {
     }
 }
 
-// A resumed run falls back to the first index of its window, once for the heads and once for the
-// column; for the zones, to index 1. Each warning precedes the number of its column.
-TEST_F(Steps, ATopographyFallsBackToTheFirstIndex) {
+// A resumed run without elevations uses those of the first index in its time window, once for the
+// heads and once for the column. For the element zones it uses index 1. Each warning is before the
+// number of its column.
+TEST_F(Steps, TopographyFallsBackToTheFirstIndexInTheTimeWindow) {
     Problem problem = brickProblem({1, 1, 1, 1});
     problem["to.tvtopo_pm.0001"] = resultFile("0.0", {Reals(8, 7.0)});
     problem["to.tvtopo_pm.0003"] = resultFile("0.0", {Reals(8, 0.5)});

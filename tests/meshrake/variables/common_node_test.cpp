@@ -1,7 +1,7 @@
 #include "tests/support/data_set.hpp"
 #include "tests/support/runs.hpp"
 
-// A surface that shares the nodes of pm: what it takes from pm and what is its own.
+// A surface on the common-node scheme: columns with values of pm and columns of its own files.
 namespace {
 
 using namespace sample_files;
@@ -14,7 +14,7 @@ class CommonNode : public testing::Test {
 protected:
     CommonNode() { make(); }
 
-    // Every file is there at three times.
+    // Writes a problem with all files at three output times.
     static void make() {
         makeProblem("--nx 3 --ny 2 --layers 2 --times 3 --coupling common "
                     "--species Heat:heat,Virus:particles --variables head,max_depth,sat,ice_sat,"
@@ -31,11 +31,12 @@ protected:
     const Folder folder;
 };
 
-// Everything that pm lends is what pm shows at the node of that number, in a part of the mesh too.
-TEST_F(CommonNode, TakesItsColumnsFromPmAndFromItsOwnFiles) {
+// The columns with values of pm have the values of the pm node at each node, whole and truncated.
+TEST_F(CommonNode, HasColumnsOfPmAndOfItsOwnFiles) {
     const data_set::Text whole = runOver(), pm = data_set::parse(get("to.pm.dat"));
     const std::string summary = data_set::summaryOf(data_set::parse(get("to.olf.dat")));
-    // Heat has come before, in pm, so all temperatures are in degrees. Particles are not counted.
+    // pm has heat and is processed before, so all temperatures are in degrees. Particles have the
+    // unit of a mass.
     for (const std::string unit : {"Freezing-thawing temperature units: (deg C)",
                                    "Newton residual units: (m^3 s^-1)", "Virus units: (kg m^-3)"})
         EXPECT_THAT(get("to.olf.dat"), HasSubstr("\n# " + unit + "\n"));
@@ -52,7 +53,8 @@ TEST_F(CommonNode, TakesItsColumnsFromPmAndFromItsOwnFiles) {
                     EXPECT_EQ(data_set::valuesOf(olf, z, label).at(i),
                               data_set::valuesOf(other, z, label).at(node));
                 };
-                const auto node = static_cast<std::size_t>(numbers[i]) - 1; // 24 of them are below
+                // The 24 nodes of the lower sheets come before those of the surface.
+                const auto node = static_cast<std::size_t>(numbers[i]) - 1;
                 for (const std::string label :
                      {"head", "pressure head", "saturation", "Virus", "ice saturation"})
                     expectSame(label, pm, node);
@@ -65,7 +67,7 @@ TEST_F(CommonNode, TakesItsColumnsFromPmAndFromItsOwnFiles) {
     EXPECT_THAT(get("to.olf.dat"), HasSubstr("\n# Freezing-thawing temperature units: (K)\n"));
 }
 
-TEST_F(CommonNode, ColumnsComeAndGo) {
+TEST_F(CommonNode, ColumnsFollowTheFilesOfPm) {
     const Texts cases[] = {// files that are missing
                            {},
                            {"head_pm.0001"},
@@ -81,10 +83,10 @@ TEST_F(CommonNode, ColumnsComeAndGo) {
         runOver(pmBlock + olfBlock + control);
         summaries += what + "\n" + data_set::summaryOf(data_set::parse(get("to.olf.dat")));
     };
-    for (const Texts& gone : cases) {
+    for (const Texts& missing : cases) {
         make();
         std::string what = "without";
-        for (const std::string& file : gone) {
+        for (const std::string& file : missing) {
             ASSERT_TRUE(std::filesystem::remove("to." + file));
             what += " " + file;
         }
@@ -95,8 +97,8 @@ TEST_F(CommonNode, ColumnsComeAndGo) {
     expectFile("common_columns.txt", summaries);
 }
 
-// Neither a truncated pm nor one that is not written changes what the surface shows.
-TEST_F(CommonNode, DoesNotDependOnWhatPmShows) {
+// The surface is the same if pm is truncated or not written.
+TEST_F(CommonNode, DoesNotDependOnThePlotFileOfPm) {
     runOver();
     const Bytes whole = getDated("to.olf.dat");
     runOver(olfBlock);
@@ -105,7 +107,7 @@ TEST_F(CommonNode, DoesNotDependOnWhatPmShows) {
                 HasSubstr("-\npm data read for common node output\n   1     X\n"));
     runOver("write pm domain file\ntruncate pm domain\n0 700\n0 1d9\n0 1d9\nend\n" + olfBlock);
     EXPECT_EQ(getDated("to.olf.dat"), whole);
-    // A pressure head that pm does not make is declared and has no values.
+    // Pressure heads that are disabled in pm are declared and have no values.
     runOver("write pm domain file\nno pm pressure heads\nend\n" + olfBlock);
     EXPECT_THAT(get("to.olf.dat"), HasSubstr("\n# pressure head\n# max water depth\n"));
 }
