@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <cstring>
 
-// Runs that go on from the binary data sets of earlier ones, also of such as were killed.
+// Runs that append to the binary data sets of earlier runs, some of which were interrupted.
 namespace {
 
 using namespace sample_files;
@@ -53,7 +53,7 @@ Sets readSets() {
     return {{pmSet, data_set_file::read(pmSet)}, {olfSet, data_set_file::read(olfSet)}};
 }
 
-// The data sets of one run over all times.
+// Returns the data sets of one run with all output times.
 Sets wholeSets(int times) {
     const Folder folder;
     putControl();
@@ -67,7 +67,7 @@ void expectSameContents(const std::string& file, const Sets& wholes) {
         << file;
 }
 
-TEST(Append, RunsInTurnEqualOneRun) {
+TEST(Append, SeveralRunsEqualOneRun) {
     const Sets whole = wholeSets(6);
     for (const std::string interval : {"1", "2", "5"}) {
         const Folder folder;
@@ -92,9 +92,9 @@ TEST(Append, RunsInTurnEqualOneRun) {
     }
 }
 
-// Output times may have the same time, next to each other or not. A later run neither drops zones
-// of those before it nor writes one twice.
-TEST(Append, TimesMayRepeat) {
+// Several output times may have the same time, next to each other or not. A later run neither drops
+// the zones of earlier output times nor writes a zone twice.
+TEST(Append, OutputTimesMayHaveTheSameTime) {
     const auto runOverRepeated = [](int times) {
         write(appendedTimes(times));
         const char* const texts[] = {"0.0", "10.0", "10.0", "0.0", "10.0", "20.0"};
@@ -120,8 +120,8 @@ TEST(Append, TimesMayRepeat) {
         }
 }
 
-// After a power cut at any call of a first run, of one that continues, of one that begins a data
-// set beside another and of one that takes zones back, the next run finds all that was recorded.
+// The runs: a first run, one that appends, one that creates one of two data sets, and one that
+// replaces zones. After a power cut at any call the next run finds all that was recorded.
 TEST(Append, PowerCutAtAnyCall) {
     constexpr int times = 4;
     const Sets whole = wholeSets(times);
@@ -158,7 +158,7 @@ TEST(Append, PowerCutAtAnyCall) {
     }
 }
 
-// Also without the option to append: the data must be on the disk before the sidecar is removed.
+// Also in a run that does not append: the data must be on the disk before the sidecar is removed.
 TEST(Append, AFailedSyncEndsTheRun) {
     for (const char* option : {"tecplot binary append\n", ""}) {
         const Folder folder;
@@ -179,7 +179,7 @@ TEST(Append, AFailedSyncEndsTheRun) {
 }
 
 // A run that does not append replaces an unfinished data set, with a warning.
-TEST(Append, AnotherRunReplaces) {
+TEST(Append, ARunThatDoesNotAppendReplaces) {
     const Folder folder;
     putControl("", "", false);
     runOver(2);
@@ -193,8 +193,8 @@ TEST(Append, AnotherRunReplaces) {
     EXPECT_FALSE(std::filesystem::exists(pmSet + ".szhdr"));
 }
 
-// A first run over two times, and a second, over two or three, once the folder was changed. The
-// second must say what is wrong and leave all as it is.
+// A first run with two output times. Then the folder is changed. A second run, with two or three
+// output times, must end with a banner that names the fault, and must not change the files.
 class Refused : public testing::Test {
 protected:
     Refused() {
@@ -217,7 +217,7 @@ protected:
         for (const auto& [name, contents] : before) EXPECT_TRUE(get(name) == contents) << name;
     }
 
-    // Also by a run that finds no new output time.
+    // Also runs without a new output time.
     void expectRefusedWithAnyTimes(const std::string& banner) {
         for (const auto& [name, contents] : thirdTime) std::filesystem::remove(name);
         expectRefused(banner);
@@ -234,7 +234,7 @@ protected:
                                                   : name);
     }
 
-    // With a bit of one byte in `step` changed.
+    // Changes a bit of one byte in each `step` bytes from `first` to `last`, one byte at a time.
     void expectRefusedChanged(const std::string& name, std::size_t first, std::size_t last,
                               std::size_t step) {
         for (std::size_t at = first; at < last; at += step) {
@@ -251,13 +251,13 @@ protected:
 };
 
 TEST_F(Refused, DamagedFiles) {
-    const std::string marker("\x00\x80\x95\x43", 4); // 299.0 in front of a zone
+    const std::string marker("\x00\x80\x95\x43", 4); // 299.0 before a zone
     const std::size_t header = files[pmSet].find(marker), data = files[pmSet].rfind(marker);
     const std::size_t size = files[pmSet].size(), sidecarSize = files[sidecar].size();
     for (const std::int32_t index : {-1, 2147483647})
         expectRefusedWith(indexFile, integerRecord({index}));
     expectRefusedWith(indexFile, files[indexFile] + "1234");
-    expectRefusedWith(sidecar, "a text of someone else");
+    expectRefusedWith(sidecar, "another text");
     expectRefusedWith(pmSet, Bytes(size, 'x'));
     const std::map<std::string, std::vector<std::size_t>> cuts{
         {indexFile, {0, 2, 8}},
@@ -272,7 +272,7 @@ TEST_F(Refused, DamagedFiles) {
     expectRefusedChanged(pmSet, data, size, 7);
 }
 
-// What the system refuses is not damaged.
+// A sidecar that cannot be opened or read is not reported as damaged.
 TEST_F(Refused, ASidecarThatCannotBeRead) {
     static int openError, readError, descriptor;
     const std::string banner = "Failed to open file: to.pm.szplt.szhdr\nError detail: ";
@@ -300,7 +300,8 @@ TEST_F(Refused, ASidecarThatCannotBeRead) {
     }
 }
 
-// A run without append replaced the data set and was killed, before its first zone or after it.
+// A run that does not append replaced the data set and was interrupted before or after its first
+// zone.
 TEST_F(Refused, ADataSetOfARunWithoutAppend) {
     const Bytes control = get("t.plot.control");
     static bool beforeFirstZone;
@@ -326,7 +327,7 @@ TEST_F(Refused, ADataSetOfARunWithoutAppend) {
     }
 }
 
-TEST_F(Refused, ARunThatDoesNotFit) {
+TEST_F(Refused, OtherVariablesOtherMeshesAndMissingFiles) {
     putControl("", "no pm saturations\n", false);
     expectRefused("to.pm.szplt\nThe data set has other variables than this run.");
     putControl("", "truncate pm domain\n0 1\n0 1\n0 10\n", false);

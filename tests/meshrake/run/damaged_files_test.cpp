@@ -3,8 +3,8 @@
 #include <limits>
 #include <sstream>
 
-// Files whose contents are wrong: a run over them ends with a banner that names the file, and
-// neither crashes nor hangs nor takes memory for numbers that only a damaged file can hold.
+// Files with invalid contents: a run ends with a banner that names the file. It does not crash or
+// hang, and does not allocate memory for invalid numbers.
 namespace {
 
 using namespace sample_files;
@@ -15,7 +15,7 @@ using testing::HasSubstr;
 constexpr std::int32_t most = std::numeric_limits<std::int32_t>::max();
 constexpr std::int32_t least = std::numeric_limits<std::int32_t>::min();
 
-// Two bricks in a stack; a surface with walls, a fracture and a dual continuum.
+// Two bricks, one above the other, a surface with walls, a fracture and a dual continuum.
 Problem goodProblem() {
     const Grid grid{1, 1, 2, 2};
     Problem problem = brickProblem(grid);
@@ -34,7 +34,7 @@ Problem goodProblem() {
     return problem;
 }
 
-// A payload word of a record, both from 0.
+// A new value of a payload word of a record. Words and records count from 0.
 struct Damage {
     std::string file;
     int record, word;
@@ -56,8 +56,8 @@ const Damage damages[] = {
     {"elements_pm", 0, 0, most},
     {"elements_pm", 2, 0, 13},
     {"elements_pm", 2, 3, -1},
-    {"elements_pm", 2, 3, 0}, // the thickness needs it
-    {"elements_olf", 5, 0, 0}, // without walls the last record is not looked at
+    {"elements_pm", 2, 3, 0}, // the thickness needs the node
+    {"elements_olf", 5, 0, 0}, // without walls the last record is not read
     {"elements_olf", 2, 0, least},
     {"elements_olf", 6, 0, least},
     {"elements_dual", 2, 1, 99},
@@ -67,7 +67,7 @@ const Damage damages[] = {
     {"coordinates_olf", 3, 8, least},
     {"coordinates_olf", 6, 0, -2},
     {"coordinates_olf", 6, 0, most},
-    {"coordinates_olf", 8, 1, least}, // a wall node that is none leaves the node as it was
+    {"coordinates_olf", 8, 1, least}, // an invalid wall node does not replace the node
     {"elements_frac", 1, 0, 17}
 };
 // clang-format on
@@ -78,7 +78,7 @@ TEST(DamagedFiles, InvalidNumbers) {
         const Folder folder;
         Problem problem = goodProblem();
         patch(problem.at("to." + d.file), d.record, d.word, d.value);
-        // Truncated, elements are kept although some of their nodes are not in the domain.
+        // A truncation includes elements although some of their nodes are not in the domain.
         problem["t.plot.control"] = "end\nwrite pm domain file\nend\nwrite frac domain file\nend\n"
                                     "write olf domain file\ntruncate olf domain\n0 1\n0 1\n0 3\n";
         write(problem);
@@ -113,8 +113,8 @@ TEST(DamagedFiles, CutAtEveryFourBytes) {
     }
 }
 
-// Every word of every mesh file, in turn, becomes every one of these: the run may go on or end, but
-// in order.
+// Replaces each word of each mesh file by each of these values. The run must finish, or end with a
+// banner.
 TEST(DamagedFiles, AnyWordAnyValue) {
     const Folder folder;
     const Problem good = goodProblem();
@@ -135,11 +135,11 @@ TEST(DamagedFiles, AnyWordAnyValue) {
     }
 }
 
-// Valid meshes whose number of node sheets does not fit.
+// Valid meshes with an invalid number of node sheets.
 TEST(DamagedFiles, DivisionsByZero) {
     const std::string noNumbers = "no pm layer numbers\nno pm column numbers\n";
     const std::pair<std::int32_t, std::string> cases[] = {
-        {0, ""}, // the sheets are counted by the nodes
+        {0, ""}, // the number of sheets is derived from the nodes
         {1, ""},
         {1, "no pm layer numbers\n"},
         {1, noNumbers},

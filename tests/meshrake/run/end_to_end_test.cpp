@@ -3,7 +3,7 @@
 
 #include <set>
 
-// Whole runs, of the program itself or of all of it inside this process.
+// Whole runs, of the program or inside this process.
 namespace {
 
 using namespace sample_files;
@@ -27,8 +27,9 @@ protected:
     Run() { problem = brickProblem({1, 1, 1, 4}); }
 };
 
-// One brick and its surface at three times; the column names show which files come and go.
-TEST_F(Run, WritesTheseFiles) {
+// One brick and its surface at three output times, with variables whose files are missing at some
+// of them.
+TEST_F(Run, WritesTheExpectedFiles) {
     problem = brickProblem({1, 1, 1, 3});
     problem["to.sat_pm.0001"] = problem["to.sat_pm.0003"] =
         resultFile("0.0", {Singles{1, 1, 1, 1, 0.5F, 0.25F, 0.125F, 0}});
@@ -44,7 +45,7 @@ TEST_F(Run, WritesTheseFiles) {
         EXPECT_EQ(ran.status, 0);
         expectFile("brick.pm.dat", getDated("to.pm.dat"));
         expectFile("brick.olf.dat", getDated("to.olf.dat"));
-        if (!first) continue; // the control file that it has left asks for the same
+        if (!first) continue; // the second run reads the template of the first
         EXPECT_EQ(filesHere(), files);
         expectFile("brick.screen", ran.screen);
         expectFile("brick.meshrake.eco", get("to.meshrake.eco"));
@@ -56,8 +57,8 @@ TEST_F(Run, WritesTheseFiles) {
     }
 }
 
-// What a run leaves: status, screen and files, but not the date of a data set. The sidecar of an
-// unfinished one has a hash of that date.
+// Returns the results of a run: status, screen and files, without the date of a data set. The
+// sidecar of an unfinished data set has a hash of that date.
 Problem resultsOf(const Ran& ran) {
     Problem results{{"status", std::to_string(ran.status)}, {"screen", ran.screen}};
     for (const std::string& name : filesHere())
@@ -65,9 +66,10 @@ Problem resultsOf(const Ran& ran) {
     return results;
 }
 
-// Runs in one process give what processes of their own give: after one that sets all that can be
-// set, one that fails with its data sets open, and one that writes a template.
-TEST_F(Run, LeavesNoStateForTheNextOne) {
+// Several runs in one process give the same results as several processes. The runs: one that sets
+// nearly all state, one that fails with its data sets open, one that writes a template, and a plain
+// run.
+TEST_F(Run, LeavesNoStateForTheNextRun) {
     const std::string all = "tecplot binary append\ntecplot binary flush interval\n2\n"
                             "truncate time domain\n0 20\n"
                             "number of digits for output file suffix\n4\nend\n"
@@ -125,7 +127,7 @@ TEST_F(Run, LeavesNoStateForTheNextOne) {
 TEST_F(Run, AsksForThePrefix) {
     problem["sub dir.skiv"] = "";
     problem["sub"] = "a file without the extension";
-    const std::pair<std::string, std::string> cases[] = {// batch.pfx, "-": no such file; answers
+    const std::pair<std::string, std::string> cases[] = {// batch.pfx ("-": no such file), answers
                                                          {"\n \t\n t rest\nmore\n", ""},
                                                          {"-", "t\n"},
                                                          {"", "t"},
@@ -145,7 +147,7 @@ TEST_F(Run, AsksForThePrefix) {
     }
     expectFile("prompts.txt", report);
     std::filesystem::remove("batch.pfx");
-    // A program may answer without an end.
+    // A program may never stop its answers.
     for (const std::string line : {"wrong\n", "\n"}) {
         std::string lines;
         for (int i = 0; i < 1001; ++i) lines += line;
@@ -169,7 +171,7 @@ TEST_F(Run, CommandLine) {
     EXPECT_FALSE(std::filesystem::exists("to.pm.dat"));
 }
 
-// Lines of the screen about output times, in order, and what the data set has of them.
+// Returns the lines of the screen about output times, then the times and variables of the data set.
 std::string timesOf(const Ran& ran) {
     std::istringstream in(ran.screen);
     std::string lines = runs::endingOf(ran.errors) + "\n";
@@ -185,7 +187,7 @@ std::string timesOf(const Ran& ran) {
 
 TEST_F(Run, OutputTimes) {
     const std::string pm = "end\nwrite pm domain file\nend\n";
-    problem["to.ElemPor_pm.0001"] = resultFile("", {Singles{0.25F}}); // of no time
+    problem["to.ElemPor_pm.0001"] = resultFile("", {Singles{0.25F}}); // without a time stamp
     std::string report = timesOf(run("truncate time domain\n10 20\n" + pm)) +
                          timesOf(run("truncate time domain\n11 1d1\n" + pm));
     Problem others = problem;
@@ -207,20 +209,20 @@ TEST_F(Run, OutputTimes) {
     expectFile("output_times.txt", report);
 }
 
-TEST_F(Run, DomainsThatAreNotAskedFor) {
+TEST_F(Run, DomainsThatAreNotRequestedAreNotWritten) {
     ASSERT_EQ(run("end\nwrite olf domain file\n").status, 0);
     EXPECT_FALSE(std::filesystem::exists("to.pm.dat"));
     EXPECT_THAT(get("to.meshrake.eco"),
                 Not(testing::ContainsRegex("Closing tecplot file: (to.pm)?\n")));
 
-    // Append stays on without the end of the section.
+    // Append stays enabled if the first section has no end.
     std::filesystem::remove("to.olf.dat");
     ASSERT_EQ(run("tecplot binary append\nwrite olf domain file\n").status, 0);
     EXPECT_FALSE(std::filesystem::exists("to.olf.dat"));
     EXPECT_EQ(get("to.tec_append"), integerRecord({4}));
 }
 
-TEST_F(Run, WarnsOfWhatMayMislead) {
+TEST_F(Run, ShowsWarnings) {
     problem["to.gen"] =
         textRecord("2918 beta", 80) + integerRecord({0}) + record("") + integerRecord({7});
     problem["to.olf.szplt.szhdr"] = "";
@@ -238,8 +240,8 @@ TEST_F(Run, WarnsOfWhatMayMislead) {
     EXPECT_THAT(pm, HasSubstr("# Head units: (cm)\n"));
 }
 
-// What differs in the bytes of the simulator's files only gives the same plots.
-TEST(MadeProblem, IsTheSameInAllFormsOfItsFiles) {
+// Files of the simulator in other formats with the same contents give the same plots.
+TEST(MadeProblem, GivesTheSamePlotsInAllFileFormats) {
     std::string domains, digits = "number of digits for output file suffix\n6\nend\n";
     for (const std::string tag : {"pm", "dual", "olf", "frac", "chan", "well", "tile"}) {
         domains += (domains.empty() ? "" : ",") + tag;

@@ -6,9 +6,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-// Runs in which the system refuses, cuts short or interrupts one of the calls of its table, or in
-// which the process is killed there. Such a run must end with a banner or do all that it has to,
-// and the next run must put all in order.
+// Runs in which a system call fails, is interrupted, or reads or writes less, or in which the
+// process is killed at a call. Such a run must end with a banner or write all its files. The next
+// run must give the same files as a run without a fault.
 namespace {
 
 using namespace sample_files;
@@ -22,7 +22,7 @@ using runs::longTests;
 using runs::Ran;
 using testing::HasSubstr;
 
-// Everything that a run can compare and plot, with points that are located in elements.
+// A problem with all comparisons and plots, whose points are located in elements.
 Problem withProducts(const std::string& mode) {
     const std::string everywhere = "-1e20 1e20\n-1e20 1e20\n-1e20 1e20\n";
     Problem problem = brickProblem({3, 1, 1, 1});
@@ -52,15 +52,15 @@ struct Scenario {
     std::vector<const char*> arguments{"meshrake"};
 };
 
-// `before` times are in the data sets, `recorded` of them in the file with the index. If there is a
-// difference, the auxiliary records have become longer, for which the data set is copied.
+// Writes data sets of `before` output times, and `recorded` as the index of the last finished one.
+// If they differ, the auxiliary records become longer, so that the data set is copied.
 void prepareAppend(int before, int recorded, bool withOlf) {
     if (before > 0) {
         write(appendedTo(before, withOlf));
         Fault none;
         EXPECT_EQ(faulty_calls::run({"meshrake"}, none).status, 0);
         put("to.tec_append", integerRecord({recorded}));
-        if (!withOlf) put("to.olf.szplt.szhdr", "left over");
+        if (!withOlf) put("to.olf.szplt.szhdr", "of an earlier run");
     }
     Problem problem = appendedTo(4);
     if (recorded < before) patch(problem["to.gen"], 3, 0, 1); // minutes instead of seconds
@@ -87,7 +87,7 @@ const Scenario scenarios[] = {
     {"Resume", true, [] { prepareAppend(2, 2, true); }},
     {"ResumeWithoutNewTimes", true, [] { prepareAppend(4, 4, true); }},
     {"ResumeWithAnotherDataSet", true, [] { prepareAppend(2, 2, false); }},
-    {"ResumeTakingZonesBack", true, [] { prepareAppend(3, 1, true); }}};
+    {"ResumeReplacingZones", true, [] { prepareAppend(3, 1, true); }}};
 
 Bytes withoutWarnings(Bytes echo) {
     const std::string stars(33, '*'), begin = "\n" + stars + "\n***      WARNING MESSAGE";
@@ -96,8 +96,8 @@ Bytes withoutWarnings(Bytes echo) {
     return echo;
 }
 
-// The files of the folder by name, without dates and warnings. Of data sets that are appended to
-// the contents count, however zones share them.
+// Returns the files of the folder by name, without dates and warnings. Data sets of runs that
+// append are compared by their contents, independent of which zones share them.
 Problem folderContents(const Scenario& scenario) {
     Problem files;
     for (const auto& entry : std::filesystem::directory_iterator(".")) {
@@ -111,7 +111,7 @@ Problem folderContents(const Scenario& scenario) {
     return files;
 }
 
-// Names of the files that differ, for messages.
+// Returns the names of the files that differ, for messages.
 std::string differences(const Problem& some, const Problem& others) {
     std::string names;
     for (const auto& [name, contents] : some)
@@ -121,7 +121,7 @@ std::string differences(const Problem& some, const Problem& others) {
     return names;
 }
 
-// The file that this one is a copy of or will replace, or itself.
+// Returns the file of which this file is a copy, or which it will replace, or the file itself.
 std::string originalOf(const std::string& file) {
     std::string name = file == "scratch_plot" ? "t.plot.control" : file;
     const std::string_view ending = ".unfinished";
@@ -129,8 +129,8 @@ std::string originalOf(const std::string& file) {
     return name;
 }
 
-// Whether a banner names this file, and not one whose name begins with that of this file. A sync of
-// the folder is part of writing some file in it.
+// Matches a banner that names this file, and not a file whose name only begins with this name. A
+// sync of the folder is part of writing some file in it.
 testing::Matcher<std::string> names(const std::string& file) {
     if (file == ".") return HasSubstr("to.");
     return testing::AnyOf(HasSubstr(file + "\n"), HasSubstr(file + " file\n"));
@@ -159,8 +159,8 @@ protected:
         return faulty_calls::run(scenario.arguments, fault);
     }
 
-    // The run itself: a banner, or all files but one that a line on the screen says is missing.
-    void expectOrder(const Ran& ran) {
+    // Expects a banner of the run, or all its files, except one that the screen reports as missing.
+    void expectBannerOrAllFiles(const Ran& ran) {
         const std::string named = originalOf(fault.path);
         if (ran.status == 0) {
             Problem files = folderContents(scenario);
@@ -179,7 +179,7 @@ protected:
         EXPECT_TRUE(!fault.echoBegun || !canEcho || get(echoFile).ends_with(banner)) << banner;
     }
 
-    // The one after it, undisturbed.
+    // Expects the files of a run without a fault from a second run.
     void expectRecovery() {
         for (const std::string name : {"to.pm.szplt", "to.olf.szplt"})
             if (std::filesystem::exists(name)) {
@@ -193,7 +193,7 @@ protected:
         }
     }
 
-    // Each call in turn; the number of calls that met the fault.
+    // Lets each call of this kind fail in turn and returns the number of these calls.
     int failEach(Way way, const Kind& kind, int error, int step = 1) {
         int met = 0;
         for (int number = 1;; number += step, ++met) {
@@ -203,7 +203,7 @@ protected:
             if (!fault.met) return met;
             SCOPED_TRACE(testing::Message() << kind.name << " number " << number << " of "
                                             << fault.path << ": " << strerror(error));
-            expectOrder(ran);
+            expectBannerOrAllFiles(ran);
             expectRecovery();
         }
     }
@@ -211,7 +211,7 @@ protected:
     const Scenario& scenario = GetParam();
     const Folder home;
     Problem given;    // the files before the run
-    Problem clean[2]; // after one undisturbed run, and after two
+    Problem clean[2]; // the files after one run without a fault, and after two
     Fault fault;
 };
 
@@ -226,12 +226,12 @@ TEST_P(EveryCall, Fails) {
     EXPECT_GT(met, 60);
 }
 
-TEST_P(EveryCall, FindsNoMemory) {
+TEST_P(EveryCall, FailsToAllocate) {
     for (const Way way : {Way::once, Way::lasting})
         EXPECT_GT(failEach(way, kinds().back(), ENOMEM, longTests() ? 1 : 31), 10);
 }
 
-TEST_P(EveryCall, IsTheLast) {
+TEST_P(EveryCall, IsTheLastBeforeAKill) {
     for (int number = 1;; ++number) {
         SCOPED_TRACE(testing::Message() << "killed at call " << number);
         const Folder folder;
@@ -251,7 +251,7 @@ TEST_P(EveryCall, IsTheLast) {
     }
 }
 
-TEST_P(EveryCall, IsInterruptedOrCutShort) {
+TEST_P(EveryCall, IsInterruptedOrShortened) {
     for (const std::size_t most : {0U, 1U, 7U, 4095U}) {
         SCOPED_TRACE(most);
         const Folder folder;

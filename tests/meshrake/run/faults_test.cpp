@@ -2,8 +2,9 @@
 
 #include <sys/stat.h>
 
-// Runs of the program under a full disk, with strange files and without memory. They must end with
-// status 1 and a banner that names the file, or go on where the run can do without.
+// Runs of the program with a full disk, with files of an unexpected kind and with little memory.
+// They must end with status 1 and a banner that names the file, or continue if the file is
+// optional.
 namespace {
 
 using namespace sample_files;
@@ -24,7 +25,7 @@ protected:
 TEST_F(FullDisk, TheScreen) {
     for (const char* to : {">/dev/full", ">&-"})
         expectFailure(runs::runProgram(to), "\nError writing file: standard output\n");
-    // A reader that has gone away.
+    // A reader that has ended.
     const std::string ending = ">&3; echo $? >.status) 3>&1 | true";
     const Ran ran = runs::runProgram(ending, "", "(sleep 0.2;");
     expectFailure({std::stoi(get(".status")), "", ran.errors},
@@ -34,17 +35,17 @@ TEST_F(FullDisk, TheScreen) {
     EXPECT_EQ(runs::runProgram("2>/dev/full").status, 0);
 }
 
-TEST_F(FullDisk, ALimitOnTheSizeOfFiles) {
+TEST_F(FullDisk, FileSizeLimit) {
     for (const char* name : {"to.sat_pm.0001", "t.plot.control"}) std::filesystem::remove(name);
     write(brickProblem({40, 40, 2, 1}));
     // 64 KiB: the mesh of pm alone is more than that as text.
     const Ran ran = runs::runProgram("", "", "ulimit -f 128; exec");
     expectFailure(ran, "\nError writing file: to.pm.dat\n");
-    EXPECT_EQ(std::filesystem::file_size("to.pm.dat"), 65536U); // what fitted stays
+    EXPECT_EQ(std::filesystem::file_size("to.pm.dat"), 65536U); // the part within the limit
 }
 
-// Something else in the place of a file that must be there.
-TEST(StrangeFiles, InThePlaceOfInput) {
+// Files of an unexpected kind instead of an input file.
+TEST(UnexpectedKindsOfFiles, InsteadOfInput) {
     const std::string names = "to.gen to.species to.hmc to.coordinates_pm to.elements_pm "
                               "to.coordinates_olf to.elements_olf to.head_pm.0001 to.head_olf.0001 "
                               "to.sat_pm.0001 to.tv_zone_olf.0002 t.plot.control";
@@ -54,18 +55,18 @@ TEST(StrangeFiles, InThePlaceOfInput) {
         {"empty file", [](const std::string& name) { put(name, ""); }},
         {"endless file",
          [](const std::string& name) { std::filesystem::create_symlink("/dev/zero", name); }},
-        {"link to nothing",
+        {"broken link",
          [](const std::string& name) { std::filesystem::create_symlink("nowhere", name); }}};
-    for (const auto& [kind, place] : kinds) {
+    for (const auto& [kind, create] : kinds) {
         std::istringstream list(names);
         for (std::string name; list >> name;) {
-            const bool mustBe = name == "to.gen" || name.starts_with("to.elements");
+            const bool required = name == "to.gen" || name.starts_with("to.elements");
             const bool anyText = name == "t.plot.control" && kind == "empty file";
-            if ((kind == "link to nothing" && !mustBe) || anyText) continue;
+            if ((kind == "broken link" && !required) || anyText) continue;
             const Folder folder;
             write(twoTimes());
             std::filesystem::remove(name);
-            place(name);
+            create(name);
             const Ran ran = runs::runProgram("", "", "exec timeout 20");
             EXPECT_EQ(ran.status, 1) << kind << " " << name;
             EXPECT_THAT(ran.errors, HasSubstr(name)) << kind;
@@ -73,8 +74,8 @@ TEST(StrangeFiles, InThePlaceOfInput) {
     }
 }
 
-// A pipe that nobody reads from must not keep the run waiting.
-TEST(StrangeFiles, InThePlaceOfOutput) {
+// A run must not wait for a reader of a pipe.
+TEST(UnexpectedKindsOfFiles, InsteadOfOutput) {
     for (const std::string name : {"to.meshrake.eco", "scratch_plot", "to.pm.dat", "to.olf.dat"})
         for (const bool pipe : {false, true}) {
             const Folder folder;
@@ -88,7 +89,7 @@ TEST(StrangeFiles, InThePlaceOfOutput) {
 }
 
 // The scratch file is emptied before the control file is read.
-TEST(StrangeFiles, AScratchFileThatIsTheControlFile) {
+TEST(UnexpectedKindsOfFiles, ScratchFileThatIsTheControlFile) {
     for (const bool symbolic : {false, true}) {
         const Folder folder;
         write(twoTimes());
@@ -103,11 +104,11 @@ TEST(StrangeFiles, AScratchFileThatIsTheControlFile) {
     }
 }
 
-TEST(StrangeFiles, WhatTheRunCanDoWithout) {
+TEST(UnexpectedKindsOfFiles, InsteadOfOptionalFiles) {
     const Folder folder;
     write(twoTimes());
     std::filesystem::remove("t.skiv");
-    std::filesystem::create_directory("t.skiv"); // a folder is there as well as a file
+    std::filesystem::create_directory("t.skiv"); // a folder of this name also counts
     std::filesystem::remove("batch.pfx");
     std::filesystem::create_symlink("/dev/zero", "batch.pfx");
     EXPECT_EQ(runs::runProgram("", "t\n").status, 0);
@@ -121,7 +122,7 @@ TEST(StrangeFiles, WhatTheRunCanDoWithout) {
 }
 
 #ifndef __SANITIZE_ADDRESS__
-// From a limit at which the program can be loaded, to one that suffices for a small run.
+// From a limit at which the program can be loaded, to one that is enough for a small run.
 TEST(Memory, LimitsOfTheSystem) {
     const Folder folder;
     write(twoTimes());

@@ -11,7 +11,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-// Files that runs share: with each other at the same time, and with later runs.
+// Files that runs share, at the same time or one after the other.
 namespace {
 
 using namespace sample_files;
@@ -23,7 +23,7 @@ protected:
     RunFiles() { write(brickProblem({1, 1, 1, 2})); }
     ~RunFiles() override { system_calls::table = system_calls::systemTable(); }
 
-    // All files of the folder but those that any run writes.
+    // Returns all files of the folder, without those that each run writes.
     static Problem files() {
         Problem found;
         for (const auto& entry : std::filesystem::directory_iterator("."))
@@ -36,7 +36,7 @@ protected:
     const Folder folder;
 };
 
-// A failed allocation in the open leaves no lock that would refuse the file to the next open.
+// A failed allocation in an open leaves no lock, which would make the next open fail.
 TEST_F(RunFiles, NoMemoryForANewFile) {
     using namespace io_layer;
     static int countdown;
@@ -63,7 +63,7 @@ TEST_F(RunFiles, NoMemoryForANewFile) {
 }
 
 TEST_F(RunFiles, AnIndexThatCannotBeWritten) {
-    put("t.plot.control", "tecplot binary append\n"); // without "end" the index is only written
+    put("t.plot.control", "tecplot binary append\n"); // without "end" the index is not read
     static std::string refused;
     for (const bool file : {false, true}) {
         put("to.tec_append", "old");
@@ -77,7 +77,7 @@ TEST_F(RunFiles, AnIndexThatCannotBeWritten) {
         };
         const Ran ran = runs::runHere();
         EXPECT_EQ(ran.status, 0);
-        // The folder may take no file while the index itself can be written.
+        // The index may be writable although no file can be created in the folder.
         EXPECT_EQ(get("to.tec_append"), file ? "old" : integerRecord({2}));
         const std::string words = "Warning: Failed to open file to.tec_append for writing";
         for (const std::string& text : {ran.screen, get("to.meshrake.eco")}) {
@@ -88,8 +88,8 @@ TEST_F(RunFiles, AnIndexThatCannotBeWritten) {
     }
 }
 
-// An old file, a link to one and the lack of one, met by a run whose n-th write to it fails.
-TEST_F(RunFiles, OldOnesStayUntilNewOnesAreWhole) {
+// A run whose write to the file fails, with an old file, a link to one, and without one.
+TEST_F(RunFiles, AreReplacedWhenTheNewFileIsComplete) {
     struct Case {
         std::string name, control, argument;
     };
@@ -123,7 +123,7 @@ TEST_F(RunFiles, OldOnesStayUntilNewOnesAreWhole) {
     for (const Case& c : cases)
         for (const bool linked : {false, true})
             for (const bool fails : {true, false}) {
-                if (c.name == "to.ObsShape.txt" && linked) continue; // one that exists is only read
+                if (c.name == "to.ObsShape.txt" && linked) continue; // if it exists, it is read
                 SCOPED_TRACE(c.name + (linked ? " linked" : "") + (fails ? " fails" : ""));
                 const Folder inner;
                 Problem problem = brickProblem({1, 1, 1, 2});
@@ -141,7 +141,7 @@ TEST_F(RunFiles, OldOnesStayUntilNewOnesAreWhole) {
                 }
                 const std::string before = get(c.name);
                 target = linked ? "./elsewhere" : c.name;
-                // A left-over that links to a file of the user's.
+                // An unfinished file that is a link to another file.
                 put("other", "other");
                 std::filesystem::create_symlink("other", target + ".unfinished");
                 descriptor = -1;
@@ -164,7 +164,7 @@ TEST_F(RunFiles, OldOnesStayUntilNewOnesAreWhole) {
             }
 }
 
-TEST_F(RunFiles, LinksToDataSetsStay) {
+TEST_F(RunFiles, LinksToDataSetsAreKept) {
     put("t.plot.control", "tecplot binary mode\nend\nwrite pm domain file\n");
     for (const char* name : {"elsewhere", "other"}) put(name, name);
     std::filesystem::create_symlink("elsewhere", "to.pm.szplt");
@@ -176,7 +176,7 @@ TEST_F(RunFiles, LinksToDataSetsStay) {
     EXPECT_EQ(get("other"), "other");
 }
 
-// A lock as another run holds it, until the end of the scope.
+// Holds the lock of another run until the end of the scope.
 struct Lock {
     explicit Lock(const char* name) : descriptor(open(name, O_RDWR | O_CREAT | O_CLOEXEC, 0666)) {
         EXPECT_EQ(flock(descriptor, LOCK_EX), 0);
@@ -200,7 +200,7 @@ TEST_F(RunFiles, TwoRunsOfOnePrefix) {
         EXPECT_EQ(get("to.meshrake.eco"), "of the other run");
         EXPECT_EQ(files(), before);
     }
-    // File systems without locks, a call that is interrupted, and one that fails.
+    // A call that is interrupted, file systems without locks, and a call that fails.
     static int error;
     for (const auto& [number, status] :
          std::map<int, int>{{EINTR, 0}, {ENOLCK, 0}, {ENOSYS, 0}, {EOPNOTSUPP, 0}, {EIO, 1}}) {
@@ -232,9 +232,9 @@ TEST_F(RunFiles, TwoPrefixesAtOnce) {
     EXPECT_EQ(get("batch.pfx.unfinished"), "of the other run");
 }
 
-// The file is not touched while another run has it; a run that has waited for one that is gone
-// takes the new one, which a third run may have made.
-TEST_F(RunFiles, TheScratchFileIsWaitedFor) {
+// The file is not changed while another run has it. After the wait the file may be gone: the run
+// then creates it, or uses the file that a third run has created.
+TEST_F(RunFiles, ARunWaitsForTheScratchFile) {
     for (const bool replaced : {false, true}) {
         std::filesystem::remove(".screen");
         put("t.plot.control", "end\nwrite olf domain file\n");

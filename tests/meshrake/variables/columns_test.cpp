@@ -138,9 +138,11 @@ const Case cases[] = {
     {"topography", "pm,olf", {{"tvtopo_olf.123", ground4}, {"tvtopo_pm.123", ground8},
      {"tvtopo_zone_pm.123", elementInteger}}, {}, 3},
     {"topography missing at output time 2", "pm,olf",
-     {{"tvtopo_olf.13", ground4}, {"tvtopo_pm.13", ground8}, {"tvtopo_zone_pm.13", elementInteger}}, {}, 3},
+     {{"tvtopo_olf.13", ground4}, {"tvtopo_pm.13", ground8},
+      {"tvtopo_zone_pm.13", elementInteger}}, {}, 3},
     {"topography missing at output time 1", "pm,olf",
-     {{"tvtopo_olf.23", ground4}, {"tvtopo_pm.23", ground8}, {"tvtopo_zone_pm.23", elementInteger}}, {}, 3},
+     {{"tvtopo_olf.23", ground4}, {"tvtopo_pm.23", ground8},
+      {"tvtopo_zone_pm.23", elementInteger}}, {}, 3},
 };
 // clang-format on
 
