@@ -14,18 +14,17 @@ std::uint64_t wordAt(const char* bytes) {
     return word;
 }
 
-// Two words enter a lane with each block, the second one between two linear maps of the 64 bits.
-// Each map takes few instructions, for several lanes at once in a wide register; multiplications
-// would take twice the time. Linear means that only the bits that changed decide whether a change
-// is noticed:
+// Each block adds two words to a lane. A linear map of the 64 bits follows each of them. A map
+// takes few instructions, for several lanes at once in a wide register; multiplications would take
+// twice the time. Linear means that only the bits that changed decide whether a change is detected:
 //
-// - Both maps in turn have an irreducible characteristic polynomial, of order (2^64 - 1) / 3. So a
-//   lane is a cyclic redundancy check of 64 bits: a change of one word lasts whatever follows, and
+// - Both maps together have an irreducible characteristic polynomial, of order (2^64 - 1) / 3. So a
+//   lane is a cyclic redundancy check of 64 bits: no later words cancel the change of one word, and
 //   the same change of block after block does not cancel itself.
 // - The first map changes each word, so that equal changes of both words do not cancel each other.
-//   A rotation would keep a word of ones, a single shift the bits that it drops.
+//   A rotation would keep a word of ones, and a single shift would drop bits.
 // - The second map keeps only words below 2^11. Changes of any one of the bits 11 to 63, for
-//   instance of the sign, are noticed in any combination of 32 words of a lane in a row.
+//   instance of the sign, are detected in any combination of 32 words of a lane in a row.
 void addBlocks(Checksum& checksum, const char* bytes, std::int64_t size) {
     constexpr std::size_t n = Checksum::laneCount;
     auto lanes = checksum.lanes;
@@ -40,9 +39,9 @@ void addBlocks(Checksum& checksum, const char* bytes, std::int64_t size) {
     checksum.lanes = lanes;
 }
 
-// For a given hash the result is different for each `word`. A product carries differences only to
-// higher bits; the rotation brings them back to the lower ones. The factor is the odd integer next
-// to 2^64 divided by the golden ratio.
+// Returns a result that, for a given hash, is different for each `word`. A product moves
+// differences only to higher bits; the rotation moves them back to lower bits. The factor is the
+// odd integer next to 2^64 divided by the golden ratio.
 std::uint64_t mixed(std::uint64_t hash, std::uint64_t word) {
     constexpr std::uint64_t factor = 0x9E3779B97F4A7C15U;
     return std::rotl((hash + word) * factor, 29);

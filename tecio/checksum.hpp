@@ -10,7 +10,7 @@
 // changed. It does not detect deliberate changes.
 namespace tecio {
 
-// State for one array, whose bytes may be added in pieces of any length.
+// State of the checksum of one array, whose bytes may be added in pieces of any length.
 struct Checksum {
     static constexpr std::size_t laneCount = 16;
     static constexpr std::int64_t blockBytes = 256; // two 8-byte words for each lane
@@ -21,7 +21,7 @@ struct Checksum {
 
 void addBytes(Checksum& checksum, const void* bytes, std::int64_t size);
 
-// Returns the checksum of a zone: of the bytes before its arrays, and of all arrays. Never 0.
+// Returns the checksum of a zone, of the bytes before its arrays and of all arrays. It is never 0.
 std::uint64_t zoneChecksum(std::string_view begin, const std::vector<Checksum>& arrays);
 
 } // namespace tecio

@@ -13,10 +13,10 @@ using io_layer::ok;
 
 namespace {
 
-constexpr std::int64_t noCall = -1; // even an empty array needs a call
+constexpr std::int64_t noCall = -1; // an array without values also needs a call
 constexpr std::int64_t unshared = 0;
 
-// A variable can share an array of the same type, location and number of values.
+// True if the arrays have the same type, location and number of values.
 bool canShareValues(const Zone& zone, const Zone& source, std::size_t v) {
     return source.types[v] == zone.types[v] && source.locations[v] == zone.locations[v] &&
            valueCount(source, v) == valueCount(zone, v);
@@ -27,7 +27,8 @@ bool canShareMesh(const Zone& zone, const Zone& source) {
            source.nodes == zone.nodes;
 }
 
-// Zones after the first new one of a resumed data set share with zone 1.
+// True if the mesh, types and locations are those of zone 1. The first new zone of a resumed data
+// set must have them, because the zones after it share with zone 1.
 bool fitsFirstZone(const Zone& zone, const Zone& first) {
     bool fits = canShareMesh(zone, first);
     for (std::size_t v = 0; fits && v < zone.types.size(); ++v)
@@ -35,8 +36,8 @@ bool fitsFirstZone(const Zone& zone, const Zone& first) {
     return fits;
 }
 
-// Replaces the source of a share by the zone that has the values if the source shares them itself:
-// some readers do not follow a second share.
+// Replaces the source of a share that itself shares the array by the zone that has the values: some
+// readers do not follow a second share. Returns false for an invalid share.
 bool resolveShares(const std::vector<Zone>& zones, Zone& zone) {
     const auto earlier = static_cast<std::int32_t>(zones.size());
     const auto sourceOf = [&](std::int32_t number) -> const Zone& {
@@ -56,7 +57,7 @@ bool resolveShares(const std::vector<Zone>& zones, Zone& zone) {
     return canShareMesh(zone, source);
 }
 
-// Every array needs a call, even if it has no values.
+// True if all arrays are written. An array without values also needs a call.
 bool isComplete(const CurrentZone& current) {
     const Zone& zone = current.zone;
     for (std::size_t v = 0; v < zone.types.size(); ++v)
@@ -66,7 +67,7 @@ bool isComplete(const CurrentZone& current) {
 
 int commitCurrentZone(DataFile& f) {
     CurrentZone& current = f.current;
-    Bytes begin = dataHeadBytes(current.zone);
+    Bytes begin = dataBeginBytes(current.zone);
     for (std::size_t v = 0; v < current.ranges.size(); ++v) {
         if (current.zone.shares[v] != unshared) continue;
         Range range = current.ranges[v];
@@ -98,7 +99,7 @@ int removeZonesFrom(DataFile& f, double time, std::int32_t strand) {
     });
     if (same == f.zones.end()) return ok;
     const auto kept = static_cast<std::size_t>(same - f.zones.begin());
-    if (greatestShare(f.current.zone) > static_cast<std::int64_t>(kept)) return refused;
+    if (greatestShare(f.current.zone) > static_cast<std::int64_t>(kept)) return invalidCall;
     return removeZones(f, kept);
 }
 
@@ -116,7 +117,7 @@ int writeData(DataFile& f, std::int64_t position, const void* from, std::int64_t
 
 // Updates the range and, in a durable data set, the checksum of a variable. A block of at most
 // 128 KiB is still in the cache for the second pass.
-void summarize(DataFile& f, std::size_t v, std::int64_t count, const void* values) {
+void updateRangeAndChecksum(DataFile& f, std::size_t v, std::int64_t count, const void* values) {
     constexpr std::int64_t blockValues = 16384;
     const std::int32_t type = f.current.zone.types[v];
     const std::int64_t each = valueBytes(type);
@@ -141,8 +142,8 @@ static_assert(sizeof(Range) == rangeBytes);
 
 int beginZone(DataFile& f, Zone zone, std::int32_t& number) {
     int status = endZone(f);
-    if (status == ok && f.resumed && !fitsFirstZone(zone, f.zones[0])) status = otherZones;
-    if (status == ok && !resolveShares(f.zones, zone)) status = refused;
+    if (status == ok && f.resumed && !fitsFirstZone(zone, f.zones[0])) status = otherMesh;
+    if (status == ok && !resolveShares(f.zones, zone)) status = invalidCall;
     if (status != ok) return status;
     CurrentZone& current = f.current;
     current.layout = layoutOf(zone);
@@ -167,7 +168,7 @@ std::int32_t resumedZonesAt(const DataFile& f, double time, std::int32_t strand)
 
 int setTime(DataFile& f, double time, std::int32_t strand) {
     CurrentZone& current = f.current;
-    if (current.anyWritten) return refused;
+    if (current.anyWritten) return invalidCall;
     current.zone.time = time;
     current.zone.strand = strand;
     if (f.resumed) {
@@ -182,10 +183,10 @@ int writeValues(DataFile& f, std::size_t v, std::int64_t count, const void* valu
     CurrentZone& current = f.current;
     const std::int64_t all = valueCount(current.zone, v);
     std::int64_t& written = current.written[v];
-    if (current.zone.shares[v] != unshared || written == all) return refused;
+    if (current.zone.shares[v] != unshared || written == all) return invalidCall;
     written = std::max<std::int64_t>(written, 0);
-    if (count < 0 || count > all - written) return refused;
-    summarize(f, v, count, values);
+    if (count < 0 || count > all - written) return invalidCall;
+    updateRangeAndChecksum(f, v, count, values);
     const std::int64_t each = valueBytes(current.zone.types[v]);
     const int status =
         writeData(f, f.dataEnd + current.layout.values[v] + written * each, values, count * each);
@@ -196,9 +197,9 @@ int writeValues(DataFile& f, std::size_t v, std::int64_t count, const void* valu
 int writeNodes(DataFile& f, std::int64_t count, const std::int32_t* nodes, std::int32_t firstNode) {
     CurrentZone& current = f.current;
     const std::int64_t all = nodeMapCount(current.zone);
-    if (current.zone.connectivityShare > 0 || current.nodesWritten == all) return refused;
+    if (current.zone.connectivityShare > 0 || current.nodesWritten == all) return invalidCall;
     current.nodesWritten = std::max<std::int64_t>(current.nodesWritten, 0);
-    if (count < 0 || count > all - current.nodesWritten) return refused;
+    if (count < 0 || count > all - current.nodesWritten) return invalidCall;
     // The file counts nodes from 0. A block of at most 256 KiB is still in the cache when it is
     // written.
     constexpr std::int64_t blockNodes = 65536;
@@ -219,7 +220,7 @@ int writeNodes(DataFile& f, std::int64_t count, const std::int32_t* nodes, std::
 
 int endZone(DataFile& f) {
     if (f.current.number == 0) return ok;
-    return isComplete(f.current) ? commitCurrentZone(f) : refused;
+    return isComplete(f.current) ? commitCurrentZone(f) : invalidCall;
 }
 
 } // namespace tecio

@@ -14,11 +14,10 @@ namespace {
 
 // Padding of a new file for the headers of later zones. A header has about 80 bytes, and 4 more for
 // each variable if some are of elements: 16 pages take at least 300 zones of 30 variables. More
-// padding later means a copy of all data, so large zones get more at first. 1/16 of a zone is
-// little beside its data. Each copy multiplies the padding by 4, so that the number of copies stays
-// small.
-constexpr std::int64_t leastPadding = 65536;
-constexpr std::int64_t mostPaddingAtFirst = 262144;
+// padding later means a copy of all data, so large zones get more at first: 1/16 of a zone adds
+// little to its data. Each copy multiplies the padding by 4, so that there are few copies.
+constexpr std::int64_t minimumPadding = 65536;
+constexpr std::int64_t maximumInitialPadding = 262144;
 constexpr std::int64_t zoneBytesPerPaddingByte = 16;
 constexpr std::int64_t paddingGrowth = 4;
 
@@ -43,7 +42,7 @@ int commitFile(const DataFile& f, const byte_file::File& file, Replacement& repl
     return status == ok && f.durable ? byte_file::syncFolderOf(replacement.target) : status;
 }
 
-// Writes headers or padding one page at a time; the file is valid after each.
+// Writes headers or padding one page at a time. The file is valid after each page.
 int writePages(DataFile& f, std::int64_t position, const Bytes& bytes, bool lastFirst) {
     const std::int64_t end = position + sizeOf(bytes);
     std::vector<std::int64_t> begins{position};
@@ -76,8 +75,8 @@ int copyData(const byte_file::File& from, std::int64_t fromAt, const byte_file::
 int replaceWithCopy(DataFile& f, std::int64_t padding) {
     const std::int64_t dataBytes = f.dataEnd - f.dataAt;
     const std::int64_t oldDataAt = f.dataAt;
-    const Bytes header = headerBytes(f, padding);
-    // Before the open: a failed allocation after it would lose the descriptor of the copy.
+    const Bytes header = bytesBeforeData(f, padding);
+    // Allocated before the open, because a failed allocation after it would lose the descriptor.
     std::vector<char> block(static_cast<std::size_t>(std::min(dataBytes, copyBytes)));
     byte_file::File copy;
     Replacement replacement;
@@ -99,9 +98,9 @@ int replaceWithCopy(DataFile& f, std::int64_t padding) {
     return ok;
 }
 
-// A new file is renamed to the data set when its header is complete.
+// Writes everything before the data into the new file and renames it to the data set.
 int writeNewHeader(DataFile& f, std::int64_t zoneBytes) {
-    const Bytes header = headerBytes(f, paddingAtFirst(zoneBytes));
+    const Bytes header = bytesBeforeData(f, initialPadding(zoneBytes));
     f.dataAt = f.dataEnd = sizeOf(header);
     const int status = write(f, 0, header);
     if (status == ok) return commitFile(f, f.file, f.replacement);
@@ -109,8 +108,8 @@ int writeNewHeader(DataFile& f, std::int64_t zoneBytes) {
     return status;
 }
 
-// True if all texts end at the same positions. Then any mixture of old and new pages, which a kill
-// may leave, is a valid sequence of texts.
+// True if all texts end at the same positions. Then any combination of old and new pages, which a
+// kill may leave, is a valid sequence of texts.
 bool canPatchInPlace(const Bytes& some, const Bytes& others) {
     const auto endsText = [](const Bytes& bytes, std::size_t at) {
         return bytes.compare(at, 4, "\0\0\0\0", 4) == 0;
@@ -141,8 +140,8 @@ Bytes pagesToPublish(DataFile& f) {
     return out;
 }
 
-Bytes headerBytes(DataFile& f, std::int64_t padding) {
-    Bytes out = headBytes(f.head);
+Bytes bytesBeforeData(DataFile& f, std::int64_t padding) {
+    Bytes out = fileHeaderBytes(f.fileHeader);
     f.auxAt = sizeOf(out);
     out += f.aux;
     f.zonesAt = sizeOf(out);
@@ -152,11 +151,11 @@ Bytes headerBytes(DataFile& f, std::int64_t padding) {
     return out + headersEndBytes();
 }
 
-std::int64_t paddingAtFirst(std::int64_t zoneBytes) {
-    return std::clamp(zoneBytes / zoneBytesPerPaddingByte, leastPadding, mostPaddingAtFirst);
+std::int64_t initialPadding(std::int64_t zoneBytes) {
+    return std::clamp(zoneBytes / zoneBytesPerPaddingByte, minimumPadding, maximumInitialPadding);
 }
 
-std::int64_t morePadding(const DataFile& f) {
+std::int64_t grownPadding(const DataFile& f) {
     return (f.dataAt - f.zonesAt) * paddingGrowth;
 }
 
@@ -174,7 +173,8 @@ int sidecarStatus(DataFile& f, int status) {
 }
 
 int createDataFile(DataFile& f) {
-    const int status = sidecarStatus(f, createSidecar(sidecarPath(f.path), f.head, f.sidecar));
+    const int status =
+        sidecarStatus(f, createSidecar(sidecarPath(f.path), f.fileHeader, f.sidecar));
     f.size = 0;
     return status == ok ? byte_file::openForCommit(f.path, f.file, f.replacement) : status;
 }
@@ -193,7 +193,7 @@ int flush(DataFile& f) {
         const std::int64_t at = headersEnd(f, f.headerEnds.size());
         const Bytes pages = pagesToPublish(f);
         status = fitsBeforeData(f, at, pages) ? writePages(f, at, pages, false)
-                                              : replaceWithCopy(f, morePadding(f));
+                                              : replaceWithCopy(f, grownPadding(f));
     }
     // Bytes after the data are of an interrupted run, or of a longer zone that was replaced.
     if (status == ok && f.size > f.dataEnd) {
@@ -208,8 +208,8 @@ std::int64_t headersEnd(const DataFile& f, std::size_t count) {
 }
 
 // The padding begins at the end of the last header that is kept, which may be on an earlier page
-// than the next header. The last page is written first, so that a reader finds no header without
-// those before it.
+// than the next header. The last page is written first, so that a reader does not find a header
+// after a removed one.
 int removeHeaders(DataFile& f, std::size_t count) {
     if (f.headerEnds.size() <= count) return ok;
     const std::int64_t begin = headersEnd(f, count), end = f.headerEnds.back();

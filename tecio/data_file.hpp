@@ -36,37 +36,37 @@ struct DataFile {
     bool failed = false;
     bool sidecarFailed = false; // the failure was at the sidecar
 
-    Head head;
+    FileHeader fileHeader;
     Bytes aux;                  // auxiliary records of this opening
-    bool headerWritten = false; // head and auxiliary records of this opening are in the file
+    bool headerWritten = false; // file header and auxiliary records of this opening are in the file
     bool resumed = false;       // the file has zones of an earlier opening, none of this one
     std::int32_t zonesKept = 0; // zones with the time of the first new zone that are not replaced
     Bytes auxInFile;            // auxiliary records of a resumed file
-    std::int64_t auxAt = 0;     // positions in the file: auxiliary records,
-    std::int64_t zonesAt = 0;   // first zone header,
-    std::int64_t dataAt = 0;    // data of zone 1,
-    std::int64_t dataEnd = 0;   // end of the committed data,
+    std::int64_t auxAt = 0;     // position of the auxiliary records
+    std::int64_t zonesAt = 0;   // position of the first zone header
+    std::int64_t dataAt = 0;    // position of the data of zone 1
+    std::int64_t dataEnd = 0;   // end of the committed data
     std::int64_t size = 0;      // end of the file
 
-    std::vector<Zone> zones;              // committed
-    std::vector<std::int64_t> headerEnds; // of those whose headers are in the file
-    bool headerIsIncomplete = false;      // the last of these is incomplete
+    std::vector<Zone> zones;              // committed zones
+    std::vector<std::int64_t> headerEnds; // end of each zone header in the file
+    bool headerIsIncomplete = false;      // the last of these headers is incomplete
     CurrentZone current;
 };
 
-// Name of the sidecar of a data set.
+// Returns the name of the sidecar of a data set.
 std::string sidecarPath(const std::string& path);
 
-// Notes whether an operation on the sidecar failed, and returns its status.
+// Records whether an operation on the sidecar failed, and returns its status.
 int sidecarStatus(DataFile& file, int status);
 
-// All of the following return a status.
+// The following functions return a status, unless another result is given.
 
-// Creates or replaces the data set `file.path`, with the title and variables of `file.head`.
+// Creates or replaces the data set `file.path`, with the title and variables of `file.fileHeader`.
 int createDataFile(DataFile& file);
 
-// Resumes an unfinished data set. Its sidecar must exist and list the variables of `file.head`; the
-// title on disk is kept.
+// Resumes an unfinished data set. Its sidecar must exist and list the variables of
+// `file.fileHeader`. The title on disk is kept.
 int resumeDataFile(DataFile& file);
 
 // Writes the file header and auxiliary records, with padding sized for zones of `zoneBytes`.
@@ -75,25 +75,25 @@ int writeHeader(DataFile& file, std::int64_t zoneBytes);
 // Commits the current zone, and writes the headers of all zones.
 int flush(DataFile& file);
 
-// The bytes that `writeHeader` and `flush` write, and the steps by which they decide. Nothing here
-// touches the file.
+// Steps of `writeHeader` and `flush` that do not write the file.
 
 // Returns everything before the data, with at least `padding` bytes for more headers, and sets the
 // positions.
-Bytes headerBytes(DataFile& file, std::int64_t padding);
+Bytes bytesBeforeData(DataFile& file, std::int64_t padding);
 
 // Returns the headers of the zones that have none in the file yet, for the position after the last
 // header, and sets their ends.
 Bytes pagesToPublish(DataFile& file);
 
-// Whether these headers fit at this position before the data.
+// True if these headers fit between this position and the data.
 bool fitsBeforeData(const DataFile& file, std::int64_t at, const Bytes& pages);
 
-// Bytes of padding of a new file whose first zone has `zoneBytes`, and of a copy with more padding.
-std::int64_t paddingAtFirst(std::int64_t zoneBytes);
-std::int64_t morePadding(const DataFile& file);
+// Return the bytes of padding of a new file whose first zone has `zoneBytes`, and of a copy with
+// more padding.
+std::int64_t initialPadding(std::int64_t zoneBytes);
+std::int64_t grownPadding(const DataFile& file);
 
-// End of the first `count` headers in the file.
+// Returns the end of the first `count` zone headers in the file.
 std::int64_t headersEnd(const DataFile& file, std::size_t count);
 
 // Overwrites the headers after the first `count` with padding.
@@ -105,9 +105,11 @@ int removeZones(DataFile& file, std::size_t count);
 // Flushes and ends the data set.
 int finish(DataFile& file);
 
-// Makes `zone` the current zone and returns its number. A share of a shared array is replaced by
-// the zone that has the values.
+// Makes `zone` the current zone and sets `number` to its number. A share of a shared array is
+// replaced by the zone that has the values.
 int beginZone(DataFile& file, Zone zone, std::int32_t& number);
+
+// Sets the time of the current zone, before its values.
 int setTime(DataFile& file, double time, std::int32_t strand);
 
 // Returns the number of zones with this time that a first new zone would replace; 0 if there is a
@@ -116,12 +118,12 @@ std::int32_t resumedZonesAt(const DataFile& file, double time, std::int32_t stra
 
 // Write the next values of a variable (from 0) in the type of the variable, or the next node
 // numbers, which count from `firstNode`. The call that completes the last array of the zone commits
-// it.
+// the zone.
 int writeValues(DataFile& file, std::size_t variable, std::int64_t count, const void* values);
 int writeNodes(DataFile& file, std::int64_t count, const std::int32_t* nodes,
                std::int32_t firstNode);
 
-// Commits the current zone, if there is one; returns `refused` while arrays are missing.
+// Commits the current zone, if there is one. Returns `invalidCall` if arrays are missing.
 int endZone(DataFile& file);
 
 } // namespace tecio

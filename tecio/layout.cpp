@@ -14,8 +14,9 @@ constexpr std::string_view magic = "#!TDV112";
 constexpr std::string_view paddingName = "_";
 // Marker, name and its 0, type of the value, and the 0 after the value: 5 words of 4 bytes.
 constexpr std::int64_t emptyPaddingBytes = 20;
-// With one blank: some readers lose the position of the next record after an empty value.
-constexpr std::int64_t leastPaddingBytes = emptyPaddingBytes + 4;
+// The value has at least one blank: after an empty value some readers lose the position of the next
+// record.
+constexpr std::int64_t minimumPaddingBytes = emptyPaddingBytes + 4;
 
 // By zone type.
 constexpr std::int64_t nodesPerElement[] = {0, 2, 3, 4, 4, 8};
@@ -42,7 +43,7 @@ void putAux(Bytes& out, std::string_view name, std::string_view value) {
     putText(out, value);
 }
 
-// Numbers from 1, with 0 for none, are numbers from 0 in the file, with -1 for none.
+// Writes numbers that count from 1, with 0 for none, as numbers from 0, with -1 for none.
 void putNumbers(Bytes& out, const std::vector<std::int32_t>& fromOne) {
     for (const std::int32_t number : fromOne) putInt(out, number - 1);
 }
@@ -104,7 +105,7 @@ std::int32_t greatestShare(const Zone& zone) {
 
 ZoneLayout layoutOf(const Zone& zone) {
     ZoneLayout layout;
-    layout.ranges = sizeOf(dataHeadBytes(zone));
+    layout.ranges = sizeOf(dataBeginBytes(zone));
     layout.size = layout.ranges;
     for (const std::int32_t share : zone.shares) layout.size += share > 0 ? 0 : rangeBytes;
     layout.values.assign(zone.types.size(), 0);
@@ -118,13 +119,13 @@ ZoneLayout layoutOf(const Zone& zone) {
     return layout;
 }
 
-Bytes headBytes(const Head& head) {
+Bytes fileHeaderBytes(const FileHeader& header) {
     Bytes out(magic);
     putInt(out, 1);
     putInt(out, 0);
-    putText(out, head.title);
-    putInt(out, static_cast<std::int64_t>(head.variables.size()));
-    for (const std::string& name : head.variables) putText(out, name);
+    putText(out, header.title);
+    putInt(out, static_cast<std::int64_t>(header.variables.size()));
+    for (const std::string& name : header.variables) putText(out, name);
     return out;
 }
 
@@ -165,7 +166,7 @@ Bytes zoneHeaderBytes(const Zone& zone) {
     return out;
 }
 
-Bytes dataHeadBytes(const Zone& zone) {
+Bytes dataBeginBytes(const Zone& zone) {
     Bytes out;
     put(out, zoneMarker);
     for (const std::int32_t type : zone.types) putInt(out, type);
@@ -178,7 +179,7 @@ Bytes dataHeadBytes(const Zone& zone) {
 
 Bytes paddingAt(std::int64_t at) {
     const std::int64_t left = leftOnPage(at);
-    const std::int64_t size = left < leastPaddingBytes ? left + pageBytes : left;
+    const std::int64_t size = left < minimumPaddingBytes ? left + pageBytes : left;
     return auxBytes(paddingName,
                     std::string(static_cast<std::size_t>((size - emptyPaddingBytes) / 4), ' '));
 }
@@ -195,7 +196,7 @@ std::int64_t leftOnPage(std::int64_t at) {
 
 void addHeader(Bytes& out, std::int64_t at, const Bytes& header) {
     const std::int64_t left = leftOnPage(at + sizeOf(out)) - sizeOf(header);
-    if (left != 0 && left < leastPaddingBytes) padPage(out, at);
+    if (left != 0 && left < minimumPaddingBytes) padPage(out, at);
     out += header;
 }
 
@@ -207,9 +208,10 @@ void padPage(Bytes& out, std::int64_t at) {
     if ((at + sizeOf(out)) % pageBytes != 0) out += paddingAt(at + sizeOf(out));
 }
 
-// A long header begins a page. The padding after it has 0 or at least `leastPaddingBytes` bytes.
+// A long header begins at a page. The padding after it has 0 or at least `minimumPaddingBytes`
+// bytes.
 std::int64_t pagesOf(const Bytes& header) {
-    return (sizeOf(header) + leastPaddingBytes - 1) / pageBytes + 1;
+    return (sizeOf(header) + minimumPaddingBytes - 1) / pageBytes + 1;
 }
 
 std::int32_t readInt(Reader& reader) {
@@ -234,16 +236,16 @@ std::string readText(Reader& reader) {
     }
 }
 
-Head readHead(Reader& reader) {
-    Head head;
+FileHeader readFileHeader(Reader& reader) {
+    FileHeader header;
     expect(reader, reader.bytes.substr(reader.position).starts_with(magic));
     reader.position += reader.good ? magic.size() : 0;
     expect(reader, readInt(reader) == 1 && readInt(reader) == 0);
-    head.title = readText(reader);
+    header.title = readText(reader);
     const std::int32_t count = readInt(reader);
     for (std::int32_t v = 0; reader.good && v < count; ++v)
-        head.variables.push_back(readText(reader));
-    return head;
+        header.variables.push_back(readText(reader));
+    return header;
 }
 
 Zone readZone(Reader& reader, std::size_t variables) {

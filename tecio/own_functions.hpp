@@ -4,17 +4,17 @@
 #include <string>
 #include <vector>
 
-// What this project's writer library has beside the functions of tecio.h. Another library with
-// those functions lacks these, so callers test MESHRAKE_OWN_TECIO first.
+// Functions of this project's writer library that are not in tecio.h. Another library with the
+// functions of tecio.h does not have them, so callers test MESHRAKE_OWN_TECIO first.
 namespace tecio {
 
-// Sets whether data sets that are opened from now on are durable, that is, survive a power cut. A
-// zone of a durable data set is on the disk when the call that completes it returns, its header
-// when a flush returns. An open compares the data of the last zone with their checksum; it returns
-// status 6 for an unfinished data set that was not durable.
+// Sets whether data sets that are opened after the call are durable: complete zones survive a power
+// cut. A zone of a durable data set is on the disk when the call that completes it returns. Its
+// header is on the disk when a flush returns. An open compares the data of the last zone with their
+// checksum. It returns status 6 for an unfinished data set that was not durable.
 void setDurable(bool durable);
 
-// Whether the last call of tecio.h that failed with a status of the I/O layer failed at the
+// Returns whether the last call of tecio.h that failed with a status of the I/O layer failed at the
 // sidecar, not at the data set itself.
 bool sidecarFailed();
 
@@ -30,7 +30,7 @@ void keepZones(void* fileHandle, std::int32_t count);
 // defaults of all settings.
 void reset();
 
-// What the size of a data set depends on.
+// A data set without the values of its arrays. Its size depends on these parts only.
 struct DataSetParts {
     struct Value {
         std::int32_t variable = 0; // from 1; 0: a value of the data set
@@ -44,14 +44,14 @@ struct DataSetParts {
         std::vector<bool> ofElements;    // by variable: it has a value for each element
         std::vector<bool> shared;        // by variable: the zone shares its values
         bool sharesNodeLists = false;
-        bool isFlushed = false; // a flush follows
+        bool isFlushed = false; // a flush follows the zone
     };
     std::string title, variableList; // names separated by commas
     std::vector<Value> values;
     std::vector<Zone> zones;
 };
 
-// Returns the size in bytes of the finished data set, and that of the data of its zones alone.
+// Return the size in bytes of the finished data set, and of the data of its zones alone.
 std::int64_t dataSetBytes(const DataSetParts& parts);
 std::int64_t zoneBytes(const DataSetParts& parts);
 

@@ -34,8 +34,8 @@ bool findAuxEnd(const DataFile& f, std::string_view bytes, std::int64_t& end) {
 
 // Checks that the file has the headers of the first zones and then padding, and finds the beginning
 // of the data. A run that was killed while it wrote or removed a header of several pages left pages
-// that are neither. They count as one incomplete header, of at most as many pages as the longest
-// header.
+// that are neither. They count as one incomplete header, which has at most as many pages as the
+// longest header.
 bool compareHeaders(DataFile& f, std::string_view bytes) {
     f.headerEnds.clear();
     f.headerIsIncomplete = false;
@@ -64,21 +64,23 @@ bool compareHeaders(DataFile& f, std::string_view bytes) {
     }
 }
 
-// Reads and checks everything before the data, which has at most `most` bytes. Its length is known
-// only after it was parsed, so more bytes are read until it is complete.
-int checkHeader(DataFile& f, std::int64_t most) {
-    const Bytes head = headBytes(f.head);
-    f.auxAt = sizeOf(head);
+// Reads and checks everything before the data, at most `maximumBytes` bytes. Its length is known
+// only after it is parsed, so more bytes are read until it is complete.
+int checkHeader(DataFile& f, std::int64_t maximumBytes) {
+    const Bytes header = fileHeaderBytes(f.fileHeader);
+    f.auxAt = sizeOf(header);
     Bytes bytes;
     for (std::int64_t size = 1048576;; size *= 4) {
-        bytes.resize(static_cast<std::size_t>(std::max<std::int64_t>(std::min(size, most), 0)));
+        bytes.resize(
+            static_cast<std::size_t>(std::max<std::int64_t>(std::min(size, maximumBytes), 0)));
         const int status = byte_file::readAt(f.file, 0, bytes.data(), sizeOf(bytes));
         if (status != ok) return status;
-        if (bytes.starts_with(head) && findAuxEnd(f, bytes, f.zonesAt) && compareHeaders(f, bytes))
+        if (bytes.starts_with(header) && findAuxEnd(f, bytes, f.zonesAt) &&
+            compareHeaders(f, bytes))
             break;
-        if (size >= most) return damagedData;
+        if (size >= maximumBytes) return damagedDataSet;
     }
-    f.auxInFile = bytes.substr(head.size(), static_cast<std::size_t>(f.zonesAt - f.auxAt));
+    f.auxInFile = bytes.substr(header.size(), static_cast<std::size_t>(f.zonesAt - f.auxAt));
     return ok;
 }
 
@@ -86,19 +88,19 @@ int checkHeader(DataFile& f, std::int64_t most) {
 int checkData(DataFile& f) {
     f.dataEnd = f.dataAt;
     for (const Zone& zone : f.zones) {
-        const Bytes expected = dataHeadBytes(zone);
+        const Bytes expected = dataBeginBytes(zone);
         Bytes found(expected.size(), 0);
         const int status = byte_file::readAt(f.file, f.dataEnd, found.data(), sizeOf(found));
         if (status != ok) return status;
-        if (found != expected) return damagedData;
+        if (found != expected) return damagedDataSet;
         f.dataEnd += layoutOf(zone).size;
     }
-    return f.dataEnd <= f.size ? ok : damagedData;
+    return f.dataEnd <= f.size ? ok : damagedDataSet;
 }
 
 // Compares the data of the last zone with their checksum in the sidecar. In a durable data set
-// every zone was synced before its entry in the sidecar, so only the last one can have been lost
-// unnoticed.
+// every zone was synced before its entry in the sidecar, so only data of the last zone can have
+// been lost without a sign in the files.
 int checkLastZone(const DataFile& f, std::uint64_t checksum) {
     if (checksum == 0) return f.durable ? notDurable : ok;
     const Zone& zone = f.zones.back();
@@ -126,38 +128,38 @@ int checkLastZone(const DataFile& f, std::uint64_t checksum) {
     Bytes begin(static_cast<std::size_t>(arraysAt), '\0');
     if (status == ok) status = byte_file::readAt(f.file, zoneAt, begin.data(), arraysAt);
     if (status != ok) return status;
-    return zoneChecksum(begin, arrays) == checksum ? ok : damagedData;
+    return zoneChecksum(begin, arrays) == checksum ? ok : damagedDataSet;
 }
 
-// The sidecar lists no zones. A data set without zones is replaced, since nothing is lost. One with
-// zones does not belong to the sidecar: the run that created the sidecar was killed before it
-// replaced the data set.
-int recreate(DataFile& f, bool anyVariables) {
+// Handles a sidecar that lists no zones. A data set without zones is replaced, since nothing is
+// lost. A data set with zones does not belong to the sidecar: the run that created the sidecar was
+// killed before it replaced the data set.
+int recreate(DataFile& f, bool acceptsAnyVariables) {
     Bytes bytes(static_cast<std::size_t>(std::min(f.size, readBytes)), 0);
     int status = byte_file::readAt(f.file, 0, bytes.data(), sizeOf(bytes));
     if (status != ok) return status;
     Reader reader{bytes};
-    Head expected = std::exchange(f.head, readHead(reader));
-    if (!reader.good) return damagedData;
+    FileHeader expected = std::exchange(f.fileHeader, readFileHeader(reader));
+    if (!reader.good) return damagedDataSet;
     status = checkHeader(f, sizeOf(bytes));
-    f.head = std::move(expected);
-    if (status != ok) return status == damagedData ? damagedSidecar : status;
-    return anyVariables ? refused : createDataFile(f);
+    f.fileHeader = std::move(expected);
+    if (status != ok) return status == damagedDataSet ? damagedSidecar : status;
+    return acceptsAnyVariables ? invalidCall : createDataFile(f);
 }
 
 } // namespace
 
 int resumeDataFile(DataFile& f) {
-    Head onDisk;
+    FileHeader onDisk;
     std::uint64_t checksum = 0;
     int status =
         sidecarStatus(f, openSidecar(sidecarPath(f.path), f.sidecar, onDisk, f.zones, checksum));
     if (status == ok) status = byte_file::open(f.path, OpenMode::update, f.file, f.size);
     if (status != ok) return status;
-    const bool anyVariables = f.head.variables == std::vector<std::string>{""};
-    if (f.zones.empty()) return recreate(f, anyVariables);
-    if (!anyVariables && f.head.variables != onDisk.variables) return otherVariables;
-    f.head = onDisk;
+    const bool acceptsAnyVariables = f.fileHeader.variables == std::vector<std::string>{""};
+    if (f.zones.empty()) return recreate(f, acceptsAnyVariables);
+    if (!acceptsAnyVariables && f.fileHeader.variables != onDisk.variables) return otherVariables;
+    f.fileHeader = onDisk;
     std::int64_t dataBytes = 0;
     for (const Zone& zone : f.zones) dataBytes += layoutOf(zone).size;
     status = checkHeader(f, f.size - dataBytes);

@@ -20,8 +20,8 @@ constexpr Checkpoint emptyContents{contentsAt, 14695981039346656037U}; // offset
 
 static_assert(sizeof(Checkpoint) == contentsAt - checkpointAt);
 
-// Extends a checkpoint by further bytes. The 64-bit FNV-1a hash needs only the hash of the bytes
-// before, so that a commit does not read the sidecar. The factor is the FNV prime.
+// Returns a checkpoint that also includes these bytes. The 64-bit FNV-1a hash needs only the hash
+// of the bytes before them, so a commit does not read the sidecar. The factor is the FNV prime.
 Checkpoint extended(Checkpoint checkpoint, std::string_view bytes) {
     checkpoint.size += static_cast<std::int64_t>(bytes.size());
     for (const char c : bytes) {
@@ -40,7 +40,7 @@ int writeCheckpoint(const Sidecar& sidecar) {
     return writeDurably(sidecar, checkpointAt, &sidecar.checkpoints.back(), sizeof(Checkpoint));
 }
 
-// Reads the valid contents; returns `damagedSidecar` if the hash differs.
+// Reads the valid contents. Returns `damagedSidecar` if their hash differs.
 int readContents(const byte_file::File& file, std::int64_t size, Bytes& contents) {
     char begin[contentsAt];
     Checkpoint checkpoint;
@@ -58,8 +58,8 @@ int readContents(const byte_file::File& file, std::int64_t size, Bytes& contents
 
 } // namespace
 
-int createSidecar(const std::string& path, const Head& head, Sidecar& sidecar) {
-    const Bytes contents = headBytes(head);
+int createSidecar(const std::string& path, const FileHeader& header, Sidecar& sidecar) {
+    const Bytes contents = fileHeaderBytes(header);
     sidecar.checkpoints = {extended(emptyContents, contents)};
     Bytes all(magic);
     all.append(reinterpret_cast<const char*>(&sidecar.checkpoints.back()), sizeof(Checkpoint));
@@ -75,8 +75,8 @@ int createSidecar(const std::string& path, const Head& head, Sidecar& sidecar) {
     return syncs ? byte_file::syncFolderOf(replacement.target) : status;
 }
 
-int openSidecar(const std::string& path, Sidecar& sidecar, Head& head, std::vector<Zone>& zones,
-                std::uint64_t& checksum) {
+int openSidecar(const std::string& path, Sidecar& sidecar, FileHeader& header,
+                std::vector<Zone>& zones, std::uint64_t& checksum) {
     std::int64_t size = 0;
     int status = byte_file::open(path, OpenMode::update, sidecar.file, size);
     if (status != ok) return status;
@@ -84,13 +84,13 @@ int openSidecar(const std::string& path, Sidecar& sidecar, Head& head, std::vect
     status = readContents(sidecar.file, size, contents);
     if (status != ok) return status;
     Reader reader{contents};
-    head = readHead(reader);
+    header = readFileHeader(reader);
     sidecar.checkpoints = {extended(emptyContents, reader.bytes.substr(0, reader.position))};
     while (reader.good && reader.position < contents.size()) {
         const std::size_t begin = reader.position;
-        zones.push_back(readZone(reader, head.variables.size()));
+        zones.push_back(readZone(reader, header.variables.size()));
         checksum = readWord(reader);
-        // A zone shares only arrays of earlier ones.
+        // A zone shares only arrays of earlier zones.
         const auto number = static_cast<std::int64_t>(zones.size());
         reader.good = reader.good && greatestShare(zones.back()) < number;
         const std::string_view bytes = reader.bytes.substr(begin, reader.position - begin);
@@ -100,7 +100,7 @@ int openSidecar(const std::string& path, Sidecar& sidecar, Head& head, std::vect
 }
 
 int commitZone(Sidecar& sidecar, const Zone& zone, std::uint64_t checksum) {
-    Bytes bytes = zoneHeaderBytes(zone) + dataHeadBytes(zone);
+    Bytes bytes = zoneHeaderBytes(zone) + dataBeginBytes(zone);
     bytes.append(reinterpret_cast<const char*>(&checksum), sizeof checksum);
     const Checkpoint& checkpoint = sidecar.checkpoints.back();
     const int status = writeDurably(sidecar, checkpoint.size, bytes.data(), sizeOf(bytes));

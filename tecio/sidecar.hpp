@@ -13,9 +13,9 @@
 //     0   8 bytes  "#!TVNSH2"
 //     8   int64    size of the valid contents, from byte 0
 //    16   uint64   FNV-1a hash of the valid contents from byte 24
-//    24            head of the data set; then for each zone its header, the beginning of its data
-//                  (`dataHeadBytes`) and a uint64: the checksum of its data, or 0 if the data set
-//                  is not durable
+//    24            file header of the data set; then for each zone its header, the beginning of its
+//                  data (`dataBeginBytes`) and a uint64: the checksum of its data, or 0 if the data
+//                  set is not durable
 //
 // Bytes 8 to 23 are a checkpoint. They change in one write after that of the zone's entry, so a
 // zone is either committed or not. In a durable data set each of the two writes is synced.
@@ -29,17 +29,17 @@ struct Checkpoint {
 struct Sidecar {
     byte_file::File file;
     bool durable = false;
-    std::vector<Checkpoint> checkpoints; // of the head alone, then after each zone
+    std::vector<Checkpoint> checkpoints; // without zones, then after each zone
 };
 
 // All functions return a status.
 
-// Creates a sidecar without zones; an existing file is replaced by a rename.
-int createSidecar(const std::string& path, const Head& head, Sidecar& sidecar);
+// Creates a sidecar without zones. An existing file is replaced by a rename.
+int createSidecar(const std::string& path, const FileHeader& header, Sidecar& sidecar);
 
 // Reads the committed zones and the checksum of the last one.
-int openSidecar(const std::string& path, Sidecar& sidecar, Head& head, std::vector<Zone>& zones,
-                std::uint64_t& checksum);
+int openSidecar(const std::string& path, Sidecar& sidecar, FileHeader& header,
+                std::vector<Zone>& zones, std::uint64_t& checksum);
 
 // Adds a zone, whose data must be in the data set.
 int commitZone(Sidecar& sidecar, const Zone& zone, std::uint64_t checksum);

@@ -11,12 +11,12 @@
 #include <new>
 
 using tecio::DataFile;
-using tecio::refused;
+using tecio::invalidCall;
 
 namespace {
 
 struct State {
-    // One that is still open is discarded when its name is opened again.
+    // Open data sets. One is discarded when its name is opened again.
     std::vector<std::unique_ptr<DataFile>> open;
     bool durable = false;       // for data sets opened later
     bool sidecarFailed = false; // in the last call that failed
@@ -31,9 +31,9 @@ void closeAndDiscard(DataFile& file) {
 
 void closeAndDiscard(const std::string& path) {
     std::erase_if(state.open, [&](const std::unique_ptr<DataFile>& file) {
-        const bool isMeant = file->path == path;
-        if (isMeant) closeAndDiscard(*file);
-        return isMeant;
+        const bool matches = file->path == path;
+        if (matches) closeAndDiscard(*file);
+        return matches;
     });
 }
 
@@ -48,7 +48,7 @@ DataFile* find(const void* handle) {
 template<class Step>
 int32_t runStep(void* handle, Step step) {
     DataFile* file = find(handle);
-    if (!file || file->failed) return refused;
+    if (!file || file->failed) return invalidCall;
     int status = io_layer::outOfMemory;
     try {
         status = step(*file);
@@ -63,7 +63,7 @@ template<class Step>
 int32_t runZoneStep(void* handle, int32_t zone, int32_t partition, Step step) {
     return runStep(handle, [&](DataFile& file) {
         const bool current = zone > 0 && zone == file.current.number && partition == 0;
-        return current ? step(file) : refused;
+        return current ? step(file) : invalidCall;
     });
 }
 
@@ -78,7 +78,7 @@ std::vector<std::string> splitAtCommas(std::string_view list) {
 }
 
 int openDataSet(DataFile& file, const char* title, const char* variableList) {
-    file.head = {title, splitAtCommas(variableList)};
+    file.fileHeader = {title, splitAtCommas(variableList)};
     bool sidecarFound = false, found = false;
     int status =
         tecio::sidecarStatus(file, io_layer::exists(tecio::sidecarPath(file.path), sidecarFound));
@@ -89,7 +89,7 @@ int openDataSet(DataFile& file, const char* title, const char* variableList) {
 
 template<class Record>
 int addAux(DataFile& file, const char* value, Record record) {
-    if (file.headerWritten) return refused;
+    if (file.headerWritten) return invalidCall;
     const std::string_view text = value;
     if (text.find_first_not_of(' ') != std::string_view::npos) file.aux += record(text);
     return io_layer::ok;
@@ -105,9 +105,9 @@ int32_t writeValues(void* handle, int32_t zone, int32_t var, int32_t partition, 
                     const T* values, std::int32_t type) {
     return runZoneStep(handle, zone, partition, [&](DataFile& file) -> int {
         const std::vector<std::int32_t>& types = file.current.zone.types;
-        if (var < 1 || var > static_cast<std::int32_t>(types.size())) return refused;
+        if (var < 1 || var > static_cast<std::int32_t>(types.size())) return invalidCall;
         const auto v = static_cast<std::size_t>(var - 1);
-        if (types[v] != type) return refused;
+        if (types[v] != type) return invalidCall;
         return tecio::writeValues(file, v, count, values);
     });
 }
@@ -116,7 +116,7 @@ int32_t writeValues(void* handle, int32_t zone, int32_t var, int32_t partition, 
 
 namespace {
 
-// Types of zones with node lists of this length; a zone without a type has none.
+// Returns a type of zones with node lists of this length. A zone of type 0 has no node lists.
 std::int32_t zoneType(int nodesPerElement) {
     constexpr std::int32_t none = 0, lines = 1, quadrilaterals = 3, bricks = 5;
     return nodesPerElement == 2   ? lines
@@ -143,7 +143,7 @@ void layOutHeaders(DataFile& file) {
     const std::int64_t at = tecio::headersEnd(file, file.headerEnds.size());
     const tecio::Bytes pages = tecio::pagesToPublish(file);
     if (tecio::fitsBeforeData(file, at, pages)) return;
-    file.dataAt = tecio::sizeOf(tecio::headerBytes(file, tecio::morePadding(file)));
+    file.dataAt = tecio::sizeOf(tecio::bytesBeforeData(file, tecio::grownPadding(file)));
 }
 
 } // namespace
@@ -156,7 +156,7 @@ std::int64_t tecio::zoneBytes(const DataSetParts& parts) {
 
 std::int64_t tecio::dataSetBytes(const DataSetParts& parts) {
     DataFile file;
-    file.head = {parts.title, splitAtCommas(parts.variableList)};
+    file.fileHeader = {parts.title, splitAtCommas(parts.variableList)};
     for (const auto& [variable, name, value] : parts.values) {
         if (value.find_first_not_of(' ') == std::string::npos) continue;
         file.aux += variable > 0 ? variableAuxBytes(variable, name, value) : auxBytes(name, value);
@@ -164,9 +164,9 @@ std::int64_t tecio::dataSetBytes(const DataSetParts& parts) {
     for (const DataSetParts::Zone& zone : parts.zones) {
         file.zones.push_back(zoneOf(zone));
         if (file.zones.size() == 1) {
-            const std::int64_t padding = paddingAtFirst(layoutOf(file.zones.front()).size);
-            file.zones.clear(); // the header of a new file has none yet
-            file.dataAt = sizeOf(headerBytes(file, padding));
+            const std::int64_t padding = initialPadding(layoutOf(file.zones.front()).size);
+            file.zones.clear(); // the header of a new file has no zones
+            file.dataAt = sizeOf(bytesBeforeData(file, padding));
             file.zones.push_back(zoneOf(zone));
         }
         if (zone.isFlushed) layOutHeaders(file);
@@ -202,7 +202,7 @@ int32_t tecFileWriterOpen(const char* fileName, const char* dataSetTitle, const 
                           void** fileHandle) {
     *fileHandle = nullptr;
     state.sidecarFailed = false;
-    if (fileFormat != 1 || fileType != 0 || gridFileHandle) return refused;
+    if (fileFormat != 1 || fileType != 0 || gridFileHandle) return invalidCall;
     int status = io_layer::outOfMemory;
     std::string path;
     try {
@@ -241,7 +241,8 @@ int32_t tecDataSetAddAuxData(void* fileHandle, const char* name, const char* val
 
 int32_t tecVarAddAuxData(void* fileHandle, int32_t var, const char* name, const char* value) {
     return runStep(fileHandle, [&](DataFile& file) {
-        if (var < 1 || var > static_cast<std::int32_t>(file.head.variables.size())) return refused;
+        if (var < 1 || var > static_cast<std::int32_t>(file.fileHeader.variables.size()))
+            return invalidCall;
         return addAux(file, value, [&](std::string_view text) {
             return tecio::variableAuxBytes(var, name, text);
         });
@@ -255,12 +256,12 @@ int32_t tecZoneCreateFE(void* fileHandle, const char* zoneTitle, int32_t zoneTyp
                         int64_t numFaceConnections, int32_t, int32_t* zone) {
     return runStep(fileHandle, [&](DataFile& file) -> int {
         const auto listOf = [&](const int32_t* first) {
-            return std::vector<std::int32_t>(first, first + file.head.variables.size());
+            return std::vector<std::int32_t>(first, first + file.fileHeader.variables.size());
         };
         constexpr std::int64_t greatest = 2147483647;
-        if (zoneType < 0 || zoneType > 5 || numFaceConnections != 0) return refused;
+        if (zoneType < 0 || zoneType > 5 || numFaceConnections != 0) return invalidCall;
         if (numNodes < 0 || numNodes > greatest || numElements < 0 || numElements > greatest)
-            return refused;
+            return invalidCall;
         tecio::Zone created;
         created.title = zoneTitle;
         created.type = zoneType;
@@ -272,7 +273,7 @@ int32_t tecZoneCreateFE(void* fileHandle, const char* zoneTitle, int32_t zoneTyp
         created.connectivityShare = connectivityShareZone;
         const bool fits = allIn(created.types, 1, 3) && allIn(created.locations, 0, 1) &&
                           allIn(listOf(passiveVarList), 0, 0);
-        return fits ? tecio::beginZone(file, std::move(created), *zone) : refused;
+        return fits ? tecio::beginZone(file, std::move(created), *zone) : invalidCall;
     });
 }
 
@@ -281,7 +282,7 @@ int32_t tecZoneSetUnsteadyOptions(void* fileHandle, int32_t zone, double solutio
     return runZoneStep(fileHandle, zone, 0, [&](DataFile& file) {
         return std::isfinite(solutionTime) && strand >= 0
                    ? tecio::setTime(file, solutionTime, strand)
-                   : refused;
+                   : invalidCall;
     });
 }
 

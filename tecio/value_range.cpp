@@ -7,8 +7,9 @@ namespace tecio {
 
 namespace {
 
-// With independent lanes the compiler compares several values in one instruction; 32 are too many
-// for it to unroll the inner loop instead. A comparison with NaN is false and changes nothing.
+// With independent lanes the compiler compares several values in one instruction. With as many as
+// 32 lanes it does not unroll the inner loop instead. A comparison with NaN is false and changes
+// nothing. The sum with 0.0 makes a zero positive.
 template<class T>
 Range range(const T* values, std::int64_t count) {
     constexpr std::int64_t lanes = 32;

@@ -6,12 +6,12 @@
 namespace tecio {
 
 // Least and greatest value, NaN excluded. Without any value the least is above the greatest. A zero
-// has no sign, so that the order of the comparisons does not show.
+// is positive, so that the result does not depend on the order of the comparisons.
 struct Range {
     double least, greatest;
 };
 
-// The range of no values.
+// Least and greatest value of an empty range: the first comparison with a value replaces both.
 template<class T>
 inline constexpr T greatestOf = std::numeric_limits<T>::has_infinity
                                     ? std::numeric_limits<T>::infinity()
@@ -24,6 +24,7 @@ inline constexpr T leastOf = std::numeric_limits<T>::has_infinity
 // Returns the range of an array of this type: 1 float, 2 double, 3 int32_t.
 Range rangeOf(std::int32_t type, const void* values, std::int64_t count);
 
+// Extends a range so that it contains `by`.
 void extend(Range& range, const Range& by);
 
 } // namespace tecio

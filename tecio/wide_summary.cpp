@@ -22,7 +22,7 @@ struct Wide {
 constexpr std::size_t halfBlock = Checksum::blockBytes / 2;
 constexpr std::size_t registers = halfBlock / sizeof(Words);
 
-// Loads each block once and keeps least values, greatest values and lanes in four registers each.
+// Loads each block once and has the least values, greatest values and lanes in four registers each.
 // checksum.cpp explains the maps of the lanes. A comparison with NaN is false and changes nothing.
 template<class T, bool withChecksum>
 [[gnu::target("avx2")]] void summarizeBlocks(std::int32_t type, const char* block, const char* end,

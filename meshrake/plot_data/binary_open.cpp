@@ -65,7 +65,7 @@ void checkNames(const Domain& domain) {
 } // namespace
 
 std::int32_t ownStatus(std::int32_t status) {
-    return MESHRAKE_OWN_TECIO || status == 0 ? status : invalidArguments;
+    return MESHRAKE_OWN_TECIO || status == 0 ? status : invalidCall;
 }
 
 std::string failedFile(const std::string& path) {
@@ -96,7 +96,7 @@ void publishZonesOfEarlierRun(const Domain& domain) {
     if constexpr (MESHRAKE_OWN_TECIO) tecio::setDurable(true);
     const std::int32_t status = tecFileWriterOpen(name.c_str(), "", "", 1, 0, 0, nullptr, &handle);
     // Without a variable list the library refuses a data set that has no zones.
-    if (status == invalidArguments) return;
+    if (status == invalidCall) return;
     error::checkFileOpen(status, openFailure(status, path));
     const std::int32_t flushed = tecFileWriterFlush(handle, 0, nullptr);
     error::checkFileWrite(flushed, failedFile(path));

@@ -12,7 +12,7 @@ namespace plot_data::binary {
 
 // Statuses of this project's writer library that are not those of the I/O layer, as in tecio.h.
 enum LibraryStatus : std::int32_t {
-    invalidArguments = 1,
+    invalidCall = 1,
     damagedDataSet = 2,
     damagedSidecar = 3,
     otherVariables = 4,

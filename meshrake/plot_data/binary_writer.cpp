@@ -30,7 +30,7 @@ constexpr std::size_t unitLimit = 50;
 
 // Returns the reason of a failed call, as a text before the name of the file.
 std::string_view reasonOf(std::int32_t status) {
-    if (MESHRAKE_OWN_TECIO && status == binary::invalidArguments)
+    if (MESHRAKE_OWN_TECIO && status == binary::invalidCall)
         return "Arrays of a zone do not fit its variables, nodes and elements: ";
     if (binary::ownStatus(status) == binary::otherMesh)
         return "Its plot file has zones with other nodes or elements: ";
@@ -153,7 +153,7 @@ void checkWritten(std::int32_t status, std::int32_t varNumber, Domain& domain) {
 void checkCount(std::int32_t varNumber, std::int64_t written, Domain& domain) {
     const bool nodal = domain.dataSet.varLocation[static_cast<std::size_t>(varNumber - 1)] == 1;
     const std::int64_t expected = nodal ? domain.nnTruncated : domain.neTruncated;
-    checkWritten(written == expected ? 0 : binary::invalidArguments, varNumber, domain);
+    checkWritten(written == expected ? 0 : binary::invalidCall, varNumber, domain);
 }
 
 template<class T>
