@@ -6,8 +6,10 @@ namespace commands {
 
 namespace {
 
-constexpr std::array<Command, 1> table{{
+constexpr std::array<Command, 2> table{{
     {"print", "Print a binary data set as text", addPrint},
+    {"xdmf", "Write an index of binary data sets, with which a viewer shows all output times",
+     addXdmf},
 }};
 
 } // namespace

@@ -25,5 +25,6 @@ std::span<const Command> all();
 
 // One for each row of the table, in a source of the same name.
 Run addPrint(CLI::App& app);
+Run addXdmf(CLI::App& app);
 
 } // namespace commands

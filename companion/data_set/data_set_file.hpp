@@ -77,6 +77,9 @@ double readValue(const File& file, const Zone& zone, std::size_t variable, std::
 // Reads the node lists: elements by corners, node numbers from 1, also if the zone shares them.
 std::vector<std::int32_t> readElementNodes(const File& file, const Zone& zone);
 
+// Fails for a node list with a node that is not in its zone. Lists that zones share are read once.
+void checkElementNodes(const File& file, const DataSet& set);
+
 // Reads all values of a variable that the zone does not share, and compares them with the least and
 // greatest value in the file.
 std::vector<double> readCheckedValues(const File& file, const Zone& zone, std::size_t variable);

@@ -91,6 +91,14 @@ int reserveSpace(int descriptor, std::int64_t position, std::int64_t size) {
     return missing ? 0 : result;
 }
 
+int realPathOf(const char* path, std::string& real) {
+    char* found = ::realpath(path, nullptr);
+    if (!found) return -1;
+    real = found;
+    std::free(found);
+    return 0;
+}
+
 int setPermissionsOf(int descriptor, unsigned permissions) {
     return ::fchmod(descriptor, permissions);
 }
@@ -119,10 +127,10 @@ void* allocate(std::size_t size) {
 
 namespace {
 
-constexpr Table realCalls{openFile,         ::read,         ::write,    seekFile, ::close,
-                          fileInfo,         existsFile,     readAt,     writeAt,  truncateFile,
-                          reserveSpace,     ::fdatasync,    lockFile,   ::rename, ::unlink,
-                          setPermissionsOf, fileInfoOfName, ::readlink, allocate};
+constexpr Table realCalls{openFile,         ::read,         ::write,    seekFile,   ::close,
+                          fileInfo,         existsFile,     readAt,     writeAt,    truncateFile,
+                          reserveSpace,     ::fdatasync,    lockFile,   ::rename,   ::unlink,
+                          setPermissionsOf, fileInfoOfName, ::readlink, realPathOf, allocate};
 
 constexpr std::size_t stackBytes = 262144; // more than any run uses
 

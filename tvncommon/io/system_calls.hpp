@@ -54,6 +54,8 @@ struct Table {
     int (*fileInfoOfName)(const char* path, FileInfo& info);
     // Reads the target of a link, without a NUL; EINVAL for a name that is no link.
     std::ptrdiff_t (*readLink)(const char* path, char* into, std::size_t size);
+    // Sets `real` to the absolute name of an existing file, without links.
+    int (*realPath)(const char* path, std::string& real);
     // Returns memory for `operator new` of a program that links operator_new.cpp, null for a
     // failure. `std::free` frees it. Blocks of `largePage` bytes and more begin at a large page. A
     // test that replaces this entry also counts its own allocations, unless it disables the count.
