@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installs the packages that a build needs and that are missing, or says what to install.
 #
-#   tools/install_packages.sh [tool] [tests] [bench] [fuzz] [valgrind]
+#   tools/install_packages.sh [tool] [tests] [bench] [fuzz] [valgrind] [paraview]
 #
 # Changes nothing if all packages are installed. It installs as root, or with a sudo that asks for
 # no password; otherwise it ends with status 1.
@@ -40,6 +40,7 @@ missing_packages() {
                 echo "libclang-rt-$(clang++ -dumpversion | cut -d. -f1)-dev"
             fi
             ;;
+        paraview) has_command pvbatch || echo paraview ;;
         valgrind) has_command valgrind || echo valgrind ;;
         *)
             echo "install_packages.sh: no group of packages \"$group\"" >&2
