@@ -26,15 +26,15 @@ TEST(LocateInMesh, ElementsAndHeadsOfAProblem) {
     EXPECT_NE(get("errors").find("Failed to open file: to.head_pm.0002"), Bytes::npos);
 }
 
-// By rounding a place on an edge can lie in the element and in neither of its triangles.
-TEST(LocateInMesh, TellsWhatTheInterpolationCannotDo) {
+// Because of rounding a point on an edge can be in the element and in neither of its triangles.
+TEST(LocateInMesh, ReportsPointsWithoutInterpolation) {
     const Folder folder;
     Problem problem = brickProblem({.nx = 1, .ny = 1, .layers = 1});
-    Reals places;
+    Reals coordinates;
     for (const double z : {0, 1})
         for (const double y : {0.0, 1.7})
-            for (const double x : {0.0, 0.1}) places.insert(places.end(), {x, y, z});
-    problem["to.coordinates_pm"] = integerRecord({8}) + realRecord(places);
+            for (const double x : {0.0, 0.1}) coordinates.insert(coordinates.end(), {x, y, z});
+    problem["to.coordinates_pm"] = integerRecord({8}) + realRecord(coordinates);
     write(problem);
     put("points", "0.1 0.17 0.5\n0.1 0.17 0\n0.05 0.17 0.5\n");
     const std::string program = LOCATE_IN_MESH_PROGRAM;

@@ -1,5 +1,4 @@
-# Installs the library into an empty folder and builds the example against it as another program
-# would.
+# Installs the library into an empty folder and builds the example with it like another program.
 cmake_minimum_required(VERSION 3.20)
 
 function(must)
@@ -19,5 +18,5 @@ must(${CMAKE_COMMAND} -S ${CMAKE_CURRENT_LIST_DIR} -B ${FOLDER}/build
 must(${CMAKE_COMMAND} --build ${FOLDER}/build)
 execute_process(COMMAND ${FOLDER}/build/locate_in_mesh ERROR_VARIABLE out)
 if(NOT out MATCHES "^usage: locate_in_mesh PREFIX INDEX")
-  message(FATAL_ERROR "The example said: ${out}")
+  message(FATAL_ERROR "The example wrote: ${out}")
 endif()

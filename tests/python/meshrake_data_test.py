@@ -1,4 +1,4 @@
-"""Tests of meshrake_data: data sets of all domains, text and binary, truncated, cut and damaged.
+"""Tests meshrake_data with data sets of all domains, text and binary, truncated, cut and damaged.
 
     meshrake_data_test.py MODULE_FOLDER MESHRAKE MAKE_PROBLEM
 """
@@ -42,7 +42,7 @@ class BothForms(unittest.TestCase):
         shutil.rmtree(cls.folder)
 
     def run_program(self, name, control):
-        """A folder with the plot files of a run with this control text."""
+        """Returns a folder with the plot files of a run with this control text."""
         folder = self.folder / name
         shutil.copytree(self.folder / "problem", folder)
         (folder / "t.plot.control").write_text(control)
@@ -67,8 +67,8 @@ class BothForms(unittest.TestCase):
                 a, b = text.values(v, zone), binary.values(v, zone)
                 self.assertEqual(a.dtype, b.dtype, name)
                 numpy.testing.assert_array_equal(a, b, name)
-                here = binary.zones[zone]
-                self.assertEqual(len(b), here.elements if centred else here.nodes)
+                shape = binary.zones[zone]
+                self.assertEqual(len(b), shape.elements if centred else shape.nodes)
 
     def test_all_domains(self):
         control = "tecplot mode\nend\n" + "".join(

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-// What tests compare of data sets.
+// Texts of data sets that tests compare.
 namespace data_set {
 
 using text_data_set::between;
@@ -13,16 +13,18 @@ using text_data_set::parse;
 using text_data_set::split;
 using text_data_set::Text;
 
-// The values of the array with this comment; throws std::out_of_range if the zone has none.
+// Returns the values of the array with this comment. Throws std::out_of_range if the zone has none.
 const std::vector<double>& valuesOf(const Text& text, std::size_t zone, const std::string& label);
 
-// The fault, the names of the variables, and a line for each zone: numbers of the cell-centred and
-// of the shared variables, comments of the arrays, `withValues` also the first value of each.
+// Returns the fault, the names of the variables, and a line for each zone. The line has the numbers
+// of the cell-centred and of the shared variables and the comments of the arrays. With `withValues`
+// it also has the first value of each array, and the names have their units.
 std::string summaryOf(const Text& text, bool withValues = false);
 
-std::string join(const std::vector<std::string>& parts); // with commas
+// Returns the parts with commas between them.
+std::string join(const std::vector<std::string>& parts);
 
-// Contents of a data set, independent of which zones share them: equal for equal contents.
+// Returns the contents of a data set as text, independent of which zones share them.
 std::string contentsOf(const data_set_file::DataSet& set);
 
 } // namespace data_set

@@ -15,18 +15,18 @@ using system_calls::OpenMode;
 using system_calls::Table;
 
 Fault fault;
-bool watching = false;        // not while the test itself is at work
-bool interruptedLast = false; // the call before this one
+bool watching = false;        // false while the test itself makes calls
+bool interruptedLast = false; // the previous call was interrupted
 
 struct OpenFile {
     std::string path;
     bool writing = false;
 };
-// By descriptor. What a failed run leaves open is closed when the next one opens it again.
+// By descriptor. An entry that a failed run leaves is replaced when the descriptor is opened again.
 std::map<int, OpenFile> openFiles{
     {0, {"standard input"}}, {1, {"standard output"}}, {2, {"standard error"}}};
-std::string answer;  // to the prompt, what is left of it
-std::string kept[3]; // what has gone to the screen and to the standard error stream
+std::string answer;  // rest of the answer to the prompt
+std::string kept[3]; // text written to standard output and standard error, by descriptor
 
 OpenFile target(const char* path, OpenMode mode) {
     return {path, mode != OpenMode::read};
@@ -42,11 +42,11 @@ OpenFile target(std::size_t) {
 }
 
 void shorten(int, auto*, std::size_t& size, auto...) {
-    if (fault.way == Way::shorten) size = std::min(size, fault.most);
+    if (fault.way == Way::shorten) size = std::min(size, fault.maximumBytes);
 }
 void shorten(...) {}
 
-// What is done of a write when the process is killed in it; the system stops at the end of a page.
+// Does the part of a write before the process is killed. The system stops at the end of a page.
 void doPart(int d, const void* from, std::size_t size) {
     system_calls::systemTable().write(d, from, size / 2);
 }
@@ -57,8 +57,8 @@ void doPart(int d, const void* from, std::size_t size, std::int64_t to) {
 }
 void doPart(...) {}
 
-// True if the call fails, or is the one at which the process is killed.
-bool strikes(const Kind& kind, const OpenFile& file) {
+// True if the call fails, or if the process is killed at it.
+bool isFaulty(const Kind& kind, const OpenFile& file) {
     if (fault.way == Way::interrupt) {
         errno = EINTR;
         return interruptedLast = kind.restarts && !interruptedLast;
@@ -113,13 +113,13 @@ struct Entry<entry> {
     static inline const Kind* kind;
     static Result call(Arguments... arguments) {
         if (!std::exchange(watching, false)) return (watched.*entry)(arguments...);
-        const bool struck = strikes(*kind, target(arguments...));
-        if (struck && fault.way == Way::kill) {
+        const bool faulty = isFaulty(*kind, target(arguments...));
+        if (faulty && fault.way == Way::kill) {
             doPart(arguments...);
             _exit(0);
         }
         Result result{};
-        if (!struck) {
+        if (!faulty) {
             shorten(arguments...);
             result = (watched.*entry)(arguments...);
         } else if constexpr (!std::is_pointer_v<Result>) {

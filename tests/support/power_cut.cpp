@@ -18,7 +18,7 @@ enum class Kind { write, resize, sync, link, rename, remove, syncFolder };
 
 struct Call {
     Kind kind;
-    std::size_t file = 0; // number, as long as it has a name or is open
+    std::size_t file = 0; // number of the file, the same after a rename
     std::size_t at = 0;   // position, or new size
     Bytes bytes{};
     std::string name{}, newName{};
@@ -28,7 +28,7 @@ using Names = std::map<std::string, std::size_t>;
 
 struct Recorder {
     Table table;
-    std::vector<Bytes> begin; // contents of the files at first
+    std::vector<Bytes> begin; // contents of the files before the calls
     Names namesAtFirst, names;
     std::map<int, std::size_t> open; // by descriptor
     std::map<int, std::size_t> position;
@@ -135,7 +135,7 @@ void apply(Names& names, const Call& call) {
     if (call.kind == Kind::remove || call.kind == Kind::rename) names.erase(call.name);
 }
 
-// What is on the disk, and what may be.
+// Contents and names on the disk, and calls whose changes may be on the disk.
 struct Disk {
     std::vector<Bytes> contents;
     Names names;

@@ -7,25 +7,26 @@
 #include <string>
 #include <vector>
 
-// What a power cut may leave of the files that a run writes.
+// The contents that the files of a run may have after a power cut.
 namespace power_cut {
 
 // Contents by name.
 using Files = std::map<std::string, sample_files::Bytes>;
 
-// The data sets, sidecars and index files of the working directory.
+// Returns the data sets, sidecars and index files of the working directory.
 Files recordedFiles();
 
-// The calls of `calls`; from now on those that change such a file are recorded. What the files hold
-// now is on the disk; a sync is recorded and not done.
+// Returns a table of these calls that records the calls that change such a file. The present
+// contents of the files are on the disk. A sync is recorded and not done.
 system_calls::Table recording(const system_calls::Table& calls);
 
-// The different contents that these files may have after any of the calls. What was synced is on
-// the disk. Of the other writes, page by page, any may be missing, or have left zeros where they
-// extended the file. Until their folder is synced, any new, changed or removed names may be missing
-// too. Taken are, for each call, all of the writes and none, single ones alone and missing; of the
-// names the first ones and all but one; and random choices, the same each time. Without `many`
-// only about six single writes and two choices.
+// Returns the different contents that these files may have after any of the calls. Synced data are
+// on the disk. Each other write of a page may be missing, or may have left zeros where it extended
+// the file. Until their folder is synced, new, changed or removed names may also be missing.
+//
+// The states of each call: all writes and none; single writes alone and missing; the first names,
+// and all names but one; and random choices, the same in each run. Without `many` there are only
+// about six single writes and two random choices.
 std::vector<Files> statesLeft(bool many);
 
 } // namespace power_cut

@@ -18,12 +18,12 @@ namespace runs {
 
 namespace {
 
-// A run that asks for a prefix must not wait for whoever started the tests.
+// Makes the standard input empty, so that a run that asks for a prefix does not wait.
 int redirectInputFromNothing() {
     return dup2(open("/dev/null", O_RDONLY), 0);
 }
 
-std::string kept[3]; // what has gone to standard output and standard error, by descriptor
+std::string kept[3]; // text written to standard output and standard error, by descriptor
 
 std::ptrdiff_t keep(int descriptor, const void* from, std::size_t size) {
     if (descriptor != 1 && descriptor != 2)
@@ -32,7 +32,7 @@ std::ptrdiff_t keep(int descriptor, const void* from, std::size_t size) {
     return static_cast<std::ptrdiff_t>(size);
 }
 
-// Keeps both streams for as long as it lives, unless a test has a table of its own.
+// Keeps the text of both streams until the end of the scope, unless a test has its own table.
 struct Keeping {
     Keeping() {
         for (std::string& text : kept) text.clear();

@@ -13,7 +13,8 @@
 // Runs of the program and of parts of it.
 namespace runs {
 
-// The system's calls, but that what goes to the screen and to the standard error stream is kept.
+// Returns the system's calls, with a `write` that keeps the text for standard output and standard
+// error instead of writing it.
 system_calls::Table keepingTable();
 
 struct Ran {
@@ -21,20 +22,22 @@ struct Ran {
     std::string screen, errors;
 };
 
-// One run inside this process, and one of the program itself with `input` as standard input;
-// `shell` is put in front of the program.
+// Do a run inside this process, and a run of the program with `input` as standard input. `shell` is
+// the text of the command before the program.
 Ran runHere(const std::vector<std::string>& arguments = {});
 Ran runProgram(const std::string& arguments = "", const std::string& input = "",
                const std::string& shell = "exec");
 
-// Status of a call that writes to both streams, and what it wrote.
+// Returns the status of a call and the texts that it wrote to both streams.
 Ran keepStreams(const std::function<int()>& call);
 
-// True with the environment variable MESHRAKE_LONG_TESTS: all errors of a call, more random states.
+// True if the environment variable MESHRAKE_LONG_TESTS exists: tests then use all errors of a call
+// and more random states.
 bool longTests();
 
-// The kind and the message of the last banner that ends a run, "INPUT: ...": of what has gone to
-// the standard error stream, or of a call that may end the run. Empty without one.
+// Return the kind and the message of the last banner that ends a run, as "INPUT: ...", from the
+// text of the standard error stream or from a call that may end the run. Empty without such a
+// banner.
 std::string endingOf(const std::string& errors);
 std::string endingOf(const std::function<void()>& call);
 
@@ -46,31 +49,32 @@ void expectEnd(const std::string& kind, const std::string& message,
 // Expects status 1 and all of these words on the standard error stream.
 void expectFailure(const Ran& ran, const std::vector<std::string>& words);
 
-// Numbers from 1 of the entries that are set.
+// Returns the numbers, from 1, of the entries that are set.
 sample_files::Integers numbersOf(const std::vector<std::uint8_t>& mask);
 
-// For tests of whole runs inside this process: a folder, and the problem that a run finds there.
+// For tests of whole runs inside this process: an empty folder, and the problem of a run.
 class ProblemRun : public testing::Test {
 protected:
-    // A run over the problem, which takes up the control text; an empty one leaves it as it is.
+    // Writes the problem and does a run. A control text that is not empty is added to the problem.
     Ran run(const std::string& control = "", const std::vector<std::string>& arguments = {});
 
     sample_files::Folder folder;
     sample_files::Problem problem;
 };
 
-// For tests of parts of a run: an empty folder, the prefix "t", an open echo file "echo". What goes
-// to the screen is kept.
+// For tests of parts of a run: an empty folder, the prefix "t", and an open echo file "echo". The
+// text of the screen is kept.
 class PartOfRun : public testing::Test {
 protected:
     PartOfRun();
     ~PartOfRun() override;
 
-    // What has gone to screen and echo file since the last call.
+    // Return the text of screen and echo file since the last call.
     std::string takeScreen();
     std::string takeEcho();
 
-    // The domain of the files in the folder; pm must be created first and stay where it is.
+    // Creates a domain from the files in the folder. pm must be created first and must not be
+    // moved.
     static void create(model::Domain& domain, const std::string& tag, const model::Domain& pm);
 
     sample_files::Folder folder;

@@ -25,7 +25,7 @@ int nodesOf(const Grid& g) {
     return (g.nx + 1) * (g.ny + 1);
 }
 
-// Node numbers of the cells of one sheet, from `first` on, counter-clockwise.
+// Returns the node numbers of the cells of one sheet, from `first` on, counterclockwise.
 std::vector<Integers> cellsOf(const Grid& g, std::int32_t first) {
     std::vector<Integers> cells;
     for (int j = 0; j < g.ny; ++j)
@@ -83,13 +83,13 @@ Bytes resultFile(const std::string& text, const Integers& values) {
     return fileOf<std::int32_t>(text, "I04", {values});
 }
 
-void addSheetDomain(Problem& problem, const Grid& g, const std::string& tag, int nodesAhead,
+void addSheetDomain(Problem& problem, const Grid& g, const std::string& tag, int nodesBefore,
                     const Bytes& furtherCoordinates, const Bytes& furtherElements) {
     const std::int32_t nodes = nodesOf(g), below = g.layers * nodes;
     Integers linkToPm, linkFromPm(static_cast<std::size_t>(below)), slots;
     for (std::int32_t i = 1; i <= nodes; ++i) {
         linkToPm.push_back(below + i);
-        linkFromPm.push_back(nodesAhead + i);
+        linkFromPm.push_back(nodesBefore + i);
     }
     for (const Integers& cell : cellsOf(g, below + 1))
         slots.insert(slots.end(), cell.begin(), cell.end());
@@ -147,7 +147,7 @@ Problem twoTimes() {
         "tecplot mode\nend\nwrite pm domain file\ninclude more\nend\nwrite olf domain file\n";
     problem["more"] = "truncate pm domain\n0 1\n0 1\n0 1\n";
     problem["to.sat_pm.0001"] =
-        resultFile("0.0", {std::vector<float>(12, 0.5F)}); // longer than is asked for
+        resultFile("0.0", {std::vector<float>(12, 0.5F)}); // more values than nodes
     return problem;
 }
 
@@ -215,11 +215,11 @@ void expectFile(const std::string& name, const std::string& text) {
 }
 
 Folder::Folder() : before(std::filesystem::current_path()) {
-    // In memory where that can be had: files that are replaced by the thousand keep a disk busy.
+    // In memory if possible, because tests replace files thousands of times.
     const bool inMemory = access("/dev/shm", W_OK) == 0;
-    const std::filesystem::path place =
+    const std::filesystem::path parent =
         inMemory ? "/dev/shm" : std::filesystem::temp_directory_path();
-    std::string name = place / "meshrake_XXXXXX";
+    std::string name = parent / "meshrake_XXXXXX";
     if (!mkdtemp(name.data())) throw std::runtime_error("no folder for the test");
     path = name;
     std::filesystem::current_path(path);

@@ -26,7 +26,7 @@ namespace {
 using data_set_file::DataSet;
 using data_set_file::Zone;
 
-// Calls back for each number of a list of variables, from 0.
+// Calls `act` for each variable of a list, with its number from 0.
 template<class Act>
 void forVariables(const std::string& list, std::size_t variables, Act act) {
     for (const std::string& number : split(list)) {
@@ -79,7 +79,7 @@ std::string faultOf(const Text& text, std::size_t z) {
     return "";
 }
 
-// The line of a zone after its head: types, a comment that begins an array, or values.
+// Reads a line after the first one of a zone: types, a comment that begins an array, or values.
 void readZoneLine(Text& text, const std::string& line, std::vector<double>*& values) {
     static std::vector<double> surplus;
     Zone& zone = text.set.zones.back();
@@ -116,7 +116,7 @@ Text parse(const std::string& contents) {
         if (line.starts_with("ZONE ")) {
             text.zoneLines.push_back(line);
             text.labels.emplace_back();
-            // A part ends with a comma; the type is sometimes last.
+            // Each part of the line must end with a comma, also the last one.
             set.zones.push_back(zoneOf(line + ",", set.variables.size()));
         } else if (!set.zones.empty()) {
             readZoneLine(text, line, values);

@@ -7,13 +7,13 @@
 #include <string>
 #include <vector>
 
-// Short forms of the calls of the writer library, on one data set "s" and its last zone.
+// Short forms of the calls of the writer library, for one data set "s" and its last zone.
 namespace tecio_calls {
 
 using Numbers = std::vector<std::int32_t>;
 using Reals = std::vector<double>;
 
-// By default a brick, of whose two variables the first is that of zone 1.
+// By default a brick with two variables, the first of which is shared with zone 1.
 struct ZoneShape {
     std::int64_t nodes = 8, elements = 1;
     Numbers types{2, 2}, shares{1, 0}, locations{1, 1};
@@ -25,7 +25,7 @@ extern void* set;
 extern std::int32_t zone;
 extern std::string title; // of each zone
 
-// All but those without a result return the status.
+// The functions with a result return the status.
 int tryOpen(const char* variables, const char* setTitle = "t");
 void open(const char* variables, const char* setTitle = "t"); // expects 0
 int flush();
@@ -36,14 +36,15 @@ int narrow(std::int32_t var, const std::vector<float>& values);
 int nodes(const Numbers& list);
 int aux(const std::string& name, const std::string& value);
 
-// Begins a zone of nodes alone, with variables of its own.
+// Begins a zone of nodes without elements, which shares nothing.
 void beginNodes(double time, std::int64_t count, const Numbers& types);
 
-// A zone whose one variable is its time.
+// Write a zone with one variable, whose values are the time of the zone.
 int putZone(double time);
 void addZone(double time);
 
-// The values of each zone must be its time, from 1 to `lastTime`; `finish` ends the data set first.
+// Expect zones with the times 1 to `lastTime` and their values. `finish` finishes the data set
+// first.
 void expectTimes(int lastTime);
 void finish(int lastTime);
 

@@ -13,7 +13,7 @@
 #include <filesystem>
 #include <set>
 
-// Writers that resume unfinished data sets: after others that were stopped, with damaged files.
+// Writers that resume unfinished data sets, after an interruption and with damaged files.
 namespace {
 
 using data_set_file::DataSet;
@@ -28,22 +28,22 @@ struct Durable {
     ~Durable() { tecio::setDurable(false); }
 };
 
-// What a zone that was never completed left in the file goes.
-TEST(TecioResume, NothingIsLeftOfAZoneCutShort) {
+// The values of an incomplete zone are removed from the file.
+TEST(TecioResume, NothingIsLeftOfAnIncompleteZone) {
     const Folder folder;
     open("V");
     addZone(1);
     beginNodes(2, 2000, {2});
     EXPECT_EQ(reals(1, Reals(1000)), 0);
-    open(""); // whatever variables it has
+    open(""); // accepts any variables
     EXPECT_EQ(flush(), 0);
     EXPECT_EQ(data_set_file::read("s.szplt").trailing, 0);
     addZone(2);
     finish(2);
 }
 
-// Far more zones than the padding suffices for at first, by one writer and by several that resume
-// the data set in turn. A reader sees the zones of the last flush, a writer all zones.
+// Many more zones than fit into the initial padding, by one writer and by several writers that
+// resume the data set. A reader finds the zones of the last flush, a writer all zones.
 TEST(TecioResume, ThePaddingForZonesGrows) {
     for (const int opening : {5000, 1400}) {
         const Folder folder;
@@ -66,14 +66,15 @@ TEST(TecioResume, ThePaddingForZonesGrows) {
     }
 }
 
-// For each number of zones, a later writer replaces those from each time on. The headers take a
-// small part of a page, most of one, one but for 16 bytes or whole, two but for 16 bytes, or more.
+// For each number of zones, a later writer replaces those from each time on. The headers have a
+// small part of a page, most of a page, a page without 16 bytes, a whole page, two pages without 16
+// bytes, or more.
 TEST(TecioResume, AnyZoneMayBeReplaced) {
     system_calls::table.sync = [](int) { return 0; };
-    for (const auto& [titleLength, most] :
+    for (const auto& [titleLength, maximumZones] :
          {std::pair{100, 40}, {600, 12}, {1003, 6}, {1007, 6}, {2027, 6}, {2500, 6}}) {
         title = std::string(static_cast<std::size_t>(titleLength), 'z');
-        for (int last = 1; last <= most; ++last)
+        for (int last = 1; last <= maximumZones; ++last)
             for (int first = 1; first <= last; ++first) {
                 SCOPED_TRACE(testing::Message() << titleLength << " " << last << " " << first);
                 const Folder folder;
@@ -95,9 +96,9 @@ TEST(TecioResume, AnyZoneMayBeReplaced) {
     title = "z";
 }
 
-// The system takes a write up page by page, and may be stopped between two of them. At any such
-// moment the file must be whole.
-TEST(TecioResume, AReaderFindsAWholeSetAtAnyMoment) {
+// The system writes page by page, and a process may be killed between two pages. The file must be
+// valid after each page.
+TEST(TecioResume, AReaderFindsAValidDataSetAfterEachPage) {
     const auto writePages = [](int d, const void* from, std::size_t size, std::int64_t position) {
         const auto all = static_cast<std::ptrdiff_t>(size);
         for (std::ptrdiff_t done = 0; done < all;) {
@@ -117,7 +118,7 @@ TEST(TecioResume, AReaderFindsAWholeSetAtAnyMoment) {
             addZone(static_cast<double>(time));
             EXPECT_EQ(time % interval == 0 ? flush() : 0, 0);
             if (time % 7 != 0) continue;
-            open("V"); // takes the last zone back
+            open("V"); // replaces the last zone
             EXPECT_EQ(tecDataSetAddAuxData(set, "k", Bytes(1000 + time * 3 / 7, 'k').c_str()), 0);
             EXPECT_EQ(tecDataSetAddAuxData(set, "l", Bytes(2000 - time * 3 / 7, 'l').c_str()), 0);
             addZone(static_cast<double>(time));
@@ -127,7 +128,7 @@ TEST(TecioResume, AReaderFindsAWholeSetAtAnyMoment) {
     }
 }
 
-// Lets size and hash at the begin of a sidecar fit its contents.
+// Returns a sidecar with the size and hash of its contents.
 Bytes repaired(Bytes contents) {
     const std::uint64_t size = contents.size();
     std::uint64_t hash = 14695981039346656037U;
@@ -138,8 +139,8 @@ Bytes repaired(Bytes contents) {
     return contents;
 }
 
-// No word of a sidecar can be another, and none can be missing, although its hash fits, but for the
-// checksum of a zone that is not the last.
+// A sidecar in which any word is changed or missing is refused, also with the hash of the changed
+// contents. The checksum of a zone that is not the last is the only exception.
 TEST(TecioResume, RefusesAnEditedSidecar) {
     const Durable durable;
     const Folder folder;
@@ -175,13 +176,13 @@ TEST(TecioResume, RefusesAnEditedSidecar) {
     EXPECT_EQ(tecFileWriterClose(&set), 0);
 }
 
-// A sidecar without zones fits a data set without zones only: any other is one that a writer was to
-// replace when it was killed. A sidecar without a data set is replaced.
+// A sidecar without zones belongs only to a data set without zones: a writer was killed before it
+// replaced any other. A sidecar without a data set is replaced.
 TEST(TecioResume, RecreatesADataSetWithoutZones) {
     const Folder folder;
     open("V");
     EXPECT_EQ(flush(), 0);
-    const Bytes begun = sample_files::get("s.szplt");
+    const Bytes withoutZones = sample_files::get("s.szplt");
     EXPECT_EQ(tryOpen(""), 1);
     for (const std::string contents : {"", "short", "not a data set"}) {
         sample_files::put("s.szplt", contents);
@@ -189,14 +190,14 @@ TEST(TecioResume, RecreatesADataSetWithoutZones) {
         EXPECT_EQ(tryOpen(""), 2);
         EXPECT_EQ(sample_files::get("s.szplt"), contents);
     }
-    sample_files::put("s.szplt", begun);
+    sample_files::put("s.szplt", withoutZones);
     open("W", "another title");
     open("V");
     addZone(1);
     EXPECT_EQ(flush(), 0);
     const Bytes whole = sample_files::get("s.szplt");
     std::filesystem::remove(sidecar);
-    open("V"); // as one that replaces the data set
+    open("V"); // a writer that replaces the data set
     for (const char* variables : {"V", ""}) EXPECT_EQ(tryOpen(variables), 3);
     EXPECT_TRUE(sample_files::get("s.szplt") == whole);
     std::filesystem::remove("s.szplt");
@@ -223,7 +224,7 @@ TEST(TecioResume, RefusesAnotherMesh) {
         EXPECT_EQ(create(shape), 5);
     }
     open("V");
-    EXPECT_EQ(create({2, 0, {2}, {2}, {1}, 0}) + at(2), 1); // shares with the one that it replaces
+    EXPECT_EQ(create({2, 0, {2}, {2}, {1}, 0}) + at(2), 1); // shares with the zone that it replaces
     EXPECT_TRUE(sample_files::get("s.szplt") == whole);
     open("V");
     EXPECT_EQ(create({2, 0, {2}, {1}, {1}, 1}) + at(2, 7), 0); // no zone of that strand
@@ -231,7 +232,8 @@ TEST(TecioResume, RefusesAnotherMesh) {
     EXPECT_EQ(data_set_file::read("s.szplt").zones.size(), 3);
 }
 
-// The checksum is that of the values, in whatever pieces they come, and of each of their bytes.
+// The checksum does not depend on the pieces in which the values are written, and includes each of
+// their bytes.
 TEST(TecioResume, ComparesTheLastZone) {
     constexpr std::size_t count = 300;
     Reals values;
@@ -265,13 +267,12 @@ TEST(TecioResume, ComparesTheLastZone) {
     addZone(1);
     EXPECT_EQ(flush(), 0);
     const Durable durable;
-    EXPECT_EQ(tryOpen("V"), 6); // was not durable
+    EXPECT_EQ(tryOpen("V"), 6); // the data set was not durable
 }
 
-// What a disk may make of a sector: it is lost, erased or old, or another one is in its place.
-// Equal values and changes of their signs alone do not cancel each other, wherever the sector
-// begins.
-TEST(TecioResume, NoticesADamagedSector) {
+// A sector is lost or erased, its signs are changed, or it has the contents of another sector.
+// Equal values and changes of their signs do not cancel each other, at any position of the sector.
+TEST(TecioResume, DetectsADamagedSector) {
     constexpr std::size_t count = 640, sector = 512;
     using Damage = void (*)(Bytes&, std::size_t);
     const Damage damages[] = {
@@ -310,8 +311,8 @@ TEST(TecioResume, NoticesADamagedSector) {
     }
 }
 
-// After a power cut while the file is copied for a longer record and zones on several pages of
-// headers are replaced, the next writer finds those that were not, and can replace the others.
+// A power cut while the file is copied for a longer record and zones with headers on several pages
+// are replaced. The next writer finds the zones that were not replaced and can replace the others.
 TEST(TecioResume, PowerCutWhileZonesAreReplaced) {
     const Durable durable;
     for (const std::size_t titleLength : {300U, 1003U, 2027U, 2500U}) {

@@ -10,7 +10,7 @@
 #include <filesystem>
 #include <functional>
 
-// The writer library by itself: its bytes, what it refuses, and large sets.
+// The writer library: its bytes, invalid calls, and large data sets.
 namespace {
 
 using data_set_file::DataSet;
@@ -31,8 +31,8 @@ Bytes text(const std::string& characters) {
     return all + bytes(0);
 }
 
-// One quadrilateral, five variables, two zones, of which the second has but one array.
-TEST(Tecio, EveryByteOfASmallSet) {
+// One quadrilateral, five variables, and two zones, the second of which has one array.
+TEST(Tecio, EveryByteOfASmallDataSet) {
     const Folder folder;
     open("X,Y,Z,Zone,H");
     const std::int32_t seven = 7;
@@ -55,10 +55,10 @@ TEST(Tecio, EveryByteOfASmallSet) {
         return bytes(299.0F) + text("z") + bytes(-1, 1) + bytes(time) + bytes(-1, 3, 1) +
                bytes(0, 0, 0, 1, 0) + bytes(0, 0, 4, 1, 0, 0, 0, 0);
     };
-    const Bytes head = Bytes("#!TDV112") + bytes(1, 0) + text("t") + bytes(5) + text("X") +
-                       text("Y") + text("Z") + text("Zone") + text("H") + bytes(799.0F) +
-                       text("k") + bytes(0) + text("v") + bytes(899.0F, 4) + text("Units") +
-                       bytes(0) + text("(m)") + zoneHeader(0) + zoneHeader(10);
+    const Bytes headers = Bytes("#!TDV112") + bytes(1, 0) + text("t") + bytes(5) + text("X") +
+                          text("Y") + text("Z") + text("Zone") + text("H") + bytes(799.0F) +
+                          text("k") + bytes(0) + text("v") + bytes(899.0F, 4) + text("Units") +
+                          bytes(0) + text("(m)") + zoneHeader(0) + zoneHeader(10);
     const Bytes data = bytes(357.0F, 299.0F, 2, 2, 2, 3, 1, 0, 0, -1) +
                        bytes(0.0, 1.0, 0.0, 1.0, 5.0, 5.0, 7.0, 7.0, 1.0, 4.0) +
                        bytes(0.0, 1.0, 1.0, 0.0, 0.0, 0.0, 1.0, 1.0, 5.0, 5.0, 5.0, 5.0, 7) +
@@ -69,11 +69,11 @@ TEST(Tecio, EveryByteOfASmallSet) {
         return bytes(799.0F) + text("_") + bytes(0) + text(std::string(size / 4 - 5, ' '));
     };
     const Bytes found = sample_files::get("s.szplt");
-    EXPECT_EQ(found.substr(0, 8192), head + padding(4096 - head.size()) + padding(4096));
+    EXPECT_EQ(found.substr(0, 8192), headers + padding(4096 - headers.size()) + padding(4096));
     EXPECT_EQ(found.substr(found.size() - data.size() - 4096), padding(4096) + data);
 }
 
-TEST(Tecio, RangesLeaveOutNaN) {
+TEST(Tecio, RangesExcludeNaN) {
     const double inf = HUGE_VAL, nan = NAN;
     Reals many(1000, nan);
     many[77] = -3;
@@ -85,18 +85,18 @@ TEST(Tecio, RangesLeaveOutNaN) {
         beginNodes(0, static_cast<std::int64_t>(values.size()), {2, 1});
         EXPECT_EQ(reals(1, values) + narrow(2, {values.begin(), values.end()}), 0);
         EXPECT_EQ(tecFileWriterClose(&set), 0);
-        EXPECT_EQ(data_set_file::read("s.szplt").zones.size(), 1); // compares the ranges
+        EXPECT_EQ(data_set_file::read("s.szplt").zones.size(), 1); // the reader checks the ranges
     }
 }
 
-// Each call fails, whatever follows fails too, and the set stays as it was flushed last.
-TEST(Tecio, RefusesWhatDoesNotFit) {
+// Each call fails. All calls after it also fail, and the data set has the state of the last flush.
+TEST(Tecio, RefusesInvalidCalls) {
     const Reals eight(8);
     const Numbers whole(8);
     std::vector<std::function<int()>> calls{
-        [] { return tecVarAddAuxData(set, 1, "n", "v"); }, // a zone is there
+        [] { return tecVarAddAuxData(set, 1, "n", "v"); }, // after a zone
         [&] { return reals(1, eight); },
-        [] { return at(5); }, // none is open
+        [] { return at(5); }, // without a current zone
         [&] { return create({}) + narrow(2, {0}); },
         [&] { return create({}) + nodes(whole); },
         [&] { return create({.connectivity = 0}) + nodes(whole) + nodes({}); },
@@ -173,17 +173,17 @@ TEST(Tecio, RefusesBeforeTheFirstZone) {
     }
     open("V");
     EXPECT_EQ(tecVarAddAuxData(set, 1, "Units", " ") + flush(), 0);
-    EXPECT_EQ(aux("k", "v"), 1); // the records are in the file
+    EXPECT_EQ(aux("k", "v"), 1); // after the records were written
 }
 
-// A variable that a shared zone has from another comes from that one.
-TEST(Tecio, SharesEndAtTheZoneWithTheValues) {
+// A share of a shared array is a share of the zone with the values.
+TEST(Tecio, SharesReferToTheZoneWithTheValues) {
     const Folder folder;
     open("V");
     addZone(1);
     for (const std::int32_t from : {1, 2, 3})
         EXPECT_EQ(create({2, 0, {2}, {from}, {1}, from}) + at(from + 1), 0);
-    EXPECT_EQ(create({2, 0, {2}, {4}, {1}, 4}), 0); // without a time nothing more is to come
+    EXPECT_EQ(create({2, 0, {2}, {4}, {1}, 4}), 0); // complete without a time
     EXPECT_EQ(tecFileWriterClose(&set), 0);
     const DataSet found = data_set_file::read("s.szplt");
     ASSERT_EQ(found.zones.size(), 5);
@@ -192,7 +192,7 @@ TEST(Tecio, SharesEndAtTheZoneWithTheValues) {
     EXPECT_EQ(found.zones[4].strand, -1);
 }
 
-// As many values as there can be, in zones of 26 GB; large writes leave a hole in the file.
+// The maximum number of values, in zones of 17 GB. Large writes leave holes in the file.
 TEST(Tecio, CountsAndSizesBeyond32Bits) {
     if (!runs::longTests()) GTEST_SKIP() << "MESHRAKE_LONG_TESTS is not set";
     const Folder folder;

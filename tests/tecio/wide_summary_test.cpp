@@ -6,8 +6,8 @@
 #include <cstring>
 #include <random>
 
-// The pass with 32-byte registers against the plain ones. In the portable build, and on a processor
-// without such registers, it does no values, which the test then says.
+// Compares the pass with 32-byte registers with the plain passes. In the portable build, and on a
+// processor without such registers, the test is skipped.
 namespace {
 
 using namespace tecio;
@@ -50,7 +50,7 @@ void expectEqual(std::int32_t type, const std::vector<T>& all, std::size_t first
     EXPECT_EQ(summarizeWide(type, from, count, range, &checksum), 0);
 }
 
-TEST(WideSummary, IsThatOfThePlainPasses) {
+TEST(WideSummary, EqualsThePlainPasses) {
     Range none = rangeOf(1, nullptr, 0);
     const std::vector<float> block(64);
     if (summarizeWide(1, block.data(), 64, none, nullptr) == 0) GTEST_SKIP() << "not available";

@@ -252,11 +252,13 @@ TEST_P(EveryCall, IsTheLastBeforeAKill) {
 }
 
 TEST_P(EveryCall, IsInterruptedOrShortened) {
-    for (const std::size_t most : {0U, 1U, 7U, 4095U}) {
-        SCOPED_TRACE(most);
+    for (const std::size_t bytes : {0U, 1U, 7U, 4095U}) {
+        SCOPED_TRACE(bytes);
         const Folder folder;
         write(given);
-        EXPECT_EQ(run({.way = most > 0 ? Way::shorten : Way::interrupt, .most = most}).status, 0);
+        EXPECT_EQ(
+            run({.way = bytes > 0 ? Way::shorten : Way::interrupt, .maximumBytes = bytes}).status,
+            0);
         EXPECT_EQ(differences(folderContents(scenario), clean[0]), "");
     }
 }

@@ -19,7 +19,7 @@ protected:
         io_layer::reset();
     }
 
-    // The text that the call writes to the standard error stream.
+    // Returns the text that the call writes to the standard error stream, and how it ends.
     static std::string bannerOf(const std::function<void()>& call) {
         testing::internal::CaptureStderr();
         std::string end = "returns\n";
@@ -34,7 +34,7 @@ protected:
     sample_files::Folder folder;
 };
 
-TEST_F(Banners, OfEveryKind) {
+TEST_F(Banners, OfAllFunctions) {
     const std::function<void()> calls[] = {[] { fatalError("  two\nlines  "); },
                                            [] { input_error("what"); },
                                            [] { warningMsg("what "); },
@@ -57,7 +57,7 @@ TEST_F(Banners, OfEveryKind) {
     for (const auto& call : calls) {
         const std::string banner = bannerOf(call);
         report += banner;
-        // With a log file, it gets the same text. The end of a run closes its files.
+        // A log file gets the same text. The end of a run closes its files.
         const int unit = file_units::getUnit();
         ASSERT_EQ(io_layer::openTextReplace(unit, "log", io_layer::Flush::inBlocks), io_layer::ok);
         setErrorLoggingFileUnit(unit);
@@ -72,14 +72,14 @@ TEST_F(Banners, OfEveryKind) {
     sample_files::expectFile("banners.txt", report);
 }
 
-TEST_F(Banners, FilesOpenedByFormMustExist) {
-    sample_files::put("there", "text\n");
+TEST_F(Banners, OpenedFilesMustExist) {
+    sample_files::put("existing", "text\n");
     int unit = 0;
     for (const auto open : {file_units::open_ascii_file, file_units::open_unformatted_file}) {
         EXPECT_THAT(bannerOf([&] { open(unit, "none"); }),
                     testing::HasSubstr("\nFile not found: none\n\n"));
-        open(unit, "there  "); // trailing blanks are no part of a name
-        EXPECT_EQ(io_layer::pathOf(unit), "there");
+        open(unit, "existing  "); // trailing blanks are not part of a name
+        EXPECT_EQ(io_layer::pathOf(unit), "existing");
         file_units::freeUnit(unit);
     }
 }

@@ -25,8 +25,8 @@ void raiseAll() {
     addWarning("Type", " ", "last");
 }
 
-TEST(WarningMessages, AreGatheredShownOrDropped) {
-    error::reset(); // of a log that a run before this test may have left
+TEST(WarningMessages, AreCollectedShownOrDropped) {
+    error::reset(); // an earlier test may have set a logging unit
     reset();
     std::string report = shown(printWarnings);
     report += shown([] { genericWarn("one"); }) + shown(printWarnings) + shown(raiseAll);

@@ -19,22 +19,22 @@ void expectEnd(const std::string& message, const std::function<void()>& call) {
     EXPECT_THAT(runs::endingOf(call), testing::HasSubstr(message));
 }
 
-// Every entry by way of the iterator, and the entries of all buckets.
+// Expects the entries of the reference from the iterator, and their number in all buckets.
 template<class Kind, class Reference>
 void checkContents(const hash_chains::Table<Kind>& table, const Reference& reference) {
     ASSERT_EQ(sz(table), static_cast<std::int32_t>(reference.size()));
     EXPECT_EQ(empty(table), reference.empty());
-    std::size_t seen = 0, inBuckets = 0;
+    std::size_t iterated = 0, inBuckets = 0;
     typename Kind::View key{};
     typename Kind::Key own;
     std::int32_t value = 0;
     auto iterator = initIterator(table);
-    for (; hasNextIterator(iterator); ++seen) {
+    for (; hasNextIterator(iterator); ++iterated) {
         nextIterator(table, iterator, key, value);
         Kind::store(key, own);
         ASSERT_EQ(reference.at(own), value);
     }
-    EXPECT_EQ(seen, reference.size());
+    EXPECT_EQ(iterated, reference.size());
     expectEnd("HashIterator: no next element", [&] { nextIterator(table, iterator, key, value); });
     for (std::int32_t b = 1; b <= bucketCount(table); ++b)
         inBuckets += static_cast<std::size_t>(bucketSize(table, b));
@@ -42,7 +42,7 @@ void checkContents(const hash_chains::Table<Kind>& table, const Reference& refer
     EXPECT_LE(loadFactor(table), hash_chains::maxLoadFactor());
 }
 
-// Thousands of operations in random order; `sorted` makes the reference's key of one.
+// Thousands of operations in random order. `sorted` returns the key of the reference.
 template<class Kind, class Reference>
 void checkAgainst(hash_chains::Table<Kind>& table, Reference reference, std::mt19937& random,
                   const std::function<typename Kind::Key()>& anyKey,
@@ -89,7 +89,7 @@ std::int64_t byAbsoluteValue(std::int32_t buckets, std::int32_t key) {
     return std::abs(std::int64_t{key}) % buckets + 1;
 }
 
-TEST(IHashTable, AgreesWithTheStandardTable) {
+TEST(IHashTable, EqualsTheStandardTable) {
     std::mt19937 random(1);
     for (const auto hash : {alwaysTheFirst, byAbsoluteValue})
         for (const std::int32_t range : {30, 2000}) {
@@ -102,7 +102,7 @@ TEST(IHashTable, AgreesWithTheStandardTable) {
         }
 }
 
-TEST(MeshHashTable, AgreesWithSortedKeys) {
+TEST(MeshHashTable, EqualsATableOfSortedKeys) {
     std::mt19937 random(2);
     const auto anyKey = [&] {
         Nodes nodes(random() % 5);
@@ -123,9 +123,9 @@ TEST(IHashTable, GrowsByPrimes) {
     IHashTable::Table table;
     IHashTable::init(table);
     EXPECT_EQ(bucketCount(table), 1000003);
-    for (const auto& [wanted, buckets] : {std::pair{6, 11}, {-1, 5}, {12, 23}, {5, 5}}) {
-        IHashTable::init(table, wanted);
-        EXPECT_EQ(bucketCount(table), buckets) << wanted;
+    for (const auto& [atLeast, buckets] : {std::pair{6, 11}, {-1, 5}, {12, 23}, {5, 5}}) {
+        IHashTable::init(table, atLeast);
+        EXPECT_EQ(bucketCount(table), buckets) << atLeast;
     }
     EXPECT_EQ(IHashTable::getPrimeBucketCount(1164186218), 2147483647);
     EXPECT_EQ(IHashTable::getPrimeBucketCount(3000000000), 2147483647);
@@ -133,7 +133,7 @@ TEST(IHashTable, GrowsByPrimes) {
     EXPECT_EQ(bucketCount(table), 5);
     insert(table, 6, 60);
     EXPECT_EQ(bucketCount(table), 11);
-    reserve(table, 8); // not over three quarters
+    reserve(table, 8); // not above the maximum load factor
     EXPECT_EQ(bucketCount(table), 11);
     reserve(table, 9);
     EXPECT_EQ(bucketCount(table), 23);
@@ -144,7 +144,7 @@ TEST(IHashTable, GrowsByPrimes) {
     checkContents(table, std::map<std::int32_t, std::int32_t>{{1, 10}, {2, 20}, {3, 30}, {6, 60}});
 }
 
-TEST(IHashTable, NewKeysStandInFrontOfTheirList) {
+TEST(IHashTable, NewKeysAreFirstInTheirBucket) {
     IHashTable::Table table;
     init(table, 11);
     for (const std::int32_t key : {1, 12, 23, 0}) insert(table, key, key);
@@ -155,7 +155,7 @@ TEST(IHashTable, NewKeysStandInFrontOfTheirList) {
     EXPECT_EQ(keys, (Nodes{0, 23, 12, 1}));
 }
 
-TEST(IHashTable, NumbersOfNoBucketEndTheRun) {
+TEST(IHashTable, InvalidBucketNumbersEndTheRun) {
     const std::string none = "IHashTable: there is no bucket ";
     IHashTable::Table table;
     erase(table, 1);

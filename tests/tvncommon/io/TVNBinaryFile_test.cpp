@@ -61,7 +61,7 @@ TEST_F(BinaryFile, Headers) {
     sample_files::expectFile("headers.txt", report.str());
 }
 
-// Components of values.
+// Returns components of `n` equal values.
 std::vector<Reals> componentsOf(std::size_t components, std::size_t n) {
     return std::vector(components, Reals(n, 1.25));
 }
@@ -108,8 +108,8 @@ TEST_F(BinaryFile, FilesThatAreTooShort) {
     sample_files::expectFile("short_files.txt", report);
 }
 
-// Each of the writers against the bytes that a file must have, and what the readers make of it.
-TEST_F(BinaryFile, WritersAndReadersOfBothGenerations) {
+// Compares the files of the writers with the expected bytes, and reads them back.
+TEST_F(BinaryFile, WritersAndReadersOfBothFormats) {
     const Reals table{1, 2, 3, 4, 5, 6, 7, 8}; // two columns of four rows
     const std::vector<float> singles{1, 2, 3, 4, 5, 6, 7, 8};
     for (const bool old : {false, true}) {
@@ -131,7 +131,7 @@ TEST_F(BinaryFile, WritersAndReadersOfBothGenerations) {
         read_r4_2d("file", 2, 2, readSingles.data());
         EXPECT_EQ(readSingles, std::vector<float>({2, 3, 6, 7}));
 
-        // Six components are columns too.
+        // The components of a tensor are columns.
         write_r8_2d("file", "1", 1, 1, 6, std::span(table).first(6));
         std::array<double, 6> t{};
         read_r8_tensor("file", 1, &t[5], &t[4], &t[3], &t[2], &t[1], &t[0], &header);
@@ -201,7 +201,7 @@ TEST_F(BinaryFile, OneComponentOfAKnownLength) {
 
     expectEnd("FATAL", "Error writing values to file r\nValues 0 to 1 of an array of 10\n",
               [&] { write_r8_1d("r", "0", 0, 1, reals); });
-    // The first write is that of the length before the header, the third that of the values.
+    // The first write is of the length before the header, the third of the values.
     static int writesLeft;
     system_calls::table.write = [](int descriptor, const void* from, std::size_t size) {
         const bool fails = descriptor > 2 && --writesLeft < 0;
@@ -215,7 +215,7 @@ TEST_F(BinaryFile, OneComponentOfAKnownLength) {
     }
     system_calls::table = system_calls::systemTable();
 
-    // A long record goes on where its length is negative.
+    // A long record continues after a negative length.
     Bytes file = sample_files::header("0", "I04", 1, 3),
           first = sample_files::integerRecord({1, 2});
     first[0] = first[12] = -8;
@@ -226,19 +226,19 @@ TEST_F(BinaryFile, OneComponentOfAKnownLength) {
     read_safe_i4_1d("long", 3, readNumbers.data());
     EXPECT_EQ(readNumbers, Integers({1, 2, 3}));
 
-    // The checked readers look at the bytes that they need alone.
+    // The checked readers read only the bytes that they need.
     file = sample_files::get("i");
     file[0] = 81;
     sample_files::put("odd", file.substr(0, file.size() - 4));
     read_safe_i4_1d("odd", 3, readNumbers.data(), &header);
     EXPECT_EQ(readNumbers, numbers);
     EXPECT_EQ(header, padded("0", 55) + "#!TVN001LEI04010000000003");
-    file[88] = 15; // bytes that make no whole value are left out
+    file[88] = 15; // bytes after the last whole value are ignored
     sample_files::put("odd", file);
     read_safe_i4_1d("odd", 3, readNumbers.data());
 }
 
-TEST_F(BinaryFile, ArgumentsThatMakeNoSenseStayInsideTheArrays) {
+TEST_F(BinaryFile, InvalidArgumentsStayInsideTheArrays) {
     for (const bool old : {false, true}) {
         setUseOldFormat(old);
         for (const std::int32_t columns : {0, -1, -2147483647 - 1}) {

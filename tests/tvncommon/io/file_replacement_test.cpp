@@ -8,7 +8,7 @@
 #include <cerrno>
 #include <sys/stat.h>
 
-// What can prevent a file from being replaced, and what must not.
+// Failures that prevent the replacement of a file, and failures that must not prevent it.
 namespace {
 
 using namespace io_layer;
@@ -35,8 +35,8 @@ int replaceFile() {
     return committed;
 }
 
-// Something is in the place of the new file.
-TEST_F(FileReplacement, LeftOversOfAllKinds) {
+// Another file, link, pipe or folder has the name of the new file.
+TEST_F(FileReplacement, NewFileNameExists) {
     const std::pair<const char*, void (*)()> removable[] = {
         {"file", [] { put(newFile, "of an earlier run"); }},
         {"link", [] { std::filesystem::create_symlink("missing", newFile); }},
@@ -55,8 +55,8 @@ TEST_F(FileReplacement, LeftOversOfAllKinds) {
     EXPECT_TRUE(std::filesystem::is_directory(newFile));
 }
 
-// A call for the new file fails with an errno: the new file is then written, the old one is
-// emptied and written in place, or the replacement fails and the old file stays.
+// A call for the new file fails with an errno. Then the new file is written, or the old file is
+// emptied and written in place, or the replacement fails and the old file is kept.
 enum class Outcome { replaced, inPlace, failed };
 struct Row {
     const char* call;
@@ -100,11 +100,11 @@ TEST_F(FileReplacement, CallsThatFail) {
         {"create", ENAMETOOLONG, Outcome::inPlace},
         {"create", EIO, Outcome::failed},
         {"create and empty", EACCES, Outcome::failed},
-        {"open the left-over", EACCES, Outcome::replaced}, // that of another user, in our folder
+        {"open the left-over", EACCES, Outcome::replaced}, // of another user, in our folder
         {"open the left-over", EIO, Outcome::failed},
         {"remove", EACCES, Outcome::inPlace},
         {"remove", EIO, Outcome::failed},
-        {"remove", ENOENT, Outcome::failed}, // in vain, as another process creates it each time
+        {"remove", ENOENT, Outcome::failed}, // another process creates it again each time
         {"lock", EWOULDBLOCK, Outcome::failed},
         {"lock", ENOLCK, Outcome::replaced}, // a file system without locks
         {"permissions", EPERM, Outcome::inPlace},
@@ -140,7 +140,7 @@ TEST_F(FileReplacement, CallsThatFail) {
     byte_file::close(file);
 }
 
-// The system's own answers, without the table that tests replace.
+// Results of the system's calls.
 TEST_F(FileReplacement, SpaceAndMemoryOfTheSystem) {
     const system_calls::Table table = system_calls::systemTable();
     const int withoutReserve = table.open("/proc/self/comm", system_calls::OpenMode::existing);

@@ -28,17 +28,18 @@ protected:
     sample_files::Folder folder;
 };
 
-// A record of several pieces, each with its own length in front; the sign says that it goes on.
-Bytes pieces(const std::vector<std::pair<std::int32_t, std::string>>& parts) {
+// Returns a record of several sub-records, each with this length before and after its payload. A
+// negative length means that another sub-record follows.
+Bytes subRecords(const std::vector<std::pair<std::int32_t, std::string>>& parts) {
     Bytes file;
-    for (const auto& [mark, payload] : parts) {
-        const Bytes length = sample_files::bytesOf(sample_files::Integers{mark});
+    for (const auto& [signedLength, payload] : parts) {
+        const Bytes length = sample_files::bytesOf(sample_files::Integers{signedLength});
         file += length + payload + length;
     }
     return file;
 }
 
-// Status of each read of a whole record of these sizes, up to the first that fails.
+// Returns the status of each read of a record of these sizes, up to the first that fails.
 std::vector<int> statuses(const Bytes& file, const std::vector<std::int64_t>& sizes) {
     put("file", file);
     const int unit = file_units::openRecordsRead("file");
@@ -52,17 +53,17 @@ std::vector<int> statuses(const Bytes& file, const std::vector<std::int64_t>& si
     return found;
 }
 
-void writeRecords(const std::string& payload, std::int64_t piece, int count) {
+void writeRecords(const std::string& payload, std::int64_t maximumSubRecord, int count) {
     const int unit = takeUnit();
     ASSERT_EQ(openRecordsReplace(unit, "file"), ok);
     for (int i = 0; i < count; ++i)
-        EXPECT_EQ(
-            writeRecord(unit, payload.data(), static_cast<std::int64_t>(payload.size()), piece),
-            ok);
+        EXPECT_EQ(writeRecord(unit, payload.data(), static_cast<std::int64_t>(payload.size()),
+                              maximumSubRecord),
+                  ok);
     EXPECT_EQ(releaseUnit(unit), ok);
 }
 
-TEST_F(IoLayer, RecordsAsTheyStandInTheFile) {
+TEST_F(IoLayer, BytesOfRecords) {
     const std::map<std::pair<std::string, std::int64_t>, Bytes> cases = {
         {{"", 3}, "\0\0\0\0\0\0\0\0"s},
         {{"abc", 3}, "\3\0\0\0abc\3\0\0\0"s},
@@ -88,43 +89,43 @@ TEST_F(IoLayer, RecordsAsTheyStandInTheFile) {
 TEST_F(IoLayer, RecordsBeyondTheReadBuffer) {
     std::string large(200001, ' ');
     for (std::size_t i = 0; i < large.size(); ++i) large[i] = static_cast<char>(i * 7 + i / 256);
-    for (const std::int64_t piece : {70000, 32768, 32760, 997}) {
-        writeRecords(large, piece, 3);
+    for (const std::int64_t maximumSubRecord : {70000, 32768, 32760, 997}) {
+        writeRecords(large, maximumSubRecord, 3);
         const int unit = file_units::openRecordsRead("file");
         for (const std::int64_t size : {200001, 40000, 12}) {
             std::string into(static_cast<std::size_t>(size), '?');
             ASSERT_EQ(readRecord(unit, into.data(), size), ok);
-            EXPECT_TRUE(large.starts_with(into)) << piece;
+            EXPECT_TRUE(large.starts_with(into)) << maximumSubRecord;
         }
         EXPECT_EQ(bytesLeft(unit), 0);
         releaseUnit(unit);
     }
 }
 
-TEST_F(IoLayer, RecordsThatAreCutOrLie) {
+TEST_F(IoLayer, CutRecordsAndWrongLengths) {
     const Bytes first = sample_files::record("abcde");
-    const Bytes whole = first + pieces({{-3, "fgh"}, {-2, "ij"}, {1, "k"}});
+    const Bytes whole = first + subRecords({{-3, "fgh"}, {-2, "ij"}, {1, "k"}});
     for (std::size_t length = 0; length <= whole.size(); ++length) {
         std::vector<int> expected{ok, ok, endOfFile};
         if (length < whole.size()) expected = {ok, length == first.size() ? endOfFile : readFailed};
         if (length < first.size()) expected = {length == 0 ? endOfFile : readFailed};
         EXPECT_EQ(statuses(whole.substr(0, length), {5, 6, 1}), expected) << length;
     }
-    const std::tuple<Bytes, std::int64_t, int> lies[] = {
+    const std::tuple<Bytes, std::int64_t, int> cases[] = {
         {sample_files::record("abcd"), 2, ok},
         {sample_files::record("abcd"), 0, ok},
         {sample_files::record("abcd"), 5, readFailed},
         {"\4\0\0\0abcd\5\0\0\0"s, 4, readFailed},
         {"\3\0\0\0abcd\4\0\0\0"s, 3, readFailed},
-        {"\4\0\0\0abcd\xfc\xff\xff\xff"s, 4, ok}, // the sign after a piece does not count
+        {"\4\0\0\0abcd\xfc\xff\xff\xff"s, 4, ok}, // the sign of a trailing length is ignored
         {"\0\0\0\x80"s + "abcd", 4, readFailed},
-        {pieces({{-2, "ab"}, {2, "cd"}}), 1, ok},
-        {pieces({{-2, "ab"}, {0, ""}}), 2, ok},
-        {pieces({{-2, "ab"}, {0, ""}}), 3, readFailed},
-        {pieces({{-2, "ab"}}), 2, readFailed} // goes on, and then does not
+        {subRecords({{-2, "ab"}, {2, "cd"}}), 1, ok},
+        {subRecords({{-2, "ab"}, {0, ""}}), 2, ok},
+        {subRecords({{-2, "ab"}, {0, ""}}), 3, readFailed},
+        {subRecords({{-2, "ab"}}), 2, readFailed} // the next sub-record is missing
     };
-    for (const auto& [file, asked, status] : lies)
-        EXPECT_EQ(statuses(file, {asked}), std::vector{status}) << testing::PrintToString(file);
+    for (const auto& [file, size, status] : cases)
+        EXPECT_EQ(statuses(file, {size}), std::vector{status}) << testing::PrintToString(file);
 }
 
 TEST_F(IoLayer, Lines) {
@@ -147,7 +148,7 @@ TEST_F(IoLayer, Lines) {
     }
 }
 
-// What is cut off would be lost without a word to a caller that takes the whole line.
+// A caller that uses the whole line must not get a part of it without an error.
 TEST_F(IoLayer, LongLines) {
     const std::string longest(maximumLineBytes, ' ');
     put("file", longest + "\n" + longest + "1\r\nnext\n");
@@ -167,7 +168,7 @@ TEST_F(IoLayer, LongLines) {
               [&] { file_units::readLine(unit, line); });
 }
 
-TEST_F(IoLayer, ScreensShowNoControlCharacters) {
+TEST_F(IoLayer, ControlCharactersAreReplacedOnTheScreen) {
     const std::string text = "\x1b[2J\r\b"s + '\0' + "\x7f\t\n \xC3\xA9\x9b";
     const std::string shown = "?[2J????\t\n \xC3\xA9\x9b";
     testing::internal::CaptureStdout();
@@ -184,7 +185,7 @@ TEST_F(IoLayer, ScreensShowNoControlCharacters) {
     releaseUnit(unit);
 }
 
-// Texts and blocks reach the file in the order of the calls, whatever is pending in between.
+// Texts and blocks are written in the order of the calls, also if text is pending.
 TEST_F(IoLayer, WritesAroundTheSizeOfTheBuffer) {
     for (const std::size_t size : {0UL, 1UL, 32766UL, 32767UL, 32768UL, 32769UL, 100000UL}) {
         const std::string text(size, 'a');
@@ -201,14 +202,14 @@ TEST_F(IoLayer, WritesAroundTheSizeOfTheBuffer) {
     }
 }
 
-TEST_F(IoLayer, CallsThatDoNothing) {
+TEST_F(IoLayer, ReadsAndWritesOfNoBytes) {
     put("file", "text\n");
     const int cut = file_units::openRecordsRead("file");
     std::string line, block(100000, ' ');
     put("large", sample_files::record(block + block));
     const int large = file_units::openRecordsRead("large");
     EXPECT_EQ(beginRecord(large), ok);
-    // Files that have become shorter since they were opened, or cannot be read any more.
+    // A read that fails, and a file that is shorter than at its open.
     for (const bool fails : {true, false}) {
         static std::ptrdiff_t answer;
         answer = fails ? -1 : 0;
@@ -221,8 +222,8 @@ TEST_F(IoLayer, CallsThatDoNothing) {
     EXPECT_EQ(writeLine(file_units::openTextReplace("third", Flush::everyLine), "x"), writeFailed);
 }
 
-// A full quota may show only when a file that was written is closed.
-TEST_F(IoLayer, CloseReportsWhatTheWritesDidNot) {
+// A full quota may be reported only when the file is closed.
+TEST_F(IoLayer, CloseReportsFailedWrites) {
     system_calls::table.close = [](int descriptor) {
         system_calls::systemTable().close(descriptor);
         return errno = EDQUOT, -1;
@@ -233,9 +234,9 @@ TEST_F(IoLayer, CloseReportsWhatTheWritesDidNot) {
     EXPECT_EQ(releaseUnit(file_units::openRecordsRead("file")), ok);
 }
 
-// Disk space is reserved for a large file only, and what is left of it freed; a disk
-// that refuses it takes the bytes all the same.
-TEST_F(IoLayer, RoomTakenAhead) {
+// Disk space is reserved only for a large file, and the rest of it is freed at the close. If the
+// reservation fails, the file is written all the same.
+TEST_F(IoLayer, SpaceIsReservedForLargeFiles) {
     static std::int64_t reservedEnd, cutAt;
     static int answer;
     system_calls::table.reserve = [](int, std::int64_t position, std::int64_t size) {
@@ -263,7 +264,7 @@ TEST_F(IoLayer, RoomTakenAhead) {
         }
 }
 
-TEST_F(IoLayer, StatusOfAnOpen) {
+TEST_F(IoLayer, StatusesOfAnOpen) {
     put("file", "");
     std::filesystem::create_directory("folder");
     std::filesystem::create_symlink("loop", "loop");

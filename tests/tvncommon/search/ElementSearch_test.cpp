@@ -16,7 +16,7 @@ using plan_mesh::Mesh;
 using plan_mesh::MeshSize;
 using Texts = std::vector<std::string>;
 
-// Linear in every coordinate, so that interpolation in prisms with level faces is exact.
+// Linear in every coordinate, so that the interpolation is exact.
 double plane(double x, double y, double z) {
     return 3 * x - 2 * y + 5 * z;
 }
@@ -35,8 +35,8 @@ protected:
             values.push_back(plane(mesh.x[i], mesh.y[i], mesh.z[i]));
     }
 
-    // Messages go into lists from here on instead of ending the run.
-    void listen() {
+    // Collects the messages of later calls, which then do not end the run.
+    void collectMessages() {
         setErrorCallback([this](std::string_view text) { errors.emplace_back(text); });
         setWarnCallback([this](std::string_view text) { warnings.emplace_back(text); });
     }
@@ -46,14 +46,15 @@ protected:
         EXPECT_EQ(std::exchange(warnings, {}), expectedWarnings);
     }
 
-    // Results of a call, and its messages: an error, the fallback with a warning, and without.
-    void ask(const std::string& what, const std::function<double()>& call) {
+    // Adds results and messages of a call: as an error, and with the fallback with and without a
+    // warning.
+    void add(const std::string& what, const std::function<double()>& call) {
         report << what << "\n";
         for (const auto& [fallback, warns] :
              {std::pair{false, true}, {true, true}, {true, false}}) {
             setNearestFallback(fallback);
             setWarnOnFallback(warns);
-            EXPECT_FALSE(pointInElement3D(1, 0, 0, 9)); // leaves messages and settings unchanged
+            EXPECT_FALSE(pointInElement3D(1, 0, 0, 9)); // no message, same settings afterwards
             report << "  " << call() << "\n";
             for (const std::string& text : std::exchange(errors, {})) report << text << "\n";
             for (const std::string& text : std::exchange(warnings, {}))
@@ -74,7 +75,7 @@ TEST_F(Search, FindsThePointsOfAllElements) {
         use(makeMesh({.blocks = blocks, .layers = 4}, random()));
         const auto nodes = static_cast<std::size_t>(mesh.nodesPerElement);
         for (std::int32_t e = 1; e <= mesh.elementCount; ++e) {
-            // A mean of three corners of each face lies inside, whatever the weights.
+            // A weighted mean of three corners of each face is inside.
             std::vector<double> xs(nodes), ys(nodes), zs(nodes);
             elementCoords3D(e, xs, ys, zs);
             std::vector<double> planX(nodes / 2), planY(nodes / 2);
@@ -106,12 +107,12 @@ TEST_F(Search, FindsThePointsOfAllElements) {
     }
 }
 
-// Unit squares with z = 0.25 x - 0.5 y at the bottom; the layers are 1, 1.5 or 2 high.
+// Unit squares with z = 0.25 x - 0.5 y at the bottom, and layers with thickness 1, 1.5 or 2.
 constexpr MeshSize square{.blocks = true, .columns = 2, .rows = 2, .layers = 2, .offset = 0};
 
 TEST_F(Search, PointsOnFaces) {
     use(makeMesh(square, 1));
-    // Over node 1, whose layers are 1 high.
+    // Above node 1 the layers have thickness 1.
     for (const auto& [z, element] :
          {std::pair{0.0, 1}, {0.5, 1}, {1.0, 1}, {1.0000001, 5}, {2.0, 5}}) {
         EXPECT_EQ(findElement3D(0, 0, z), element) << z;
@@ -121,29 +122,29 @@ TEST_F(Search, PointsOnFaces) {
         EXPECT_NE(runs::endingOf([=] { findElement3D(0, 0, z); }), "") << z;
 }
 
-TEST_F(Search, PointsOutsideAreErrorsOrAreMoved) {
+TEST_F(Search, PointsOutsideAreErrorsOrUseTheNearestElement) {
     use(makeMesh(square, 1));
-    listen();
+    collectMessages();
     EXPECT_EQ(findElement2DUnchecked(-1, 0.5), 0);
-    EXPECT_EQ(findNearestElement2D(1, 1), 1); // of four
+    EXPECT_EQ(findNearestElement2D(1, 1), 1); // the first of four
     const std::array<double, 4> xs{0, 1, 1, 0}, ys{0, 0, 1, 1}, four{1, 2, 3, 4};
     const std::array<double, 3> xs3{0, 1, 1}, ys3{0, 0, 1}, three{1, 2, 3};
-    EXPECT_EQ(interpQuad(xs, ys, four, 0.25, 0.5), 2.25); // cut from its first to its third corner
+    EXPECT_EQ(interpQuad(xs, ys, four, 0.25, 0.5), 2.25); // divided from corner 1 to corner 3
     EXPECT_TRUE(pointInQuad2D(xs, ys, 0.25, 0.5));
-    ask("top", [&] { return interpElementTopNoIndex(-1, 0.5, values); });
-    ask("bottom", [&] { return interpElement2DNoIndex(-1, 0.5, values); });
-    ask("in plan", [] { return findElement2D(9, 1.8); });
-    ask("in plan, by layer", [] { return findElementByLayer(-3, 1.5, 2); });
-    ask("layer 3", [] { return findElementByLayer(0.3, 1.6, 3); });
-    ask("layer 0", [] { return findElementByLayer(0.3, 1.6, 0); });
-    ask("outside", [] { return findElement3D(-5, 0.1, 2); });
-    ask("below", [] { return findElement3D(1.5, 0.5, -9); });
-    ask("above", [] { return findElement3D(1.5, 0.5, 99); });
-    ask("below an element", [&] { return interpElement3DIndex(1, 0, 0, -9, values); });
-    ask("above an element", [&] { return interpElement3DIndex(1, 0, 0, 9, values); });
-    ask("triangle", [&] { return interpTriangle(xs3, ys3, three, 0, 2); });
-    ask("quadrilateral, right", [&] { return interpQuad(xs, ys, four, 5, 0.5); });
-    ask("quadrilateral, left", [&] { return interpQuad(xs, ys, four, -0.1, 5); });
+    add("top", [&] { return interpElementTopNoIndex(-1, 0.5, values); });
+    add("bottom", [&] { return interpElement2DNoIndex(-1, 0.5, values); });
+    add("in plan", [] { return findElement2D(9, 1.8); });
+    add("in plan, by layer", [] { return findElementByLayer(-3, 1.5, 2); });
+    add("layer 3", [] { return findElementByLayer(0.3, 1.6, 3); });
+    add("layer 0", [] { return findElementByLayer(0.3, 1.6, 0); });
+    add("outside", [] { return findElement3D(-5, 0.1, 2); });
+    add("below", [] { return findElement3D(1.5, 0.5, -9); });
+    add("above", [] { return findElement3D(1.5, 0.5, 99); });
+    add("below an element", [&] { return interpElement3DIndex(1, 0, 0, -9, values); });
+    add("above an element", [&] { return interpElement3DIndex(1, 0, 0, 9, values); });
+    add("triangle", [&] { return interpTriangle(xs3, ys3, three, 0, 2); });
+    add("quadrilateral, right", [&] { return interpQuad(xs, ys, four, 5, 0.5); });
+    add("quadrilateral, left", [&] { return interpQuad(xs, ys, four, -0.1, 5); });
     sample_files::expectFile("element_search.txt", report.str());
 }
 
@@ -160,9 +161,9 @@ TEST_F(Search, GeometryOfAnElement) {
     EXPECT_EQ(barycentricCoords(xs, ys, 1, 1), (std::array<double, 3>{0.25, 0.25, 0.5}));
 }
 
-TEST_F(Search, OddNumbersStayInsideTheArrays) {
+TEST_F(Search, InvalidNumbersStayInsideTheArrays) {
     std::mt19937 random(4);
-    listen();
+    collectMessages();
     const std::int32_t oddNodes[] = {0, -1, 1000000, 2147483647, -2147483647 - 1};
     const double nan = std::numeric_limits<double>::quiet_NaN();
     for (int round = 0; round < 12; ++round) {
@@ -189,8 +190,8 @@ TEST_F(Search, OddNumbersStayInsideTheArrays) {
     }
 }
 
-TEST_F(Search, MeshesItCannotSearch) {
-    listen();
+TEST_F(Search, InvalidMeshes) {
+    collectMessages();
     Mesh sheet = makeMesh({.columns = 1, .rows = 1}, 1);
     sheet.sheetCount = 1;
     use(sheet);

@@ -22,14 +22,14 @@ void init(FixedResGrid& grid, const Mesh& mesh, std::int32_t nx, std::int32_t ny
               mesh.elementNodes);
 }
 
-std::int32_t firstThatHolds(const FixedResGrid& grid, double x, double y) {
+std::int32_t firstContaining(const FixedResGrid& grid, double x, double y) {
     for (std::int32_t e = 1; e <= grid.elementCount; ++e)
         if (grid.pointIn(e, x, y)) return e;
     return 0;
 }
 
-// Corners of the mesh, middles between them, places anywhere, and the ends of the lattice.
-std::vector<std::array<double, 2>> places(const FixedResGrid& grid, std::mt19937& random) {
+// Returns nodes of the mesh, points between them, points anywhere, and the corners of the grid.
+std::vector<std::array<double, 2>> points(const FixedResGrid& grid, std::mt19937& random) {
     std::uniform_real_distribution<double> x(grid.xmin - 0.5, grid.xmax + 0.5);
     std::uniform_real_distribution<double> y(grid.ymin - 0.5, grid.ymax + 0.5);
     std::vector<std::array<double, 2>> found{{grid.xmin, grid.ymin},
@@ -44,14 +44,15 @@ std::vector<std::array<double, 2>> places(const FixedResGrid& grid, std::mt19937
     return found;
 }
 
-// A record of another type asks about every element of the cell.
+// A derived record tests every element of the cell.
 struct Plain : FixedResGrid {};
 
 constexpr double oddCoordinates[] = {nan, infinity, -infinity, 1e308, -1e308, 1e200};
 constexpr std::int32_t oddNodes[] = {0, -1, 1000000, 2147483647, -2147483647 - 1};
 
-// Coinciding nodes, nodes on a line, elements with other nodes, values and sizes of any magnitude.
-void becomeOdd(Mesh& mesh, std::mt19937& random) {
+// Gives the mesh nodes with the same position, nodes on a line, elements with other nodes, and
+// values and sizes of any magnitude.
+void distort(Mesh& mesh, std::mt19937& random) {
     const auto any = [&] { return random() % (mesh.x.size() / 2); };
     for (int i = 0; i < 12; ++i) {
         const auto a = any(), b = any(), c = any();
@@ -74,30 +75,30 @@ void becomeOdd(Mesh& mesh, std::mt19937& random) {
     for (double& y : mesh.y) y *= size;
 }
 
-TEST(FixedResolutionGrid, FindsTheFirstOfAllElementsThatHoldAPlace) {
+TEST(FixedResolutionGrid, FindsTheFirstElementThatContainsAPoint) {
     std::mt19937 random(1);
     const std::array<std::int32_t, 2> sizes[] = {{1, 1}, {0, -3}, {7, 3}, {40, 50}, {2, 1000}};
     for (int round = 0; round < 500; ++round) {
         const bool odd = round >= 40;
         Mesh mesh =
             makeMesh({round % 2 == 0, 7, 6, 1, round % 3 * 0.2, odd ? 0 : round & 4}, random());
-        if (odd) becomeOdd(mesh, random);
+        if (odd) distort(mesh, random);
         FixedResGrid grid;
         Plain plain;
         const auto [nx, ny] = sizes[round % 5];
         init(grid, mesh, nx, ny);
         init(plain, mesh, nx, ny);
         ASSERT_EQ(std::pair(grid.nx, grid.ny), std::pair(std::max(nx, 1), std::max(ny, 1)));
-        for (const auto [x, y] : places(grid, random))
+        for (const auto [x, y] : points(grid, random))
             ASSERT_EQ(grid.findElement(x, y),
-                      odd ? plain.findElement(x, y) : firstThatHolds(grid, x, y))
+                      odd ? plain.findElement(x, y) : firstContaining(grid, x, y))
                 << round << ": " << x << ", " << y;
         for (const std::int32_t element : oddNodes) EXPECT_FALSE(grid.pointIn(element, 1, 1));
     }
 }
 
 TEST(FixedResolutionGrid, TableListsCellsInOrder) {
-    // Two squares side by side, of which the first ends on the border of the two cells.
+    // Two squares; the edge between them is the border of the two cells.
     const std::vector<double> x{0, 1, 2, 0, 1, 2}, y{0, 0, 0, 1, 1, 1};
     const std::vector<std::int32_t> nodes{1, 2, 5, 4, 1, 2, 5, 4, 2, 3, 6, 5, 2, 3, 6, 5};
     FixedResGrid grid;
@@ -117,8 +118,8 @@ TEST(FixedResolutionGrid, TableListsCellsInOrder) {
     EXPECT_EQ(copy.findElement(0.5, 0.5), 1);
 }
 
-TEST(FixedResolutionGrid, PlacesInTriangles) {
-    // An edge has one side in the first winding and the other in the second.
+TEST(FixedResolutionGrid, PointsInTriangles) {
+    // A point on an edge is in the anticlockwise triangle only.
     struct Case {
         double x, y;
         bool anticlockwise, clockwise;
@@ -131,22 +132,22 @@ TEST(FixedResolutionGrid, PlacesInTriangles) {
     }
 }
 
-struct Asking : FixedResGrid {
-    mutable std::vector<std::int32_t> asked;
+struct Recording : FixedResGrid {
+    mutable std::vector<std::int32_t> tested;
     bool pointIn(std::int32_t element, double, double) const override {
-        asked.push_back(element);
+        tested.push_back(element);
         return element == 5;
     }
 };
 
-TEST(FixedResolutionGrid, AsksTheInsideTestOfTheRecordAboutAllOfTheCell) {
-    Asking grid;
+TEST(FixedResolutionGrid, ADerivedRecordTestsAllElementsOfTheCell) {
+    Recording grid;
     init(grid, makeMesh({.columns = 4, .rows = 1, .offset = 0}, 1), 1, 1);
     EXPECT_EQ(grid.findElement(3.75, 0.25), 5);
-    EXPECT_EQ(grid.asked, (std::vector<std::int32_t>{1, 2, 3, 4, 5}));
+    EXPECT_EQ(grid.tested, (std::vector<std::int32_t>{1, 2, 3, 4, 5}));
 }
 
-TEST(FixedResolutionGrid, CapsOnlyTheUpperEnds) {
+TEST(FixedResolutionGrid, ElementsWithoutExtentAtTheUpperEdgeAreInNoCell) {
     // The second triangle has no extent in x and is at the upper edge.
     const std::vector<double> x{0, 1, 0, 1, 1}, y{0, 0, 1, 1, 0.5};
     const std::vector<std::int32_t> nodes{1, 2, 3, 1, 2, 3, 2, 4, 5, 2, 4, 5};
@@ -180,7 +181,7 @@ TEST(FixedResolutionGrid, MeshesWithoutExtent) {
     }
 }
 
-TEST(FixedResolutionGrid, WhatItCannotDoEndsTheRun) {
+TEST(FixedResolutionGrid, InvalidArgumentsEndTheRun) {
     FixedResGrid grid;
     for (const auto& [nx, nodes, message] :
          {std::tuple{10, 4, "Fixed resolution grid expects prism or block elements."},

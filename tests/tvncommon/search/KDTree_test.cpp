@@ -19,8 +19,8 @@ constexpr double largest = std::numeric_limits<double>::max();
 
 enum class Kind { anywhere, lattice, alike, oneDimension, notAllNumbers };
 
-// Coordinates of points and of places to search at; on the lattice many coincide and many are
-// equally far.
+// Returns points of the tree or of a search. On the lattice many points are equal and many have the
+// same distance.
 template<std::size_t D>
 std::vector<Point<D>> makePoints(Kind kind, std::size_t count, std::mt19937& random) {
     std::uniform_real_distribution<double> anywhere(-1, 1);
@@ -44,16 +44,16 @@ double square(const Point<D>& a, const Point<D>& b) {
     return sum;
 }
 
-// Every query at one place against a plain loop over all points.
+// Compares every query at a point with a loop over all points.
 template<std::size_t D>
 void checkQueries(const Tree<D>& tree, const std::vector<Point<D>>& points, const Point<D>& at,
                   double radius) {
     std::vector<std::int32_t> indices;
     std::int32_t count = -1, index = -1;
-    const auto expectAll = [&](const auto& thatHold) {
+    const auto expectPointsWith = [&](const auto& property) {
         std::vector<std::int32_t> expected;
         for (std::size_t i = 0; i < points.size(); ++i)
-            if (thatHold(points[i])) expected.push_back(static_cast<std::int32_t>(i) + 1);
+            if (property(points[i])) expected.push_back(static_cast<std::int32_t>(i) + 1);
         indices.resize(static_cast<std::size_t>(count));
         std::ranges::sort(indices);
         EXPECT_EQ(indices, expected);
@@ -62,13 +62,14 @@ void checkQueries(const Tree<D>& tree, const std::vector<Point<D>>& points, cons
         return i < 1 ? largest : square(points[static_cast<std::size_t>(i) - 1], at);
     };
     tree.exactSearch(at, indices, count);
-    expectAll([&](const Point<D>& p) { return p == at; });
+    expectPointsWith([&](const Point<D>& p) { return p == at; });
     tree.radiusSearch(at, radius, indices, count);
-    expectAll([&](const Point<D>& p) { return radius >= 0 && square(p, at) <= radius * radius; });
+    expectPointsWith(
+        [&](const Point<D>& p) { return radius >= 0 && square(p, at) <= radius * radius; });
     Box<D> box{at, at};
     for (double& upper : box.upper) upper += radius;
     tree.rangeSearch(box, indices, count);
-    expectAll([&](const Point<D>& p) {
+    expectPointsWith([&](const Point<D>& p) {
         bool inside = true;
         for (std::size_t d = 0; d < D; ++d)
             inside = inside && box.lower[d] <= p[d] && p[d] <= box.upper[d];
@@ -86,7 +87,8 @@ void checkQueries(const Tree<D>& tree, const std::vector<Point<D>>& points, cons
     EXPECT_EQ(squareTo(index), nearest);
     tree.nearestNeighborSearchWithTies(at, indices, count, distance);
     EXPECT_EQ(distance, std::sqrt(nearest));
-    expectAll([&](const Point<D>& p) { return nearest < largest && square(p, at) == nearest; });
+    expectPointsWith(
+        [&](const Point<D>& p) { return nearest < largest && square(p, at) == nearest; });
     for (const std::size_t n : {0U, 1U, 5U, 1000U}) {
         std::vector<double> distances(n);
         indices.resize(n);
@@ -102,7 +104,8 @@ void checkQueries(const Tree<D>& tree, const std::vector<Point<D>>& points, cons
     }
 }
 
-// Every split parts a range in two, and no limit is broken. Children come after their parent.
+// Expects that every split divides a range in two, that the limits hold, and that children come
+// after their parent.
 template<std::size_t D>
 void checkShape(const Tree<D>& tree) {
     std::vector<std::int32_t> depths(tree.nodes.size());
@@ -152,7 +155,7 @@ void checkTree(Kind kind, std::size_t count, std::optional<std::int32_t> leafSiz
             checkQueries<D>(tree, points, at, radius);
 }
 
-TEST(KDTree, EveryQueryAgreesWithAPlainLoop) {
+TEST(KDTree, EveryQueryEqualsALoopOverAllPoints) {
     std::mt19937 random(1);
     for (const Kind kind :
          {Kind::anywhere, Kind::lattice, Kind::alike, Kind::oneDimension, Kind::notAllNumbers})
@@ -189,10 +192,10 @@ TEST(KDTree, DefaultsAndLimits) {
     }
 }
 
-TEST(KDTree, TheFirstOfEqualDistancesComesFirst) {
+TEST(KDTree, EqualDistancesAreInTheOrderOfThePoints) {
     KDTree2D tree;
     const std::vector<double> points{3, 0, 1, 0, 0, -1, -1, 0, 0, 1};
-    tree.init2(points, {}, 0); // a single leaf, so that the order is that of the points
+    tree.init2(points, {}, 0); // one leaf, so that the order is that of the points
     std::array<double, 3> distances;
     std::array<std::int32_t, 3> indices;
     std::int32_t found = 0;
@@ -203,12 +206,12 @@ TEST(KDTree, TheFirstOfEqualDistancesComesFirst) {
     EXPECT_EQ(found, 2);
 }
 
-TEST(KDTree, PivotsComeFromTheirRange) {
+TEST(KDTree, PivotsAreInTheirRange) {
     std::vector<double> points(4000, 4.5);
     for (std::size_t i = 0; i < 10; ++i) points[2 * (995 + i)] = 2 * static_cast<double>(i);
     for (std::uint64_t k = 0; k < 50; ++k) {
         KDTree2D tree;
-        tree.init2(points, {}, 0); // a single leaf, so that the order is that of the points
+        tree.init2(points, {}, 0); // one leaf, so that the order is that of the points
         tree.random = {~k, k};     // the next number rounds up to the position after the range
         const std::int32_t cut = tree.medianCut(996, 1005, 1);
         const double value = tree.getValueXY(tree.getPoint(cut), 1);

@@ -5,8 +5,9 @@
 #include <random>
 #include <vector>
 
-// Layered meshes for the tests of the toolkit: nodes near a square lattice of spacing 1, triangles
-// or quadrilaterals of both windings, some left out, in layers of changing height.
+// Layered meshes for the tests of the toolkit: nodes near a square lattice of spacing 1, and
+// triangles or quadrilaterals with clockwise or counterclockwise corners, in layers of varying
+// thickness.
 namespace plan_mesh {
 
 struct Mesh {
@@ -21,7 +22,7 @@ struct MeshSize {
     bool blocks = false;
     int columns = 6, rows = 5, layers = 1;
     double offset = 0.3; // of a node in plan, at most
-    int holes = 0;       // one element in so many is left out
+    int holes = 0;       // one of this number of plan elements is omitted; 0: none
 };
 
 inline Mesh makeMesh(const MeshSize& size, std::mt19937::result_type seed) {

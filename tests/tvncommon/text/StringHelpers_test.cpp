@@ -58,7 +58,7 @@ TEST(StringHelpers, NumbersAndTexts) {
 
 TEST(ArrayHelpers, PushbackGrowsByHalf) {
     Integers a, capacities;
-    std::int32_t count = 4; // of no meaning before there is an array
+    std::int32_t count = 4; // ignored for an empty array
     for (std::int32_t i = 0; i < 19; ++i) {
         ArrayHelpers::pushback(i, count, a);
         ASSERT_EQ(count, i + 1);
@@ -68,11 +68,11 @@ TEST(ArrayHelpers, PushbackGrowsByHalf) {
     }
     EXPECT_EQ(capacities, (Integers{1, 2, 3, 5, 8, 12, 18, 27}));
     Texts texts{"a text too long for the record of a string"};
-    ArrayHelpers::pushback(texts[0], count = 1, texts); // out of the array that moves
+    ArrayHelpers::pushback(texts[0], count = 1, texts); // an entry of the array itself
     EXPECT_EQ(texts[1], texts[0]);
 }
 
-TEST(ArrayHelpers, ArraysOfTheSameSizeKeepWhatIsNotFilled) {
+TEST(ArrayHelpers, ArraysOfTheSameSizeKeepTheirEntriesWithoutFill) {
     Integers a{1, 2};
     ArrayHelpers::allocate(2, a);
     EXPECT_EQ(a, (Integers{1, 2}));
@@ -101,7 +101,7 @@ TEST(ArrayHelpers, FailedAllocationsNameTheArray) {
     sample_files::expectFile("failed_allocations.txt", report);
 }
 
-TEST(Utils, NumbersWiderThanAnyFormatEndTheRun) {
+TEST(Utils, WidthsAboveTheMaximumEndTheRun) {
     EXPECT_EQ(utils::zeroPaddedIntString(7, 256), std::string(255, '0') + "7");
     EXPECT_EQ(runs::endingOf([] { utils::zeroPaddedIntString(7, 257); }),
               "FATAL: Zero padded integer string conversion failed.");

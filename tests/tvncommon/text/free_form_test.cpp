@@ -26,7 +26,7 @@ NextLine linesOf(Texts lines) {
     };
 }
 
-// The texts between the bars, where Z means 400 zeros and @ a NUL.
+// Returns the texts between the bars. Z is replaced by 400 zeros and @ by a NUL.
 std::vector<std::string> textsOf(const std::string& list) {
     std::vector<std::string> texts(1);
     for (const char c : list)
@@ -37,7 +37,8 @@ std::vector<std::string> textsOf(const std::string& list) {
     return texts;
 }
 
-// Status and value of each text, read as a real, an integer and a word; -77 or "old" if not read.
+// Status and value of each text, read as a real, an integer or a word. The value is -77 or "old" if
+// it is not changed.
 TEST(FreeForm, Items) {
     std::ostringstream report;
     const auto add = [&](const std::string& text, int status, const auto& value) {
@@ -71,14 +72,14 @@ TEST(FreeForm, Items) {
     sample_files::expectFile("free_form.txt", report.str());
 }
 
-// Just above half way between two floats, by less than a double can hold.
+// The text is above the middle between two floats by less than the precision of a double.
 TEST(FreeForm, SinglePrecisionIsRoundedOnce) {
     float value = 0;
     EXPECT_EQ(readReal("1.00000005960464477539062500000001", value), 0);
     EXPECT_EQ(value, std::nextafter(1.0F, 2.0F));
 }
 
-TEST(FreeForm, ReadsBackWhatAnotherRouteHasWritten) {
+TEST(FreeForm, ReadsTheNumbersOfSnprintf) {
     std::mt19937_64 bits(20240531);
     for (int i = 0; i < 20000; ++i) {
         double expected = 0;
@@ -94,7 +95,7 @@ TEST(FreeForm, ReadsBackWhatAnotherRouteHasWritten) {
     }
 }
 
-TEST(FreeForm, ItemsRunOverLines) {
+TEST(FreeForm, ItemsContinueOnTheNextLines) {
     struct Case {
         Texts lines;
         int status;
@@ -123,7 +124,7 @@ TEST(FreeForm, ItemsRunOverLines) {
     const NextLine lines = linesOf({"1 2 3", "4", "5 6"});
     std::array<double, 2> values{};
     EXPECT_EQ(readReals(lines, values), 0);
-    EXPECT_EQ(readReals(lines, values), 0); // what was left of the first line is lost
+    EXPECT_EQ(readReals(lines, values), 0); // the rest of the first line is skipped
     EXPECT_EQ(values, (std::array<double, 2>{4, 5}));
     EXPECT_EQ(readReals(lines, values), endOfFile);
 }

@@ -28,15 +28,15 @@ TEST(WideReal, Layout) {
         {Limits::quiet_NaN(), "                       NaN"},
         {-Limits::infinity(), "                 -Infinity"},
         {Limits::infinity(), "                  Infinity"},
-        // The form follows the rounded value.
+        // The rounded value decides the notation.
         {std::nextafter(1e17, 0), "   99999999999999984.     "},
         {1e17, "  0.10000000000000000E+018"},
-        // Below the power of ten by less than half a unit: the digits carry into the next decade.
+        // Below the power of ten by less than half a unit: rounded up to the next decade.
         {1e-305, "  0.10000000000000000E-304"},
-        // Ties go to the even digit.
+        // Ties are rounded to the even digit.
         {65.0000152587890625, "   65.000015258789062     "},
         {0x1p-25, "  0.29802322387695312E-007"},
-        // These miss a tie by less than 2^-62 of the last digit, on either side.
+        // These differ from a tie by less than 2^-62 of the last digit, on both sides.
         {std::bit_cast<double>(0x4d63de005bd620df), "  0.65383113159393268E+065"},
         {std::bit_cast<double>(0x4d73de005bd620df), "  0.13076622631878654E+066"},
         {std::bit_cast<double>(0x0d17c0747bd76fa1), "  0.13588129002659584E-244"}};

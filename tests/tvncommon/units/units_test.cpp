@@ -23,7 +23,7 @@ TEST_F(Units, SystemsByHandle) {
         EXPECT_EQ(handle(system), h);
         EXPECT_TRUE(equalsComp(system, {h}) && notEqualsComp(system, {h + 1}));
         setBaseUnits(h);
-        // What the name says must be what the labels show.
+        // The labels must have the units of the name.
         const std::string name = toString(system), length = getDerivedUnit("L");
         EXPECT_EQ(length, name.starts_with("kilogram-centimeter-") ? "cm" : "m");
         const std::string time = name.substr(name.rfind('-') + 1);
@@ -86,7 +86,7 @@ TEST_F(Units, LabelsGrowByOneFactor) {
     EXPECT_EQ(label, "(kg m^-3");
 }
 
-TEST_F(Units, ValuesFromSIToASystem) {
+TEST_F(Units, ConversionFromSI) {
     const SIUnits length{.length = 1}, time{.time = 1};
     const SIUnits density = divide(SIUnits{.mass = 1}, power_int(length, 3));
     const SIUnits manning = multiply(time, power_real_dr(length, -1.0 / 3));
@@ -134,7 +134,7 @@ TEST_F(Units, SystemsInFiles) {
     io_layer::reset();
 }
 
-TEST_F(Units, ExponentsThatAreNoNumbersEndTheRun) {
+TEST_F(Units, InvalidExponentsEndTheRun) {
     for (const char* expression : {"L^x", "L^2^3", "L^1e99", "L^\xff", "L^\r"})
         EXPECT_THAT(runs::endingOf([&] { parseUnits(expression); }),
                     testing::HasSubstr("Error number: "));
