@@ -1,12 +1,14 @@
 #!/usr/bin/env bash
 # Builds meshrake, makes a sample problem in demo-problem and writes its plot files: as text, then as
-# binary data sets with comparisons with observations. A storm of seven hours raises the stream and
-# washes nitrate off a field; the plume moves down to the stream, which carries it to the outlet.
+# binary data sets, with an index for ParaView and comparisons with observations. A storm of seven
+# hours raises the stream and washes nitrate off a field; the plume moves down to the stream, which
+# carries it to the outlet.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
 
-tools/install_packages.sh
-tools/build.sh release --target meshrake --target make_problem -DMESHRAKE_TESTS=OFF
+tools/install_packages.sh tool
+tools/build.sh release --target meshrake --target meshrake_tool --target make_problem \
+    -DMESHRAKE_TESTS=OFF
 
 # A control file or results of another day would change what the demo shows.
 problem=demo-problem
@@ -32,6 +34,7 @@ request 'compare heads 3d domain' 3
 request 'compare depth to gw table' 0
 request 'compare surface water depth' 3
 run
+build/companion/meshrake-tool xdmf -o "$problem/catchment.xdmf" "$problem"/catchmento.*.szplt
 
 zones() { grep -c '^ZONE ' "$1"; }
 variables() { sed -n '/^VARIABLES = /{s/[^,]//g;p;q}' "$1" | wc -c; }
@@ -51,8 +54,8 @@ for file in "$problem"/catchmento.compare_*.dat; do
 done
 cat <<EOM
 Log      $problem/catchmento.meshrake.eco
-Open     the .dat files with Tecplot ("Load Data"). ParaView ("Tecplot Reader") shows the first
-         time of pm, dual, olf and frac: take its first block only, see README.md.
 Change   $problem/catchment.plot.control says what is written. Then, in $problem, run
          ../build/meshrake/meshrake. (This script recreates the folder.)
+Open     $problem/catchment.xdmf in ParaView ("XDMF Reader"): all domains at all times.
+         Tecplot opens the .dat files ("Load Data").
 EOM

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Installs the packages that a build needs and that are missing, or says what to install.
 #
-#   tools/install_packages.sh [tool] [tests] [bench] [fuzz] [valgrind] [paraview]
+#   tools/install_packages.sh [tool] [tests] [bench] [fuzz] [valgrind] [paraview] [pictures]
+#                               [parallel]
 #
 # Changes nothing if all packages are installed. It installs as root, or with a sudo that asks for
 # no password; otherwise it ends with status 1.
@@ -40,7 +41,17 @@ missing_packages() {
                 echo "libclang-rt-$(clang++ -dumpversion | cut -d. -f1)-dev"
             fi
             ;;
-        paraview) has_command pvbatch || echo paraview ;;
+        paraview)
+            has_command pvbatch || echo paraview
+            # pvbatch starts without its Python modules, but cannot run a script.
+            [ -d /usr/lib/python3/dist-packages/paraview ] || echo python3-paraview
+            ;;
+        parallel) has_command parallel || echo parallel ;;
+        pictures)
+            has_command Xvfb || echo xvfb
+            has_command xauth || echo xauth
+            /usr/bin/python3 -c 'import matplotlib' 2>/dev/null || echo python3-matplotlib
+            ;;
         valgrind) has_command valgrind || echo valgrind ;;
         *)
             echo "install_packages.sh: no group of packages \"$group\"" >&2

@@ -1,10 +1,11 @@
-"""Runs the commands of a page in an empty folder, as one shell session.
+"""Runs the commands of a page in an empty folder, each block in a shell of its own.
 
     page_test.py PAGE PYTHON_FOLDER PROGRAM...
 
 Runs each fenced block of `sh` and `python` in turn; all must succeed. Each line of a block of
 `text` must be in what the block before it printed; a line of dots stands for any lines. A block
-that begins with "# needs PROGRAM" is left out where that program is not installed.
+that begins with "# needs PROGRAM" is left out where that program is not installed. A comment
+<!-- run: COMMAND --> is run like a block.
 """
 
 import os
@@ -21,8 +22,8 @@ PROGRAMS = [os.path.abspath(path) for path in sys.argv[3:]]
 
 def blocks():
     text = PAGE.read_text()
-    for match in re.finditer(r"(?ms)^```(\w+)\n(.*?)^```$", text):
-        yield text.count("\n", 0, match.start()) + 1, match[1], match[2]
+    for match in re.finditer(r"(?ms)^```(\w+)\n(.*?)^```$|^<!-- run: (.*?) -->$", text):
+        yield text.count("\n", 0, match.start()) + 1, match[1] or "sh", match[2] or match[3]
 
 
 def run(kind, code, folder, environment):
