@@ -6,7 +6,8 @@ namespace commands {
 
 namespace {
 
-constexpr std::array<Command, 2> table{{
+constexpr std::array<Command, 3> table{{
+    {"check", "Report what a run would do, and what would go wrong", addCheck},
     {"print", "Print a binary data set as text", addPrint},
     {"xdmf", "Write an index of binary data sets, with which a viewer shows all output times",
      addXdmf},

@@ -1,0 +1,381 @@
+#include "companion/check/control.hpp"
+
+#include "companion/check/nearest_words.hpp"
+#include "meshrake/model/file_names.hpp"
+#include "meshrake/model/run_state.hpp"
+#include "meshrake/plot_control/control_reading.hpp"
+#include "meshrake/plot_control/control_source.hpp"
+#include "meshrake/plot_control/control_template.hpp"
+#include "meshrake/plot_control/control_text.hpp"
+#include "meshrake/plot_control/instruction_table.hpp"
+#include "meshrake/plot_data/data_set.hpp"
+#include "tvncommon/io/file_units.hpp"
+#include "tvncommon/io/io_layer.hpp"
+#include "tvncommon/text/StringHelpers.hpp"
+#include "tvncommon/text/free_form.hpp"
+
+#include <algorithm>
+#include <optional>
+
+namespace check {
+
+using model::Domain;
+using plot_control::InstructionRow;
+using plot_control::LineUse;
+using plot_control::Section;
+
+namespace {
+
+struct ControlLine {
+    std::string file;
+    int number = 0;
+    std::string text;
+    std::string folded;         // as it is compared: at most 60 characters, lower case
+    std::optional<LineUse> use; // as the reader of the run reported it
+    bool isValue = false;       // read by the instruction before it
+    bool isAnywhere = false;    // an instruction that may be in any block, or its values
+};
+
+// The control text of the run that is examined. The functions of the source have no other argument.
+struct ControlText {
+    std::vector<ControlLine> lines;
+    std::size_t next = 0;       // line to read next
+    bool inInstruction = false; // the lines that are read hold values
+};
+ControlText text;
+
+int readLine(std::string& line) {
+    if (text.next == text.lines.size()) return io_layer::endOfFile;
+    ControlLine& read = text.lines[text.next++];
+    read.isValue |= text.inInstruction;
+    line = read.text;
+    return io_layer::ok;
+}
+
+void rewind() {
+    text.next = 0;
+}
+
+void noteUse(LineUse use) {
+    text.lines[text.next - 1].use = use;
+    text.inInstruction = use == LineUse::instruction;
+}
+
+void valuesRead() {
+    text.inInstruction = false;
+}
+
+constexpr plot_control::ControlSource source{readLine, rewind, noteUse, valuesRead};
+
+// Lower case and 60 characters, as the reader compares it.
+std::string foldedOf(std::string_view line) {
+    std::string folded(StringHelpers::cut(line, plot_control::lineLimit));
+    StringHelpers::lcase(folded);
+    return folded;
+}
+
+std::vector<ControlLine> linesOf(Work& work, const std::string& file) {
+    std::vector<ControlLine> lines;
+    int number = 0;
+    tryStep(work, {.kind = "control_file", .file = file}, [&] {
+        const int unit = file_units::openTextRead(file);
+        for (std::string line; plot_control::nextControlLine(unit, line, number);)
+            lines.push_back({file, number, line, foldedOf(line), {}, false});
+        file_units::freeUnit(unit);
+    });
+    return lines;
+}
+
+// Replaces the lines that include a file by its lines.
+std::vector<ControlLine> withIncluded(Work& work, std::vector<ControlLine> lines) {
+    std::vector<ControlLine> all;
+    for (ControlLine& line : lines) {
+        if (!plot_control::isInclude(line.text)) {
+            all.push_back(std::move(line));
+            continue;
+        }
+        const std::string name = plot_control::includedFile(line.text);
+        bool exists = false;
+        const Outcome outcome = attempt([&] { exists = file_units::exists(name); });
+        if (exists) {
+            const std::vector<ControlLine> included = linesOf(work, name);
+            all.insert(all.end(), included.begin(), included.end());
+            continue;
+        }
+        work.report.findings.push_back({.kind = "include",
+                                        .file = line.file,
+                                        .line = line.number,
+                                        .text = outcome.ended
+                                                    ? outcome.messages.back()
+                                                    : "the file \"" + name + "\" does not exist",
+                                        .endsRun = true});
+    }
+    return all;
+}
+
+void addFinding(Work& work, std::string_view kind, const ControlLine& line, std::string sentence,
+                bool endsRun = false) {
+    work.report.findings.push_back({.kind = kind,
+                                    .file = line.file,
+                                    .line = line.number,
+                                    .text = std::move(sentence),
+                                    .endsRun = endsRun});
+}
+
+std::string quoted(std::string_view words) {
+    return "\"" + std::string(words) + "\"";
+}
+
+std::vector<std::string> instructionLines(Section section, const Domain* domain) {
+    std::vector<std::string> lines;
+    for (const InstructionRow& row : plot_control::instructionTable()) {
+        if (row.section != section) continue;
+        if (section != Section::domainBlock)
+            lines.emplace_back(row.words);
+        else if (row.domains & domain->tag)
+            lines.push_back(plot_control::instructionLine(row, domain->name));
+    }
+    return lines;
+}
+
+// Lines of a block of the domain. Those of options that no line can clear are not among them.
+std::vector<std::string> blockLines(const Domain& domain) {
+    std::vector<std::string> lines = instructionLines(Section::domainBlock, &domain);
+    for (const model::OptionRow& row : model::optionTable)
+        if (row.cleared != model::Option::none)
+            lines.push_back(model::optionLabel(row, domain.name));
+    return lines;
+}
+
+std::string blockLine(std::string_view tag) {
+    return "write " + std::string(tag) + " domain file";
+}
+
+// Tag of the domain whose block the line begins; empty for another line.
+std::string_view blockTag(std::string_view folded) {
+    for (const model::tags::TagName& name : model::tags::names)
+        if (name.tag != model::tags::addition && folded == blockLine(name.name)) return name.name;
+    return {};
+}
+
+bool contains(const std::vector<std::string>& list, const std::string& line) {
+    return std::ranges::find(list, line) != list.end();
+}
+
+// True for a line that begins or ends a section or is an instruction of one.
+bool isKnownLine(const std::string& folded) {
+    if (folded.starts_with("end") || folded.starts_with("no ")) return true;
+    if (!blockTag(folded).empty()) return true;
+    for (const InstructionRow& row : plot_control::instructionTable())
+        for (const model::tags::TagName& name : model::tags::names)
+            if (plot_control::instructionLine(row, name.name) == folded) return true;
+    return false;
+}
+
+// A value could not be read. If it was left out, the line in its place is read again; further lines
+// of values are skipped.
+void passValues() {
+    const std::size_t at = text.next - 1;
+    if (text.lines[at].isValue && isKnownLine(text.lines[at].folded)) {
+        text.lines[at].isValue = false;
+        text.next = at;
+        return;
+    }
+    double value = 0;
+    for (; text.next < text.lines.size(); ++text.next) {
+        if (free_form::readReal(text.lines[text.next].text, value) != io_layer::ok) return;
+        text.lines[text.next].isValue = true;
+    }
+}
+
+// Calls `read`, and `rest` for the rest of its section after each value that cannot be read.
+void readSection(Work& work, const std::function<void()>& read, const std::function<void()>& rest) {
+    for (bool first = true;; first = false) {
+        text.inInstruction = false;
+        const Outcome outcome = attempt(first ? read : rest);
+        Finding finding{.kind = "value", .file = work.report.controlFile};
+        if (text.next > 0) {
+            finding.file = text.lines[text.next - 1].file;
+            finding.line = text.lines[text.next - 1].number;
+        }
+        addMessages(work, outcome, finding);
+        // A failure that is not one of a value comes after the section.
+        if (!outcome.ended || !text.inInstruction || text.next == 0) return;
+        passValues();
+    }
+}
+
+// "; the nearest instruction is ..." or nothing.
+std::string nearestText(const std::string& folded, const std::vector<std::string>& lines) {
+    const std::string found = nearest(folded, lines);
+    return found.empty() ? "" : "; the nearest instruction is " + quoted(found);
+}
+
+// Where a line that is not an instruction of its section would be one.
+std::string placeOf(const ControlLine& line) {
+    if (contains(instructionLines(Section::first, nullptr), line.folded))
+        return "it belongs into the first section, before the first \"end\"";
+    if (contains(instructionLines(Section::afterFirst, nullptr), line.folded))
+        return "it belongs after the first section";
+    for (const model::tags::TagName& name : model::tags::names) {
+        Domain domain;
+        domain.name = name.name;
+        domain.tag = name.tag;
+        if (contains(blockLines(domain), line.folded))
+            return "it belongs into a block " + quoted(blockLine(name.name));
+    }
+    return {};
+}
+
+void reportUnrecognized(Work& work, const ControlLine& line, const std::string& section,
+                        const std::vector<std::string>& known) {
+    const std::string begin = quoted(line.text) + " is not an instruction of " + section;
+    const std::string place = placeOf(line);
+    addFinding(work, "unknown_instruction", line,
+               place.empty() ? begin + " and is skipped" + nearestText(line.folded, known)
+                             : begin + " and is skipped: " + place);
+}
+
+struct SectionTexts {
+    std::string name;
+    std::vector<std::string> known;
+    bool isFirst = false;
+};
+
+// Reports the lines of a section from `begin` on that have no effect, and that it has no end.
+void reportSection(Work& work, std::size_t begin, const SectionTexts& section) {
+    for (std::size_t i = begin; i < text.lines.size(); ++i) {
+        const ControlLine& line = text.lines[i];
+        if (line.isValue || line.isAnywhere) continue;
+        if (line.use == LineUse::sectionEnd) return;
+        if (!blockTag(line.folded).empty())
+            return addFinding(work, "no_end", line,
+                              section.name + " has no \"end\" before this line" +
+                                  (section.isFirst ? ", so the block is not found" : ""));
+        if (line.use == LineUse::unrecognized)
+            reportUnrecognized(work, line, section.name, section.known);
+    }
+    if (text.lines.empty()) return;
+    addFinding(work, "no_end", text.lines.back(),
+               section.name + " has no \"end\"" +
+                   (section.isFirst ? ", so no domain is written" : ""));
+}
+
+void readFirstSection(Work& work) {
+    readSection(work, plot_control::readPlotControlInit, plot_control::readPlotControlInit);
+    reportSection(work, 0, {"the first section", instructionLines(Section::first, nullptr), true});
+}
+
+// Index of the line after the first section.
+std::size_t afterFirstSection() {
+    const auto ends = [](const ControlLine& line) { return line.use == LineUse::sectionEnd; };
+    const auto end = std::ranges::find_if(text.lines, ends);
+    return static_cast<std::size_t>(end - text.lines.begin()) + (end == text.lines.end() ? 0 : 1);
+}
+
+void readAnywhere(Work& work) {
+    Domain& addition = work.domains.addition;
+    readSection(
+        work, [&] { plot_control::readPlotControl(addition); },
+        [&] { plot_control::readRest(addition); });
+    for (std::size_t i = afterFirstSection(); i < text.lines.size(); ++i)
+        text.lines[i].isAnywhere =
+            text.lines[i].use == LineUse::instruction || text.lines[i].isValue;
+}
+
+// The block that a run reads is the first one.
+std::size_t blockBegin(const Domain& domain) {
+    const auto begins = [&](const ControlLine& line) {
+        return line.use == LineUse::blockBegin && line.folded == domain.writeDomain.label;
+    };
+    return static_cast<std::size_t>(std::ranges::find_if(text.lines, begins) - text.lines.begin());
+}
+
+void readBlockOf(Work& work, Domain& domain) {
+    readSection(
+        work, [&] { plot_control::readPlotControl(domain); },
+        [&] { plot_control::readRest(domain); });
+    const std::size_t begin = blockBegin(domain);
+    if (!domain.exists || begin == text.lines.size()) return;
+    reportSection(work, begin + 1,
+                  {"the block " + quoted(domain.writeDomain.label), blockLines(domain), false});
+}
+
+bool isInProblem(Work& work, std::string_view tag) {
+    for (const Domain* domain : run::processingOrder(work.domains))
+        if (domain->exists && domain->name == tag) return true;
+    return false;
+}
+
+bool isDamaged(const Work& work, std::string_view tag) {
+    return std::ranges::find(work.report.domains, tag, &DomainReport::tag) !=
+           work.report.domains.end();
+}
+
+void reportSkippedBlock(Work& work, const ControlLine& line, std::string_view tag) {
+    if (isInProblem(work, tag))
+        addFinding(work, "second_block", line,
+                   "an earlier block is that of the domain, so this one is skipped");
+    else if (!isDamaged(work, tag))
+        addFinding(work, "no_such_domain", line,
+                   "the problem has no domain " + std::string(tag) + ", so the block is skipped");
+}
+
+// Lines after the first section that no reader used.
+void reportOutside(Work& work) {
+    std::vector<std::string> known = instructionLines(Section::afterFirst, nullptr);
+    for (const model::tags::TagName& name : model::tags::names)
+        if (name.tag != model::tags::addition) known.push_back(blockLine(name.name));
+    bool inSkippedBlock = false;
+    for (std::size_t i = afterFirstSection(); i < text.lines.size(); ++i) {
+        const ControlLine& line = text.lines[i];
+        if (line.use == LineUse::blockBegin) inSkippedBlock = false;
+        if (line.use || line.isValue) continue;
+        const bool isTimeSeries = line.folded == plot_control::timeSeriesLine;
+        if (const std::string_view tag = blockTag(line.folded); !tag.empty())
+            reportSkippedBlock(work, line, tag);
+        else if (!inSkippedBlock && !isTimeSeries && !line.folded.starts_with("end"))
+            reportUnrecognized(work, line, "the text outside of blocks", known);
+        // A misspelt first line of a block is reported alone.
+        if (line.folded.starts_with("write ")) inSkippedBlock = true;
+        if (line.folded.starts_with("end")) inSkippedBlock = false;
+    }
+}
+
+// The lines that have an effect, each with its values.
+void listSelections(Work& work) {
+    for (const ControlLine& line : text.lines) {
+        std::vector<std::string>& selections = work.report.selections;
+        if (line.isValue) {
+            if (!selections.empty()) selections.back() += "  " + line.text;
+        } else if (line.use == LineUse::instruction || line.use == LineUse::option ||
+                   line.use == LineUse::blockBegin) {
+            selections.push_back(line.text);
+            work.requestLines.try_emplace(line.folded, FileLine{line.file, line.number});
+        }
+    }
+}
+
+} // namespace
+
+void readControlFile(Work& work) {
+    const std::string name = model::fileName(model::run.problemPrefix + ".plot.control");
+    tryStep(work, {.kind = "control_file"},
+            [&] { model::run.controlFileExists = file_units::exists(name); });
+    if (model::run.controlFileExists) {
+        work.report.controlFile = name;
+        text = {};
+        text.lines = withIncluded(work, linesOf(work, name));
+        model::run.controlSource = &source;
+        readFirstSection(work);
+        readAnywhere(work);
+        for (Domain* domain : run::processingOrder(work.domains)) readBlockOf(work, *domain);
+        reportOutside(work);
+        listSelections(work);
+        model::run.controlSource = nullptr;
+    }
+    plot_data::selectWriter();
+    model::run.pmPassRequired = run::pmNeededByCommonNodeDomains(work.domains);
+}
+
+} // namespace check

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "companion/check/dry_run.hpp"
+
+namespace check {
+
+// Fills the domains of the report, with their variables and the sizes of their data sets, from the
+// passes over the output times. Variables without a file at an output time are findings.
+void reportDomains(Work& work, const std::vector<DomainTrack>& tracks);
+
+// Reports output times that are not later than the one before.
+void checkTimes(Work& work);
+
+} // namespace check

@@ -1,0 +1,42 @@
+#include "companion/check/report.hpp"
+
+#include "companion/check/work.hpp"
+
+namespace check {
+
+namespace {
+
+// In the order of the enumeration.
+constexpr CellWord words[] = {{' ', "not in the plot file"},
+                              {'.', "does not change"},
+                              {'+', "present"},
+                              {'-', "missing, time 1 is shown"},
+                              {'S', "too short"},
+                              {'H', "malformed header"},
+                              {'T', "header names another type"},
+                              {'C', "header names another number of components"},
+                              {'N', "header names another number of values"},
+                              {'X', "cannot be read"}};
+
+} // namespace
+
+const CellWord& wordOf(CellState state) {
+    return words[static_cast<std::size_t>(state)];
+}
+
+void addMessages(Work& work, const Outcome& outcome, const Finding& finding) {
+    for (std::size_t i = 0; i < outcome.messages.size(); ++i) {
+        Finding added = finding;
+        added.text = outcome.messages[i];
+        added.endsRun = outcome.ended && i + 1 == outcome.messages.size();
+        work.report.findings.push_back(std::move(added));
+    }
+}
+
+bool tryStep(Work& work, const Finding& finding, const std::function<void()>& step) {
+    const Outcome outcome = attempt(step);
+    addMessages(work, outcome, finding);
+    return !outcome.ended;
+}
+
+} // namespace check

@@ -1,0 +1,85 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+// What `meshrake-tool check` found: what a run of meshrake over a problem would do, and what would
+// end it or make its plot files differ from what the modeller expects.
+namespace check {
+
+struct Finding {
+    std::string_view kind{};           // for programs, such as "missing_file"
+    std::string file{};                // empty: no single file
+    int line = 0;                      // of the file, from 1; 0: none
+    std::vector<std::int32_t> times{}; // indices of the output times; empty: of all or none
+    std::string text{};                // a sentence without full stop
+    bool endsRun = false;
+};
+
+// State of a column of a data set at an output time.
+enum class CellState : std::uint8_t {
+    notRead,         // the output time is not in the plot file
+    constant,        // does not change with time, or is computed from the mesh
+    present,         // from a file, or computed from one
+    missing,         // no file: the values of the first output time are shown
+    tooShort,        // the file has too few values
+    malformed,       // the header cannot be read
+    otherType,       // the header names another type of values
+    otherComponents, // the header names another number of components
+    otherCount,      // the header names another number of values
+    unreadable       // the file cannot be opened
+};
+struct CellWord {
+    char sign;               // in the table of variables
+    std::string_view word{}; // in its legend
+};
+const CellWord& wordOf(CellState state);
+
+// Columns of one variable with the same states.
+struct VariableReport {
+    std::vector<std::string> names{};
+    std::string file{}; // without the index of the output time; empty: computed
+    std::string type{}; // such as "real8"
+    bool ofElements = false;
+    std::vector<CellState> cells{}; // one for each entry of Report::times
+};
+
+struct DomainReport {
+    std::string tag{};
+    bool ownNodes = true; // false: the nodes are those of pm
+    bool isWritten = false;
+    std::string remark{};                 // why it is not written, or that it is damaged
+    std::int64_t nodes = 0, elements = 0; // of the mesh
+    std::int64_t writtenNodes = 0, writtenElements = 0;
+    std::string elementShape{}; // zone type of the plot file
+    std::string dataSet{};      // name of the plot file
+    std::int64_t zones = 0;     // output times in it, or added to it
+    std::int64_t bytes = 0;     // its size, or how much it grows
+    bool bytesAreExact = true;
+    std::vector<VariableReport> variables{};
+};
+
+struct TimeReport {
+    std::int32_t index = 0;
+    std::string suffix{};   // index as in file names
+    std::string text{};     // time as it is in the plot file
+    std::string file{};     // whose header has the time
+    bool isWritten = false; // false: outside the time window
+};
+
+struct Report {
+    std::string folder{}, prefix{}, title{};
+    std::string controlFile{};             // empty: all defaults
+    std::vector<std::string> selections{}; // what the control file requests, a line each
+    std::vector<DomainReport> domains{};   // that exist, in the order of the plot files
+    std::vector<TimeReport> times{};
+    std::vector<std::string> unreadFiles{}; // kinds of result files that no variable reads
+    std::int64_t bytesNeeded = 0;           // of all data sets
+    std::int64_t bytesFree = -1;            // on the disk; below 0: unknown
+    std::vector<Finding> findings{};
+};
+
+} // namespace check
