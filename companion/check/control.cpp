@@ -188,19 +188,31 @@ void passValues() {
     }
 }
 
+// The instruction whose values the line at `at` should have.
+std::string instructionBefore(std::size_t at) {
+    while (at > 0 && text.lines[at].use != LineUse::instruction) --at;
+    return quoted(text.lines[at].text);
+}
+
+// What is wrong with the values that were read last.
+std::string valueText(const std::string& message) {
+    if (!message.starts_with("Error reading")) return message;
+    const std::size_t at = text.next - 1;
+    const std::string instruction = instructionBefore(at);
+    if (!text.lines[at].isValue) return "the values of " + instruction + " are missing";
+    return quoted(text.lines[at].text) + " is not a value of " + instruction;
+}
+
 // Calls `read`, and `rest` for the rest of its section after each value that cannot be read.
 void readSection(Work& work, const std::function<void()>& read, const std::function<void()>& rest) {
     for (bool first = true;; first = false) {
         text.inInstruction = false;
         const Outcome outcome = attempt(first ? read : rest);
-        Finding finding{.kind = "value", .file = work.report.controlFile};
-        if (text.next > 0) {
-            finding.file = text.lines[text.next - 1].file;
-            finding.line = text.lines[text.next - 1].number;
-        }
-        addMessages(work, outcome, finding);
         // A failure that is not one of a value comes after the section.
-        if (!outcome.ended || !text.inInstruction || text.next == 0) return;
+        if (!outcome.ended || !text.inInstruction || text.next == 0)
+            return addMessages(work, outcome, {.kind = "control_file"});
+        addFinding(work, "value", text.lines[text.next - 1], valueText(outcome.messages.back()),
+                   true);
         passValues();
     }
 }
@@ -214,7 +226,7 @@ std::string nearestText(const std::string& folded, const std::vector<std::string
 // Where a line that is not an instruction of its section would be one.
 std::string placeOf(const ControlLine& line) {
     if (contains(instructionLines(Section::first, nullptr), line.folded))
-        return "it belongs into the first section, before the first \"end\"";
+        return "it belongs in the first section, before the first \"end\"";
     if (contains(instructionLines(Section::afterFirst, nullptr), line.folded))
         return "it belongs after the first section";
     for (const model::tags::TagName& name : model::tags::names) {
@@ -222,18 +234,17 @@ std::string placeOf(const ControlLine& line) {
         domain.name = name.name;
         domain.tag = name.tag;
         if (contains(blockLines(domain), line.folded))
-            return "it belongs into a block " + quoted(blockLine(name.name));
+            return "it belongs in a block " + quoted(blockLine(name.name));
     }
     return {};
 }
 
-void reportUnrecognized(Work& work, const ControlLine& line, const std::string& section,
+void reportUnrecognized(Work& work, const ControlLine& line, const std::string& why,
                         const std::vector<std::string>& known) {
-    const std::string begin = quoted(line.text) + " is not an instruction of " + section;
     const std::string place = placeOf(line);
     addFinding(work, "unknown_instruction", line,
-               place.empty() ? begin + " and is skipped" + nearestText(line.folded, known)
-                             : begin + " and is skipped: " + place);
+               quoted(line.text) + " " + why + " and is skipped" +
+                   (place.empty() ? nearestText(line.folded, known) : ": " + place));
 }
 
 struct SectionTexts {
@@ -253,7 +264,8 @@ void reportSection(Work& work, std::size_t begin, const SectionTexts& section) {
                               section.name + " has no \"end\" before this line" +
                                   (section.isFirst ? ", so the block is not found" : ""));
         if (line.use == LineUse::unrecognized)
-            reportUnrecognized(work, line, section.name, section.known);
+            reportUnrecognized(work, line, "is not an instruction of " + section.name,
+                               section.known);
     }
     if (text.lines.empty()) return;
     addFinding(work, "no_end", text.lines.back(),
@@ -335,7 +347,7 @@ void reportOutside(Work& work) {
         if (const std::string_view tag = blockTag(line.folded); !tag.empty())
             reportSkippedBlock(work, line, tag);
         else if (!inSkippedBlock && !isTimeSeries && !line.folded.starts_with("end"))
-            reportUnrecognized(work, line, "the text outside of blocks", known);
+            reportUnrecognized(work, line, "is outside of all blocks", known);
         // A misspelt first line of a block is reported alone.
         if (line.folded.starts_with("write ")) inSkippedBlock = true;
         if (line.folded.starts_with("end")) inSkippedBlock = false;
@@ -365,6 +377,7 @@ void readControlFile(Work& work) {
     if (model::run.controlFileExists) {
         work.report.controlFile = name;
         text = {};
+        const auto before = std::ssize(work.report.findings);
         text.lines = withIncluded(work, linesOf(work, name));
         model::run.controlSource = &source;
         readFirstSection(work);
@@ -372,6 +385,8 @@ void readControlFile(Work& work) {
         for (Domain* domain : run::processingOrder(work.domains)) readBlockOf(work, *domain);
         reportOutside(work);
         listSelections(work);
+        std::ranges::stable_sort(work.report.findings.begin() + before, work.report.findings.end(),
+                                 {}, &Finding::line);
         model::run.controlSource = nullptr;
     }
     plot_data::selectWriter();

@@ -6,12 +6,11 @@
 #include "meshrake/run/time_loop.hpp"
 #include "meshrake/variables/passes.hpp"
 #include "tvncommon/io/TVNBinaryFile.hpp"
+#include "tvncommon/io/io_layer.hpp"
 #include "tvncommon/text/StringHelpers.hpp"
 #include "tvncommon/text/free_form.hpp"
 
 #include <algorithm>
-#include <cmath>
-#include <limits>
 #include <map>
 
 namespace check {
@@ -23,14 +22,17 @@ using plot_data::VariableRow;
 
 namespace {
 
-constexpr double unknown = std::numeric_limits<double>::quiet_NaN();
+// Text of an output time whose time file has a malformed header.
+const std::string unknownTime = "unknown";
 
 // What the callback of the reader needs; it has no other argument.
 struct Current {
     Work* work = nullptr;
     DomainTrack* track = nullptr;
     std::size_t row = 0;
-    double timeStamp = unknown;              // of the output time, as in its file
+    std::string timeStamp; // of the output time, as in its file; empty if it is not known
+    // Other time stamps of files of the output time, with the files that have them.
+    std::map<std::string, std::vector<std::string>> otherStamps;
     std::map<std::int32_t, CellState> cells; // of the row, by number of the variable
     std::map<std::string, CellState> testedAtThisTime;
     bool isProbe = false; // files are only noted
@@ -47,22 +49,32 @@ bool isOfThisTime(const std::string& file) {
 }
 
 void addFaults(const std::string& file, const std::vector<FileFault>& faults) {
+    const bool isReported = run.currentTimeText == unknownTime && file == run.timeFile;
     for (const FileFault& fault : faults)
-        current.work->report.findings.push_back({.kind = fault.kind,
-                                                 .file = file,
-                                                 .times = {run.timeIndex},
-                                                 .text = fault.text,
-                                                 .endsRun = fault.endsRun});
+        if (!isReported || fault.state != CellState::malformed)
+            current.work->report.findings.push_back({.kind = fault.kind,
+                                                     .file = file,
+                                                     .times = {run.timeIndex},
+                                                     .text = fault.text,
+                                                     .endsRun = fault.endsRun});
+}
+
+bool isSameTime(const std::string& a, const std::string& b) {
+    double first = 0, second = 0;
+    return free_form::readReal(a, first) == io_layer::ok &&
+           free_form::readReal(b, second) == io_layer::ok && first == second;
 }
 
 CellState test(const ResultFile& file) {
     const VariableRow& row = variables::tableOf(*current.track->domain)[current.row];
     const bool everyTime = row.timing == plot_data::Timing::everyTime;
     const bool isFallback = everyTime && !isOfThisTime(file.name);
-    const std::vector<FileFault> faults =
-        testResultFile(file, everyTime && !isFallback ? current.timeStamp : unknown);
-    addFaults(file.name, faults);
-    if (!faults.empty() && faults.front().state != CellState::present) return faults.front().state;
+    const FileTest result = testResultFile(file);
+    addFaults(file.name, result.faults);
+    if (everyTime && !isFallback && !result.timeStamp.empty() && !current.timeStamp.empty() &&
+        !isSameTime(result.timeStamp, current.timeStamp))
+        current.otherStamps[result.timeStamp].push_back(file.name);
+    if (!result.faults.empty()) return result.faults.front().state;
     return isFallback ? CellState::missing : CellState::present;
 }
 
@@ -218,14 +230,28 @@ void laterPass(Work& work, DomainTrack& track) {
 }
 
 // The time stamp in the header of the time file, before a conversion.
-double readTimeStamp() {
-    double value = unknown;
+std::string readTimeStamp() {
+    std::string stamp;
     attempt([&] {
-        const auto header = TVNBinaryFile::parseTVNBinFileHeader(
-            TVNBinaryFile::readTVNBinFileHeader(run.timeFile), run.timeFile);
-        free_form::readReal(header.timestamp, value);
+        stamp = TVNBinaryFile::parseTVNBinFileHeader(
+                    TVNBinaryFile::readTVNBinFileHeader(run.timeFile), run.timeFile)
+                    .timestamp;
     });
-    return value;
+    return stamp;
+}
+
+void reportOtherStamps(Work& work) {
+    for (const auto& [stamp, files] : current.otherStamps)
+        work.report.findings.push_back(
+            {.kind = "other_time",
+             .file = files.front(),
+             .times = {run.timeIndex},
+             .text = "the time stamp of this file" +
+                     (files.size() > 1 ? ", and of " + std::to_string(files.size() - 1) + " more,"
+                                       : std::string()) +
+                     " is " + stamp + ", but the run takes " + current.timeStamp + " from " +
+                     run.timeFile});
+    current.otherStamps.clear();
 }
 
 // Greatest index that the digits of a file name can hold; a run with more finds the first files
@@ -250,16 +276,21 @@ void process(Work& work, std::vector<DomainTrack>& tracks, bool isFirst) {
         for (Domain* domain : run::processingOrder(work.domains))
             if (run::isProcessed(*domain)) tracks.push_back({.domain = domain});
     for (DomainTrack& track : tracks) isFirst ? firstPass(work, track) : laterPass(work, track);
+    reportOtherStamps(work);
 }
 
 // Decides what the run does at this index. After a header that cannot be read, the output time
 // counts as one to write.
 run::OutputTime nextTime(Work& work, bool& firstInWindowFound, bool anyWritten) {
     run::OutputTime time = anyWritten ? run::OutputTime::later : run::OutputTime::first;
-    const bool good =
-        tryStep(work, {.kind = "malformed_header", .file = "", .times = {run.timeIndex}},
-                [&] { time = run::nextOutputTime(firstInWindowFound); });
-    if (!good) run.currentTimeText = "unknown";
+    const Outcome outcome = attempt([&] { time = run::nextOutputTime(firstInWindowFound); });
+    if (!outcome.ended) return time;
+    run.currentTimeText = unknownTime;
+    work.report.findings.push_back({.kind = "malformed_header",
+                                    .file = run.timeFile,
+                                    .times = {run.timeIndex},
+                                    .text = malformedText(outcome.messages.back()),
+                                    .endsRun = true});
     return time;
 }
 

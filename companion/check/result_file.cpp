@@ -4,9 +4,8 @@
 #include "tvncommon/diagnostics/error.hpp"
 #include "tvncommon/io/TVNBinaryFile.hpp"
 #include "tvncommon/io/io_layer.hpp"
-#include "tvncommon/text/free_form.hpp"
 
-#include <cmath>
+#include <algorithm>
 
 namespace check {
 
@@ -37,8 +36,12 @@ struct OpenUnit {
     }
 };
 
-std::string counted(std::int64_t count, std::string_view what) {
-    return std::to_string(count) + " " + std::string(what);
+std::string counted(std::int64_t count, const std::string& what) {
+    return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
+}
+
+std::string areRead(std::int64_t count) {
+    return std::to_string(count) + (count == 1 ? " is read" : " are read");
 }
 
 // Reads the lengths of the records that a run reads. A newer file has a record for each component,
@@ -59,34 +62,27 @@ std::int64_t valuesInRecords(int unit, const ResultFile& file, bool isNewer, int
     return file.count;
 }
 
+// Faults of a newer header; the run ignores them.
 std::vector<FileFault> headerFaults(const TVNBinaryFile::BinaryHeader& header,
-                                    const ResultFile& file, double time) {
+                                    const ResultFile& file) {
     std::vector<FileFault> faults;
     const std::string_view code = wordsOf(file).code;
-    if (!header.isOldFormat) {
-        if (header.dataType != code)
-            faults.push_back({CellState::otherType, "other_type",
-                              "its header names values of type " + header.dataType + ", but " +
-                                  std::string(code) + " is read"});
-        if (header.numComponents != static_cast<std::int32_t>(file.components))
-            faults.push_back({CellState::otherComponents, "other_components",
-                              "its header names " + counted(header.numComponents, "components") +
-                                  ", but " + std::to_string(file.components) + " are read"});
-        if (header.numValues != file.count)
-            faults.push_back({CellState::otherCount, "other_count",
-                              "its header names " + counted(header.numValues, "values") +
-                                  ", but the first " + std::to_string(file.count) + " are read"});
-        if (header.byteOrder != "LE")
-            faults.push_back(
-                {CellState::otherType, "other_byte_order",
-                 "its header names the byte order " + header.byteOrder + ", but LE is read"});
-    }
-    double stamp = 0;
-    if (free_form::readReal(header.timestamp, stamp) == io_layer::ok && std::isfinite(time) &&
-        stamp != time)
-        faults.push_back({CellState::present, "other_time",
-                          "its time stamp is " + header.timestamp +
-                              ", that of the output time is " + "another"});
+    if (header.dataType != code)
+        faults.push_back({CellState::otherType, "other_type",
+                          "its header names values of type " + header.dataType + ", but " +
+                              std::string(code) + " is read"});
+    if (header.numComponents != static_cast<std::int32_t>(file.components))
+        faults.push_back({CellState::otherComponents, "other_components",
+                          "its header names " + counted(header.numComponents, "component") +
+                              ", but " + areRead(static_cast<std::int64_t>(file.components))});
+    if (header.numValues != file.count)
+        faults.push_back({CellState::otherCount, "other_count",
+                          "its header names " + counted(header.numValues, "value") + ", but " +
+                              areRead(file.count)});
+    if (header.byteOrder != "LE")
+        faults.push_back(
+            {CellState::otherType, "other_byte_order",
+             "its header names the byte order " + header.byteOrder + ", but LE is read"});
     return faults;
 }
 
@@ -97,38 +93,45 @@ FileFault unreadable(int status) {
 
 } // namespace
 
-std::vector<FileFault> testResultFile(const ResultFile& file, double time) {
+std::string malformedText(const std::string& message) {
+    std::string text = "its header is malformed: " + message.substr(0, message.rfind(" File: "));
+    while (text.ends_with('.') || text.ends_with(';')) text.pop_back();
+    return text;
+}
+
+FileTest testResultFile(const ResultFile& file) {
     const OpenUnit open;
-    if (open.unit == 0) return {unreadable(io_layer::tooManyOpenFiles)};
+    if (open.unit == 0) return {{unreadable(io_layer::tooManyOpenFiles)}};
     if (const int status = io_layer::openRecordsRead(open.unit, file.name); status != io_layer::ok)
-        return {unreadable(status)};
+        return {{unreadable(status)}};
     std::string header(TVNBinaryFile::headerLength, ' ');
     if (io_layer::readRecord(open.unit, header.data(), TVNBinaryFile::headerLength) != io_layer::ok)
-        return {{CellState::malformed, "malformed_header",
-                 "it does not begin with a header of 80 characters", true}};
+        return {{{CellState::malformed, "malformed_header",
+                  "it does not begin with a header of 80 characters", true}}};
+    FileTest result;
     int status = io_layer::ok;
     const std::int64_t found =
         valuesInRecords(open.unit, file, TVNBinaryFile::isNewerFileFormat(header), status);
-    std::vector<FileFault> faults;
-    if (found < file.count || status != io_layer::ok)
-        faults.push_back({CellState::tooShort, "file_too_short",
-                          found < file.count
-                              ? "it has " + counted(found, "values") + ", but " +
-                                    std::to_string(file.count) + " are read"
-                              : "the length after a record differs from the length before it",
-                          true});
+    if (found < file.count)
+        result.faults.push_back(
+            {CellState::tooShort, "file_too_short",
+             "it has " + counted(found, "value") + ", but " + areRead(file.count), true});
+    else if (status != io_layer::ok)
+        result.faults.push_back({CellState::tooShort, "file_too_short",
+                                 "a record is cut off, or has two different lengths", true});
     TVNBinaryFile::BinaryHeader parsed;
     const Outcome outcome =
         attempt([&] { parsed = TVNBinaryFile::parseTVNBinFileHeader(header, file.name); });
     if (outcome.ended) {
-        std::string text = "its header is malformed: " + outcome.messages.back();
-        if (const std::size_t at = text.find("; File: "); at != std::string::npos) text.resize(at);
-        faults.push_back({CellState::malformed, "malformed_header", text});
-    } else {
-        const std::vector<FileFault> more = headerFaults(parsed, file, time);
-        faults.insert(faults.end(), more.begin(), more.end());
+        result.faults.push_back(
+            {CellState::malformed, "malformed_header", malformedText(outcome.messages.back())});
+        return result;
     }
-    return faults;
+    result.timeStamp = parsed.timestamp;
+    if (parsed.isOldFormat) return result;
+    const std::vector<FileFault> more = headerFaults(parsed, file);
+    result.faults.insert(result.faults.end(), more.begin(), more.end());
+    return result;
 }
 
 } // namespace check

@@ -15,9 +15,16 @@ struct FileFault {
     bool endsRun = false;
 };
 
+struct FileTest {
+    std::vector<FileFault> faults{}; // the worst first
+    std::string timeStamp{};         // of the header, empty if it cannot be read
+};
+
 // Tests whether the file has the values that a run reads, without reading them: its header and the
-// lengths of its records. `time` is that of the output time, not a number if it is not known.
-// Returns what is wrong, the first entry being the worst; empty for a good file.
-std::vector<FileFault> testResultFile(const plot_data::ResultFile& file, double time);
+// lengths of its records.
+FileTest testResultFile(const plot_data::ResultFile& file);
+
+// The text of a finding for a header that ended a run with this message.
+std::string malformedText(const std::string& message);
 
 } // namespace check
