@@ -1,10 +1,10 @@
-// Reports for points in space which element of the porous medium contains them, and what the head
-// is there.
+// For points in space, reports the element of the porous medium that contains the point, and the
+// interpolated head.
 //
 //   locate_in_mesh PREFIX INDEX < POINTS
 //
-// reads <prefix>o.coordinatesPm, <prefix>o.elementsPm and <prefix>o.headPm.<index>, then x, y
-// and z of one point from each line of the standard input. Built against the installed library:
+// reads <prefix>o.coordinates_pm, <prefix>o.elements_pm and <prefix>o.head_pm.<index>, then x, y
+// and z of one point from each line of the standard input. Built with the installed library:
 //
 //   c++ -std=c++20 locate_in_mesh.cpp -ltvncommon
 
@@ -31,7 +31,7 @@ struct Mesh {
     std::vector<std::int32_t> elementNodes;
 };
 
-// Node sheets by the nodes that stand over the first one.
+// The number of sheets is the number of nodes with the same x and y as the first one.
 std::int32_t countSheets(const Mesh& mesh) {
     std::int32_t sheets = 0;
     for (std::size_t i = 0; i < mesh.x.size(); ++i)
@@ -42,12 +42,12 @@ std::int32_t countSheets(const Mesh& mesh) {
 void readMesh(const std::string& prefix, Mesh& mesh) {
     int unit = file_units::openRecordsRead(prefix + "o.coordinates_pm");
     mesh.nodeCount = file_units::readInteger(unit);
-    std::vector<double> places;
-    file_units::readArray(unit, std::int64_t{3} * mesh.nodeCount, places, "coordinates");
-    for (std::size_t i = 0; i < places.size(); i += 3) {
-        mesh.x.push_back(places[i]);
-        mesh.y.push_back(places[i + 1]);
-        mesh.z.push_back(places[i + 2]);
+    std::vector<double> xyz;
+    file_units::readArray(unit, std::int64_t{3} * mesh.nodeCount, xyz, "coordinates");
+    for (std::size_t i = 0; i < xyz.size(); i += 3) {
+        mesh.x.push_back(xyz[i]);
+        mesh.y.push_back(xyz[i + 1]);
+        mesh.z.push_back(xyz[i + 2]);
     }
     file_units::freeUnit(unit);
     mesh.sheetCount = countSheets(mesh);
@@ -65,7 +65,7 @@ void locate(const Mesh& mesh, const std::vector<double>& heads) {
     const std::int32_t planElements = mesh.elementCount / (mesh.sheetCount - 1);
     ElementSearch::initElementSearch(mesh.elementCount, planElements, mesh.nodesPerElement,
                                      mesh.sheetCount, mesh.elementNodes, mesh.x, mesh.y, mesh.z);
-    // A point outside is not the end: the first message about it becomes its line.
+    // A point outside the mesh does not end the program. Its line is the first message about it.
     std::string message;
     ElementSearch::setErrorCallback([&](std::string_view text) {
         if (message.empty()) message = text.substr(0, text.find('\n'));

@@ -1,5 +1,5 @@
-// Writes a sample problem, as the simulator leaves it: a hill slope catchment with a stream, in
-// which storms come and go. It serves to try the post-processor, to test it and to measure it.
+// Writes the files of a sample problem, as the simulator writes them: a hill slope catchment with a
+// stream and a series of storms. It is for trying, testing and measuring the post-processor.
 //
 //   make_problem /tmp/small
 //   make_problem --elements prism --domains olf,frac,chan,well,tile,dual --variables all /tmp/every
@@ -8,8 +8,8 @@
 //   make_problem --times 12 --step 7200 --storm --species Nitrate --sites nodes /tmp/storm
 //   make_problem --help
 //
-// The program is separate on purpose. It shares no code with the reader of these files, so that
-// its bytes check the reader and the reader checks its bytes.
+// The program shares no code with the reader of these files, so that an error in either one shows
+// as a difference between the two.
 
 #include <cstdio>
 #include <cstdlib>
@@ -28,7 +28,7 @@
 
 namespace {
 
-void create_directory(const std::string& directory) {
+void createDirectory(const std::string& directory) {
     std::error_code fault;
     std::filesystem::create_directories(directory, fault);
     if (!fault && std::filesystem::is_directory(directory, fault)) return;
@@ -42,7 +42,7 @@ problem_files::Problem buildProblem(const problem_options::Options& options) {
     problem_files::Problem problem;
     problem.directory = options.directory;
     problem.prefix = options.prefix;
-    problem.pieceLimit = options.pieceLimit;
+    problem.maximumSubRecordBytes = options.maximumSubRecordBytes;
     problem.suffixDigits = options.suffixDigits;
     problem.unitSystem = options.unitSystem;
     problem.olderGeneration = options.olderGeneration;
@@ -55,9 +55,9 @@ problem_files::Problem buildProblem(const problem_options::Options& options) {
     return problem;
 }
 
-void make_problem(const problem_options::Options& options) {
-    create_directory(options.directory);
-    if (options.origins) create_directory(options.directory + "/hmc");
+void makeProblem(const problem_options::Options& options) {
+    createDirectory(options.directory);
+    if (options.origins) createDirectory(options.directory + "/hmc");
     problem_files::Problem problem = buildProblem(options);
     problem_files::writeDescription(problem);
     problem_files::writeMesh(problem);
@@ -80,7 +80,7 @@ void make_problem(const problem_options::Options& options) {
 
 int main(int argumentCount, char** arguments) {
     try {
-        make_problem(problem_options::read(
+        makeProblem(problem_options::read(
             std::vector<std::string>(arguments + 1, arguments + argumentCount)));
     } catch (const std::bad_alloc&) {
         std::fprintf(stderr, "make_problem: out of memory\n");

@@ -42,9 +42,9 @@ double extent(const Mesh& mesh, const std::int32_t* nodes, std::int32_t used) {
     return area;
 }
 
-// Adds an element of a domain that is not 3D. `section` makes a volume of its length or area:
-// square metres for lines, metres for faces. An element of fewer nodes than the domain has slots
-// leaves the last ones at 0.
+// Adds an element of a domain that is not 3D. Its volume is its length times the `section` in
+// square metres, or its area times the `section` in metres. An element with fewer nodes than
+// nodesPerElement has 0 in the last entries.
 void addElement(const Mesh& mesh, Domain& domain, const std::vector<std::int32_t>& nodes, int zone,
                 double section) {
     Centre centre;
@@ -61,7 +61,7 @@ void addElement(const Mesh& mesh, Domain& domain, const std::vector<std::int32_t
         domain.elementNodes.push_back(k < nodes.size() ? nodes[k] : 0);
 }
 
-// A chain of line elements through the nodes. Its two halves are zones 1 and 2.
+// Adds line elements between successive nodes. The two halves of the line are zones 1 and 2.
 void addLine(const Mesh& mesh, Domain& domain, std::vector<std::int32_t> nodes, double section) {
     domain.nodesPerElement = 2;
     for (std::size_t k = 1; k < nodes.size(); ++k)
@@ -73,7 +73,7 @@ void buildPm(const Mesh& mesh, Domain& domain) {
     domain.nodesPerElement = 2 * problem_mesh::cornersPerCell(mesh);
 }
 
-// The macropores of the hill sides: those elements of pm with a zone, and the nodes they touch.
+// The macropores of the hill sides: the elements of pm with a zone other than 0, and their nodes.
 void buildDual(const Mesh& mesh, Domain& domain) {
     domain.nodesPerElement = 2 * problem_mesh::cornersPerCell(mesh);
     std::vector<bool> touched(static_cast<std::size_t>(problem_mesh::nodeCount(mesh)) + 1);
@@ -89,7 +89,7 @@ void buildDual(const Mesh& mesh, Domain& domain) {
         if (touched[node]) domain.pmNode.push_back(static_cast<std::int32_t>(node));
 }
 
-// The land surface, on the top sheet; zones 1 hill side, 2 banks, 3 stream.
+// The land surface, on the top sheet. Zones are 1 hill side, 2 banks, 3 stream.
 void buildOlf(const Mesh& mesh, Domain& domain, bool walls) {
     domain.nodesPerElement = 4;
     const auto columns = static_cast<std::int32_t>(mesh.columns.size());
@@ -115,13 +115,13 @@ std::int32_t sideElement(const Mesh& mesh, std::int32_t i, std::int32_t j, std::
                          bool west) {
     const std::int32_t quad = j * mesh.nx + (west ? i - 1 : i);
     const auto cells = static_cast<std::int32_t>(mesh.cells.size());
-    // Of the two triangles of a quad the first has its east side and the second its west side.
+    // The first triangle of a quad contains its east side, the second its west side.
     const std::int32_t cell = mesh.prisms ? 2 * quad + (west ? 0 : 1) : quad;
     return layer * cells + cell + 1;
 }
 
-// An upright fracture across the valley, in the lower three quarters of the layers; zone 1 in the
-// bedrock and 2 above it.
+// A vertical fracture across the valley, in the lower three quarters of the layers. Its lower half
+// is zone 1, the upper half zone 2.
 void buildFrac(const Mesh& mesh, Domain& domain) {
     domain.nodesPerElement = 4;
     const std::int32_t i = std::max(1, mesh.nx / 3);
@@ -155,7 +155,7 @@ void buildChan(const Mesh& mesh, Domain& domain) {
     addLine(mesh, domain, std::move(nodes), 1.83);
 }
 
-// A borehole on the hill side, open from a third of the layers up.
+// A borehole on the hill side, from the land surface to a third of the layers above the bottom.
 void buildWell(const Mesh& mesh, Domain& domain) {
     const std::int32_t column = columnNumber(mesh, mesh.nx / 2, mesh.ny * 3 / 4);
     std::vector<std::int32_t> nodes;
@@ -195,12 +195,12 @@ void buildNodesAndElements(const Mesh& mesh, Domain& domain, bool walls) {
 
 } // namespace
 
-std::vector<Domain> build(const Mesh& mesh, TagSet wanted, TagSet sharing, bool walls) {
+std::vector<Domain> build(const Mesh& mesh, TagSet included, TagSet sharing, bool walls) {
     std::vector<Domain> domains;
     std::int32_t globalNodes = 0;
     for (unsigned number = 0; number < names.size(); ++number) {
         const auto tag = static_cast<Tag>(number);
-        if ((wanted & bit(tag)) == 0 && tag != Tag::pm) continue;
+        if ((included & bit(tag)) == 0 && tag != Tag::pm) continue;
         Domain domain;
         domain.tag = tag;
         domain.nodeOffset = globalNodes;

@@ -28,7 +28,7 @@ struct UnitSystem {
     double seconds;
 };
 
-// By handle. Day and hour are in another order among the centimetres than among the metres.
+// By handle. The order of day and hour differs between the metre and the centimetre systems.
 constexpr std::array<UnitSystem, 10> unitSystems = {{
     {1, 1},
     {1, 60},
@@ -55,7 +55,7 @@ std::string filePath(const Problem& problem, const std::string& rest) {
 }
 
 RecordFile create(const Problem& problem, const std::string& rest) {
-    return record_file::create(filePath(problem, "o." + rest), problem.pieceLimit);
+    return record_file::create(filePath(problem, "o." + rest), problem.maximumSubRecordBytes);
 }
 
 void close(Problem& problem, RecordFile& file) {
@@ -110,7 +110,8 @@ void writePmCoordinates(Problem& problem, RecordFile& file) {
 void writeLinks(const Problem& problem, const Domain& domain, RecordFile& file) {
     std::vector<std::int32_t> fromPm(
         static_cast<std::size_t>(problem_mesh::nodeCount(problem.mesh)));
-    // From the last node to the first, so that a node of pm leads to the first of two doubles.
+    // From the last node to the first, so that a node of pm is linked to the first of two doubled
+    // nodes.
     for (std::size_t node = domain.pmNode.size(); node > 0; --node)
         fromPm[static_cast<std::size_t>(domain.pmNode[node - 1]) - 1] =
             domain.nodeOffset + static_cast<std::int32_t>(node);
@@ -156,7 +157,7 @@ void writeCoordinates(Problem& problem, const Domain& domain) {
     close(problem, file);
 }
 
-// The lists of pm and dual, which name every element of the mesh.
+// Writes the lists of pm and dual, which contain every element of the mesh.
 void writeMeshElements(const Problem& problem, const Domain& domain, RecordFile& file) {
     const problem_mesh::Mesh& mesh = problem.mesh;
     const std::int32_t elements = problem_mesh::elementCount(mesh);
@@ -248,8 +249,8 @@ void writeHeader(const Problem& problem, const Variable& variable, const Weather
     record_file::textRecord(file, text, 80);
 }
 
-// From SI units to those of the problem. Degrees stand in place of a concentration of heat, and
-// watts in place of its flux, which are free of lengths.
+// Factor from SI units to those of the problem. For heat, degrees replace a concentration and W/m2
+// a flux. Neither has a length unit, and W/m2 = kg/s3 has three powers of time.
 double unitScale(const Problem& problem, const Variable& variable, const Species* species) {
     double lengthPower = variable.lengthPower;
     double timePower = variable.timePower;
@@ -261,8 +262,8 @@ double unitScale(const Problem& problem, const Variable& variable, const Species
            std::pow(units(problem).seconds, -timePower);
 }
 
-// The species or origins that the variable has a file for each of; one without a name where it has
-// only one file.
+// The species or origins for which the variable has files. A variable with only one file yields
+// one species without a name.
 std::vector<Species> members(const Problem& problem, const Variable& variable) {
     const auto belongs = [&variable](const Species& species) {
         switch (variable.family) {
@@ -283,7 +284,7 @@ std::vector<Species> members(const Problem& problem, const Variable& variable) {
     return chosen;
 }
 
-// Without the time index.
+// Returns the path without the time index.
 std::string resultPath(const Problem& problem, const Variable& variable, const Domain& domain,
                        const Species& species) {
     const bool ofOrigins =
@@ -341,7 +342,8 @@ double perMetre(const Problem& problem) {
 }
 
 void writeText(Problem& problem, const std::string& name, const std::string& text) {
-    RecordFile file = record_file::create(problem.directory + "/" + name, problem.pieceLimit);
+    RecordFile file =
+        record_file::create(problem.directory + "/" + name, problem.maximumSubRecordBytes);
     record_file::plainText(file, text);
     close(problem, file);
 }
@@ -383,8 +385,9 @@ void writeResults(Problem& problem, const Variable& variable, const Weather& wea
                                        ? problem_domains::nodeCount(problem.mesh, domain)
                                        : problem_domains::elementCount(problem.mesh, domain);
         for (const Species& species : of) {
-            RecordFile file = record_file::create(
-                resultPath(problem, variable, domain, species) + suffix, problem.pieceLimit);
+            RecordFile file =
+                record_file::create(resultPath(problem, variable, domain, species) + suffix,
+                                    problem.maximumSubRecordBytes);
             writeHeader(problem, variable, weather, count, file);
             writeValues(problem, variable, domain, &species, weather, count, file);
             close(problem, file);

@@ -11,7 +11,7 @@
 #include "examples/problem_variables.hpp"
 #include "examples/problem_weather.hpp"
 
-// The files of a problem, record by record. The layout of a record is told in record_file.hpp.
+// The files of a problem, record by record. record_file.hpp gives the layout of a record.
 //
 // <prefix>o.gen                  version, 80 characters
 //                                number of title lines
@@ -19,10 +19,10 @@
 //                                handle of the unit system
 //
 // <prefix>o.species              number of mobile species
-//                                number of immobile ones
+//                                number of immobile species
 //                                per species, mobile ones first, its name, 50 characters
 //                                per mobile species, logical: it is heat
-//                                per mobile species, logical: it is made of particles
+//                                per mobile species, logical: it consists of particles
 //
 // <prefix>o.hmc                  three settings of the simulator
 //                                logical, a further one
@@ -30,51 +30,51 @@
 //                                two further settings
 //                                per origin, its name, 80 characters, and two settings
 //
-// <prefix>o.coordinatesPm       number of nodes
+// <prefix>o.coordinates_pm       number of nodes
 //                                x, y, z of each node, reals of 64 bits
 //                                cells along x, cells along y, number of sheets
 //
 // <prefix>o.coordinates_<tag>    number of nodes
-//                                coupling scheme, 1 for a domain with nodes of its own, else 0
+//                                coupling scheme: 1 multi-node, 0 common-node
 //                                per node, its node of pm
 //                                per node of pm, the global number of the domain's node, or 0
 //   and for olf                  logical: a cutoff wall doubles nodes. If so,
 //                                number of walls
 //                                number of sides of a wall
 //                                per node, logical: it is doubled
-//                                per side, per node: the global number to take on that side, or 0
+//                                per side, per node: the global node number on that side, or 0
 //                                per node, the number of its wall, or 0
 //
 // <prefix>o.elements_<tag>       nodes of an element
 //                                number of elements
-//                                per element, its nodes by their numbers in pm
+//                                per element, its nodes, as node numbers of pm
 //                                per element, its zone
-//   and for olf                  per element, the number of the wall beside it, or 0
+//   and for olf                  per element, the number of the adjacent wall, or 0
 //                                logical: as in the coordinates file. If so,
-//                                per element, the side of the wall that it lies on, 1 or 2
+//                                per element, the side of the wall that it is on, 1 or 2
 //   and for frac                 per element the element of pm on one side of it, then per element
-//                                the one on the other side, in one record
+//                                the element of pm on the other side, in one record
 //                                per element, its aperture, reals of 64 bits
 //
 // <prefix>o.<stem>_<tag>.<index> header, 80 characters
 //                                the values
 //
-// <prefix>o.<stem>_<tag>.<species>.<index>   the same, of one species
-// hmc/<prefix>o.hmc_<tag>.f_<name>.<index>   the same, of one origin of water
+// <prefix>o.<stem>_<tag>.<species>.<index>   the same for one species
+// hmc/<prefix>o.hmc_<tag>.f_<name>.<index>   the same for one origin of water
 //
 // The header of a result file begins with the time stamp, a blank and a free text, 55 characters
 // in all. In the newer generation "#!TVN", "001" and "LE" follow, then the type ("R08", "R04",
 // "I04"), the number of components in two digits and of values in ten. The older generation leaves
 // these 25 characters blank.
 //
-// The values of one component are one record. Of more components, the newer generation has one
-// record for each, the older one record for each node or element.
+// Values of one component are one record. Of several components, the newer generation writes one
+// record per component, the older generation one record per node or element.
 namespace problem_files {
 
 struct Problem {
     std::string directory;
     std::string prefix;
-    std::uint32_t pieceLimit = 0; // longest piece of a record, bytes
+    std::uint32_t maximumSubRecordBytes = 0; // longer records are split
     std::int32_t suffixDigits = 0;
     std::int32_t unitSystem = 0;
     bool olderGeneration = false;
@@ -87,18 +87,21 @@ struct Problem {
     std::uint64_t bytes = 0;
 };
 
-// Length unit of the problem's files.
+// Length units of the problem's files in a metre: 1 or 100.
 double perMetre(const Problem& problem);
 
-// A text file of this name in the directory of the problem.
+// Writes a text file of this name into the directory of the problem.
+// All writers end the program with status 1 if a file cannot be written.
 void writeText(Problem& problem, const std::string& name, const std::string& text);
 
-// These, like `writeText`, end the program with status 1 when a file cannot be written.
+// Writes the prefix and description files, and the lists of species and of origins of water.
 void writeDescription(Problem& problem);
+
+// Writes the coordinates and elements files of all domains.
 void writeMesh(Problem& problem);
 
-// Writes the files of one variable at one output time, one for each of its domains that the problem
-// has, and for each species that it is about. `index` counts output times from 1.
+// Writes the files of one variable at one output time: one per domain of the problem that has the
+// variable, and per species or origin of the variable. `index` counts output times from 1.
 void writeResults(Problem& problem, const problem_variables::Variable& variable,
                   const problem_weather::Weather& weather, std::int32_t index);
 

@@ -18,14 +18,14 @@ constexpr std::array<Material, 4> materials = {{
 
 constexpr double day = 86400;
 
-// How far a point of the ground has risen, m: most at the surface, nothing at the bottom.
+// Rise of a point of the ground, m. It is largest at the surface and 0 at the bottom.
 double rise(const Place& place, const Weather& weather) {
     const problem_mesh::Column& column = *place.column;
     const double upstream = column.x / 2137.4 - 0.43;
     const double atStream = -13.7 * upstream * column.stream * column.variation;
     const double onHill = -0.71 * column.hill * column.slopeY * column.slopeY;
     const double part = (place.z - column.bottom) / (column.ground - column.bottom);
-    return weather.washed * (atStream + onHill) * part * part;
+    return weather.runoff * (atStream + onHill) * part * part;
 }
 
 } // namespace
@@ -34,13 +34,13 @@ const Material& material(const Place& place) {
     return materials[static_cast<std::size_t>(place.groundZone - 1)];
 }
 
-double surfaceInfluence(const Place& place, double reach) {
-    const double part = 1 - depthBelowGround(place) / reach;
+double surfaceInfluence(const Place& place, double maximumDepth) {
+    const double part = 1 - depthBelowGround(place) / maximumDepth;
     return part > 0 ? part * part : 0;
 }
 
-// The beds follow the land: the tensor of beds with a smaller conductivity across them, turned by
-// the slope of the ground.
+// The beds are parallel to the land surface and less conductive across than along them. The
+// off-diagonal components are those of the tensor rotated by the slope, to leading order.
 double conductivity(const Place& place, const Weather&, int component) {
     const problem_mesh::Column& column = *place.column;
     const double along = material(place).conductivity * column.variation * column.variation;
@@ -83,7 +83,7 @@ double elementVolume(const Place& place, const Weather&, int) {
     return place.volume;
 }
 
-// Wet topsoil swells and closes its cracks.
+// Wet topsoil swells, which closes cracks.
 double changingConductivity(const Place& place, const Weather& weather, int component) {
     const double swelling = weather.wetness * surfaceInfluence(place, 3.3);
     return conductivity(place, weather, component) * (1 - 0.17 * swelling);
@@ -102,7 +102,7 @@ double frozenConductivity(const Place& place, const Weather& weather, int) {
     return conductivity(place, weather, 0) * std::pow(10, -6.2 * iceContent(place, weather, 0));
 }
 
-// After the first storm the valley floor counts as a zone of its own.
+// The valley floor has a zone number of its own while it is wet after a storm.
 double changingZone(const Place& place, const Weather& weather, int) {
     const bool soaked = place.column->hill < 0.04 && weather.valley > 0.018;
     return place.zone + (soaked ? 1 : 0);

@@ -12,7 +12,7 @@ namespace {
 constexpr double lengthAlong = 2137.4; // of the catchment, metres
 constexpr double lengthAcross = 1289.6;
 
-// Grid lines are unevenly spaced, as in a mesh fitted to a site, so that no two cells are alike.
+// Grid lines are unevenly spaced, as in a mesh of a real site, so that no two cells are equal.
 double gridLine(std::int32_t number, std::int32_t count, double length) {
     const double part = static_cast<double>(number) / count;
     const double shift = std::sin(2 * std::numbers::pi * part + 2.6) - std::sin(2.6);
@@ -36,7 +36,7 @@ Column makeColumn(double x, double y, double streamWidth) {
     column.y = y;
     column.hill = hillAt(x, y);
     const double away = (y - streamLine(x)) / streamWidth;
-    // Far from the stream its influence is taken as nothing, not as a number below any meaning.
+    // Set to exactly 0 far from the stream, which avoids values close to underflow.
     if (away * away < 20) column.stream = std::exp(-away * away);
     column.ground = groundAt(x, y) - 1.35 * column.stream;
     column.bottom = column.ground - (46.3 + 12.7 * column.hill + 2.9 * std::sin(x / 311.7));
@@ -95,7 +95,7 @@ Mesh build(std::int32_t nx, std::int32_t ny, std::int32_t layers, bool prisms) {
     mesh.layers = layers;
     mesh.prisms = prisms;
     mesh.cellLength = std::sqrt(lengthAlong / nx * lengthAcross / ny);
-    // On a coarse mesh the stream is wide enough to meet the nodes of its line.
+    // On a coarse mesh the stream is widened so that it includes the nodes next to its line.
     const double streamWidth = std::max(13.7, 0.8 * lengthAcross / ny);
     const auto quads = static_cast<std::size_t>(nx) * static_cast<std::size_t>(ny);
     mesh.columns.reserve(quads + static_cast<std::size_t>(nx + ny + 1));
@@ -110,7 +110,7 @@ Mesh build(std::int32_t nx, std::int32_t ny, std::int32_t layers, bool prisms) {
         mesh.columns[static_cast<std::size_t>(columnNumber(mesh, wall.i, j))].wall = true;
     for (std::int32_t j = 0; j < ny; ++j)
         for (std::int32_t i = 0; i < nx; ++i) addCells(mesh, i, j);
-    // Layers become thinner towards the surface, where the water moves.
+    // Layers become thinner towards the surface, where heads change most.
     for (std::int32_t sheet = 0; sheet <= layers; ++sheet)
         mesh.sheetDepth.push_back(std::pow(static_cast<double>(layers - sheet) / layers, 1.9));
     return mesh;

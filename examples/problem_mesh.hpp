@@ -6,16 +6,16 @@
 #include <vector>
 
 // The porous medium of the sample problem: a hill slope catchment, about 2.1 km along the valley
-// and 1.3 km across, with a meandering stream between two ridges. Its size in metres is always the
-// same; more cells make a finer mesh of the same land.
+// and 1.3 km across, with a meandering stream between two ridges. Its size is fixed, so more cells
+// give a finer mesh of the same land.
 //
-// Nodes lie in sheets from the bottom up, each sheet a grid of (nx + 1) by (ny + 1) nodes, x
-// fastest. A vertical column of nodes has one x and y. Elements lie in layers in the same way.
-// Numbers in files start at 1; element, cell, column and sheet numbers in this program start at 0,
-// and node numbers are those of the files, since links and element lists are made of them.
+// Nodes are numbered sheet by sheet from the bottom up. Each sheet is a grid of (nx + 1) by
+// (ny + 1) nodes, x fastest, and the nodes of a column have the same x and y. Elements are numbered
+// layer by layer in the same way. Element, cell, column and sheet numbers start at 0. Node numbers
+// start at 1, as in the files, because links and element lists consist of them.
 namespace problem_mesh {
 
-// What does not depend on height or time at a place of the plan, lengths in metres.
+// Properties of a point of the plan that do not depend on elevation or time. Lengths in metres.
 struct Column {
     double x = 0;
     double y = 0;
@@ -23,10 +23,10 @@ struct Column {
     double bottom = 0;    // elevation of the lowest sheet
     double slopeX = 0;    // of the ground
     double slopeY = 0;    // of the ground
-    double stream = 0;    // 1 on the line of the stream, towards 0 away from it
-    double hill = 0;      // 0 in the valley, towards 1 on the ridges
-    double variation = 1; // of soil properties about their mean, smooth, near 1
-    bool wall = false;    // a cutoff wall is here
+    double stream = 0;    // 1 on the stream line, decreases to 0 with the distance from it
+    double hill = 0;      // 0 in the valley, close to 1 on the ridges
+    double variation = 1; // factor of soil properties: a smooth function near 1
+    bool wall = false;    // is on a cutoff wall
 };
 
 // A cell of the plan: one quad, or one of the two triangles of a quad.
@@ -44,19 +44,19 @@ struct Mesh {
     bool prisms = false;
     double cellLength = 0;          // mean side of a quad of the plan, metres
     std::vector<Column> columns;    // of nodes, (nx + 1) by (ny + 1)
-    std::vector<Cell> cells;        // of the plan, those of a quad next to each other
-    std::vector<double> sheetDepth; // per sheet, as a part of the column's height: 1 to 0
+    std::vector<Cell> cells;        // of the plan; the two triangles of a quad are consecutive
+    std::vector<double> sheetDepth; // per sheet, as a fraction of the column's height: 1 to 0
 };
 
-// A cutoff wall cuts the ground along this line of columns: its tip is in firstRow, and it runs
-// from the next row to the last.
+// The columns of a cutoff wall: column `i` of the rows after `firstRow` up to the last one. The
+// wall ends at the column in `firstRow`, which is not on it.
 struct WallLine {
     std::int32_t i = 0;
     std::int32_t firstRow = 0;
 };
 WallLine wallLine(const Mesh& mesh);
 
-// Builds the plan. Only the plan is kept in memory; the 3D mesh is computed from it when asked for.
+// Builds the plan. Only the plan is kept in memory. The functions below compute the 3D mesh.
 Mesh build(std::int32_t nx, std::int32_t ny, std::int32_t layers, bool prisms);
 
 std::int32_t nodeCount(const Mesh& mesh);
@@ -69,11 +69,12 @@ inline std::int32_t columnNumber(const Mesh& mesh, std::int32_t i, std::int32_t 
 inline std::int32_t nodeNumber(const Mesh& mesh, std::int32_t column, std::int32_t sheet) {
     return sheet * static_cast<std::int32_t>(mesh.columns.size()) + column + 1;
 }
+// Elevation at a depth that is a fraction of the column's height.
 inline double elevation(const Column& column, double depth) {
     return column.ground - depth * (column.ground - column.bottom);
 }
 
-// The column in the middle of some columns. It is at the wall when one of them is.
+// The mean of some columns. It is on the wall if one of them is.
 Column meanColumn(const Mesh& mesh, std::span<const std::int32_t> columns);
 
 // The column and the elevation of a node.
@@ -86,10 +87,10 @@ double streamLine(double x);
 // The column of the stream line in the i-th row of columns across the valley.
 std::int32_t streamColumn(const Mesh& mesh, std::int32_t i);
 
-// Writes the node numbers of an element to `nodes`: lower face, then upper face. Returns how many.
+// Writes the node numbers of an element to `nodes`, lower face first. Returns their number, 6 or 8.
 std::int32_t elementNodes(const Mesh& mesh, std::int32_t element, std::int32_t* nodes);
 
-// Kind of ground at an elevation: 1 bedrock, 2 weathered rock, 3 valley alluvium, 4 soil.
+// Material at elevation z: 1 bedrock, 2 weathered rock, 3 valley alluvium, 4 soil.
 int groundZone(const Column& column, double z);
 
 // Elevation of an element's centre, and its volume in cubic metres.

@@ -25,12 +25,12 @@ struct Site {
     double error = 0; // of the measurement, metres
 };
 
-// Always the same sequence, on every machine.
+// Returns a number from 0 to 1. The sequence is the same on every machine.
 double part(std::mt19937& random) {
     return static_cast<double>(random() % 100000) / 100000;
 }
 
-// A place near the middle of a cell, at any depth; now and then one that no element holds.
+// Returns a site near the centre of a cell, at any depth. Some sites are outside the mesh.
 Site chooseSite(const problem_mesh::Mesh& mesh, std::mt19937& random, std::int32_t number) {
     Site site;
     site.column = mesh.cells[random() % mesh.cells.size()].centre;
@@ -44,7 +44,7 @@ Site chooseSite(const problem_mesh::Mesh& mesh, std::mt19937& random, std::int32
     return site;
 }
 
-// A place inside a cell, near one of its corners: nearer to it than to any other node in plan.
+// Returns a site inside a cell, near its first corner: no other node is closer in plan.
 Site chooseSiteAtNode(const problem_mesh::Mesh& mesh, std::mt19937& random, bool inStream) {
     const auto cellsPerQuad = mesh.prisms ? 2U : 1U;
     std::size_t quad = random() % (mesh.cells.size() / cellsPerQuad);
@@ -66,7 +66,7 @@ Site chooseSiteAtNode(const problem_mesh::Mesh& mesh, std::mt19937& random, bool
     return site;
 }
 
-// Gives the values of a line; all of them are lengths.
+// Returns the values of a line, all of them lengths in metres.
 using Measure = std::vector<double> (*)(const Site&, const Place&, const Weather&);
 
 void writeFile(Problem& problem, const Weather& weather, const Kind& kind, const std::string& name,

@@ -15,14 +15,14 @@ namespace problem_options {
 
 namespace {
 
-[[noreturn]] void wrong(const std::string& text) {
+[[noreturn]] void usageError(const std::string& text) {
     std::fprintf(stderr, "make_problem: %s\nTry 'make_problem --help'.\n", text.c_str());
     std::exit(2);
 }
 
 struct Row {
     const char* name;
-    const char* value; // what stands for the value in the help; empty for a switch
+    const char* value; // name of the value in the help, empty for a switch
     const char* help;
     void (*apply)(Options&, const std::string& name, const std::string& value);
 };
@@ -33,17 +33,17 @@ std::int32_t number(const std::string& name, const std::string& value, std::int3
     const char* end = value.data() + value.size();
     const auto [stop, fault] = std::from_chars(value.data(), end, result);
     if (fault != std::errc() || stop != end || result < lowest || result > highest)
-        wrong(name + " needs a whole number from " + std::to_string(lowest) + " to " +
-              std::to_string(highest) + ", not \"" + value + "\"");
+        usageError(name + " needs a whole number from " + std::to_string(lowest) + " to " +
+                   std::to_string(highest) + ", not \"" + value + "\"");
     return result;
 }
 
-// True for the second of two words.
+// Returns true for the second of two permitted words, false for the first.
 bool second(const std::string& name, const std::string& value, const char* firstWord,
             const char* secondWord) {
     if (value == secondWord) return true;
     if (value != firstWord)
-        wrong(name + " needs " + firstWord + " or " + secondWord + ", not \"" + value + "\"");
+        usageError(name + " needs " + firstWord + " or " + secondWord + ", not \"" + value + "\"");
     return false;
 }
 
@@ -53,7 +53,7 @@ problem_domains::TagSet domainSet(const std::string& name, const std::string& va
     for (std::string word; std::getline(list, word, ',');) {
         const auto& names = problem_domains::names;
         const auto found = std::find(names.begin(), names.end(), word);
-        if (found == names.end()) wrong(name + ": no domain \"" + word + "\"");
+        if (found == names.end()) usageError(name + ": no domain \"" + word + "\"");
         set |= problem_domains::bit(static_cast<problem_domains::Tag>(found - names.begin()));
     }
     return set;
@@ -68,22 +68,22 @@ problem_domains::TagSet sharingSet(const std::string& name, const std::string& v
     return domainSet(name, value);
 }
 
-constexpr std::int32_t mostCells = 1 << 20;
+constexpr std::int32_t maximumCells = 1 << 20;
 
 const Row rows[] = {
     {"--prefix", "NAME", "prefix of the file names (catchment)",
      [](Options& options, const std::string& name, const std::string& value) {
          if (value.empty() || value.find_first_of("/\\ \t\r\n") != std::string::npos)
-             wrong(name + " needs a name without blanks and slashes");
+             usageError(name + " needs a name without blanks and slashes");
          options.prefix = value;
      }},
     {"--nx", "CELLS", "cells of the plan along the valley (24)",
      [](Options& options, const std::string& name, const std::string& value) {
-         options.nx = number(name, value, 2, mostCells);
+         options.nx = number(name, value, 2, maximumCells);
      }},
     {"--ny", "CELLS", "cells of the plan across the valley (16)",
      [](Options& options, const std::string& name, const std::string& value) {
-         options.ny = number(name, value, 2, mostCells);
+         options.ny = number(name, value, 2, maximumCells);
      }},
     {"--layers", "N", "layers of elements, thinner towards the surface (6)",
      [](Options& options, const std::string& name, const std::string& value) {
@@ -103,7 +103,7 @@ const Row rows[] = {
      [](Options& options, const std::string& name, const std::string& value) {
          options.prisms = second(name, value, "brick", "prism");
      }},
-    {"--domains", "LIST", "of pm,dual,olf,frac,chan,well,tile; pm comes always (pm,olf)",
+    {"--domains", "LIST", "of pm,dual,olf,frac,chan,well,tile; pm is always included (pm,olf)",
      [](Options& options, const std::string& name, const std::string& value) {
          options.domains = domainSet(name, value);
      }},
@@ -114,10 +114,10 @@ const Row rows[] = {
     {"--species", "LIST", "such as Nitrate,Heat:heat,Virus:particles,Calcite:immobile,8 (none)",
      [](Options& options, const std::string& name, const std::string& value) {
          problem_species::Reading reading = problem_species::read(value);
-         if (reading.fault) wrong(name + ": " + *reading.fault);
+         if (reading.fault) usageError(name + ": " + *reading.fault);
          options.species = std::move(reading.species);
      }},
-    {"--hmc", "N", "origins of water whose parts in the mixture are followed (not at all)",
+    {"--hmc", "N", "origins of water with fractions of the mixture (no such files)",
      [](Options& options, const std::string& name, const std::string& value) {
          options.origins = problem_species::origins(number(name, value, 0, 1000));
      }},
@@ -139,8 +139,9 @@ const Row rows[] = {
      }},
     {"--sub-records", "BYTES", "split records that are longer (2147483639)",
      [](Options& options, const std::string& name, const std::string& value) {
-         const auto most = static_cast<std::int32_t>(record_file::longestPiece);
-         options.pieceLimit = static_cast<std::uint32_t>(number(name, value, 1, most));
+         const auto maximum = static_cast<std::int32_t>(record_file::defaultSubRecordBytes);
+         options.maximumSubRecordBytes =
+             static_cast<std::uint32_t>(number(name, value, 1, maximum));
      }},
     {"--observations", "N", "field measurements of each kind at the last time (24)",
      [](Options& options, const std::string& name, const std::string& value) {
@@ -162,16 +163,16 @@ const Row rows[] = {
 
 void printHelp() {
     std::printf("Usage: make_problem [options] DIRECTORY\n\n"
-                "Writes a sample problem, as the simulator leaves it, into DIRECTORY, which is\n"
-                "created. Files of the same name are replaced, other files stay. The same options\n"
-                "always give the same bytes.\n\n");
+                "Writes the files of a sample problem, as the simulator writes them, into\n"
+                "DIRECTORY, which is created. Files of the same name are replaced, other files\n"
+                "remain. The same options always give the same bytes.\n\n");
     for (const Row& row : rows) {
         const std::string left = std::string(row.name) + " " + row.value;
         std::printf("  %-20s %s\n", left.c_str(), row.help);
     }
     std::printf("  %-20s %s\n\n", "--help", "print this text");
-    std::printf("A species is a name and, behind colons, what it is: heat, particles, immobile. A\n"
-                "number in place of a name stands for so many solutes.\n\nVariables:\n");
+    std::printf("A species is a name and, after colons, its kinds: heat, particles, immobile. A\n"
+                "number instead of a name gives that many solutes.\n\nVariables:\n");
     std::string line;
     for (const std::string& stem : problem_variables::stems()) {
         if (line.size() + stem.size() > 78) {
@@ -184,38 +185,38 @@ void printHelp() {
     std::printf("%s\n", line.c_str());
 }
 
-// The numbers of nodes, elements and global nodes must fit the files, which have 32 bits for them.
+// Numbers of nodes, elements and global nodes have 32 bits in the files.
 void checkSize(const Options& options) {
     const double columns = (options.nx + 1.0) * (options.ny + 1.0);
     const double nodes = columns * (options.layers + 1.0);
     if (nodes > 5.0e8)
-        wrong("the mesh would have more than 500 million nodes: take fewer cells or layers");
+        usageError("the mesh would have more than 500 million nodes: take fewer cells or layers");
 }
 
 void checkTimes(const Options& options) {
     const std::string last = std::to_string(options.times);
     if (last.size() > static_cast<std::size_t>(options.suffixDigits))
-        wrong("--times " + last + " needs --digits " + std::to_string(last.size()));
+        usageError("--times " + last + " needs --digits " + std::to_string(last.size()));
 }
 
-// A wall doubles nodes of olf, which the nodes of pm cannot follow.
+// A wall doubles nodes of olf only. An olf that shares the nodes of pm cannot have doubled nodes.
 void checkWalls(const Options& options) {
     using problem_domains::bit;
     using problem_domains::Tag;
     if (options.walls && (options.sharing & bit(Tag::olf)) != 0)
-        wrong("--walls needs an olf with nodes of its own: change --coupling");
+        usageError("--walls needs an olf with nodes of its own: change --coupling");
 }
 
 void selectVariables(Options& options) {
-    const problem_variables::Given given = {options.fullTensor, !options.species.empty(),
-                                            options.origins.has_value()};
+    const problem_variables::ProblemContents contents = {
+        options.fullTensor, !options.species.empty(), options.origins.has_value()};
     problem_variables::Selection selection =
-        problem_variables::select(options.variableWords, given);
-    if (selection.unknown) wrong("--variables: no variable \"" + *selection.unknown + "\"");
-    if (selection.lacking)
-        wrong("--variables: " + *selection.lacking + " needs " +
-              (*selection.lacking == "hmc" ? "--hmc" : "--species"));
-    if (selection.variables.empty()) wrong("--variables needs at least one variable");
+        problem_variables::select(options.variableWords, contents);
+    if (selection.unknown) usageError("--variables: no variable \"" + *selection.unknown + "\"");
+    if (selection.unavailable)
+        usageError("--variables: " + *selection.unavailable + " needs " +
+                   (*selection.unavailable == "hmc" ? "--hmc" : "--species"));
+    if (selection.variables.empty()) usageError("--variables needs at least one variable");
     options.variables = std::move(selection.variables);
 }
 
@@ -225,14 +226,14 @@ void apply(Options& options, const std::vector<std::string>& arguments, std::siz
     const std::string name = argument.substr(0, equals);
     const Row* row = std::find_if(std::begin(rows), std::end(rows),
                                   [&name](const Row& candidate) { return name == candidate.name; });
-    if (row == std::end(rows)) wrong("unknown option " + name);
+    if (row == std::end(rows)) usageError("unknown option " + name);
     const bool isSwitch = *row->value == '\0';
-    if (isSwitch && equals != std::string::npos) wrong(name + " takes no value");
+    if (isSwitch && equals != std::string::npos) usageError(name + " takes no value");
     std::string value;
     if (equals != std::string::npos) {
         value = argument.substr(equals + 1);
     } else if (!isSwitch) {
-        if (++position == arguments.size()) wrong(name + " needs a value");
+        if (++position == arguments.size()) usageError(name + " needs a value");
         value = arguments[position];
     }
     row->apply(options, name, value);
@@ -243,7 +244,7 @@ void apply(Options& options, const std::vector<std::string>& arguments, std::siz
 Options read(const std::vector<std::string>& arguments) {
     Options options;
     options.domains = problem_domains::bit(problem_domains::Tag::olf);
-    options.pieceLimit = record_file::longestPiece;
+    options.maximumSubRecordBytes = record_file::defaultSubRecordBytes;
     for (std::size_t position = 0; position < arguments.size(); ++position) {
         const std::string& argument = arguments[position];
         if (argument == "--help") {
@@ -255,10 +256,10 @@ Options read(const std::vector<std::string>& arguments) {
         } else if (options.directory.empty() && !argument.empty()) {
             options.directory = argument;
         } else {
-            wrong("unexpected argument \"" + argument + "\"");
+            usageError("unexpected argument \"" + argument + "\"");
         }
     }
-    if (options.directory.empty()) wrong("no directory given");
+    if (options.directory.empty()) usageError("no directory given");
     checkSize(options);
     checkTimes(options);
     checkWalls(options);

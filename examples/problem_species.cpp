@@ -12,8 +12,8 @@ namespace problem_species {
 
 namespace {
 
-constexpr std::size_t longestName = 50;
-constexpr int mostSpecies = 1000;
+constexpr std::size_t maximumNameLength = 50;
+constexpr int maximumSpecies = 1000;
 
 void number(std::vector<Species>& list) {
     for (std::size_t k = 0; k < list.size(); ++k) {
@@ -22,7 +22,7 @@ void number(std::vector<Species>& list) {
     }
 }
 
-// False for a word that says nothing of a species.
+// Returns false for a word that is not a kind of species.
 bool apply(Species& species, const std::string& word) {
     if (word == "heat") species.heat = true;
     if (word == "particles") species.particles = true;
@@ -30,7 +30,7 @@ bool apply(Species& species, const std::string& word) {
     return word == "heat" || word == "particles" || word == "immobile";
 }
 
-// How many species a word stands for: 0 for a word that is a name.
+// Returns the number of species that a number requests, 0 for a name.
 int countIn(const std::string& word) {
     int count = 0;
     const char* end = word.data() + word.size();
@@ -39,15 +39,16 @@ int countIn(const std::string& word) {
 }
 
 bool isName(const std::string& text) {
-    return !text.empty() && text.size() <= longestName && text.front() != ' ' &&
+    return !text.empty() && text.size() <= maximumNameLength && text.front() != ' ' &&
            text.back() != ' ' && text.find_first_of("/\\\"") == std::string::npos &&
            text.find_first_not_of("-0123456789") != std::string::npos;
 }
 
-// The fault of a finished list, if it has one.
+// Returns what is wrong with a complete list.
 std::optional<std::string> faultOf(const std::vector<Species>& list) {
     if (list.empty()) return "no species";
-    if (list.size() > mostSpecies) return "more than " + std::to_string(mostSpecies) + " species";
+    if (list.size() > maximumSpecies)
+        return "more than " + std::to_string(maximumSpecies) + " species";
     std::set<std::string> names;
     for (const Species& species : list) {
         if (!isName(species.name)) return "\"" + species.name + "\" cannot be a name";
@@ -70,7 +71,7 @@ Reading read(const std::string& list) {
         std::getline(words, species.name, ':');
         for (std::string word; std::getline(words, word, ':');)
             if (!apply(species, word)) return {{}, "no kind of species \"" + word + "\""};
-        const int count = std::min(countIn(species.name), mostSpecies + 1);
+        const int count = std::min(countIn(species.name), maximumSpecies + 1);
         for (int k = 0; k < count; ++k) {
             species.name = "Solute " + std::to_string(++solutes);
             reading.species.push_back(species);

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-// What the water carries: the species of the transport, and the waters of different origin whose
-// parts in the mixture the simulator follows.
+// The species of the transport, and the origins of water for which the simulator computes the
+// fractions of the mixture.
 namespace problem_species {
 
 struct Species {
@@ -13,7 +13,7 @@ struct Species {
     bool mobile = true;
     bool heat = false;      // its concentration is a temperature in degrees Celsius
     bool particles = false; // its concentration is a number per volume, not a mass
-    int number = 0;         // its place in the list, from 0
+    int number = 0;         // index in the list, from 0
     int count = 0;          // length of the list
 };
 
@@ -22,9 +22,9 @@ struct Reading {
     std::optional<std::string> fault;
 };
 
-// Reads names separated by commas, each followed by what the species is: "Heat:heat",
-// "Virus:particles", "Calcite:immobile", both words of the first two if need be. A number in place
-// of a name means so many species, called "Solute 1" and so on.
+// Reads names separated by commas, each followed by the kinds of the species: "Heat:heat",
+// "Virus:particles", "Calcite:immobile". A species can have several kinds, but an immobile one has
+// no other. A number instead of a name gives that many species with the names "Solute 1" and so on.
 Reading read(const std::string& list);
 
 // The first `count` origins of water.

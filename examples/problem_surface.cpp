@@ -13,7 +13,8 @@ using problem_mesh::Column;
 
 namespace {
 
-// Share of the precipitation that falls as snow: more with height, less on a warm day.
+// Fraction of the precipitation that falls as snow. It increases with elevation and decreases with
+// the air temperature.
 double snowPart(const Place& place, const Weather& weather) {
     const double air = weather.air - 0.0063 * (place.column->ground - 212.37);
     return std::clamp(0.5 - 0.41 * (air - 274.35), 0.0, 1.0);
@@ -22,7 +23,7 @@ double snowPart(const Place& place, const Weather& weather) {
 } // namespace
 
 double rain(const Place& place, const Weather& weather, int) {
-    return problem_water::rainHere(place, weather);
+    return problem_water::rainRate(place, weather);
 }
 
 double specifiedFlux(const Place& place, const Weather& weather, int) {
@@ -86,7 +87,7 @@ double snowElevation(const Place& place, const Weather& weather, int) {
 
 double surfaceExchange(const Place& place, const Weather& weather, int) {
     const double baseFlow = 1.7e-7 * (1 + 37 * weather.valley) * place.column->stream;
-    return baseFlow - problem_water::infiltrationHere(place, weather);
+    return baseFlow - problem_water::infiltrationRate(place, weather);
 }
 
 double lineExchange(const Place& place, const Weather& weather, int) {
@@ -100,7 +101,7 @@ double dualExchange(const Place& place, const Weather& weather, int) {
 }
 
 double macroporeExchange(const Place& place, const Weather& weather, int) {
-    const double seeping = 0.19 * problem_water::infiltrationHere(place, weather);
+    const double seeping = 0.19 * problem_water::infiltrationRate(place, weather);
     const double resting = 2.3e-9 * weather.wetness * place.column->variation;
     return (seeping + resting) * surfaceInfluence(place, 37.1);
 }

@@ -3,8 +3,8 @@
 #include "examples/problem_domains.hpp"
 #include "examples/problem_weather.hpp"
 
-// What passes through the land surface and between the domains. Fields in SI units: rates in m/s,
-// depths and elevations in m.
+// Fluxes through the land surface and between the domains. Fields in SI units: rates in m/s, depths
+// and elevations in m.
 namespace problem_surface {
 
 using problem_domains::Place;
@@ -14,13 +14,13 @@ double rain(const Place&, const Weather&, int);
 double specifiedFlux(const Place&, const Weather&, int);
 double potentialEt(const Place&, const Weather&, int);
 
-// Evaporation and transpiration, from the surface and, summed over depth, from the ground.
+// Evaporation and transpiration from the surface, and from the ground as sums over depth.
 double surfaceEvaporation(const Place&, const Weather&, int);
 double groundEvaporation(const Place&, const Weather&, int);
 double groundTranspiration(const Place&, const Weather&, int);
 double actualEt(const Place&, const Weather&, int);
 
-// The part of a node of the ground.
+// Contributions of single nodes of pm to groundEvaporation and groundTranspiration.
 double nodeEvaporation(const Place&, const Weather&, int);
 double nodeTranspiration(const Place&, const Weather&, int);
 

@@ -22,97 +22,103 @@ constexpr double freezingPoint = 273.15;
 constexpr double particlesPerKg = 3.71e9;
 constexpr double heatOfWater = 4.183e6; // J/m3/K
 
-// A number from low to high that belongs to the species: those of neighbours lie far apart.
-double trait(const Species& species, double seed, double low, double high) {
+// A number between low and high that depends on the species. Multiples of the golden ratio, modulo
+// 1, are evenly distributed, so the numbers of successive species differ clearly.
+double speciesParameter(const Species& species, double seed, double low, double high) {
     const double turn = seed + std::numbers::phi * species.number;
     return low + (high - low) * (turn - std::floor(turn));
 }
 
-// Part of its peak that the plume of a species has at a distance from the place of its spill.
+// Concentration of the species as a fraction of its peak, at a distance from the spill. All lengths
+// in metres.
 double plume(const Species& species, double dx, double dy, double depth) {
-    const double width = trait(species, 0.17, 130, 310);
-    const double thickness = trait(species, 0.71, 7, 23);
+    const double width = speciesParameter(species, 0.17, 130, 310);
+    const double thickness = speciesParameter(species, 0.71, 7, 23);
     const double exponent =
         (dx * dx + dy * dy) / (width * width) + depth * depth / (thickness * thickness);
     return exponent < 30 ? std::exp(-exponent) : 0;
 }
 
-// The water at a place was elsewhere when the spill happened; `haste` tells how much faster than
-// in the ground it flows, and the grains hold the species back. The flow is that between storms,
-// for a plume of years feels no single shower.
-double plumeInFlow(const Place& place, const Weather& weather, double haste) {
+// The same for a plume that has moved with the flow since the spill, delayed by sorption. The water
+// moves `speedFactor` times as fast as in the ground. The velocity is that before the first storm,
+// because single storms hardly move a plume that is years old.
+double plumeInFlow(const Place& place, const Weather& weather, double speedFactor) {
     static const Weather betweenStorms = problem_weather::start();
     const Species& species = *place.species;
-    const double retardation = trait(species, 0.43, 1.1, 4.7);
-    const double time = (weather.time + trait(species, 0.29, 0.7, 2.3) * year) / retardation;
+    const double retardation = speciesParameter(species, 0.43, 1.1, 4.7);
+    const double time =
+        (weather.time + speciesParameter(species, 0.29, 0.7, 2.3) * year) / retardation;
     const auto travelled = [&](int component) {
-        return haste * time * problem_water::pmVelocity(place, betweenStorms, component);
+        return speedFactor * time * problem_water::pmVelocity(place, betweenStorms, component);
     };
     const Column& column = *place.column;
-    return plume(species, column.x - travelled(0) - trait(species, 0.37, 470, 1730),
-                 column.y - travelled(1) - trait(species, 0.83, 310, 970),
+    return plume(species, column.x - travelled(0) - speciesParameter(species, 0.37, 470, 1730),
+                 column.y - travelled(1) - speciesParameter(species, 0.83, 310, 970),
                  depthBelowGround(place) + travelled(2));
 }
 
-// With one storm, solutes of a field on the hill side are washed down to the stream, ever more
-// slowly as the ground drains. The stream carries what reaches it to the outlet.
+// With one storm, solutes are washed from a field on the hill side to the stream. The plume slows
+// down as the ground drains. The stream carries solutes that reach it to the outlet.
 namespace wash_off {
 
 constexpr double fieldX = 1500; // centre of the field, metres
 constexpr double fieldY = 985;
 constexpr double fieldWidth = 105;
-constexpr double directionX = -0.454; // of the way to the stream, a unit vector
+constexpr double directionX = -0.454; // unit vector from the field to the stream
 constexpr double directionY = -0.891;
-constexpr double wayLength = 760;   // metres, to where the plume would come to rest
-constexpr double wayToStream = 585; // metres
-constexpr double slowing = 6.3 * 3600;
-constexpr double streamSpeed = 0.43; // m/s
+constexpr double finalDistance = 760;    // metres from the field, after infinite time
+constexpr double distanceToStream = 585; // metres
+constexpr double decayTime = 6.3 * 3600; // seconds, of the plume's velocity
+constexpr double streamSpeed = 0.43;     // m/s
 
-double travelled(double time, double haste) {
-    const double since = std::max(0.0, haste * (time - problem_weather::oneStormOnset));
-    return wayLength * (1 - std::exp(-since / slowing));
+// Distance of the plume's centre from the field, metres.
+double travelled(double time, double speedFactor) {
+    const double elapsed = std::max(0.0, speedFactor * (time - problem_weather::oneStormOnset));
+    return finalDistance * (1 - std::exp(-elapsed / decayTime));
 }
 
-// Part of the peak that a plume has `offset` metres from its centre.
-double partOfPeak(double way, double offset) {
-    const double width = fieldWidth + 0.07 * way;
+// Concentration as a fraction of the initial peak, `offset` metres from the centre of a plume that
+// has travelled `distance` metres.
+double partOfPeak(double distance, double offset) {
+    const double width = fieldWidth + 0.07 * distance;
     const double part = offset / width;
     return fieldWidth * fieldWidth / (width * width) * std::exp(-std::min(part * part, 30.0));
 }
 
-double inGround(const Place& place, const Weather& weather, double haste) {
+double inGround(const Place& place, const Weather& weather, double speedFactor) {
     const Column& column = *place.column;
-    const double way = travelled(weather.time, haste);
-    const double dx = column.x - fieldX - directionX * way;
-    const double dy = column.y - fieldY - directionY * way;
+    const double distance = travelled(weather.time, speedFactor);
+    const double dx = column.x - fieldX - directionX * distance;
+    const double dy = column.y - fieldY - directionY * distance;
     const double depth = depthBelowGround(place) / 11.3;
-    // Nothing passes below the stream.
-    const double onThisSide =
+    // The plume does not pass below the stream.
+    const double northOfStream =
         1 / (1 + std::exp((problem_mesh::streamLine(column.x) - column.y) / 31.7));
-    return onThisSide * partOfPeak(way, std::hypot(dx, dy)) * std::exp(-depth * depth);
+    return northOfStream * partOfPeak(distance, std::hypot(dx, dy)) * std::exp(-depth * depth);
 }
 
 double inStream(const Place& place, const Weather& weather) {
-    const double entryX = fieldX + directionX * wayToStream;
+    const double entryX = fieldX + directionX * distanceToStream;
     const double downstream = entryX - place.column->x;
     const double lag = std::max(0.0, downstream / streamSpeed);
-    const double way = travelled(weather.time - lag, 1);
+    const double distance = travelled(weather.time - lag, 1);
     const double below = 1 / (1 + std::exp(-downstream / (0.4 * fieldWidth)));
-    return below * place.column->stream * partOfPeak(way, way - wayToStream);
+    return below * place.column->stream * partOfPeak(distance, distance - distanceToStream);
 }
 
 } // namespace wash_off
 
-// Of a solute, kg/m3: the plume above what is everywhere, more of it with depth and ever less with
-// time. Minerals stay where they are and dissolve.
-double massConcentration(const Place& place, const Weather& weather, double haste) {
+// Concentration of a solute, kg/m3: a background, which increases with depth and decreases with
+// time, and the plume. Minerals have no plume and dissolve.
+double massConcentration(const Place& place, const Weather& weather, double speedFactor) {
     const Species& species = *place.species;
     const double aged = 1 + 0.0071 * depthBelowGround(place) - weather.time / (117 * year);
-    const double everywhere = trait(species, 0.61, 0.0013, 0.0271) * place.column->variation * aged;
+    const double everywhere =
+        speciesParameter(species, 0.61, 0.0013, 0.0271) * place.column->variation * aged;
     if (!species.mobile) return 61 * everywhere;
-    const double peak = trait(species, 0.11, 0.13, 1.91);
-    const double part = weather.oneStorm ? wash_off::inGround(place, weather, haste)
-                                         : plumeInFlow(place, weather, haste);
+    const double peak = speciesParameter(species, 0.11, 0.13, 1.91);
+    const double part = weather.oneStorm ? wash_off::inGround(place, weather, speedFactor)
+                                         : plumeInFlow(place, weather, speedFactor);
     return everywhere + peak * part;
 }
 
@@ -123,24 +129,25 @@ double temperature(const Place& place, const Weather& weather) {
     return problem_ground::temperature(place, weather, 0) - freezingPoint + season;
 }
 
-// Of the water in the ground; grains filter particles out on their way down.
-double concentration(const Place& place, const Weather& weather, double haste) {
+// Concentration or temperature of the water in the ground. Particles are filtered out with depth.
+double concentration(const Place& place, const Weather& weather, double speedFactor) {
     const Species& species = *place.species;
     if (species.heat) return temperature(place, weather);
-    const double mass = massConcentration(place, weather, haste);
+    const double mass = massConcentration(place, weather, speedFactor);
     if (!species.particles) return mass;
     return particlesPerKg * mass * std::exp(-depthBelowGround(place) / 9.7);
 }
 
-// What a flow of water carries per m/s.
-double carried(const Place& place, const Weather& weather) {
+// Advective flux with a water flux of 1 m/s.
+double advectiveFlux(const Place& place, const Weather& weather) {
     const double amount = groundConcentration(place, weather, 0);
     return place.species->heat ? heatOfWater * amount : amount;
 }
 
-// What a difference of concentrations drives through a film, by its thickness in metres. Heat
-// passes through it faster than matter.
-double diffusing(const Place& place, const Weather& weather, double film) {
+// Diffusive flux through a film of this thickness in metres, driven by the difference between
+// mobile and immobile water. The factor is a thermal conductivity in W/m/K for heat, otherwise a
+// diffusion coefficient in m2/s.
+double diffusiveFlux(const Place& place, const Weather& weather, double film) {
     const double difference =
         groundConcentration(place, weather, 0) - immobileConcentration(place, weather, 0);
     return (place.species->heat ? 0.61 : 1.31e-9) * difference / film;
@@ -164,13 +171,13 @@ double fractureConcentration(const Place& place, const Weather& weather, int) {
     return concentration(place, weather, 7.3);
 }
 
-// Rain dilutes solutes and washes particles off; shallow water is nearly as warm as the air.
+// Rain dilutes solutes and detaches particles. Shallow water is nearly as warm as the air.
 double surfaceConcentration(const Place& place, const Weather& weather, int) {
     const double below = concentration(place, weather, 1);
     if (place.species->heat) return 0.37 * below + 0.63 * (weather.air - freezingPoint);
     double seeping = below * (0.09 + 0.31 * place.column->stream);
     if (weather.oneStorm) {
-        const double peak = trait(*place.species, 0.11, 0.13, 1.91);
+        const double peak = speciesParameter(*place.species, 0.11, 0.13, 1.91);
         seeping += (place.species->particles ? particlesPerKg : 1) * 0.23 * peak *
                    wash_off::inStream(place, weather);
     }
@@ -183,7 +190,7 @@ double drainConcentration(const Place& place, const Weather& weather, int) {
            0.17 * surfaceConcentration(place, weather, 0);
 }
 
-// In the water that does not flow: it follows late.
+// Concentration in the immobile water. It follows that of the mobile water with a delay.
 double immobileConcentration(const Place& place, const Weather& weather, int) {
     const double value = concentration(place, weather, 0.47);
     return place.species->heat ? value - 0.0173 * weather.wetness : 0.57 * value;
@@ -205,11 +212,11 @@ double redoxCapacity(const Place& place, const Weather& weather, int) {
 }
 
 double surfaceAdvection(const Place& place, const Weather& weather, int) {
-    return problem_surface::surfaceExchange(place, weather, 0) * carried(place, weather);
+    return problem_surface::surfaceExchange(place, weather, 0) * advectiveFlux(place, weather);
 }
 
 double surfaceDispersion(const Place& place, const Weather& weather, int) {
-    return diffusing(place, weather, 0.0131 * place.column->variation);
+    return diffusiveFlux(place, weather, 0.0131 * place.column->variation);
 }
 
 double surfaceExchange(const Place& place, const Weather& weather, int) {
@@ -217,11 +224,11 @@ double surfaceExchange(const Place& place, const Weather& weather, int) {
 }
 
 double lineAdvection(const Place& place, const Weather& weather, int) {
-    return problem_surface::lineExchange(place, weather, 0) * carried(place, weather);
+    return problem_surface::lineExchange(place, weather, 0) * advectiveFlux(place, weather);
 }
 
 double lineDispersion(const Place& place, const Weather& weather, int) {
-    return diffusing(place, weather, 0.107 * place.column->variation);
+    return diffusiveFlux(place, weather, 0.107 * place.column->variation);
 }
 
 double lineExchange(const Place& place, const Weather& weather, int) {
@@ -229,14 +236,14 @@ double lineExchange(const Place& place, const Weather& weather, int) {
 }
 
 double macroporeAdvection(const Place& place, const Weather& weather, int) {
-    return -problem_surface::macroporeExchange(place, weather, 0) * carried(place, weather);
+    return -problem_surface::macroporeExchange(place, weather, 0) * advectiveFlux(place, weather);
 }
 
 double macroporeDispersion(const Place& place, const Weather& weather, int) {
-    return diffusing(place, weather, 0.0371 * place.column->variation);
+    return diffusiveFlux(place, weather, 0.0371 * place.column->variation);
 }
 
-// The first origin is what has fallen last; the others come from ever deeper.
+// The first origin is recent rain. Each further origin has its maximum at a greater depth.
 double originFraction(const Place& place, const Weather& weather, int) {
     const double depth = depthBelowGround(place);
     const double fresh = 1.7 * mixingRatio(place, weather, 0);

@@ -3,12 +3,13 @@
 #include "examples/problem_domains.hpp"
 #include "examples/problem_weather.hpp"
 
-// What the water carries, for the species that the place names: closed formulas in place of a
-// solution. A plume has spread from a spill years ago and goes on with the flow; heat follows the
-// course of the day and of the year, ever later and weaker with depth.
+// Transport of the species of the place. Closed formulas replace a numerical solution. The plume of
+// a spill years ago moves with the flow. The temperature varies with the hour and the season; with
+// depth, the amplitude decreases and the delay increases.
 //
-// A concentration is in kg/m3, 1/m3 for particles, and a temperature in degrees Celsius for heat.
-// A flux is in kg/m2/s, 1/m2/s for particles, and W/m2 for heat; positive out of the ground.
+// Concentrations are in kg/m3, or in 1/m3 for particles. For heat they are temperatures in degrees
+// Celsius. Fluxes are in kg/m2/s, in 1/m2/s for particles and in W/m2 for heat. A flux out of the
+// ground is positive.
 namespace problem_transport {
 
 using problem_domains::Place;
@@ -26,7 +27,8 @@ double attachedParticles(const Place&, const Weather&, int); // to the grains, 1
 double sorbedMass(const Place&, const Weather&, int);        // kg
 double redoxCapacity(const Place&, const Weather&, int);     // kg/m3
 
-// Fluxes between a domain and pm: of olf, and of the others
+// Fluxes between pm and olf (surface) or another domain (line), and between a domain and dual
+// (macropore)
 double surfaceAdvection(const Place&, const Weather&, int);
 double surfaceDispersion(const Place&, const Weather&, int);
 double surfaceExchange(const Place&, const Weather&, int); // the sum of the two
@@ -36,8 +38,8 @@ double lineExchange(const Place&, const Weather&, int);
 double macroporeAdvection(const Place&, const Weather&, int);
 double macroporeDispersion(const Place&, const Weather&, int);
 
-// The waters of different origin: the part of the one that the place names, the part of the water
-// that has come since the start, and what the parts of all lack to 1.
+// Origins of water: the fraction of the place's origin, the fraction of water that entered after
+// the start, and 1 minus the sum of the fractions of all origins.
 double originFraction(const Place&, const Weather&, int);
 double mixingRatio(const Place&, const Weather&, int);
 double mixingError(const Place&, const Weather&, int);

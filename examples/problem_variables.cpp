@@ -32,10 +32,10 @@ constexpr TagSet chan = bit(Tag::chan);
 constexpr TagSet well = bit(Tag::well);
 constexpr TagSet tile = bit(Tag::tile);
 constexpr TagSet drains = well | tile;
-constexpr TagSet within = frac | chan | drains; // the ground, in faces and lines
+constexpr TagSet within = frac | chan | drains; // faces and lines within the ground
 constexpr TagSet any = pm | dual | olf | within;
 
-// Whether the default set has the variable.
+// Membership in the default set.
 constexpr bool usual = true;
 constexpr bool extra = false;
 
@@ -49,8 +49,8 @@ constexpr When first = When::first;
 constexpr When later = When::later;
 using enum Family;
 
-// The file of the 3D evaporation changes a letter of its name after the first output time. The
-// header text of ElemK begins with the number by which a reader recognises its form.
+// The file name of the 3D evaporation differs in one letter after the first output time. The header
+// text of ElemK begins with the number that specifies its form to a reader.
 // clang-format off
 const Variable table[] = {
 // stem               domains     set    type   c      L   T  field                           meaning
@@ -153,15 +153,15 @@ std::string lowerCase(std::string text) {
     return text;
 }
 
-// What the variable is asked for by: the stem without what joins it to the rest of the file name,
-// and what distinguishes it from another one of the same stem.
+// Returns the word that selects the variable: the stem without its separator, and a tail that
+// distinguishes it from another variable with the same stem.
 std::string bareStem(const Variable& variable) {
     std::string stem = variable.stem;
     stem.pop_back();
     return *variable.tail == '.' ? stem : stem + variable.tail;
 }
 
-Variable inForm(Variable variable, bool fullTensor) {
+Variable withTensorForm(Variable variable, bool fullTensor) {
     if (fullTensor && bareStem(variable) == "ElemK") {
         variable.components = 6;
         variable.meaning = "3 full tensor of conductivity";
@@ -176,37 +176,37 @@ bool isKnown(const std::string& word) {
     });
 }
 
-bool hasWhatItIsAbout(const Variable& variable, const Given& given) {
+bool isAvailable(const Variable& variable, const ProblemContents& contents) {
     switch (variable.family) {
     case Family::oneFile:
         return true;
     case Family::origins:
     case Family::originSums:
-        return given.origins;
+        return contents.origins;
     default:
-        return given.species;
+        return contents.species;
     }
 }
 
 } // namespace
 
-Selection select(const std::string& words, const Given& given) {
+Selection select(const std::string& words, const ProblemContents& contents) {
     Selection selection;
-    std::set<std::string> wanted;
+    std::set<std::string> selected;
     std::istringstream list(words);
     for (std::string word; std::getline(list, word, ',');) {
         if (!isKnown(lowerCase(word)) && !selection.unknown) selection.unknown = word;
-        wanted.insert(lowerCase(word));
+        selected.insert(lowerCase(word));
     }
     for (const Variable& variable : table) {
         const bool inSet =
-            wanted.count("all") > 0 || (variable.usual && wanted.count("default") > 0);
-        const bool byName = wanted.count(lowerCase(bareStem(variable))) > 0;
+            selected.count("all") > 0 || (variable.usual && selected.count("default") > 0);
+        const bool byName = selected.count(lowerCase(bareStem(variable))) > 0;
         if (!inSet && !byName) continue;
-        if (hasWhatItIsAbout(variable, given)) {
-            selection.variables.push_back(inForm(variable, given.fullTensor));
-        } else if (byName && !selection.lacking) {
-            selection.lacking = bareStem(variable);
+        if (isAvailable(variable, contents)) {
+            selection.variables.push_back(withTensorForm(variable, contents.fullTensor));
+        } else if (byName && !selection.unavailable) {
+            selection.unavailable = bareStem(variable);
         }
     }
     return selection;

@@ -14,12 +14,13 @@ using problem_mesh::Column;
 
 namespace {
 
-// How much of the slope of the land the water table follows: more when it stands high.
+// Slope of the water table as a fraction of the slope of the land. It is steeper when it is high.
 double tableSlope(const Weather& weather) {
     return 0.55 + 3.1 * weather.ridge;
 }
 
-// Change of head per metre below the water table: positive where water rises to the stream.
+// Head increase per metre of depth below the water table. It is positive where water rises to the
+// stream.
 double upwardGradient(const Column& column) {
     return 0.021 * (column.stream - column.hill);
 }
@@ -31,8 +32,8 @@ double streamStage(const Weather& weather) {
 double pressureHead(const Place& place, const Weather& weather) {
     const double aboveTable = place.z - waterTable(place, weather);
     if (aboveTable <= 0) return -aboveTable * (1 + upwardGradient(*place.column));
-    // Suction levels off high above the water table, where roots and drainage set it, and rain
-    // takes half of it from the topsoil.
+    // High above the water table, suction approaches a constant that roots and drainage determine.
+    // Rain reduces it by about half in the topsoil.
     const double suction = aboveTable / (1 + aboveTable / 4.7);
     return -suction * (1 - 0.53 * weather.wetness * surfaceInfluence(place, 3.9));
 }
@@ -68,20 +69,20 @@ double waterTable(const Place& place, const Weather& weather) {
     return column.ground - depth + belowStream;
 }
 
-double rainHere(const Place& place, const Weather& weather) {
+double rainRate(const Place& place, const Weather& weather) {
     return weather.rain * (0.83 + 0.31 * place.column->hill);
 }
 
-double infiltrationHere(const Place& place, const Weather& weather) {
+double infiltrationRate(const Place& place, const Weather& weather) {
     const Column& column = *place.column;
     const double capacity = 2.7e-6 * (0.75 + 0.5 * column.hill) * column.variation;
-    return std::min(rainHere(place, weather), capacity) * (1 - column.stream);
+    return std::min(rainRate(place, weather), capacity) * (1 - column.stream);
 }
 
 double pondDepth(const Place& place, const Weather& weather) {
     const Column& column = *place.column;
     const double offStream = 1 - column.stream;
-    const double excess = rainHere(place, weather) - infiltrationHere(place, weather);
+    const double excess = rainRate(place, weather) - infiltrationRate(place, weather);
     return column.stream * streamStage(weather) * column.variation + 1130 * offStream * excess -
            0.00047 * offStream * (1 + column.hill);
 }
@@ -96,8 +97,8 @@ double dualHead(const Place& place, const Weather& weather, int) {
 }
 
 double surfaceHead(const Place& place, const Weather& weather, int) {
-    const double bankedUp = place.beyondWall ? 0.0137 * place.column->variation : 0;
-    return place.column->ground + pondDepth(place, weather) + bankedUp;
+    const double backwater = place.beyondWall ? 0.0137 * place.column->variation : 0;
+    return place.column->ground + pondDepth(place, weather) + backwater;
 }
 
 double fractureHead(const Place& place, const Weather& weather, int) {
@@ -129,9 +130,9 @@ double environmentalHead(const Place& place, const Weather& weather, int) {
 
 double maxDepth(const Place& place, const Weather& weather, int) {
     Weather worst = weather;
-    worst.rain = weather.mostRain;
-    worst.overland = weather.mostOverland;
-    worst.valley = weather.mostValley;
+    worst.rain = weather.maximumRain;
+    worst.overland = weather.maximumOverland;
+    worst.valley = weather.maximumValley;
     return std::max(0.0, pondDepth(place, worst));
 }
 
@@ -163,7 +164,7 @@ double darcyFlux(const Place& place, const Weather& weather, int component) {
                                 saturation * saturation * saturation;
     if (component == 0) return -conductivity * tableSlope(weather) * column.slopeX;
     if (component == 1) return -conductivity * tableSlope(weather) * column.slopeY;
-    const double seeping = infiltrationHere(place, weather) * surfaceInfluence(place, 6.1);
+    const double seeping = infiltrationRate(place, weather) * surfaceInfluence(place, 6.1);
     return conductivity * upwardGradient(column) - seeping;
 }
 
@@ -175,7 +176,7 @@ double dualVelocity(const Place& place, const Weather& weather, int component) {
     return 37.1 * dualSaturation(place, weather, 0) * pmVelocity(place, weather, component);
 }
 
-// The plane of the fracture stands across the valley: no flow through it.
+// The fracture is a plane across the valley. Its velocity has no component normal to the plane.
 double fractureVelocity(const Place& place, const Weather& weather, int component) {
     if (component == 0) return 0;
     return 213.7 * pmVelocity(place, weather, component);

@@ -3,10 +3,11 @@
 #include "examples/problem_domains.hpp"
 #include "examples/problem_weather.hpp"
 
-// The water in the ground, on it, and in the lines that drain it: closed formulas in place of a
-// solution. Rain lifts the water table, most below the ridges, and it recedes exponentially; the
-// stream rises within hours. The head falls with depth below the ridges and rises with depth below
-// the stream. Fields in SI units; components of vectors are x, y, z.
+// The water in the ground, on the surface, and in wells, tiles and channels. Closed formulas
+// replace a numerical solution. Rain raises the water table, most of all below the ridges, and the
+// table recedes exponentially. The stream rises within hours. Heads decrease with depth below the
+// ridges and increase with depth below the stream. Fields are in SI units, components of vectors x,
+// y, z.
 namespace problem_water {
 
 using problem_domains::Place;
@@ -14,10 +15,10 @@ using problem_weather::Weather;
 
 double waterTable(const Place& place, const Weather& weather); // elevation, m
 
-// Depth of water on the ground; negative where the surface is dry: how far its head lies below it.
+// Depth of water on the ground, m. Where the surface is dry it is negative: head minus elevation.
 double pondDepth(const Place& place, const Weather& weather);
-double rainHere(const Place& place, const Weather& weather);         // m/s
-double infiltrationHere(const Place& place, const Weather& weather); // m/s
+double rainRate(const Place& place, const Weather& weather);         // m/s
+double infiltrationRate(const Place& place, const Weather& weather); // m/s
 
 // Heads, m
 double pmHead(const Place&, const Weather&, int);
@@ -51,7 +52,7 @@ double flowRate(const Place&, const Weather&, int);           // over the surfac
 double friction(const Place&, const Weather&, int component); // of the surface, s m^-1/3
 double newtonResidual(const Place&, const Weather&, int);     // m3/s
 
-// Numbers of the flow in the ground at the place, whatever the domain.
+// Peclet numbers of the flow in pm at the place, for every domain.
 double peclet(const Place&, const Weather&, int component);
 double diffusionPeclet(const Place&, const Weather&, int component);
 

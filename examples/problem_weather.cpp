@@ -18,7 +18,7 @@ struct Storm {
     double peak = 0;   // m/s
 };
 
-// One storm in each 17 hours, none like the other in onset, length and strength.
+// One storm in each 17 hours, with varying onset, duration and intensity.
 Storm stormAt(double time) {
     constexpr double period = 61200;
     const double number = std::floor(time / period);
@@ -38,29 +38,29 @@ double fill(double store, double inflow, double seconds, double residence) {
     return store * std::exp(-seconds / residence) + inflow * seconds;
 }
 
-void setStateOfTheHour(Weather& weather) {
+void updateDerivedValues(Weather& weather) {
     const double hourAngle = 2 * pi * (weather.time / day - 0.25);
     weather.rain = rainAt(weather.time, weather.oneStorm);
     weather.sun = std::max(0.0, std::sin(hourAngle));
     weather.air = 278.43 + 3.17 * std::sin(hourAngle - 0.6) + 0.43 * std::sin(0.37 * hourAngle);
     weather.meltRate = 2.9e-8 * std::max(0.0, weather.air - 273.15);
     weather.wetness = weather.soil / (weather.soil + 0.0061);
-    weather.mostRain = std::max(weather.mostRain, weather.rain);
-    weather.mostOverland = std::max(weather.mostOverland, weather.overland);
-    weather.mostValley = std::max(weather.mostValley, weather.valley);
+    weather.maximumRain = std::max(weather.maximumRain, weather.rain);
+    weather.maximumOverland = std::max(weather.maximumOverland, weather.overland);
+    weather.maximumValley = std::max(weather.maximumValley, weather.valley);
 }
 
 void advanceBy(Weather& weather, double seconds) {
     const double rain = rainAt(weather.time + 0.5 * seconds, weather.oneStorm);
     const double held = weather.overland + rain * seconds;
     weather.overland = fill(weather.overland, rain, seconds, 1.6 * 3600);
-    weather.washed += held - weather.overland;
+    weather.runoff += held - weather.overland;
     weather.soil = fill(weather.soil, rain, seconds, 13.3 * 3600);
     weather.valley = fill(weather.valley, 0.74 * rain, seconds, 0.9 * day);
     weather.ridge = fill(weather.ridge, 0.58 * rain, seconds, 3.7 * day);
     weather.melted += weather.meltRate * seconds;
     weather.time += seconds;
-    setStateOfTheHour(weather);
+    updateDerivedValues(weather);
 }
 
 } // namespace
@@ -68,7 +68,7 @@ void advanceBy(Weather& weather, double seconds) {
 Weather start(bool oneStorm) {
     Weather weather;
     weather.oneStorm = oneStorm;
-    setStateOfTheHour(weather);
+    updateDerivedValues(weather);
     return weather;
 }
 

@@ -1,8 +1,8 @@
 #pragma once
 
-// What the catchment as a whole does in time: storms, and the stores of water that they fill and
-// that drain at a rate in proportion to what they hold. A store thus falls exponentially between
-// storms. Everything in SI units.
+// The state of the whole catchment in time: storms and stores of water. Storms fill the stores. A
+// store drains at a rate proportional to its content, so it decreases exponentially between storms.
+// All values in SI units.
 namespace problem_weather {
 
 struct Weather {
@@ -10,18 +10,18 @@ struct Weather {
     double rain = 0;        // mean intensity at this time, m/s
     double sun = 0;         // 0 at night, 1 at noon
     double air = 0;         // temperature in the valley, K
-    double melted = 0;      // snow that has become water since the start, m
-    double washed = 0.0027; // water that has run off over the land since it was surveyed, m
-    double overland = 0;    // stores in metres of water: gone within hours,
-    double soil = 0.006;    //   within half a day,
-    double valley = 0.0113; //   within a day,
-    double ridge = 0.0217;  //   within days
+    double melted = 0;      // snowmelt since the start, m
+    double runoff = 0.0027; // surface runoff since the survey of the elevations, m
+    double overland = 0;    // stores in metres of water, residence time 1.6 hours,
+    double soil = 0.006;    //   13.3 hours,
+    double valley = 0.0113; //   0.9 days,
+    double ridge = 0.0217;  //   3.7 days
     double wetness = 0;     // of the topsoil, 0 to 1
     double meltRate = 0;    // m/s
-    double mostRain = 0;    // highest values since the start
-    double mostOverland = 0;
-    double mostValley = 0;
-    bool oneStorm = false; // the storm of `oneStormOnset`, and no other
+    double maximumRain = 0; // highest values since the start
+    double maximumOverland = 0;
+    double maximumValley = 0;
+    bool oneStorm = false; // only the storm that begins at `oneStormOnset`
 };
 
 constexpr double oneStormOnset = 3900; // seconds
@@ -29,8 +29,8 @@ constexpr double oneStormOnset = 3900; // seconds
 // The state at the start, before the first storm.
 Weather start(bool oneStorm = false);
 
-// Moves the state on to a later time. The steps in between are short and always the same, so the
-// state at a time hardly depends on how often it is asked for, and not at all for whole minutes.
+// Advances the state to a later time in steps of a minute and a last shorter one. If all times are
+// whole minutes, the result does not depend on the times in between.
 void advance(Weather& weather, double time);
 
 } // namespace problem_weather

@@ -29,29 +29,30 @@ void bufferBytes(RecordFile& file, const char* bytes, std::size_t count) {
     }
 }
 
-void bufferMark(RecordFile& file, std::uint32_t length, bool negative) {
+void bufferLength(RecordFile& file, std::uint32_t length, bool negative) {
     const auto positive = static_cast<std::int32_t>(length);
-    const std::int32_t mark = negative ? -positive : positive;
+    const std::int32_t signedLength = negative ? -positive : positive;
     char bytes[4];
-    std::memcpy(bytes, &mark, 4);
+    std::memcpy(bytes, &signedLength, 4);
     bufferBytes(file, bytes, 4);
 }
 
-void beginPiece(RecordFile& file) {
-    const std::uint64_t length = std::min<std::uint64_t>(file.recordLeft, file.pieceLimit);
-    file.pieceLength = static_cast<std::uint32_t>(length);
-    file.pieceLeft = file.pieceLength;
-    file.recordLeft -= length;
-    bufferMark(file, file.pieceLength, file.recordLeft > 0);
+void beginSubRecord(RecordFile& file) {
+    const std::uint64_t length =
+        std::min<std::uint64_t>(file.recordRemaining, file.maximumSubRecordBytes);
+    file.subRecordLength = static_cast<std::uint32_t>(length);
+    file.subRecordRemaining = file.subRecordLength;
+    file.recordRemaining -= length;
+    bufferLength(file, file.subRecordLength, file.recordRemaining > 0);
 }
 
-void endPiece(RecordFile& file) {
-    bufferMark(file, file.pieceLength, file.continues);
+void endSubRecord(RecordFile& file) {
+    bufferLength(file, file.subRecordLength, file.continues);
     file.continues = true;
-    if (file.recordLeft > 0) beginPiece(file);
+    if (file.recordRemaining > 0) beginSubRecord(file);
 }
 
-// A record that got too few or too many bytes is a fault of this program, and the file is useless.
+// A record with too few or too many bytes is a fault of this program, and the file is invalid.
 [[noreturn]] void recordLengthFault(const RecordFile& file) {
     std::fprintf(stderr, "make_problem: record of wrong length in %s\n", file.path.c_str());
     std::abort();
@@ -65,34 +66,34 @@ void endPiece(RecordFile& file) {
     std::exit(1);
 }
 
-RecordFile create(const std::string& path, std::uint32_t pieceLimit) {
+RecordFile create(const std::string& path, std::uint32_t maximumSubRecordBytes) {
     RecordFile file;
     file.path = path;
-    file.pieceLimit = pieceLimit;
+    file.maximumSubRecordBytes = maximumSubRecordBytes;
     errno = 0;
     file.stream = std::fopen(path.c_str(), "wb");
     if (file.stream == nullptr) writeFailed(path);
-    // The buffer of the record file is the only one: it goes to the system in one call.
+    // Only the buffer of the record file is used, which is written in one call.
     std::setvbuf(file.stream, nullptr, _IONBF, 0);
     file.buffer.resize(bufferSize);
     return file;
 }
 
 void beginRecord(RecordFile& file, std::uint64_t bytes) {
-    if (file.pieceLeft > 0) recordLengthFault(file);
-    file.recordLeft = bytes;
+    if (file.subRecordRemaining > 0) recordLengthFault(file);
+    file.recordRemaining = bytes;
     file.continues = false;
-    beginPiece(file);
-    if (bytes == 0) endPiece(file);
+    beginSubRecord(file);
+    if (bytes == 0) endSubRecord(file);
 }
 
 void putBytes(RecordFile& file, const char* bytes, std::size_t count) {
     while (count > 0) {
-        if (file.pieceLeft == 0) recordLengthFault(file);
-        const std::size_t part = std::min<std::size_t>(count, file.pieceLeft);
+        if (file.subRecordRemaining == 0) recordLengthFault(file);
+        const std::size_t part = std::min<std::size_t>(count, file.subRecordRemaining);
         bufferBytes(file, bytes, part);
-        file.pieceLeft -= static_cast<std::uint32_t>(part);
-        if (file.pieceLeft == 0) endPiece(file);
+        file.subRecordRemaining -= static_cast<std::uint32_t>(part);
+        if (file.subRecordRemaining == 0) endSubRecord(file);
         bytes += part;
         count -= part;
     }
@@ -129,7 +130,7 @@ void plainText(RecordFile& file, std::string_view text) {
 }
 
 std::uint64_t close(RecordFile& file) {
-    if (file.pieceLeft > 0) recordLengthFault(file);
+    if (file.subRecordRemaining > 0) recordLengthFault(file);
     flush(file);
     errno = 0;
     if (std::fclose(file.stream) != 0) writeFailed(file.path);

@@ -10,56 +10,56 @@
 #include <vector>
 
 // Record files as the simulator writes them: a sequence of records with nothing in between. A
-// record is one piece, or a chain of pieces when its payload is longer than a piece may be:
+// record with a long payload consists of several sub-records, any other one of a single sub-record:
 //
-//   int32  leading mark: length of the piece; negative when another piece of the record follows
-//   bytes  as many as the length says, whatever its sign
-//   int32  trailing mark: the same length; negative when the piece continues an earlier one
+//   int32  leading length; negative if another sub-record of the record follows
+//   bytes  as many as the magnitude of the length
+//   int32  trailing length; negative if a sub-record of the record came before
 //
-// A record in one piece thus has twice the same positive mark, and a chain of three pieces has the
-// signs (-,+) (-,-) (+,-). A piece may end in the middle of a value. All numbers are little-endian,
-// logicals are 32 bits wide with all bits set for true, texts are padded with blanks.
+// Both lengths of a single sub-record are thus positive, and the lengths of three sub-records have
+// the signs (-,+) (-,-) (+,-). A value can extend over two sub-records. Numbers are little-endian,
+// logicals have 32 bits, all of them set for true, and texts are padded with blanks.
 namespace record_file {
 
-static_assert(std::endian::native == std::endian::little,
-              "values are copied as they lie in memory");
+static_assert(std::endian::native == std::endian::little, "values are copied without conversion");
 
-// The longest piece that the simulator's run time writes: the greatest signed 32-bit number less
-// the bytes of the two lengths.
-constexpr std::uint32_t longestPiece = 2147483639U;
+// The longest sub-record that the simulator writes: the largest signed 32-bit number minus the
+// bytes of the two lengths.
+constexpr std::uint32_t defaultSubRecordBytes = 2147483639U;
 
 struct RecordFile {
     std::string path;
     std::FILE* stream = nullptr;
-    std::vector<char> buffer;       // bytes not yet handed to the system
-    std::size_t used = 0;           // how many of them
-    std::uint32_t pieceLimit = 0;   // longest piece of this file, bytes
-    std::uint32_t pieceLength = 0;  // length of the piece being filled
-    std::uint32_t pieceLeft = 0;    // bytes it still lacks
-    std::uint64_t recordLeft = 0;   // bytes of the record after this piece
-    bool continues = false;         // the piece is not the first of its record
-    std::uint64_t bytesWritten = 0; // size of the file so far, marks included
+    std::vector<char> buffer;                // bytes not yet passed to the system
+    std::size_t used = 0;                    // number of these bytes
+    std::uint32_t maximumSubRecordBytes = 0; // longer records are split
+    std::uint32_t subRecordLength = 0;       // bytes of the current sub-record
+    std::uint32_t subRecordRemaining = 0;    // bytes still to be put into it
+    std::uint64_t recordRemaining = 0;       // bytes of the record after this sub-record
+    bool continues = false;                  // the sub-record is not the first of its record
+    std::uint64_t bytesWritten = 0;          // size of the file so far
 };
 
-// Ends the program with status 1 and a line that names the file and the system's reason (errno).
+// Ends the program with status 1 and a line with the file and the system's reason (errno).
 [[noreturn]] void writeFailed(const std::string& path);
 
-// Creates the file, or empties it when it exists. Ends the program when that fails.
-RecordFile create(const std::string& path, std::uint32_t pieceLimit);
+// Creates the file, or empties it if it exists. On failure, ends the program by writeFailed.
+RecordFile create(const std::string& path, std::uint32_t maximumSubRecordBytes);
 
-// Starts a record of `bytes` bytes. It ends by itself with the last byte put into it.
+// Begins a record of `bytes` bytes. The record ends when that many bytes have been put into it. The
+// program aborts if a record gets too few or too many bytes.
 void beginRecord(RecordFile& file, std::uint64_t bytes);
 
-// Puts bytes into the open record: the general way, across the ends of pieces and of the buffer.
+// Puts bytes into the open record, across ends of sub-records and of the buffer.
 void putBytes(RecordFile& file, const char* bytes, std::size_t count);
 
-// One value of the open record. Values come by the hundred million, so the usual case, in which
-// neither the piece nor the buffer ends with this value, is kept short and inline.
+// Puts one value of `size` bytes into the open record. There can be hundreds of millions of values,
+// so the usual case, in which neither the sub-record nor the buffer ends, is short and inline.
 inline void putValue(RecordFile& file, const void* value, std::uint32_t size) {
-    if (size < file.pieceLeft && file.used + size <= file.buffer.size()) {
+    if (size < file.subRecordRemaining && file.used + size <= file.buffer.size()) {
         std::memcpy(file.buffer.data() + file.used, value, size);
         file.used += size;
-        file.pieceLeft -= size;
+        file.subRecordRemaining -= size;
     } else {
         putBytes(file, static_cast<const char*>(value), size);
     }
@@ -77,19 +77,19 @@ inline void putReal64(RecordFile& file, double value) {
     putValue(file, &value, 8);
 }
 
-// A text of `width` bytes, cut or padded with blanks.
+// Puts a text of `width` bytes, truncated or padded with blanks.
 void putText(RecordFile& file, std::string_view text, std::size_t width);
 
-// Whole records of a single value, of a text, and of a list.
+// Write a whole record: one value, one text, or a list.
 void int32Record(RecordFile& file, std::int32_t value);
 void logicalRecord(RecordFile& file, bool value);
 void textRecord(RecordFile& file, std::string_view text, std::size_t width);
 void int32ListRecord(RecordFile& file, const std::vector<std::int32_t>& values);
 
-// Bytes that are no record, for the text files of a problem.
+// Writes bytes without record lengths, for the text files of a problem.
 void plainText(RecordFile& file, std::string_view text);
 
-// Hands the rest to the system and closes. Returns the size of the file in bytes.
+// Writes the rest of the buffer and closes the file. Returns its size in bytes.
 std::uint64_t close(RecordFile& file);
 
 } // namespace record_file
