@@ -26,6 +26,7 @@ std::span<const Command> all();
 // One for each row of the table, in a source of the same name.
 Run addCheck(CLI::App& app);
 Run addPrint(CLI::App& app);
+Run addSeries(CLI::App& app);
 Run addXdmf(CLI::App& app);
 
 } // namespace commands

@@ -69,22 +69,19 @@ std::vector<std::int32_t> readElementNodes(const File& file, const Zone& zone) {
     return nodes;
 }
 
-void checkElementNodes(const File& file, const DataSet& set) {
+void checkElementNodes(const File& file, const Zone& zone) {
     constexpr std::int64_t blockNodes = 262144;
-    for (const Zone& zone : set.zones) {
-        if (zone.connectivityShare > 0) continue; // with a zone of as many nodes
-        const std::int64_t count = zone.elements * cornersOf(zone);
-        for (std::int64_t first = 0; first < count; first += blockNodes) {
-            const std::vector<std::int32_t> nodes = readArray<std::int32_t>(
-                file, zone.elementNodesAt + 4 * first, std::min(blockNodes, count - first));
-            const auto outside = std::ranges::find_if(
-                nodes, [&](std::int32_t node) { return node < 0 || node >= zone.nodes; });
-            if (outside == nodes.end()) continue;
-            const std::int64_t at = first + (outside - nodes.begin());
-            fail(file, zone.elementNodesAt + 4 * at,
-                 "element " + std::to_string(at / cornersOf(zone) + 1) +
-                     " has a node that is not in its zone");
-        }
+    const std::int64_t count = zone.elements * cornersOf(zone);
+    for (std::int64_t first = 0; first < count; first += blockNodes) {
+        const std::vector<std::int32_t> nodes = readArray<std::int32_t>(
+            file, zone.elementNodesAt + 4 * first, std::min(blockNodes, count - first));
+        const auto outside = std::ranges::find_if(
+            nodes, [&](std::int32_t node) { return node < 0 || node >= zone.nodes; });
+        if (outside == nodes.end()) continue;
+        const std::int64_t at = first + (outside - nodes.begin());
+        fail(file, zone.elementNodesAt + 4 * at,
+             "element " + std::to_string(at / cornersOf(zone) + 1) +
+                 " has a node that is not in its zone");
     }
 }
 

@@ -77,8 +77,8 @@ double readValue(const File& file, const Zone& zone, std::size_t variable, std::
 // Reads the node lists: elements by corners, node numbers from 1, also if the zone shares them.
 std::vector<std::int32_t> readElementNodes(const File& file, const Zone& zone);
 
-// Fails for a node list with a node that is not in its zone. Lists that zones share are read once.
-void checkElementNodes(const File& file, const DataSet& set);
+// Fails for an element with a node that is not in the zone.
+void checkElementNodes(const File& file, const Zone& zone);
 
 // Reads all values of a variable that the zone does not share, and compares them with the least and
 // greatest value in the file.

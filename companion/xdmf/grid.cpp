@@ -117,11 +117,11 @@ void appendScalars(std::string& out, const Block& block, const Zone& zone) {
 
 void appendVectors(std::string& out, const Block& block, const Zone& zone) {
     for (const auto& [name, components] : block.vectors) {
-        const auto [x, y, z] = components;
-        const auto same = [&](std::size_t v) {
+        const std::size_t x = components[0];
+        const auto same = [&zone, x](std::size_t v) {
             return zone.types[v] == zone.types[x] && zone.centred[v] == zone.centred[x];
         };
-        if (!same(y) || !same(z)) continue;
+        if (!std::ranges::all_of(components, same)) continue;
         beginAttribute(out, name, zone.centred[x], "Vector");
         out.append("<DataItem ItemType=\"Function\" Function=\"JOIN($0 , $1 , $2)\" Dimensions=\"")
             .append(std::to_string(valueCount(zone, x)))

@@ -1,0 +1,54 @@
+#include "tests/companion/tool_runs.hpp"
+
+#include <cstring>
+
+namespace {
+
+using sample_files::get;
+
+// Subcommands that read binary data sets; each reads other parts of them.
+const std::vector<std::vector<std::string>> commandLines{
+    {"print", "damaged.szplt"},
+    {"xdmf", "damaged.szplt"},
+    {"series", "damaged.szplt", "--variable", "Head", "--point", "0,0,0"},
+    {"series", "damaged.szplt", "--variable", "Zone", "--point", "0,0,0"},
+};
+
+struct DamagedSets : tool_runs::ToolRun {
+    static void put(const std::string& bytes) { sample_files::put("damaged.szplt", bytes); }
+
+    // Status 0 where the damage is in what the subcommand does not read, else a message.
+    static void runAll(bool mustFail) {
+        for (const auto& arguments : commandLines) {
+            const runs::Ran ran = tool_runs::tool(arguments);
+            if (ran.status == 0 && !mustFail) continue;
+            SCOPED_TRACE(testing::PrintToString(arguments));
+            runs::expectFailure(ran, {"meshrake-tool: damaged.szplt: "});
+        }
+    }
+};
+
+TEST_F(DamagedSets, CutAtAnyLength) {
+    const std::string whole = get(pm);
+    for (std::size_t length = 0; length < whole.size(); length += length < 1500 ? 12 : 700) {
+        SCOPED_TRACE(length);
+        put(whole.substr(0, length));
+        runAll(true);
+    }
+}
+
+// Words with values that counts, types, shares, nodes and characters must not have.
+TEST_F(DamagedSets, ChangedWords) {
+    const std::string whole = get(pm);
+    const std::size_t data = whole.size() - 3000; // the headers end with padding before it
+    for (const std::int32_t value : {-2, 0x7fffffff})
+        for (std::size_t at = 0; at + 4 <= whole.size(); at += at < 1500 || at > data ? 8 : 1000) {
+            SCOPED_TRACE(testing::Message() << at << ": " << value);
+            std::string bytes = whole;
+            std::memcpy(bytes.data() + at, &value, sizeof value);
+            put(bytes);
+            runAll(false);
+        }
+}
+
+} // namespace
