@@ -7,9 +7,10 @@
 #include <string>
 #include <unistd.h>
 
-// Files of the benchmarks. They are in the folder for temporary files and are removed at the end.
+// Files of the benchmarks, in the folder for temporary files. Each benchmark removes its own.
 namespace bench_files {
 
+// Returns a path that is unique to the process.
 inline std::string path(const std::string& name) {
     const char* folder = std::getenv("TMPDIR");
     return std::string(folder ? folder : "/tmp") + "/meshrake_bench." + std::to_string(getpid()) +

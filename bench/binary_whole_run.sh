@@ -1,13 +1,13 @@
 #!/usr/bin/env bash
-# Measures a whole run in binary mode on problems of about a million nodes, with few output times and
-# with more, against cp of the files that it wrote. As cp makes no syncs, the run is measured without
-# its own; another run gives their number and time. Then the same with append, whose CPU time is
-# compared with that of the run without it. All files are in the page cache; runs and copies take
-# turns. Takes 4 GB in the folder for temporary files and ends with status 1 where a limit is missed.
+# Compares a whole run in binary mode with cp of the files that it wrote, for a million nodes and 3
+# or 24 output times. cp makes no syncs, so the run is measured without its syncs. Another run gives
+# their number and time. The same is done with append, whose CPU time is compared with that of the
+# run without it. All files are in the page cache, and runs and copies alternate.
 #
 #   bench/binary_whole_run.sh BUILD_FOLDER [MAKE_PROBLEM_OPTION...]
 #
-# The build folder needs -DMESHRAKE_BENCH=ON. The options make one other problem.
+# Uses 4 GB in the folder for temporary files and ends with status 1 if a limit is missed. The build
+# folder needs -DMESHRAKE_BENCH=ON. The options select another problem instead.
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 # shellcheck source=bench/table.sh
@@ -29,24 +29,24 @@ measured() {
     }
 }
 
-# Numbers are kept in files, one to a line.
+# Statistics of a file with one number per line.
 median() { sort -n "$1" | awk '{ line[NR] = $0 } END { print line[int((NR + 1) / 2)] }'; }
-least() { sort -n "$1" | head -n 1; }
+minimum() { sort -n "$1" | head -n 1; }
 
-# run_meshrake KIND [NAME=VALUE]: a run with the control file of plain or append and with
-# sync_times.cpp. Prints what run_measured does.
+# run_meshrake KIND [NAME=VALUE]: a run with the control file of KIND (plain or append) and with
+# sync_times.cpp. Prints the line of run_measured.
 run_meshrake() {
-    # A run that meets its own files would first have to take their pages apart.
+    # Replacing existing files would add the time in which their pages are freed.
     rm -rf "$copy" "$problem"/largeo.*.szplt* "$problem/largeo.tec_append"
-    sync # pages that wait to be written slow down the writing of others
+    sync # pages that are not yet on the disk slow down further writes
     cp "$folder/$1.control" "$problem/large.plot.control"
     measured "$problem" env LD_PRELOAD="$build/bench/libsync_times.so" "${@:2}" \
         "$build/meshrake/meshrake"
 }
 
-# run_both_ways KIND: adds the time of the syncs to KIND.sync, and the times by the clock and of the
-# CPU of a run without them to KIND.run and KIND.cpu.
-run_both_ways() {
+# run_with_and_without_syncs KIND: appends the time of the syncs to KIND.sync, and the elapsed and
+# CPU time of a run without them to KIND.run and KIND.cpu.
+run_with_and_without_syncs() {
     local numbers elapsed user kernel calls
     run_meshrake "$1" MESHRAKE_SYNC_TIMES="$folder/syncs" >/dev/null
     read -r calls elapsed <"$folder/syncs"
@@ -62,7 +62,7 @@ run_both_ways() {
     awk -v a="$user" -v b="$kernel" 'BEGIN { printf "%.4f\n", a + b }' >>"$folder/$1.cpu"
 }
 
-# table_rows MEASURE KIND: against cp, and the syncs.
+# table_rows MEASURE KIND: the row of the run against cp, and a line about its syncs.
 table_rows() {
     local run copied
     run=$(median "$folder/$2.run")
@@ -82,19 +82,19 @@ measure() {
     cat "$problem"/* >/dev/null
     sync
     for ((i = 0; i <= repetitions; ++i)); do
-        # The first turn warms up.
+        # The first round warms up the caches.
         [ "$i" -ne 1 ] || rm "$folder"/*.{run,cpu,sync}
-        run_both_ways append
-        run_both_ways plain
+        run_with_and_without_syncs append
+        run_with_and_without_syncs plain
         mkdir "$copy"
         numbers=$(measured "$folder" cp "$problem"/largeo.*.szplt "$copy")
         echo "${numbers%% *}" >>"$folder/copy.run"
     done
     table_rows "$1, against cp" plain
     table_rows "$1, append, against cp" append
-    # What else runs only adds to a CPU time.
-    append=$(least "$folder/append.cpu")
-    plain=$(least "$folder/plain.cpu")
+    # Other load can only increase a CPU time, so the minimum is the best estimate.
+    append=$(minimum "$folder/append.cpu")
+    plain=$(minimum "$folder/plain.cpu")
     table_row "  CPU time, append against without" "$append s" "$plain s" \
         "$(awk -v a="$append" -v b="$plain" 'BEGIN { printf "%.3f", a / b }')" 1.02 1.01
 }

@@ -11,12 +11,12 @@
 
 namespace {
 
-constexpr std::int32_t cells = 1000; // of the lattice, as the element search has it
+constexpr std::int32_t cells = 1000; // of the grid in x and in y, as in the element search
 constexpr std::size_t queryCount = 1000000;
-constexpr double limit = 1000; // nanoseconds for one question
+constexpr double limit = 1000; // nanoseconds per query
 
-// Plan mesh of a million elements with nodes a little off a square lattice. Of the nodes
-// of an element only the first half is looked at; the others are those of the sheet above.
+// Plan mesh of a million elements whose nodes deviate slightly from a square lattice. The grid uses
+// only the first half of an element's nodes. The others are those of the sheet above.
 struct Mesh {
     std::int32_t nodesPerElement = 0, elementCount = 0;
     std::vector<double> x, y;
@@ -62,28 +62,28 @@ bool measure(const char* what, bool blocks) {
     });
     std::mt19937_64 random(2);
     std::uniform_real_distribution<double> x(grid.xmin, grid.xmax), y(grid.ymin, grid.ymax);
-    std::vector<std::array<double, 2>> places(queryCount);
-    for (auto& place : places) place = {x(random), y(random)};
+    std::vector<std::array<double, 2>> points(queryCount);
+    for (auto& point : points) point = {x(random), y(random)};
     std::size_t found = 0;
     std::vector<double> times;
     for (int round = 0; round < side_by_side::rounds; ++round)
         times.push_back(side_by_side::seconds([&] {
-            for (const auto& place : places) found += grid.findElement(place[0], place[1]) > 0;
+            for (const auto& point : points) found += grid.findElement(point[0], point[1]) > 0;
         }));
     const double each = side_by_side::median(times) * 1e9 / static_cast<double>(queryCount);
     std::printf("%-28s %10d %10.0f %14.0f %8.0f%s\n", what, mesh.elementCount, 1e3 * building, each,
                 limit, each > limit ? "  missed" : "");
-    const std::size_t asked = queryCount * static_cast<std::size_t>(side_by_side::rounds);
-    if (found > asked * 99 / 100) return each <= limit;
-    std::printf("only %zu of %zu places were found\n", found, asked);
+    const std::size_t queries = queryCount * static_cast<std::size_t>(side_by_side::rounds);
+    if (found > queries * 99 / 100) return each <= limit;
+    std::printf("only %zu of %zu points were found\n", found, queries);
     return false;
 }
 
 } // namespace
 
 int main() {
-    std::printf("%-28s %10s %10s %14s %8s\n", "places anywhere in the plan", "elements",
-                "build, ms", "question, ns", "limit");
+    std::printf("%-28s %10s %10s %14s %8s\n", "random points of the plan", "elements", "build, ms",
+                "query, ns", "limit");
     const bool prisms = measure("prisms", false);
     const bool blocks = measure("blocks", true);
     return prisms && blocks ? EXIT_SUCCESS : EXIT_FAILURE;

@@ -88,6 +88,6 @@ int main() {
             [&] { ours += sum(*order, table); }, [&] { theirs += sumOther(*order, other); });
     if (ours == theirs && static_cast<std::size_t>(IHashTable::sz(table)) == other.size())
         return held ? EXIT_SUCCESS : EXIT_FAILURE;
-    std::printf("the two tables differ in their answers\n");
+    std::printf("the results of the two tables differ\n");
     return EXIT_FAILURE;
 }

@@ -44,7 +44,7 @@ using OtherTree =
     nanoflann::KDTreeSingleIndexAdaptor<nanoflann::L2_Simple_Adaptor<double, Points<D>>, Points<D>,
                                         static_cast<int>(D), std::uint32_t>;
 
-// Sums of answers, which must agree and which keep the searches from being dropped.
+// Sums of results. They must agree, and their use prevents the compiler from removing the searches.
 struct Sums {
     std::size_t nearest = 0, inside = 0;
 };
@@ -60,10 +60,10 @@ struct Problem {
 template<std::size_t D>
 Problem<D> makeProblem(std::size_t leafSize, double radius) {
     Problem<D> problem{{randomPoints(pointCount, D, 1)}, {}, radius, leafSize};
-    const std::vector<double> places = randomPoints(queryCount, D, 2);
+    const std::vector<double> coordinates = randomPoints(queryCount, D, 2);
     problem.queries.resize(queryCount);
     for (std::size_t q = 0; q < queryCount; ++q)
-        for (std::size_t d = 0; d < D; ++d) problem.queries[q][d] = places[q * D + d];
+        for (std::size_t d = 0; d < D; ++d) problem.queries[q][d] = coordinates[q * D + d];
     return problem;
 }
 
@@ -110,8 +110,9 @@ void findInside(const Problem<D>& problem, const KDTree::Tree<D>& tree, Sums& su
 
 template<std::size_t D>
 void findInsideOther(const Problem<D>& problem, const OtherTree<D>& tree, Sums& sums) {
-    using Found = nanoflann::RadiusResultSet<double, std::uint32_t>;  // unsorted
-    std::remove_reference_t<decltype(Found::m_indices_dists)> points; // its type has changed
+    using Found = nanoflann::RadiusResultSet<double, std::uint32_t>; // unsorted
+    // The type of this member depends on the version of nanoflann.
+    std::remove_reference_t<decltype(Found::m_indices_dists)> points;
     for (const KDTree::Point<D>& at : problem.queries) {
         Found found(problem.radius * problem.radius, points);
         sums.inside += tree.radiusSearchCustomCallback(at.data(), found);
@@ -154,14 +155,15 @@ bool compareTrees(std::size_t leafSize, double radius) {
             findInsideOther(problem, one, theirs);
         });
     if (ours.nearest == theirs.nearest && ours.inside == theirs.inside) return held;
-    std::printf("the two trees differ in their answers\n");
+    std::printf("the results of the two trees differ\n");
     return false;
 }
 
 } // namespace
 
 int main() {
-    std::printf("%zu points, %zu queries; about 40 points to a radius\n", pointCount, queryCount);
+    std::printf("%zu points, %zu queries, about 40 points within the radius\n", pointCount,
+                queryCount);
     side_by_side::printHeadings("nanoflann");
     bool held = true;
     for (const std::size_t leafSize : {10U, 20U}) {

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Measures what a problem of a million nodes costs: time, memory and disk space of text and binary
-# data sets, for the first output time and for each further one. Prints the table of
-# docs/large_problems.md. All input is in the page cache. Takes 4 GB in the folder for temporary
+# Measures time, memory and disk space of text and binary data sets for a problem of a million
+# nodes: for the first output time and for each further one. Prints the table of
+# docs/large_problems.md. All input is in the page cache. Uses 4 GB in the folder for temporary
 # files.
 #
 #   bench/large_problem.sh [BUILD_FOLDER]
@@ -25,7 +25,7 @@ repetitions=3
 few=1
 many=5
 
-# A million nodes in pm; the columns of the default variables.
+# A million nodes in pm, with the default variables.
 "$build/examples/make_problem" --prefix large --nx 160 --ny 155 --layers 39 --times "$many" "$problem"
 (cd "$problem" && "$build/meshrake/meshrake" --make_plot_control >/dev/null 2>&1)
 last_times=$(awk -v few="$few" 'BEGIN { print 3600 * (few - 1) }')
@@ -39,7 +39,8 @@ control() {
 }
 sed -n '/^end/,$p' "$problem/large.plot.control" >"$folder/blocks"
 
-# measure LINES TIMES: the least time (s), the peak memory (MiB) and the size of the data sets (MiB).
+# measure LINES TIMES: the minimum time (s), the peak memory (MiB) and the size of the data sets
+# (MiB).
 measure() {
     local best=1e9 peak=0 elapsed memory i
     for ((i = 0; i <= repetitions; ++i)); do
@@ -48,7 +49,7 @@ measure() {
         control "$1" "$2" >"$problem/large.plot.control"
         read -r elapsed _ _ memory <<<"$("$build/bench/run_measured" "$problem" \
             "$build/meshrake/meshrake" 2>/dev/null)"
-        [ "$i" -gt 0 ] || continue # the first turn warms up
+        [ "$i" -gt 0 ] || continue # the first round warms up the caches
         best=$(awk -v a="$best" -v b="$elapsed" 'BEGIN { print a < b ? a : b }')
         [ "$memory" -le "$peak" ] || peak=$memory
     done

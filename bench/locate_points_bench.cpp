@@ -1,7 +1,7 @@
-// Locating a hundred thousand points in a layered mesh of a million bricks: elements with the cache
-// file and the lines of progress, nearest nodes and columns with their lines in the echo file,
-// against the plain loop over all elements or nodes. Times are those of the processor for all
-// points; that of the plain loop is taken on a sample of them.
+// Locates a hundred thousand points in a layered mesh of a million bricks, and compares that with a
+// plain loop over all elements or nodes. The time for elements includes the cache file and the
+// lines of progress, that for nodes and columns the lines in the echo file. Times are processor
+// times for all points. The plain loop is measured on a sample of the points.
 
 #include "bench/bench_files.hpp"
 #include "meshrake/model/file_names.hpp"
@@ -31,7 +31,7 @@ constexpr std::int32_t cellsX = 250, cellsY = 160, layers = 25;
 constexpr std::size_t pointCount = 100000;
 constexpr std::size_t sampleStep = 5000;
 
-// Two kilometres of hills over layers that grow thin towards the top.
+// Two kilometres of hills, with layers that become thinner towards the top.
 Domain makeMesh() {
     Domain pm;
     pm.tag = model::tags::pm;
@@ -59,7 +59,7 @@ Domain makeMesh() {
     return pm;
 }
 
-// Most of them in the mesh, some above the ground, below the bottom or beside.
+// Most points are in the mesh, some are above the ground, below the bottom or outside in plan.
 void makePoints() {
     std::mt19937 random(1);
     std::uniform_real_distribution<double> x(-100, 2250), y(-50, 1340), z(100, 240);
@@ -79,10 +79,10 @@ const Domain& mesh() {
         makePoints();
         run.problemPrefix = bench_files::path("locate");
         run.echoUnit = file_units::getUnit();
-        // Results go to the standard output: what is meant for the screen must not.
-        static const int nowhere = bench_files::open("/dev/null", O_WRONLY);
+        // The standard output is for the results of the benchmark, so screen output is discarded.
+        static const int discarded = bench_files::open("/dev/null", O_WRONLY);
         system_calls::table.write = [](int descriptor, const void* from, std::size_t size) {
-            return ::write(descriptor == 1 ? nowhere : descriptor, from, size);
+            return ::write(descriptor == 1 ? discarded : descriptor, from, size);
         };
         return makeMesh();
     }();
@@ -160,7 +160,7 @@ void elements(benchmark::State& state) {
     }
 }
 
-// Searches with their lines in the echo file.
+// Searches nodes or columns and writes the lines of the results into the echo file.
 void echoed(benchmark::State& state, bool inPlan) {
     const Domain& pm = mesh();
     const model::ObservationSet& set = run.observations;

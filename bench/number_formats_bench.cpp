@@ -12,8 +12,8 @@
 
 namespace {
 
-// Enough values that no branch predictor learns their order; the text goes into one block of rows
-// again and again, as in writing a file.
+// There are too many values for a branch predictor to learn their order. The text is written into
+// the same block of rows each time, as for a file.
 constexpr std::int64_t blockRows = 1000;
 constexpr std::int64_t blockCount = 100;
 constexpr std::int64_t blockValues = blockRows * number_formats::valuesPerRow;
@@ -52,7 +52,7 @@ std::vector<double> makeValues(Values kind) {
     return values;
 }
 
-// Time for one value and text per second.
+// Reports the time per value and the bytes of text per second.
 void report(benchmark::State& state, std::int64_t bytes) {
     state.counters["per_value"] = benchmark::Counter(static_cast<double>(valueCount),
                                                      benchmark::Counter::kIsIterationInvariantRate |
@@ -60,7 +60,7 @@ void report(benchmark::State& state, std::int64_t bytes) {
     state.SetBytesProcessed(state.iterations() * bytes);
 }
 
-// Same as number_formats::writeRealRows by way of the standard library.
+// The same as number_formats::writeRealRows with the standard library.
 char* writeReferenceRows(const double* values, std::int64_t rows, char* out) {
     for (; rows > 0; --rows) {
         for (int i = 0; i < number_formats::valuesPerRow; ++i) {

@@ -1,6 +1,6 @@
-// Formatting and writing an array, and element lists, against a plain write of the same bytes in
-// blocks of a mebibyte. Each time makes a new file; opening and closing it count, removing it does
-// not.
+// Compares formatting and writing an array, and element lists, with a plain write of the same bytes
+// in blocks of a mebibyte. Each round writes a new file. The time includes opening and closing it,
+// but not its removal.
 
 #include "bench/bench_files.hpp"
 #include "meshrake/plot_data/array_writing.hpp"
@@ -27,7 +27,7 @@ constexpr std::int32_t valueCount = 1 << 20;
 
 const std::string fileName = bench_files::path("dat");
 
-// A mesh of bricks, numbered as a layered mesh is.
+// A mesh of bricks, numbered layer by layer.
 constexpr std::int32_t cells = 100; // along x and y
 constexpr std::int32_t layers = 50;
 

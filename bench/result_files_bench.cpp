@@ -1,5 +1,5 @@
-// Reading a result file of one component into an array that is reused, against a plain read of the
-// same bytes into the same array. The file is in the page cache.
+// Compares the reader of a result file of one component with a plain read of the same bytes into
+// the same array. The file is in the page cache.
 
 #include "bench/bench_files.hpp"
 #include "tvncommon/io/TVNBinaryFile.hpp"

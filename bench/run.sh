@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Measures everything that has a limit, in one go, and prints the ratios beside the limits. Takes
-# some minutes; ends with status 1 where a limit is missed.
+# Runs all measurements that have a limit and prints their ratios and limits. Takes some minutes and
+# ends with status 1 if a limit is missed.
 #
 #   bench/run.sh
 set -euo pipefail
@@ -15,7 +15,7 @@ build=$root/build-bench
 results=$(mktemp)
 trap 'rm -f "$results"' EXIT
 
-# What is compared takes turns, so that a busy moment of the machine meets both sides.
+# Benchmarks that are compared run alternately, so that other load affects both.
 for program in number_formats_bench result_files_bench plot_files_bench locate_points_bench; do
     "$build/bench/$program" --benchmark_repetitions=5 --benchmark_enable_random_interleaving=true \
         --benchmark_format=csv 2>/dev/null >>"$results"
@@ -34,8 +34,8 @@ time_of() {
     echo "$time"
 }
 
-# compare MEASURE OURS AGAINST MUST AIM: two benchmarks, ours over theirs; theirs over ours where
-# the limit is one of "times faster".
+# compare MEASURE OURS AGAINST MUST AIM: the row of two benchmarks. The ratio is ours / theirs, or
+# theirs / ours if MUST begins with ">" ("times faster").
 compare() {
     local ours theirs quotient
     ours=$(time_of "$2")

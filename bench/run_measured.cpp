@@ -1,9 +1,9 @@
-// Runs a program with its output thrown away and prints, in one line, how long it took by the clock
-// (seconds), its time in user and system mode (seconds) and its peak memory (KiB):
+// Runs a program in a folder, discards its standard output and prints one line: elapsed time, CPU
+// time in user and in system mode (all in seconds), and peak memory (KiB).
 //
 //     run_measured FOLDER PROGRAM [ARGUMENT]...
 //
-// It runs in FOLDER. The status is the program's.
+// The status is that of the program.
 
 #include <chrono>
 #include <cstdio>
@@ -19,9 +19,9 @@ double seconds(const timeval& time) {
     return static_cast<double>(time.tv_sec) + 1.0e-6 * static_cast<double>(time.tv_usec);
 }
 
-[[noreturn]] void become(const char* folder, char** command) {
-    const int nowhere = open("/dev/null", O_WRONLY);
-    if (nowhere >= 0 && dup2(nowhere, 1) >= 0 && chdir(folder) == 0) execvp(command[0], command);
+[[noreturn]] void execute(const char* folder, char** command) {
+    const int null = open("/dev/null", O_WRONLY);
+    if (null >= 0 && dup2(null, 1) >= 0 && chdir(folder) == 0) execvp(command[0], command);
     std::perror(command[0]);
     _exit(127);
 }
@@ -35,7 +35,7 @@ int main(int argc, char** argv) {
     }
     const auto begin = std::chrono::steady_clock::now();
     const pid_t child = fork();
-    if (child == 0) become(argv[1], argv + 2);
+    if (child == 0) execute(argv[1], argv + 2);
     int status = 0;
     rusage usage{};
     if (child < 0 || wait4(child, &status, 0, &usage) != child) {

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-// Two ways to do the same thing. They take turns and count processor time, so that what else the
-// machine does hits both alike.
+// Compares two implementations of the same work. They run in turns and the processor time is
+// measured, so that other load of the machine affects both equally.
 namespace side_by_side {
 
 constexpr int rounds = 7;
@@ -29,7 +29,7 @@ inline void printHeadings(const std::string& other) {
                 "ratio", "limit");
 }
 
-// Prints the medians and their ratio; false when it is above the limit.
+// Prints the medians and their ratio. Returns false if the ratio is above the limit.
 template<class Ours, class Theirs>
 bool compare(const std::string& what, double limit, const Ours& ours, const Theirs& theirs) {
     std::vector<double> a, b;

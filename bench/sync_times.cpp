@@ -1,6 +1,6 @@
-// Measures the syncs of the program that it is preloaded into (LD_PRELOAD). When the program ends,
-// writes their number and their time by the clock (seconds) in one line into the file that
-// MESHRAKE_SYNC_TIMES names. Without that variable no sync is made.
+// Measures the syncs of a program into which it is preloaded (LD_PRELOAD). When the program ends,
+// it writes one line with their number and elapsed time (seconds) to the file in the variable
+// MESHRAKE_SYNC_TIMES. Without that variable, syncs are skipped.
 
 #include <cstdio>
 #include <cstdlib>
@@ -36,7 +36,7 @@ SyncTimes times;
 
 } // namespace
 
-// In place of the function of the C library.
+// Replaces the function of the C library.
 extern "C" int fdatasync(int descriptor) {
     if (!resultPath()) return 0;
     const double begin = now();

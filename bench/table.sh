@@ -1,14 +1,14 @@
 # shellcheck shell=bash
-# Rows of the table of measures, for the scripts of this folder. A limit that is missed sets `missed`
-# to 1.
+# Rows of the table of measurements, for the scripts of this folder. A missed limit sets `missed` to
+# 1.
 missed=0
 
 table_head() {
     printf '%-42s %12s %12s %8s %6s %6s\n' "" "meshrake" "against" "ratio" "must" "aim"
 }
 
-# table_row MEASURE OURS AGAINST RATIO MUST AIM: the ratio may not be above MUST; with the sign > in
-# front of MUST, not below it.
+# table_row MEASURE OURS AGAINST RATIO MUST AIM: prints a row. The ratio must be at most MUST, or at
+# least MUST if that begins with ">".
 table_row() {
     local verdict
     verdict=$(awk -v ratio="$4" -v must="${5#>}" -v aim="$6" -v more="${5:0:1}" 'BEGIN {

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Measures a whole run on a problem of about a million nodes with three output times, against cp of
-# the files that it wrote, and its peak memory. All files are in the page cache; runs and copies
-# take turns. Takes 2 GB in the folder for temporary files and ends with status 1 where a limit is
+# Compares a whole run on a problem of about a million nodes and three output times with cp of the
+# files that it wrote, and measures its peak memory. All files are in the page cache, and runs and
+# copies alternate. Uses 2 GB in the folder for temporary files and ends with status 1 if a limit is
 # missed.
 #
 #   bench/whole_run.sh [BUILD_FOLDER]
@@ -29,11 +29,11 @@ copy=$folder/copy
 cat "$problem"/* >/dev/null
 sync
 
-# A run that meets its own files would first have to take their pages apart.
+# Replacing existing files would add the time in which their pages are freed.
 outputs() { ls "$problem"/largeo.*.dat "$problem/largeo.meshrake.eco"; }
 remove_outputs() { rm -rf "$copy" "$problem"/largeo.*.dat "$problem"/*.eco "$problem"/*.control; }
 
-# measured FOLDER PROGRAM [ARGUMENT]...: what run_measured says of it, which must end well.
+# measured FOLDER PROGRAM [ARGUMENT]...: prints the line of run_measured. The program must succeed.
 measured() {
     "$build/bench/run_measured" "$@" 2>"$folder/errors" || {
         cat "$folder/errors" >&2
@@ -53,7 +53,7 @@ for ((i = 0; i <= repetitions; ++i)); do
     # shellcheck disable=SC2046 # a list of file names without blanks
     numbers=$(measured "$folder" cp $(outputs) "$copy")
     read -r copied _ <<<"$numbers"
-    [ "$i" -gt 0 ] || continue # the first turn warms up
+    [ "$i" -gt 0 ] || continue # the first round warms up the caches
     runs+=("$run")
     copies+=("$copied")
     [ "$memory" -le "$peak" ] || peak=$memory
@@ -61,9 +61,9 @@ done
 
 median() { printf '%s\n' "$@" | sort -n | sed -n "$((($# + 1) / 2))p"; }
 
-# Bytes of what must be kept: coordinates, links, element lists and zones, which are the mesh files
-# with the coordinates of the domains beside pm, and an array for each column that is read, which
-# are the result files of one output time.
+# Bytes that the program must keep in memory. Coordinates, links, element lists and zones have the
+# size of the mesh files plus the coordinates of domains other than pm. An array per column has the
+# size of the result files of one output time.
 kept_bytes() {
     local bytes nodes file
     bytes=$(cat "$problem"/largeo.coordinates_* "$problem"/largeo.elements_* \

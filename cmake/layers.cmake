@@ -2,10 +2,10 @@
 # no target has the root on its include path. Each layer has a folder of links to its headers, and a
 # target sees the folders of the layers that it links, so an include of any other layer fails.
 
-# Warnings and the floating-point rules, for every target of this project.
+# Warnings and floating-point rules of all targets.
 add_library(meshrake_settings INTERFACE)
 target_compile_features(meshrake_settings INTERFACE cxx_std_20)
-# A fused multiply-add would change the last digit of a derived column.
+# A fused multiply-add would change the last digits of derived columns.
 target_compile_options(meshrake_settings INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -ffp-contract=off
   # Reports false positives for std::string in version 12.
@@ -56,8 +56,8 @@ endfunction()
 
 # add_layer(TARGET ALIAS SOURCES ... HEADERS ... PRIVATE_HEADERS ... LINKS ...)
 #
-# A library whose HEADERS are seen by the targets that link it, and whose PRIVATE_HEADERS only by
-# its own sources. Static, save for the installed libraries where BUILD_SHARED_LIBS asks otherwise.
+# Adds a library. Targets that link it can include its HEADERS, its own sources also
+# PRIVATE_HEADERS. It is static, or follows BUILD_SHARED_LIBS with the option SHARED_IF_ASKED.
 function(add_layer target alias)
   cmake_parse_arguments(PARSE_ARGV 2 layer "SHARED_IF_ASKED" ""
     "SOURCES;HEADERS;PRIVATE_HEADERS;LINKS")

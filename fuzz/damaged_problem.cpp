@@ -1,6 +1,6 @@
 #include "fuzz/support.hpp"
 
-// A whole run over a problem with an edited file; see `edit`. The word says what the run does:
+// A whole run with an edited file of the problem; see `edit`. The word selects the kind of run:
 // "text", "binary", "vtk" or "template".
 namespace {
 

@@ -6,7 +6,8 @@
 
 #include <algorithm>
 
-// The files of the problem description: the first byte of the input chooses one of them.
+// The files of the problem description. The first byte of the input selects one of them, the rest
+// is its contents.
 namespace {
 
 using fuzz::require;
@@ -14,26 +15,26 @@ using fuzz::require;
 void checkTitle() {
     require(model::run.titleLines.size() ==
                 static_cast<std::size_t>(std::max(model::run.numTitleLines, 1)),
-            "another number of title lines");
+            "wrong number of title lines");
     for (const std::string& line : model::run.titleLines)
-        require(line.size() == 60, "a short title line");
+        require(line.size() == 60, "wrong length of a title line");
 }
 
 void checkSpecies() {
     const auto count = static_cast<std::size_t>(model::run.numSpecies);
     require(model::run.numMobileSpecies >= 0 && model::run.numImmobileSpecies >= 0,
-            "a negative count");
+            "negative number of species");
     require(model::run.speciesNames.size() == count && model::run.speciesFlagA.size() == count &&
                 model::run.speciesFlagB.size() == count,
-            "arrays of species do not fit");
+            "wrong size of an array of species");
 }
 
 void checkFractions() {
     require(model::run.hmcFractionNames.size() ==
                 static_cast<std::size_t>(model::run.numHmcFractions),
-            "another number of fractions");
+            "wrong number of fractions");
     for (const std::string& name : model::run.hmcFractionNames)
-        require(name.starts_with("f_") && name.size() <= 80, "a name that cannot be");
+        require(name.starts_with("f_") && name.size() <= 80, "invalid name of a fraction");
 }
 
 struct Part {

@@ -11,15 +11,15 @@
 #include <regex>
 #include <vector>
 
-// Free-form numbers against the standard library's, and lists of them over one line against the
-// same list over several. The input is a text.
+// Compares free-form numbers with those of the standard library, and lists on one line with the
+// same lists on several lines. The input is a text.
 namespace {
 
 using fuzz::require;
 
-// As strtod spells it; empty for any other text.
+// Returns the number in the form of strtod, or an empty text if it is not a valid number.
 std::string respelled(const std::string& text) {
-    // Each digit fits one part alone: otherwise long numbers take a time that grows as a square.
+    // Each digit can match only one part. Otherwise the time would be quadratic in the length.
     static const std::regex number(
         "([+-]?)(([0-9]+(?:\\.[0-9]*)?|\\.[0-9]+)([eEdD]([+-]?[0-9]+)|"
         "([+-][0-9]+))?|[iI][nN][fF]([iI][nN][iI][tT][yY])?|[nN][aA][nN])");
@@ -35,27 +35,28 @@ void compareReal(const std::string& text, Real (*convert)(const char*, char**)) 
     Real value = 7;
     const int status = free_form::readReal(text, value);
     const std::string spelled = respelled(text);
-    const Real wanted = convert(spelled.c_str(), nullptr);
-    const bool named = spelled.find_first_of("iInN") != std::string::npos;
-    const bool good = !spelled.empty() && (named || std::isfinite(wanted));
-    require((status == io_layer::ok) == good, "another status for " + text);
+    const Real expected = convert(spelled.c_str(), nullptr);
+    const bool isName = spelled.find_first_of("iInN") != std::string::npos; // Inf or NaN
+    const bool good = !spelled.empty() && (isName || std::isfinite(expected));
+    require((status == io_layer::ok) == good, "wrong status for " + text);
     if (!good)
-        require(value == 7, "a value from an invalid number: " + text);
-    else if (std::isnan(wanted))
-        require(std::isnan(value), "a number for " + text);
+        require(value == 7, "value changed by an invalid number: " + text);
+    else if (std::isnan(expected))
+        require(std::isnan(value), "not NaN: " + text);
     else
-        require(value == wanted && std::signbit(value) == std::signbit(wanted),
-                "another value for " + text);
+        require(value == expected && std::signbit(value) == std::signbit(expected),
+                "wrong value of " + text);
 }
 
 void compareInteger(const std::string& text) {
     static const std::regex number("[+-]?[0-9]+");
     std::int32_t value = 7;
     const int status = free_form::readInteger(text, value);
-    const long long wanted = std::strtoll(text.c_str(), nullptr, 10);
-    const bool good = std::regex_match(text, number) && wanted == static_cast<std::int32_t>(wanted);
-    require((status == io_layer::ok) == good && value == (good ? wanted : 7),
-            "another integer for " + text);
+    const long long expected = std::strtoll(text.c_str(), nullptr, 10);
+    const bool good =
+        std::regex_match(text, number) && expected == static_cast<std::int32_t>(expected);
+    require((status == io_layer::ok) == good && value == (good ? expected : 7),
+            "wrong integer for " + text);
 }
 
 int readList(std::string_view text, std::vector<double>& values) {
@@ -68,15 +69,15 @@ int readList(std::string_view text, std::vector<double>& values) {
     return free_form::readReals(nextLine, values);
 }
 
-// A list may change lines wherever it has blanks.
+// A line feed separates the values of a list like a blank.
 void compareLists(std::string text) {
     constexpr double untouched = -123456;
     std::vector<double> several(9, untouched), one = several;
     const int status = readList(text, several);
     std::replace(text.begin(), text.end(), '\n', ' ');
-    require(readList(text, one) == status, "another status on one line");
+    require(readList(text, one) == status, "different status on one line");
     const auto bits = [](double value) { return std::bit_cast<std::uint64_t>(value); };
-    require(std::ranges::equal(several, one, {}, bits, bits), "other values on one line");
+    require(std::ranges::equal(several, one, {}, bits, bits), "different values on one line");
 }
 
 } // namespace

@@ -10,8 +10,8 @@
 #include <cstdlib>
 #include <cstring>
 
-// Numbers as text and back. The first two bytes of the input choose width and digits; the rest are
-// 64-bit reals.
+// Writes numbers as text and reads them back. The first two bytes of the input select width and
+// digits, the rest are 64-bit reals.
 namespace {
 
 using fuzz::require;
@@ -29,32 +29,33 @@ void checkWideReal(double value) {
     number_formats::writeWideReal(value, field.data());
     if (!std::isfinite(value)) return;
     wide_real_reference::write(value, reference.data());
-    require(field == reference, "another wide real: " + field);
-    require(same(std::strtod(field.c_str(), nullptr), value), "a wide real is not read back");
+    require(field == reference, "wrong wide real: " + field);
+    require(same(std::strtod(field.c_str(), nullptr), value), "wide real with another value");
 }
 
-// The value that so many significant digits give.
+// The value rounded to this number of significant digits.
 double rounded(double value, int digits) {
     char text[64];
     std::snprintf(text, sizeof text, "%.*e", digits - 1, value);
     return std::strtod(text, nullptr);
 }
 
-void checkRounded(const std::string& field, double value, int digits, int width, int most) {
-    require(std::ssize(field) == width, "another width: " + field);
+// A field of at least `sufficient` characters must contain the number.
+void checkRounded(const std::string& field, double value, int digits, int width, int sufficient) {
+    require(std::ssize(field) == width, "wrong width: " + field);
     if (!std::isfinite(value)) return;
-    if (isStars(field)) return require(width < most, "stars although it fits");
+    if (isStars(field)) return require(width < sufficient, "stars in a field of sufficient width");
     double back = 0;
     const int status = free_form::readReal(field, back);
-    const double wanted = rounded(value, digits);
-    if (std::isinf(wanted)) return;
-    require(status == 0 && same(back, wanted), "another number of few digits: " + field);
+    const double expected = rounded(value, digits);
+    if (std::isinf(expected)) return;
+    require(status == 0 && same(back, expected), "wrong rounded number: " + field);
 }
 
 void checkFixed(double value, int width, int decimals) {
     std::array<char, 64> field;
     const char* end = number_formats::writeFixedField(value, width, decimals, field.data());
-    require(end == field.data() + width, "another end of a field");
+    require(end == field.data() + width, "wrong width of a fixed field");
     if (!std::isfinite(value)) return;
     std::array<char, 512> buffer;
     std::snprintf(buffer.data(), buffer.size(), "%#.*f", decimals, value);
@@ -64,7 +65,7 @@ void checkFixed(double value, int width, int decimals) {
     const auto columns = static_cast<std::size_t>(width);
     text = text.size() > columns ? std::string(columns, '*')
                                  : std::string(columns - text.size(), ' ') + text;
-    require(text == std::string_view(field.data(), columns), "another fixed field than " + text);
+    require(text == std::string_view(field.data(), columns), "fixed field is not " + text);
 }
 
 void checkInteger(std::int32_t value) {
@@ -73,7 +74,7 @@ void checkInteger(std::int32_t value) {
     if (std::strlen(text) > 12) std::strcpy(text, " **********\n");
     std::array<char, 12> field;
     number_formats::writeIntegerTail(&value, 1, field.data());
-    require(std::string_view(field.data(), 12) == text, "another integer field");
+    require(std::string_view(field.data(), 12) == text, "wrong integer field");
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "fuzz/support.hpp"
 
-// A whole run with all comparisons; the first byte of the input chooses the file that the rest is.
+// A whole run with all comparisons. The first byte of the input selects a file, the rest is its
+// contents.
 namespace {
 
 constexpr const char* names[] = {"t.observed_heads", "t.observed_heads_olf", "t.observed_d2gwt",

@@ -10,16 +10,16 @@
 #include <optional>
 #include <vector>
 
-// The reader of records against one that is plain, and the readers of result files. The first byte
-// of the input chooses a reader, the second a number of values; the rest is the file.
+// Compares the reader of records with a simple one, and calls the readers of result files. The
+// first byte of the input selects a reader, the second a number of values. The rest is the file.
 namespace {
 
 using namespace TVNBinaryFile;
 
 constexpr int unit = io_layer::firstUnit;
 
-// Payload of the record that begins at `position`; nothing for one that is cut or whose two lengths
-// differ.
+// Returns the payload of the record at `position` and advances it. Returns nothing if the record is
+// truncated or the two lengths of a sub-record differ.
 std::optional<std::string> nextRecord(std::string_view file, std::size_t& position) {
     std::string payload;
     for (bool continues = true; continues;) {
@@ -37,26 +37,27 @@ std::optional<std::string> nextRecord(std::string_view file, std::size_t& positi
     return payload;
 }
 
-void compareRecords(std::string_view file, std::size_t wanted) {
+// Reads `size` bytes of each record.
+void compareRecords(std::string_view file, std::size_t size) {
     io_layer::openRecordsRead(unit, "file");
-    std::vector<char> bytes(wanted);
+    std::vector<char> bytes(size);
     for (std::size_t position = 0;;) {
         const bool atEnd = position == file.size();
         const std::optional<std::string> payload = nextRecord(file, position);
         const int status = io_layer::readRecord(unit, bytes.data(), std::ssize(bytes));
         if (atEnd) return fuzz::require(status == io_layer::endOfFile, "no end of the file");
-        const bool good = payload && payload->size() >= wanted;
-        fuzz::require((status == io_layer::ok) == good, "another status of a record");
+        const bool good = payload && payload->size() >= size;
+        fuzz::require((status == io_layer::ok) == good, "wrong status of a record");
         if (!good) return;
-        fuzz::require(std::equal(bytes.begin(), bytes.end(), payload->begin()), "another payload");
+        fuzz::require(std::equal(bytes.begin(), bytes.end(), payload->begin()), "wrong payload");
         fuzz::require(io_layer::bytesLeft(unit) == std::ssize(file.substr(position)),
-                      "another position after a record");
+                      "wrong position after a record");
     }
 }
 
-void writeAndRead(std::string_view payload, std::int64_t piece) {
+void writeAndRead(std::string_view payload, std::int64_t maximumSubRecord) {
     io_layer::openRecordsReplace(unit, "file");
-    io_layer::writeRecord(unit, payload.data(), std::ssize(payload), piece + 1);
+    io_layer::writeRecord(unit, payload.data(), std::ssize(payload), maximumSubRecord);
     io_layer::releaseUnit(unit);
     compareRecords(fuzz::files().at("file"), payload.size());
 }
@@ -64,8 +65,8 @@ void writeAndRead(std::string_view payload, std::int64_t piece) {
 template<class T>
 T* arrayOf(std::int32_t n) {
     static std::vector<T> values;
-    values =
-        std::vector<T>(static_cast<std::size_t>(n)); // not a value more than the reader may set
+    // A new array of exactly n values, so that the sanitizer detects a write beyond them.
+    values = std::vector<T>(static_cast<std::size_t>(n));
     return values.data();
 }
 
@@ -82,7 +83,7 @@ const std::vector<void (*)(std::int32_t n)> readers = {
     [](std::int32_t) {
         const std::string header = readTVNBinFileHeader("file");
         const BinaryHeader parsed = parseTVNBinFileHeader(header, "file");
-        fuzz::require(parsed.isOldFormat == !isNewerFileFormat(header), "another generation");
+        fuzz::require(parsed.isOldFormat == !isNewerFileFormat(header), "wrong generation");
         fuzz::require(parsed.isOldFormat || (parsed.numComponents > 0 && parsed.numValues > 0),
                       "a count of the header is not positive");
     }};
@@ -98,7 +99,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (reader == readers.size())
         compareRecords(file, data[1]);
     else if (reader > readers.size())
-        writeAndRead(file, data[1]);
+        writeAndRead(file, data[1] + 1);
     else
         fuzz::endsRun([&] { readers[reader](data[1]); });
     return 0;

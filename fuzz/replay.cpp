@@ -9,7 +9,7 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
-// Makes a target take inputs from files, and from the files of folders, in place of a fuzzer.
+// Runs a target with inputs from files and folders instead of a fuzzer.
 int main(int argc, char** argv) {
     std::vector<std::filesystem::path> inputs;
     for (int i = 1; i < argc; ++i) {
@@ -21,7 +21,7 @@ int main(int argc, char** argv) {
     }
     std::sort(inputs.begin(), inputs.end());
     for (const std::filesystem::path& path : inputs) {
-        // Known before a crash that the input may cause.
+        // Printed first, so that the input of a crash is known.
         std::printf("%s\n", path.c_str());
         std::fflush(stdout);
         std::ifstream file(path, std::ios::binary);

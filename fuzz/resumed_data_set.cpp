@@ -2,11 +2,11 @@
 
 #include <cstring>
 
-// A run that resumes binary data sets, of whose files one is edited; see `edit`. The word
-// "repaired" lets the sidecar's size and checksum fit its contents again.
+// A run that resumes binary data sets, one file of which is edited; see `edit`. With the word
+// "repaired" the size and checksum of an edited sidecar are recomputed.
 namespace {
 
-// Two output times are in the data sets, a third is in the problem.
+// The files after a run with two output times, when a third has been added.
 fuzz::Files unfinished() {
     const fuzz::Files problem = fuzz::smallProblem(2);
     const std::string control = "tecplot binary mode\ntecplot binary append\nend\n"
@@ -17,7 +17,7 @@ fuzz::Files unfinished() {
     return resumed;
 }
 
-// Size and checksum, which is the FNV-1a hash, of what follows them.
+// Sets the size of the file and the checksum, which is the FNV-1a hash of the bytes after it.
 void repairSidecar(std::string& bytes) {
     constexpr std::size_t sizeAt = 8, checksumAt = 16, contentsAt = 24;
     if (bytes.size() < contentsAt) return;

@@ -1,16 +1,16 @@
 #!/usr/bin/env bash
-# Fuzzes the targets, one after the other, with what earlier runs have found.
+# Fuzzes the targets, one after the other, from the corpus and the inputs that earlier runs found.
 #
-#   fuzz/run.sh MINUTES [TARGET]...   MINUTES for each TARGET, all of them unless named
-#   fuzz/run.sh merge [TARGET]...     puts into the corpus the inputs that reach further edges
+#   fuzz/run.sh MINUTES [TARGET]...   MINUTES for each TARGET, by default for all targets
+#   fuzz/run.sh merge [TARGET]...     adds the inputs that reach further edges to the corpus
 #
-# It prints the executions, the edges that were reached and the findings of each target, and ends
-# with status 1 if there is a finding. The inputs of findings are kept in build-fuzz/findings. Give
-# such an input a name of its own in the corpus: a merge keeps all but those named by a hash.
+# It prints the executions, the reached edges and the findings of each target, and ends with status
+# 1 if there is a finding. The inputs of findings are in build-fuzz/findings. Add such an input to
+# the corpus under a descriptive name: a merge keeps it, while it can drop inputs named by a hash.
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 build=$root/build-fuzz
-most_findings=10
+maximum_findings=10
 
 if [[ $# -lt 1 || ! $1 =~ ^([0-9]+|merge)$ ]]; then
     sed -n '2,/^set/{/^#/s/^# \{0,1\}//p}' "${BASH_SOURCE[0]}" >&2
@@ -23,7 +23,7 @@ if [ $# -gt 0 ]; then targets=("$@"); else mapfile -t targets < <(ls "$root/fuzz
 "$root/tools/install_packages.sh" fuzz
 "$root/tools/build.sh" fuzz
 
-# Words of the control file, from a template that has all instructions, and names of files.
+# Words of the control file, from a template with all instructions, and names of files.
 make_dictionaries() {
     cd "$build/fuzz/problem"
     find . -type f -printf '"%P"\n' >"$build/damaged_problem.dict"
@@ -48,10 +48,11 @@ merge() {
         "$(find "$corpus" -type f -printf '%s\n' | awk '{ n += $1 } END { print n + 0 }')"
 }
 
-# Short stacks of allocations, and few freed blocks that are kept, make runs faster.
+# Short stack traces of allocations and a small quarantine of freed blocks make runs faster.
 export ASAN_OPTIONS=malloc_context_size=2:quarantine_size_mb=16
 
-# All runs of a target are in one log; a finding ends a run, and the next one continues.
+# A finding ends a run of the fuzzer, and the loop starts the next one. All of them write to one
+# log.
 fuzz() {
     local -r target=$1 log=$build/fuzz_$1.log findings=$build/findings/$1
     local -r end=$((SECONDS + 60 * minutes))
@@ -64,7 +65,7 @@ fuzz() {
     local before
     before=$(find "$findings" -type f | wc -l)
     local found=0
-    while [ $SECONDS -lt $end ] && [ $found -lt $most_findings ]; do
+    while [ $SECONDS -lt $end ] && [ $found -lt $maximum_findings ]; do
         "$build/fuzz/fuzz_$target" "${options[@]}" -max_total_time=$((end - SECONDS)) \
             "$build/corpus/$target" "$root/fuzz/corpus/$target" >>"$log" 2>&1 || true
         found=$(($(find "$findings" -type f | wc -l) - before))
@@ -74,7 +75,7 @@ fuzz() {
         awk '{ n += $1 } END { print n + 0 }')
     printf '%-18s %10d executions %6d edges %3d findings\n' "$target" "$executions" \
         "$(sed -n 's/.* cov: \([0-9]*\).*/\1/p' "$log" | sort -n | tail -1)" "$found"
-    # A target that does not start finds nothing.
+    # A target that does not start has no findings, but is a failure.
     [ $found -eq 0 ] && [ "$executions" -gt 0 ]
 }
 

@@ -25,22 +25,22 @@ using system_calls::FileInfo;
 using system_calls::FileKind;
 using system_calls::OpenMode;
 
-constexpr std::size_t fullDisk = 32 << 20; // bytes of a file
+constexpr std::size_t maximumFileBytes = 32 << 20; // the disk is full beyond this size
 
 using Bytes = std::shared_ptr<std::string>;
 
 struct OpenFile {
     std::string name;
-    Bytes bytes; // none for a folder
+    Bytes bytes; // null for a folder
     std::size_t position = 0;
 };
 
 struct Disk {
-    const Files* before = nullptr;        // what it held before the run, which is never copied
-    std::map<std::string, Bytes> changed; // none for a file that was removed
-    std::map<int, OpenFile> open;
-    // A number is never used twice, and none is one of the system's: a descriptor that was kept too
-    // long is never a file.
+    const Files* before = nullptr;        // contents before the run, never copied
+    std::map<std::string, Bytes> changed; // null for a file that was removed
+    std::map<int, OpenFile> open;         // by descriptor
+    // Next descriptor. No descriptor is used twice or is one of the system's, so that the use of a
+    // closed one fails.
     int next = 1 << 20;
     std::string streams[3];
 };
@@ -57,7 +57,8 @@ OpenFile* findOpen(int descriptor) {
     return it == disk.open.end() ? nullptr : &it->second;
 }
 
-// Contents of a file that is opened for reading: those of `before` must not be changed.
+// Returns the contents of a file for reading. The caller must not change them, because they can be
+// those of `before`.
 Bytes find(const std::string& name) {
     const auto it = disk.changed.find(name);
     if (it != disk.changed.end()) return it->second;
@@ -100,7 +101,7 @@ std::ptrdiff_t writeAt(int descriptor, const void* from, std::size_t size, std::
     if (!f || !f->bytes) return f ? failure(EISDIR) : -1;
     if (position < 0) return failure(EINVAL);
     const auto at = static_cast<std::size_t>(position);
-    if (at > fullDisk || size > fullDisk - at) return failure(ENOSPC);
+    if (at > maximumFileBytes || size > maximumFileBytes - at) return failure(ENOSPC);
     if (f->bytes->size() < at + size) f->bytes->resize(at + size);
     std::copy_n(static_cast<const char*>(from), size, f->bytes->data() + at);
     return static_cast<std::ptrdiff_t>(size);
@@ -205,10 +206,10 @@ Files read(const std::filesystem::path& folder) {
     return found;
 }
 
-// A data set is left open by a run that is to be continued, and by one that ended early.
+// A data set is still open after a run with append, and after a run that ended with an error.
 void checkClosed() {
     for (int unit = io_layer::firstUnit; unit <= io_layer::lastUnit; ++unit)
-        require(!io_layer::unitTaken(unit), "a unit is still taken");
+        require(!io_layer::unitTaken(unit), "a unit is still in use");
     for (const auto& [descriptor, file] : disk.open)
         require(file.name.find(".szplt") != std::string::npos, file.name + " is still open");
 }
@@ -219,7 +220,7 @@ void checkDataSets() {
         try {
             data_set_file::read(name);
         } catch (const std::runtime_error& fault) {
-            require(false, name + " is no data set: " + fault.what());
+            require(false, name + " is not a readable data set: " + fault.what());
         }
     }
 }
@@ -228,29 +229,30 @@ int runOnce(const Files& before, const Files& changed, bool legacyVtk) {
     setFiles(before, changed);
     const char* argv[] = {"meshrake"};
     const int status = meshrake_main(1, argv, legacyVtk);
-    const std::string_view words = status == 0 ? "---- Normal exit ----" : "HALTING EXECUTION ***";
+    const std::string_view text = status == 0 ? "---- Normal exit ----" : "HALTING EXECUTION ***";
     require(status == 0 || status == 1, "the status is neither 0 nor 1");
-    require(disk.streams[status == 0 ? 1 : 2].find(words) != std::string::npos,
+    require(disk.streams[status == 0 ? 1 : 2].find(text) != std::string::npos,
             "neither a normal exit nor a banner");
     checkClosed();
     if (status == 0) checkDataSets();
     return status;
 }
 
-// Files have the time of day in them.
-auto second() {
+// Files contain the time of day in seconds.
+auto timeOfDay() {
     const system_calls::LocalTime t = system_calls::localTime();
     return std::tuple(t.hour, t.minute, t.second);
 }
 
-// What the run has written.
+// Everything that the run has written.
 auto output() {
     Files written;
     for (const auto& [name, bytes] : disk.changed) written[name] = bytes ? *bytes : "(removed)";
     return std::tuple(written, disk.streams[1], disk.streams[2]);
 }
 
-bool chosen(const Files& changed) {
+// True for one input in eight.
+bool isRepeated(const Files& changed) {
     std::size_t hash = 0;
     for (const auto& [name, bytes] : changed) hash += std::hash<std::string>()(bytes);
     return hash % 8 == 0;
@@ -258,8 +260,8 @@ bool chosen(const Files& changed) {
 
 } // namespace
 
-void require(bool holds, std::string_view what) {
-    if (holds) return;
+void require(bool condition, std::string_view what) {
+    if (condition) return;
     std::fprintf(stderr, "%.*s\n%s", static_cast<int>(what.size()), what.data(),
                  disk.streams[2].c_str());
     std::abort();
@@ -279,13 +281,13 @@ Files smallProblem(int times) {
     Files files = problem(times);
     std::erase_if(files, [](const auto& file) {
         const std::string& name = file.first;
-        const auto holds = [&](const char* part) { return name.find(part) != std::string::npos; };
-        const bool ofDomains = holds("_pm") || holds("_olf");
-        const bool isResult = holds(".000");
-        if (holds("species") || holds("hmc")) return true;
-        if (isResult) return !ofDomains || !(holds("head") || holds(".v_") || holds("ElemK"));
-        // The global nodes of olf count on from those of dual.
-        return (holds("coordinates_") || holds("elements_")) && !ofDomains && !holds("_dual");
+        const auto has = [&](const char* part) { return name.find(part) != std::string::npos; };
+        const bool ofDomains = has("_pm") || has("_olf");
+        const bool isResult = has(".000");
+        if (has("species") || has("hmc")) return true;
+        if (isResult) return !ofDomains || !(has("head") || has(".v_") || has("ElemK"));
+        // The global node numbers of olf follow those of dual.
+        return (has("coordinates_") || has("elements_")) && !ofDomains && !has("_dual");
     });
     return files;
 }
@@ -321,12 +323,12 @@ bool endsRun(const std::function<void()>& call) {
 }
 
 int run(const Files& before, const Files& changed, bool legacyVtk) {
-    const auto began = second();
+    const auto began = timeOfDay();
     const int status = runOnce(before, changed, legacyVtk);
-    if (!chosen(changed)) return status;
+    if (!isRepeated(changed)) return status;
     const auto first = output();
     require(runOnce(before, changed, legacyVtk) == status, "a second run has another status");
-    require(second() != began || output() == first, "a second run has other output");
+    require(timeOfDay() != began || output() == first, "a second run has other output");
     return status;
 }
 

@@ -5,14 +5,14 @@
     data.times                       # output times, NaN for a zone without one
     data.variables                   # names of the columns
     data.units["Head"]               # "(m)"
-    data["Head", 3600.0]             # values of an output time: of nodes, or of elements
+    data["Head", 3600.0]             # values at all nodes or elements at an output time
     data.series("Head", 16)          # values of node 16, counted from 0, at all output times
     data.connectivity                # elements by corners, node numbers from 0
 
-A column can be given by its number, from 0, in place of its name, for names that occur twice.
-Arrays of a binary data set are mapped into memory, so only the parts that are used are read. Those
-of a text data set are found by the width of their columns and converted on each access. A zone that
-is not complete yet, in a data set of a run that goes on or was killed, is left out.
+A column can be specified by its number, from 0, if its name occurs twice. Arrays of a binary data
+set are mapped into memory, so only the used parts are read. Arrays of a text data set are located
+by the width of their columns and converted on each access. An incomplete zone, in the data set of a
+run that continues or was killed, is omitted.
 """
 
 import dataclasses
@@ -37,7 +37,7 @@ class Damaged(ValueError):
 
 @dataclasses.dataclass
 class Array:
-    """Where the values of a column, or the element lists, are in the file."""
+    """Position of the values of a column, or of the element lists, in the file."""
 
     offset: int  # bytes
     shape: tuple
@@ -53,13 +53,13 @@ class Zone:
     type: int
     nodes: int
     elements: int
-    cell_centred: list  # a flag for each column
-    columns: list  # an Array for each column; shared ones are those of an earlier zone
+    cell_centred: list  # a bool for each column
+    columns: list  # an Array for each column, for a shared one that of an earlier zone
     element_lists: Array
 
 
 def open(path):
-    """Opens a data set; the form of the file follows from its first bytes."""
+    """Opens a data set. The first bytes of the file specify whether it is text or binary."""
     return DataSet(path)
 
 
@@ -87,14 +87,14 @@ class DataSet:
         return self.values(name, self.zone_at(time))
 
     def zone_at(self, time):
-        """Number, from 0, of the zone with this output time. Raises KeyError if there is none."""
+        """Returns the zone with this output time, from 0. Raises KeyError if there is none."""
         found = numpy.flatnonzero(numpy.isclose(self.times, time, rtol=1e-12, atol=0))
         if not len(found):
             raise KeyError(f"{self.path}: no output time {time}")
         return int(found[0])
 
     def is_cell_centred(self, name, zone=0):
-        """Whether the column has a value for each element, not for each node."""
+        """True if the column has a value for each element, False for each node."""
         return self.zones[zone].cell_centred[self._column(name)]
 
     def values(self, name, zone):
@@ -102,7 +102,7 @@ class DataSet:
         return self._read(self.zones[zone].columns[self._column(name)])
 
     def series(self, name, index):
-        """Values of one node, or element of a cell-centred column, counted from 0, in all zones."""
+        """Values of one node or element, counted from 0, in all zones."""
         column = self._column(name)
         arrays = [zone.columns[column] for zone in self.zones]
         for array in arrays:

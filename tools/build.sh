@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Configures and builds a preset of CMakePresets.json, without output while all goes well.
+# Configures and builds a preset of CMakePresets.json. Prints the output only on failure.
 #
 #   tools/build.sh PRESET [--folder FOLDER] [-DNAME=VALUE | --target NAME]...
 #
@@ -31,11 +31,11 @@ while [ $# -gt 0 ]; do
     esac
     shift
 done
-if [ -n "$folder" ]; then where=("$folder"); else where=(--preset "$preset"); fi
+if [ -n "$folder" ]; then tree=("$folder"); else tree=(--preset "$preset"); fi
 
 log=$(mktemp)
 trap 'rm -f "$log"' EXIT
-if ! { cmake --preset "$preset" "${settings[@]}" && cmake --build "${where[@]}" "${build[@]}"; } \
+if ! { cmake --preset "$preset" "${settings[@]}" && cmake --build "${tree[@]}" "${build[@]}"; } \
     >"$log" 2>&1; then
     cat "$log" >&2
     echo "The build of the preset \"$preset\" failed." >&2

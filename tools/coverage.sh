@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
-# Measures how much of the code the tests run: lines, and branches without those of exceptions.
+# Measures the code coverage of the tests: lines, and branches other than those of exceptions.
 #
 #   tools/coverage.sh [--list] [--reuse]
 #
-# --list adds each branch that no test takes, with its file and line. --reuse skips the build and
-# the tests and reports on the last run. Ends with status 1 if a folder has less than 95 % of its
-# branches covered.
+# --list adds the file and line of each branch that no test takes. --reuse skips the build and the
+# tests and reports on the last run. Ends with status 1 if less than 95 % of the branches of a
+# folder are covered.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
@@ -28,7 +28,7 @@ if [ -z "$reuse" ]; then
     if [ -d "$folder" ]; then find "$folder" -name '*.gcda' -delete; fi
     tools/install_packages.sh tests
     tools/build.sh coverage
-    # The limits of one test are those of a program without counters.
+    # The memory limits of one test apply to a program without counters.
     if ! ctest --preset coverage --parallel "$(nproc)" \
         --exclude-regex '^Memory.LimitsOfTheSystem$' >"$folder/test.log" 2>&1; then
         grep -vE '^ +Start +[0-9]+: | \.+ +Passed ' "$folder/test.log" >&2
@@ -36,8 +36,8 @@ if [ -z "$reuse" ]; then
     fi
 fi
 
-# The JSON of gcov marks the branches of exceptions also in functions that an object has and never
-# runs. Its text does not, so gcovr 5 counts those as branches that no test takes.
+# The JSON output of gcov marks branches of exceptions in all functions. Its text output does not
+# mark them in functions that never run, so gcovr 5 reports those as branches that no test takes.
 python3 - "$PWD" "$folder" "$list" <<'PYTHON'
 import collections, json, os, pathlib, subprocess, sys
 
@@ -45,8 +45,8 @@ LIMIT = 95.0
 FOLDERS = ("meshrake", "tecio", "tvncommon")
 root, build, listed = sys.argv[1:]
 
-# Instances of a template and objects that share a header have the same lines: their counts add up,
-# those of branches by their position in the line.
+# Instances of a template, and objects that include the same header, have the same lines. Their
+# counts are added, those of branches by their index within the line.
 runs = collections.Counter()
 branches = collections.defaultdict(list)
 for counters in pathlib.Path(build).rglob("*.gcda"):
@@ -62,12 +62,12 @@ for counters in pathlib.Path(build).rglob("*.gcda"):
             at = name, line["line_number"]
             runs[at] += line["count"]
             counts = [branch["count"] for branch in line["branches"] if not branch["throw"]]
-            if len(counts) == 1:  # a call that may throw: it has no alternative
+            if len(counts) == 1:  # a call that may throw, which has no alternative
                 counts = []
             known = branches[at]
             known += [0] * (len(counts) - len(known))
-            for place, count in enumerate(counts):
-                known[place] += count
+            for index, count in enumerate(counts):
+                known[index] += count
 
 sources = {}
 sums = {folder: [0, 0, 0, 0] for folder in FOLDERS}

@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
-# Installs the packages that a build needs and that are missing, or says what to install.
+# Installs the missing packages of a build, or prints which packages to install.
 #
 #   tools/install_packages.sh [tool] [tests] [bench] [fuzz] [valgrind] [paraview] [pictures]
 #                               [parallel]
 #
-# Changes nothing if all packages are installed. It installs as root, or with a sudo that asks for
-# no password; otherwise it ends with status 1.
+# Changes nothing if all packages are installed. It installs as root, or with sudo without a
+# password. Otherwise it ends with status 1.
 set -euo pipefail
 
 has_command() { command -v "$1" >/dev/null 2>&1; }
@@ -37,7 +37,7 @@ missing_packages() {
             if ! has_command clang++; then
                 echo clang
             elif ! has_libfuzzer; then
-                # The run-time libraries of a version are in a package of their own.
+                # Each version has its own package of run-time libraries.
                 echo "libclang-rt-$(clang++ -dumpversion | cut -d. -f1)-dev"
             fi
             ;;
@@ -69,7 +69,8 @@ as_root() {
     fi
 }
 
-# The lists of packages may be empty or too old for the server: then they are fetched first.
+# The lists of packages can be missing or out of date. The installation is then repeated with
+# current lists.
 install() {
     local -r apt=(as_root env DEBIAN_FRONTEND=noninteractive apt-get -y -q)
     "${apt[@]}" install --no-install-recommends "$@" && return

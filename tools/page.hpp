@@ -5,17 +5,18 @@
 #include <string>
 #include <string_view>
 
-// What the programs that print a page of docs/ share.
+// Functions of the programs that print a page of docs/.
 namespace page {
 
-// `text` as code, nothing for an empty text.
+// Returns `text` in backquotes, or an empty text unchanged.
 std::string code(std::string_view text);
 
-// The tags of the domains, with commas between them; "all" and "all but ..." for most of them.
+// Returns the tags of the domains, separated by commas: "all" for the complete set, "all but ..."
+// if one is missing.
 std::string domainList(model::DomainSet domains);
 
-// main() of a program that prints `text`, or with "--check FILE" compares it with that file.
-// Returns 0, or 1 and a message when the file differs or the output fails.
+// The main() of a program that prints `text`, or with "--check FILE" compares it with that file.
+// Returns 0, 1 with a message if the file differs or the output fails, or 2 on a usage error.
 int printOrCheck(int argc, char** argv, const std::string& text);
 
 } // namespace page

@@ -22,12 +22,12 @@ constexpr std::string_view introduction =
 # Instructions of the control file
 
 The instructions of `<prefix>.plot.control`. [formats.md](formats.md#control-file) describes the
-file. The values of an instruction are on the lines after it. For a range, give least and greatest
-value. `<domain>` is the tag of the domain.
+file. The values of an instruction are on the lines after it. A range consists of minimum and
+maximum. `<domain>` is the tag of the domain.
 
 ## First section
 
-For the whole run. The section ends with a line that begins with `end`.
+These instructions apply to the whole run. The section ends with a line that begins with `end`.
 
 )";
 
@@ -45,11 +45,11 @@ constexpr std::string_view anywhere = R"(
 )";
 
 constexpr std::string_view options = R"(
-## Variables that are left out
+## Lines that disable variables
 
-In a block these lines leave variables of the domain out; [variables.md](variables.md) lists the
-variables with their lines. **Template** shows the domains in whose block of the template the line
-is.
+In a block these lines disable variables of the domain. [variables.md](variables.md) lists the
+variables with their lines. **Template** shows the domains whose block of the template contains the
+line.
 
 )";
 
@@ -65,10 +65,10 @@ void printInstructions(std::ostringstream& out, Section section) {
     }
 }
 
-// The option that the line disables is in nearly all rows the one that the line names.
+// In nearly all rows the line disables the option that it names. The others need a remark.
 std::string remarkOn(const model::OptionRow& row) {
     if (row.cleared == model::Option::none)
-        return "Not recognized: the variables cannot be left out.";
+        return "Not recognized: the variables cannot be disabled.";
     if (row.cleared == row.option) return "";
     for (const model::OptionRow& other : model::optionTable)
         if (other.option == row.cleared)

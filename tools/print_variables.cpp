@@ -3,8 +3,8 @@
 //     print_variables > docs/variables.md
 //     print_variables --check docs/variables.md
 //
-// A row with functions of its own does not describe its variable fully, so it needs a note here.
-// For a missing note, and for a note without a row, the program ends with status 1.
+// A row with functions of its own does not describe its variable completely, so it needs a note
+// here. A missing note, or a note without a row, ends the program with status 1.
 
 #include "meshrake/variables/common_node_table.hpp"
 #include "meshrake/variables/variable_table.hpp"
@@ -35,11 +35,11 @@ struct Note {
 constexpr Note notes[] = {
     {"coordinates", "Coordinates of the nodes, from the mesh."},
     {"zone",
-     "Every plot file has it: without a file, the zones of the element list. A file at a later "
-     "time replaces them."},
-    {"nodeNumber",
-     "Number of the pm node at each node, from the mesh. Not in a problem with cutoff "
-     "walls."},
+     "It is in every plot file. Without a result file, the zones are those of the element list. A "
+     "result file of a later time replaces them."},
+    {"nodeNumber", "Number of the pm node at each node, from the mesh. It does not exist in a "
+                   "problem with cutoff "
+                   "walls."},
     {"layerNumber", "Layer of the element, counted from the bottom, from the mesh."},
     {"columnNumber", "Position of the element in its layer, from the mesh."},
     {"thickness", "Mean height of the element: the differences between its upper and lower nodes, "
@@ -48,19 +48,18 @@ constexpr Note notes[] = {
                    "`plot pm depth below ground surface`."},
     {"head",
      "Two or three columns. In olf and chan `Head` is followed by `Depth`, the water depth, "
-     "and `LogDepth`, its common logarithm with a least depth of 1.0E-8 (both 32-bit). In the "
+     "and `LogDepth`, its common logarithm with a minimum depth of 1.0E-8 (both 32-bit). In the "
      "other domains it is followed by `Pressure Head`, the head minus the elevation of the "
-     "node (64-bit), unless `no <domain> pressure heads` switches it off. They have the unit "
+     "node (64-bit), unless `no <domain> pressure heads` disables it. They have the unit "
      "of `Head`."},
     {"depth2gwt",
-     "Height of the node above the water table that is nearest in its column, negative "
-     "below it. It is computed from the heads and missing without them. Not for "
-     "elements of 4 nodes."},
+     "Height of the node above the nearest water table of its column, negative below it. It is "
+     "computed from the heads and does not exist without them, nor for elements of 4 nodes."},
     {"depth2gwt2d", "Depth of the lowest water table below the top node, the same at all nodes of "
                     "a column. Conditions as for `Depth2GWT`."},
-    {"elemK", "Three columns, or all six when the message in the file's header is 3."},
+    {"elemK", "Three columns, or all six if the message in the file's header is 3."},
     {"et3dEvap", "The file of the first output time is spelt `ETPMEvap3D_`, those of later times "
-                 "`ETPmEvap3D_`; both spellings are tried."},
+                 "`ETPmEvap3D_`. Both spellings are tried."},
     {"concSolid", "Only for species that consist of particles."},
     {"massSorbed", "Only for species that represent heat."},
     {"hmc",
@@ -68,8 +67,8 @@ constexpr Note notes[] = {
      "`./hmc/<prefix>o.hmc_<domain>.<fraction>.<index>`, with `mixing_ratio` and `hmc_error` "
      "for the last two."},
     {"redoxCapacity",
-     "File `conc_<domain>.<species>-Redox` of the first species; at later "
-     "times the file of the last mobile species; without it the column is shared."},
+     "The file is `conc_<domain>.<species>-Redox` of the first species. At later times it is that "
+     "of the last mobile species, and without it the column is shared."},
     {"rainSnowmelt", "Files `snowdepth`, `snowmelt`, `liquid_p`, `solid_p` and `snowcover`, whose "
                      "names have no domain. The first four have values of elements, `snowcover` "
                      "has values of nodes. Depth and elevation are lengths (`L`), the others are "
@@ -91,7 +90,7 @@ bool isPlain(const VariableRow& row) {
     return !row.init && !row.read && !row.write;
 }
 
-// Reports rows without a note that they need, and notes without a row.
+// Reports missing notes and notes without a row. Returns true if there are none.
 bool checkNotes(std::span<const VariableRow> table) {
     bool complete = true;
     for (const VariableRow& row : table) {
@@ -111,7 +110,7 @@ bool checkNotes(std::span<const VariableRow> table) {
     return complete;
 }
 
-// A family has one variable for each species or mixing fraction, with the name of that member.
+// A family has one variable per species or mixing fraction, with the name of that member.
 bool isFamily(const VariableRow& row) {
     return row.family != Family::oneFile;
 }
@@ -156,8 +155,8 @@ std::string timesOf(const VariableRow& row) {
     }
 }
 
-// The control file lines that clear the row's option.
-std::string switchesOf(const VariableRow& row) {
+// The control file lines that disable the row's option.
+std::string disablingLines(const VariableRow& row) {
     std::string list;
     for (const model::OptionRow& option : model::optionTable)
         if (row.option != model::Option::none && option.cleared == row.option)
@@ -165,7 +164,7 @@ std::string switchesOf(const VariableRow& row) {
     return list;
 }
 
-// A row without names of columns has those of the variable of the same key in pm.
+// A row without column names has those of the variable with the same key in the variable table.
 const VariableRow& namedRow(const VariableRow& row) {
     if (!namesOf(row).empty()) return row;
     for (const VariableRow& other : variables::variableTable())
@@ -179,20 +178,20 @@ constexpr std::string_view introduction =
 
 All variables of meshrake, in the order of the columns of a plot file. A plot file has the variables
 of its domain whose file exists at the first output time, except those that a line of the control
-file switches off.
+file disables.
 
-- **File** is the part of the name of the result file between `<prefix>o.` and `.<index>`; its
-  format is in [formats.md](formats.md). If it is empty, see the note.
-- **Values** is their type in the result file and in the plot file, and whether there is a value for
-  each node or for each element.
+- **File** is the part of the name of the result file between `<prefix>o.` and `.<index>`.
+  [formats.md](formats.md) describes its format. If it is empty, see the note.
+- **Values** is their type in the result file and in the plot file, and their location: nodes or
+  elements.
 - **Unit** is a dimension expression: M mass, L length, T time, K temperature, Nc number of
-  particles; 1 means without dimension. The plot file has it in the units of the problem. If it is
-  empty, the plot file has no unit.
+  particles, 1 without dimension. The plot file has it in the units of the problem. If it is empty,
+  the plot file has no unit.
 - **Times** is `every`: a file for every output time; `first`: read at the first output time of the
   run, for all times; or `0001`: the file of time index 1, for all times.
-- **Switched off by** is the line of the control file, with the tag of the domain for `<domain>`. If
-  it is empty, the variable cannot be switched off.
-- `<species>` and `<fraction>` are the name of a solute or mixing fraction: each has a file and a
+- **Disabled by** is the line of the control file, with the tag of the domain for `<domain>`. If it
+  is empty, the variable cannot be disabled.
+- `<species>` and `<fraction>` are the name of a solute or mixing fraction. Each has a file and a
   column. All of them are in the plot file if the file of the first exists.
 
 )";
@@ -200,20 +199,20 @@ file switches off.
 constexpr std::string_view commonNodeIntroduction = R"(
 ## Domains that share the nodes of pm
 
-They have fewer columns. If File is empty, the values are those of pm at the nodes of the domain,
+They have fewer columns. If **File** is empty, the values are those of pm at the nodes of the domain,
 and the plot file has the column if pm has it. The coordinates and the aperture are from the mesh.
 
 )";
 
 void printTable(std::ostringstream& out, std::span<const VariableRow> table) {
-    out << "| Variables | Domains | File | Values | Unit | Times | Switched off by |\n"
+    out << "| Variables | Domains | File | Values | Unit | Times | Disabled by |\n"
         << "|---|---|---|---|---|---|---|\n";
     for (const VariableRow& row : table) {
         const std::string names = namesOf(namedRow(row));
-        if (names.empty()) continue; // a step between the columns
+        if (names.empty()) continue; // a row without columns is a step between variables
         out << "| " << names << " | " << page::domainList(row.domains) << " | " << fileOf(row)
             << " | " << valuesOf(row) << " | " << code(row.unit) << " | " << timesOf(row) << " | "
-            << switchesOf(row) << " |\n";
+            << disablingLines(row) << " |\n";
     }
 }
 

@@ -1,14 +1,15 @@
-// Shows that number_formats::writeWideReal rounds every double correctly.
+// Proves that number_formats::writeWideReal rounds every double correctly.
 //
 //     prove_wide_real [number of random patterns, default 100000000] [--floats]
 //
-// The first steps are a proof for all doubles: the table of decades is right, no double comes so
-// near to half a unit of its 17th digit that 128 bits of a power of ten could round it wrongly, and
-// each group of eight digits comes out as it should. The others compare whole fields with
-// std::to_chars: powers of two and ten with their neighbours, ties, random bit patterns, usual
-// sizes and, with --floats, each 32-bit pattern. It prints its steps and ends with status 1 at the
-// first fault. The tests run it with few patterns, in the form of digit_words.hpp that
-// MESHRAKE_PORTABLE selects.
+// The first steps are a proof for all doubles. The table of decades is correct. No double is so
+// close to half a unit of its 17th digit that 128 bits of a power of ten could round it wrongly.
+// All numbers of eight digits are written correctly.
+//
+// The other steps compare whole fields with std::to_chars: powers of two and ten with their
+// neighbours, ties, random bit patterns, usual sizes and, with --floats, all 32-bit patterns. The
+// program prints its steps and ends with status 1 on the first error. The tests run it with few
+// patterns, with the variant of digit_words.hpp that MESHRAKE_PORTABLE selects.
 
 #include "tools/wide_real_reference.hpp"
 #include "tvncommon/text/digit_words.hpp"
@@ -41,8 +42,8 @@ constexpr std::uint64_t signBit = std::uint64_t{1} << 63;
     std::exit(1);
 }
 
-// Numbers of any length in 32-bit limbs, lowest first; only what the check of the table needs, and
-// by multiplication alone where the table is made by division.
+// Natural numbers of any length, as 32-bit limbs, lowest first. The check of the table only needs
+// multiplication, which makes it independent of the division that computes the table.
 using Natural = std::vector<std::uint32_t>;
 
 Natural times(const Natural& a, const Natural& b) {
@@ -99,8 +100,8 @@ bool isExact(int power) {
     return power >= 0 && power <= 55;
 }
 
-// significand - 1 < 10^power * 2^(127 - binade) <= significand, with equality for the exact powers;
-// negative exponents go to the other side.
+// Checks significand - 1 < 10^power * 2^(127 - binade) <= significand, with equality for the exact
+// powers. Factors with negative exponents are moved to the other side, so all numbers are integers.
 void checkTable() {
     for (std::size_t i = 0; i < decades.size(); ++i) {
         const int power = powerOf(i);
@@ -120,19 +121,20 @@ void checkTable() {
                 decades.size());
 }
 
-// The first multiple of a step, counted modulo a modulus, to come into a range.
+// The first multiple n of a step with n * step mod modulus in a range.
 struct Hit {
     bool found = false;
-    std::uint64_t multiple = 0;
-    std::uint64_t turns = 0; // how often the modulus was passed
-    uint128 residue = 0;
+    std::uint64_t multiple = 0; // n
+    std::uint64_t wraps = 0;    // n * step / modulus, rounded down
+    uint128 residue = 0;        // n * step mod modulus
 };
 
 constexpr std::uint64_t hitLimit = std::uint64_t{1} << 53;
 
-// Smallest n below hitLimit with least <= n * step mod modulus <= greatest, by Euclid's algorithm.
-// When no multiple of `step` lies in the range itself, n * step = turns * modulus + residue means
-// that turns * (modulus mod step), modulo step, lies in the mirrored range: a smaller problem.
+// Returns the smallest n below hitLimit with least <= n * step mod modulus <= greatest, by Euclid's
+// algorithm. If the range itself contains no multiple of `step`, n * step = wraps * modulus +
+// residue implies that wraps * (modulus mod step), modulo step, is in the mirrored range. That is
+// the same problem with smaller numbers.
 Hit firstHit(uint128 step, uint128 modulus, uint128 least, uint128 greatest) {
     if (least == 0) return {true, 0, 0, 0};
     if (step == 0) return {};
@@ -145,16 +147,16 @@ Hit firstHit(uint128 step, uint128 modulus, uint128 least, uint128 greatest) {
     const uint128 mirroredGreatest = step - 1 - (least + step - 1) % step;
     const Hit inner = firstHit(modulus % step, step, mirroredLeast, mirroredGreatest);
     const uint128 whole = modulus / step;
-    // n is at least `turns` times `whole`.
+    // n is at least `wraps` times `whole`.
     if (!inner.found || inner.multiple >= hitLimit || whole >= hitLimit) return {};
     const uint128 last = (least + inner.residue - 1) / step + 1;
-    const uint128 multiple = whole * inner.multiple + inner.turns + last;
+    const uint128 multiple = whole * inner.multiple + inner.wraps + last;
     if (multiple >= hitLimit) return {};
     return {true, static_cast<std::uint64_t>(multiple), inner.multiple,
             last * step - inner.residue};
 }
 
-// firstHit against trying out, for all small arguments.
+// Compares firstHit with an exhaustive search, for all small arguments.
 void checkFirstHit() {
     std::int64_t cases = 0;
     for (unsigned modulus = 1; modulus <= 40; ++modulus) {
@@ -174,7 +176,7 @@ void checkFirstHit() {
             }
         }
     }
-    std::printf("search: agrees with trying out in %lld small cases\n",
+    std::printf("search: agrees with an exhaustive search in %lld small cases\n",
                 static_cast<long long>(cases));
 }
 
@@ -182,10 +184,10 @@ std::uint64_t multiplierOf(std::uint64_t bits, const Decade& decade) {
     return wide_real_tables::multiplier(wide_real_tables::normalize(bits), decade);
 }
 
-// True when a double from `first` to `last`, all of one decade and one exponent field, has its
-// fraction within 2^-70 above one half. Their multipliers have a constant step. All of them are
-// even, so the modulus 2^128 can be halved.
-bool comesNearHalf(std::uint64_t first, std::uint64_t last, const Decade& decade) {
+// True if the fraction of a double from `first` to `last` is at most 2^-70 above one half. These
+// doubles have the same decade and exponent field, so their multipliers have a constant step. All
+// multipliers are even, so the modulus 2^128 can be halved.
+bool isCloseAboveHalf(std::uint64_t first, std::uint64_t last, const Decade& decade) {
     constexpr uint128 modulus = uint128{1} << 127;
     constexpr uint128 half = modulus >> 1;
     constexpr uint128 gap = uint128{1} << 57;
@@ -205,7 +207,7 @@ bool comesNearHalf(std::uint64_t first, std::uint64_t last, const Decade& decade
 
 void proveRounding() {
     constexpr std::uint64_t tenToThe16 = 10'000'000'000'000'000;
-    std::int64_t pieces = 0;
+    std::int64_t intervals = 0; // of doubles with one decade and one exponent field
     std::int64_t inexact = 0;
     std::uint64_t first = 1;
     for (std::size_t i = 0; i < decades.size(); ++i) {
@@ -221,28 +223,28 @@ void proveRounding() {
                 }
             }
             if (!isExact(powerOf(i))) {
-                if (comesNearHalf(first, last, decade))
+                if (isCloseAboveHalf(first, last, decade))
                     fail("undecided rounding, power", powerOf(i));
                 ++inexact;
             }
-            ++pieces;
+            ++intervals;
             first = last + 1;
         }
     }
     if (first != infinityBits) fail("decades end before the doubles", 0);
     std::printf(
-        "rounding: decided for all doubles (%lld pieces of one decade and one exponent, %lld "
+        "rounding: decided for all doubles (%lld intervals of one decade and one exponent, %lld "
         "of them with an inexact power)\n",
-        static_cast<long long>(pieces), static_cast<long long>(inexact));
+        static_cast<long long>(intervals), static_cast<long long>(inexact));
 }
 
-// All numbers of eight digits, in both halves, against counting in texts of four.
+// Compares all numbers of eight digits, in both halves of a word pair, with texts of four digits.
 void checkDigits() {
     constexpr std::uint32_t texts = 10000;
     std::vector<std::array<char, 4>> four(texts);
     for (std::uint32_t i = 0; i < texts; ++i) {
-        for (std::uint32_t rest = i, place = 4; place-- > 0; rest /= 10) {
-            four[i][place] = static_cast<char>('0' + rest % 10);
+        for (std::uint32_t rest = i, at = 4; at-- > 0; rest /= 10) {
+            four[i][at] = static_cast<char>('0' + rest % 10);
         }
     }
     for (std::uint32_t upper = 0; upper < texts; ++upper) {
@@ -261,7 +263,7 @@ void checkDigits() {
             }
         }
     }
-    std::printf("digits: right for all numbers of eight digits\n");
+    std::printf("digits: correct for all numbers of eight digits\n");
 }
 
 void compareField(double value) {
@@ -280,9 +282,9 @@ void compareBits(std::uint64_t bits) {
     compareField(std::bit_cast<double>(bits));
 }
 
-void compareAround(double value, int reach) {
+void compareAround(double value, int neighbours) {
     const auto bits = static_cast<std::int64_t>(std::bit_cast<std::uint64_t>(value));
-    for (std::int64_t near = bits - reach; near <= bits + reach; ++near) {
+    for (std::int64_t near = bits - neighbours; near <= bits + neighbours; ++near) {
         if (near < 0) continue;
         compareBits(static_cast<std::uint64_t>(near));
         compareBits(static_cast<std::uint64_t>(near) | signBit);
@@ -290,23 +292,24 @@ void compareAround(double value, int reach) {
 }
 
 void comparePowers() {
-    constexpr int reach = 200;
-    for (int n = -1074; n <= 1023; ++n) compareAround(std::ldexp(1.0, n), reach);
+    constexpr int neighbours = 200;
+    for (int n = -1074; n <= 1023; ++n) compareAround(std::ldexp(1.0, n), neighbours);
     for (int n = -324; n <= 308; ++n) {
         for (int factor = 1; factor <= 9; ++factor) {
             char text[16];
             std::snprintf(text, sizeof text, "%de%d", factor, n);
-            compareAround(std::strtod(text, nullptr), reach);
+            compareAround(std::strtod(text, nullptr), neighbours);
         }
     }
     compareAround(0.0, 100000);
     std::printf(
         "powers: 2^-1074 to 2^1023, 1 to 9 times 10^-324 to 10^308, each with %d neighbours "
         "on both sides and both signs\n",
-        reach);
+        neighbours);
 }
 
-// odd / 2^n has n decimals, the last a 5: of 18 digits it is halfway between two of 17.
+// odd / 2^n has n decimals, the last of which is 5. With 18 digits it is halfway between two
+// numbers of 17 digits.
 void compareTies(std::int64_t perSize, std::mt19937_64& random) {
     for (int n = 2; n <= 24; ++n) {
         const double least = std::ceil(std::ldexp(std::pow(10.0, 17 - n), n));
@@ -325,7 +328,7 @@ void compareRandom(std::int64_t count, std::mt19937_64& random) {
     std::printf("random: %lld bit patterns\n", static_cast<long long>(count));
 }
 
-// Fixed notation and its neighbour decades, doubles and floats of both signs.
+// Values in fixed notation and in the adjacent decades: positive doubles and negative floats.
 void compareUsualSizes(std::int64_t count, std::mt19937_64& random) {
     std::uniform_real_distribution<double> exponent(-2, 18);
     for (std::int64_t i = 0; i < count; ++i) {

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Rewrites the files of tests/expected and the generated pages of docs from the present program.
-# Read the difference (git diff) like code before you commit it.
+# Rewrites the files of tests/expected and the generated pages of docs with the output of the
+# current program. Review the difference (git diff) like code before you commit it.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 

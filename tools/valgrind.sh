@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
-# Runs the program under valgrind on small problems: text with comparisons and plots of the surface,
-# binary, and binary in two parts. Ends with status 1 at an error or a block that is never freed.
+# Runs the program under valgrind on small problems: text with comparisons and surface plots,
+# binary, and binary with append in two runs. Ends with status 1 on an error or a leak.
 #
 #   tools/valgrind.sh [BUILD_FOLDER]
 #
-# The build folder, "build" unless named, must hold meshrake and make_problem without sanitizers.
+# The build folder, "build" by default, must contain meshrake and make_problem without sanitizers.
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 build=$(realpath "${1:-$root/build}")
@@ -95,7 +95,7 @@ cd "$folder/binary"
 binary_control 'tecplot binary mode' >catchment.plot.control
 check "binary"
 
-# The second run finds one output time more.
+# The second run finds one more output time.
 make_problem "${everything[@]}" --times 3 "$folder/append"
 cd "$folder/append"
 mkdir later

@@ -6,10 +6,11 @@
 #include <cstdlib>
 #include <cstring>
 
-// The wide real by way of std::to_chars: what the conversion in number_formats is held against, in
-// its result by the tests and the proof, in its time by the benchmark. Finite values only.
+// The wide real by std::to_chars, for finite values only. Tests and prove_wide_real compare the
+// result of number_formats with it, the benchmark compares the time.
 namespace wide_real_reference {
 
+// Writes the 26 bytes of the field.
 inline void write(double value, char* field) {
     char text[32]; // d.dddddddddddddddde+xxx
     const char* end =
@@ -24,19 +25,19 @@ inline void write(double value, char* field) {
 
     std::memset(field, ' ', 26);
     const bool fixed = exponent >= 0 && exponent <= 17;
-    const auto ahead = static_cast<std::size_t>(fixed ? exponent : 0);
+    const auto integerDigits = static_cast<std::size_t>(fixed ? exponent : 0);
     char* out = field + 3;
-    if (ahead == 0) out[-1] = '0';
-    if (std::signbit(value)) out[ahead == 0 ? -2 : -1] = '-';
-    std::memcpy(out, digits, ahead);
-    out[ahead] = '.';
-    std::memcpy(out + ahead + 1, digits + ahead, 17 - ahead);
+    if (integerDigits == 0) out[-1] = '0';
+    if (std::signbit(value)) out[integerDigits == 0 ? -2 : -1] = '-';
+    std::memcpy(out, digits, integerDigits);
+    out[integerDigits] = '.';
+    std::memcpy(out + integerDigits + 1, digits + integerDigits, 17 - integerDigits);
     if (fixed) return;
     const int size = std::abs(exponent);
     field[21] = 'E';
     field[22] = exponent < 0 ? '-' : '+';
-    for (int place = 25, rest = size; place > 22; --place, rest /= 10) {
-        field[place] = static_cast<char>('0' + rest % 10);
+    for (int at = 25, rest = size; at > 22; --at, rest /= 10) {
+        field[at] = static_cast<char>('0' + rest % 10);
     }
 }
 

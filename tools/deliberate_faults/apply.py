@@ -1,14 +1,14 @@
 #!/usr/bin/env python3
 """The table of deliberate faults.
 
-    apply.py check SOURCE [NAME...]    prints the names; status 1 if a row does not fit the source
-    apply.py sync ROOT SOURCE          makes SOURCE a copy of the files of ROOT, and nothing else
-    apply.py one SOURCE NAME           puts the fault of one row into SOURCE, in place of the last
-    apply.py none SOURCE               takes the last one out
+    apply.py check SOURCE [NAME...]    prints the names; status 1 if a row does not match the source
+    apply.py sync ROOT SOURCE          makes SOURCE a copy of the files of ROOT
+    apply.py one SOURCE NAME           replaces the previous fault in SOURCE by that of one row
+    apply.py none SOURCE               removes the previous fault
 
 A row of faults.txt has a name in brackets, the file, a description, the old text in lines that
 begin with "-" and the new text in lines that begin with "+". The old text must occur exactly once
-in that file or, if the file has moved, in the whole source. White space is not compared.
+in that file or, if the file has moved, in the whole source. White space is ignored.
 """
 
 import pathlib
@@ -39,8 +39,8 @@ def read_table():
     return rows
 
 
-def places(source, row):
-    """The file and range of the old text, and what is wrong if there is not exactly one."""
+def occurrences(source, row):
+    """List of all occurrences of the old text: (file, (begin, end))."""
     words = [re.escape(word) for line in row["-"] for word in line.split()]
     pattern = re.compile(r"\s+".join(words))
     stated = source / row["file"]
@@ -57,7 +57,7 @@ def check(source, names):
     rows = read_table()
     good = True
     for name in names or rows:
-        found = places(source, rows[name]) if name in rows else None
+        found = occurrences(source, rows[name]) if name in rows else None
         if found is None:
             sys.exit(f"no row has the name {name}")
         if len(found) != 1:
@@ -71,9 +71,9 @@ def check(source, names):
 def sync(root, source):
     listed = subprocess.run(["git", "-C", root, "ls-files", "-coz", "--exclude-standard"],
                             check=True, capture_output=True, text=True).stdout
-    wanted = {name for name in listed.split("\0") if name and (root / name).is_file()}
-    # Only files that differ are written, so that the build stays incremental.
-    for name in wanted:
+    names = {name for name in listed.split("\0") if name and (root / name).is_file()}
+    # Only files that differ are written, so that the build is incremental.
+    for name in names:
         copy = source / name
         data = (root / name).read_bytes()
         if copy.is_file() and copy.read_bytes() == data:
@@ -82,13 +82,14 @@ def sync(root, source):
         copy.write_bytes(data)
         copy.chmod((root / name).stat().st_mode)
     for file in source.rglob("*"):
-        if file.is_file() and str(file.relative_to(source)) not in wanted:
+        if file.is_file() and str(file.relative_to(source)) not in names:
             file.unlink()
     (source.parent / "faulty").unlink(missing_ok=True)
     return 0
 
 
-# The file that has a fault, and what it held before, are kept beside the source.
+# "faulty" and "original", next to the source folder, hold the name of the file with a fault and its
+# contents without it.
 def apply_none(source):
     faulty, original = source.parent / "faulty", source.parent / "original"
     if faulty.is_file():
@@ -100,7 +101,7 @@ def apply_none(source):
 def apply_one(source, name):
     apply_none(source)
     row = read_table()[name]
-    (file, (begin, end)), = places(source, row)
+    (file, (begin, end)), = occurrences(source, row)
     text = file.read_text()
     (source.parent / "original").write_text(text)
     (source.parent / "faulty").write_text(str(file.relative_to(source)))

@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
-# Puts one deliberate fault after the other into a copy of the source and runs the tests, which must
-# notice each of them.
+# Applies one deliberate fault after the other to a copy of the source and runs the tests, which
+# must detect each of them.
 #
 #   tools/deliberate_faults/run.sh [NAME...]
 #
-# Takes all rows of faults.txt, or those that are named. Prints a line for each and ends with status
-# 1 if the tests do not notice one, if one does not build, or if a row no longer fits the source.
-# All of them take about half an hour on two cores. The copy and its build are in build-faults.
+# Uses all rows of faults.txt, or those with the given names. Prints a line for each and ends with
+# status 1 if the tests do not detect one, if one does not build, or if a row no longer matches the
+# source. All rows take about half an hour on two cores. The copy and its build are in build-faults.
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 apply=$root/tools/deliberate_faults/apply.py
@@ -29,7 +29,7 @@ run_ctest() {
         --parallel "$(nproc)" "$@" >"$folder/test.log" 2>&1
 }
 
-# Tests that take more than a second come last.
+# Tests that take more than a second run last.
 run_tests() { run_ctest -E "$slow" && run_ctest -R "$slow"; }
 
 first_failure() {
@@ -49,26 +49,26 @@ fi
 slow=$(awk '$3 > 1 { printf "%s^%s$", sep, $1; sep = "|" }' \
     "$build/Testing/Temporary/CTestCostData.txt")
 
-noticed=0
+detected=0
 missed=()
 for name in $names; do
     what=$(python3 "$apply" one "$source" "$name")
     if ! build; then
         verdict="NOT BUILT"
     elif run_tests; then
-        verdict="NOT NOTICED"
+        verdict="NOT DETECTED"
     else
-        verdict=noticed
+        verdict=detected
     fi
-    if [ "$verdict" = noticed ]; then
-        noticed=$((noticed + 1))
-        printf '%-11s %-34s %s\n' "$verdict" "$name" "$(first_failure)"
+    if [ "$verdict" = detected ]; then
+        detected=$((detected + 1))
+        printf '%-12s %-34s %s\n' "$verdict" "$name" "$(first_failure)"
     else
         missed+=("$name")
-        printf '%-11s %-34s %s\n' "$verdict" "$name" "$what"
+        printf '%-12s %-34s %s\n' "$verdict" "$name" "$what"
     fi
 done
 python3 "$apply" none "$source"
 
-echo "$noticed of $((noticed + ${#missed[@]})) noticed"
+echo "$detected of $((detected + ${#missed[@]})) detected"
 [ ${#missed[@]} -eq 0 ] && [ "$stale" = 0 ]
