@@ -148,7 +148,7 @@ int fileInfo(int descriptor, FileInfo& info) {
 int truncateTo(int descriptor, std::int64_t size) {
     const OpenFile* f = findOpen(descriptor);
     if (!f) return -1;
-    if (size < 0 || static_cast<std::size_t>(size) > fullDisk) return failure(EFBIG);
+    if (size < 0 || static_cast<std::size_t>(size) > maximumFileBytes) return failure(EFBIG);
     f->bytes->resize(static_cast<std::size_t>(size));
     return 0;
 }
