@@ -15,10 +15,19 @@ cd "$root"
 tools/install_packages.sh paraview pictures
 ./demo.sh >/dev/null
 
-log=$(mktemp)
-trap 'rm -f "$log"' EXIT
-# The view needs a display, but no graphics card. ParaView ends with status 0 after an error.
-if ! xvfb-run -a -s "-screen 0 1280x1024x24" \
+# The views need a display, but no graphics card. The server takes a free display and writes its
+# number when it is ready.
+temporary=$(mktemp -d)
+Xvfb -displayfd 1 -screen 0 1280x1024x24 -nolisten tcp >"$temporary/display" 2>/dev/null &
+server=$!
+trap 'kill "$server" 2>/dev/null; rm -rf "$temporary"' EXIT
+for ((i = 0; i < 100; ++i)); do
+    [ ! -s "$temporary/display" ] || break
+    sleep 0.1
+done
+# ParaView ends with status 0 after some errors.
+log=$temporary/log
+if ! DISPLAY=:$(<"$temporary/display") \
     pvbatch docs/pictures/views.py demo-problem/catchment.xdmf "$folder" >"$log" 2>&1 ||
     grep -q Traceback "$log"; then
     cat "$log" >&2

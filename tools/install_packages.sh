@@ -49,7 +49,6 @@ missing_packages() {
         parallel) has_command parallel || echo parallel ;;
         pictures)
             has_command Xvfb || echo xvfb
-            has_command xauth || echo xauth
             /usr/bin/python3 -c 'import matplotlib' 2>/dev/null || echo python3-matplotlib
             ;;
         valgrind) has_command valgrind || echo valgrind ;;
