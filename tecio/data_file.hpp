@@ -33,6 +33,7 @@ struct DataFile {
     file_replacement::Replacement replacement; // while the header of a new file is incomplete
     Sidecar sidecar;
     bool durable = false;
+    bool readOnly = false; // `resumeDataFile` only tests whether the data set can be resumed
     bool failed = false;
     bool sidecarFailed = false; // the failure was at the sidecar
 

@@ -30,6 +30,19 @@ void keepZones(void* fileHandle, std::int32_t count);
 // defaults of all settings.
 void reset();
 
+// What an unfinished data set has.
+struct UnfinishedDataSet {
+    std::int32_t zones = 0; // complete ones
+    double lastTime = 0;
+    std::int64_t nodes = 0, elements = 0; // of its zones
+};
+
+// Tests, without a change, whether a run would resume the unfinished data set `path` with these
+// variables; an empty list accepts any. Returns the status of such an open. `set` has what was
+// found before a failure.
+std::int32_t examineUnfinished(const std::string& path, const std::string& variableList,
+                               bool durable, UnfinishedDataSet& set);
+
 // A data set without the values of its arrays. Its size depends on these parts only.
 struct DataSetParts {
     struct Value {

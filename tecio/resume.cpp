@@ -144,7 +144,8 @@ int recreate(DataFile& f, bool acceptsAnyVariables) {
     status = checkHeader(f, sizeOf(bytes));
     f.fileHeader = std::move(expected);
     if (status != ok) return status == damagedDataSet ? damagedSidecar : status;
-    return acceptsAnyVariables ? invalidCall : createDataFile(f);
+    if (acceptsAnyVariables) return invalidCall;
+    return f.readOnly ? ok : createDataFile(f);
 }
 
 } // namespace
@@ -152,9 +153,10 @@ int recreate(DataFile& f, bool acceptsAnyVariables) {
 int resumeDataFile(DataFile& f) {
     FileHeader onDisk;
     std::uint64_t checksum = 0;
-    int status =
-        sidecarStatus(f, openSidecar(sidecarPath(f.path), f.sidecar, onDisk, f.zones, checksum));
-    if (status == ok) status = byte_file::open(f.path, OpenMode::update, f.file, f.size);
+    const OpenMode mode = f.readOnly ? OpenMode::read : OpenMode::update;
+    int status = sidecarStatus(
+        f, openSidecar(sidecarPath(f.path), mode, f.sidecar, onDisk, f.zones, checksum));
+    if (status == ok) status = byte_file::open(f.path, mode, f.file, f.size);
     if (status != ok) return status;
     const bool acceptsAnyVariables = f.fileHeader.variables == std::vector<std::string>{""};
     if (f.zones.empty()) return recreate(f, acceptsAnyVariables);
@@ -165,6 +167,7 @@ int resumeDataFile(DataFile& f) {
     status = checkHeader(f, f.size - dataBytes);
     if (status == ok) status = checkData(f);
     if (status == ok) status = checkLastZone(f, checksum);
+    if (f.readOnly) return status;
     if (status == ok && f.headerIsIncomplete) status = removeHeaders(f, f.headerEnds.size() - 1);
     f.resumed = true;
     return status;

@@ -75,10 +75,10 @@ int createSidecar(const std::string& path, const FileHeader& header, Sidecar& si
     return syncs ? byte_file::syncFolderOf(replacement.target) : status;
 }
 
-int openSidecar(const std::string& path, Sidecar& sidecar, FileHeader& header,
+int openSidecar(const std::string& path, OpenMode mode, Sidecar& sidecar, FileHeader& header,
                 std::vector<Zone>& zones, std::uint64_t& checksum) {
     std::int64_t size = 0;
-    int status = byte_file::open(path, OpenMode::update, sidecar.file, size);
+    int status = byte_file::open(path, mode, sidecar.file, size);
     if (status != ok) return status;
     Bytes contents;
     status = readContents(sidecar.file, size, contents);

@@ -37,9 +37,10 @@ struct Sidecar {
 // Creates a sidecar without zones. An existing file is replaced by a rename.
 int createSidecar(const std::string& path, const FileHeader& header, Sidecar& sidecar);
 
-// Reads the committed zones and the checksum of the last one.
-int openSidecar(const std::string& path, Sidecar& sidecar, FileHeader& header,
-                std::vector<Zone>& zones, std::uint64_t& checksum);
+// Reads the committed zones and the checksum of the last one. The mode is `update`, or `read` if no
+// zone is to be added or removed.
+int openSidecar(const std::string& path, system_calls::OpenMode mode, Sidecar& sidecar,
+                FileHeader& header, std::vector<Zone>& zones, std::uint64_t& checksum);
 
 // Adds a zone, whose data must be in the data set.
 int commitZone(Sidecar& sidecar, const Zone& zone, std::uint64_t checksum);

@@ -148,6 +148,24 @@ void layOutHeaders(DataFile& file) {
 
 } // namespace
 
+std::int32_t tecio::examineUnfinished(const std::string& path, const std::string& variableList,
+                                      bool durable, UnfinishedDataSet& set) {
+    DataFile file;
+    file.path = path;
+    file.durable = durable;
+    file.readOnly = true;
+    file.fileHeader = {"", splitAtCommas(variableList)};
+    const int status = resumeDataFile(file);
+    set.zones = static_cast<std::int32_t>(file.zones.size());
+    if (!file.zones.empty()) {
+        set.lastTime = file.zones.back().time;
+        set.nodes = file.zones.back().nodes;
+        set.elements = file.zones.back().elements;
+    }
+    closeAndDiscard(file);
+    return status;
+}
+
 std::int64_t tecio::zoneBytes(const DataSetParts& parts) {
     std::int64_t bytes = 0;
     for (const DataSetParts::Zone& zone : parts.zones) bytes += layoutOf(zoneOf(zone)).size;

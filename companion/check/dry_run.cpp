@@ -203,7 +203,10 @@ void firstPass(Work& work, DomainTrack& track) {
         tryStep(work, finding, [&] { run::truncate(domain, work.domains.pm); });
     if (!isTruncatedNow) return;
     checkTruncation(work, domain);
-    track.isOpen = tryStep(work, finding, [&] { variables::beginDataSet(domain); });
+    // Its only warning is of an unfinished data set, which is examined elsewhere.
+    const Outcome outcome = attempt([&] { variables::beginDataSet(domain); });
+    if (outcome.ended) addMessages(work, outcome, finding);
+    track.isOpen = !outcome.ended;
     if (!track.isOpen) return;
     const std::size_t rows = variables::tableOf(domain).size();
     track.declared.assign(rows, false);

@@ -1,8 +1,11 @@
 #include "companion/check/check.hpp"
 
 #include "companion/check/control.hpp"
+#include "companion/check/disk_space.hpp"
 #include "companion/check/dry_run.hpp"
+#include "companion/check/earlier_data_sets.hpp"
 #include "companion/check/forecast.hpp"
+#include "companion/check/observations.hpp"
 #include "companion/check/problem.hpp"
 #include "companion/check/unused_files.hpp"
 #include "meshrake/run/reset.hpp"
@@ -43,6 +46,9 @@ Report examine(const std::string& folderOrPrefix) {
         checkTimes(*work);
         findUnusedFiles(*work, tracks);
         reportDomains(*work, tracks);
+        checkEarlierDataSets(*work, tracks);
+        checkDiskSpace(*work);
+        checkObservations(*work);
     }
     Report report = std::move(work->report);
     run::resetAll();

@@ -24,6 +24,18 @@ const CellWord& wordOf(CellState state) {
     return words[static_cast<std::size_t>(state)];
 }
 
+std::string rangesText(const std::vector<std::int32_t>& numbers) {
+    std::string text;
+    for (std::size_t i = 0; i < numbers.size();) {
+        std::size_t last = i;
+        while (last + 1 < numbers.size() && numbers[last + 1] == numbers[last] + 1) ++last;
+        text += (text.empty() ? "" : ", ") + std::to_string(numbers[i]);
+        if (last > i) text += (last == i + 1 ? ", " : " to ") + std::to_string(numbers[last]);
+        i = last + 1;
+    }
+    return text;
+}
+
 void addMessages(Work& work, const Outcome& outcome, const Finding& finding) {
     for (std::size_t i = 0; i < outcome.messages.size(); ++i) {
         Finding added = finding;

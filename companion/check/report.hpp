@@ -82,4 +82,7 @@ struct Report {
     std::vector<Finding> findings{};
 };
 
+// Ascending numbers as text, such as "4, 7 to 9".
+std::string rangesText(const std::vector<std::int32_t>& numbers);
+
 } // namespace check

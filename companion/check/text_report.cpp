@@ -43,19 +43,6 @@ std::string sizeText(std::int64_t bytes) {
     return text;
 }
 
-// "4, 7 to 9".
-std::string timesText(const std::vector<std::int32_t>& times) {
-    std::string text;
-    for (std::size_t i = 0; i < times.size();) {
-        std::size_t last = i;
-        while (last + 1 < times.size() && times[last + 1] == times[last] + 1) ++last;
-        text += (text.empty() ? "" : ", ") + std::to_string(times[i]);
-        if (last > i) text += (last == i + 1 ? ", " : " to ") + std::to_string(times[last]);
-        i = last + 1;
-    }
-    return text;
-}
-
 std::string joined(const std::vector<std::string>& names) {
     std::string list;
     for (const std::string& name : names) list += (list.empty() ? "" : ", ") + printable(name);
@@ -153,7 +140,7 @@ std::string statesOf(const Report& report, const VariableReport& variable) {
                 times.push_back(report.times[t].index);
         if (times.empty()) continue;
         const std::string word(wordOf(static_cast<CellState>(state)).word);
-        text += (text.empty() ? "" : "; ") + word + " " + timesText(times);
+        text += (text.empty() ? "" : "; ") + word + " " + rangesText(times);
     }
     return text;
 }
@@ -195,7 +182,7 @@ std::string locationOf(const Finding& finding) {
     if (finding.line > 0) location += ":" + std::to_string(finding.line);
     if (finding.times.empty()) return location.empty() ? "problem" : location;
     const std::string times =
-        (finding.times.size() == 1 ? "time " : "times ") + timesText(finding.times);
+        (finding.times.size() == 1 ? "time " : "times ") + rangesText(finding.times);
     return location.empty() ? times : times + ": " + location;
 }
 

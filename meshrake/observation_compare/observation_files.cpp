@@ -39,7 +39,14 @@ void allocateSet(std::int32_t count, const std::string& name) {
 
 // Reads <prefix>.<table>. `arrays` names the observations in the out-of-memory banner. In space an
 // observation has x, y, z and a value, in plan it has no z.
-void readSet(const std::string& table, const std::string& arrays, bool inSpace) {
+void locate(const Domain& domain) {
+    const bool isPm = domain.tag == model::tags::pm;
+    if (isPm && run.meshNodesPerElement == 8) obs_points_shape(domain);
+}
+
+} // namespace
+
+void readObservations(const std::string& table, const std::string& arrays, bool inSpace) {
     const std::string name = model::fileName(run.problemPrefix + "." + table);
     const int unit = file_units::openTextRead(name);
     std::int32_t count = 0;
@@ -59,28 +66,21 @@ void readSet(const std::string& table, const std::string& arrays, bool inSpace) 
     file_units::freeUnit(unit);
 }
 
-void locate(const Domain& domain) {
-    const bool isPm = domain.tag == model::tags::pm;
-    if (isPm && run.meshNodesPerElement == 8) obs_points_shape(domain);
-}
-
-} // namespace
-
 void read_obs_heads_xyz(const Domain& domain) {
     if (domain.tag != model::tags::pm) error::input_error("Porous medium domain expected.");
-    readSet("observed_heads", "observed heads", true);
+    readObservations("observed_heads", "observed heads", true);
     locate(domain);
 }
 
 void read_obs_heads_xy(const Domain& domain) {
     const std::string table =
         domain.tag == model::tags::pm ? "observed_heads" : "observed_heads_olf";
-    readSet(table, table, false);
+    readObservations(table, table, false);
     locate(domain);
 }
 
 void read_d2gwt_heads(const Domain& domain) {
-    readSet("observed_d2gwt", "observed_d2gwt", false);
+    readObservations("observed_d2gwt", "observed_d2gwt", false);
     locate(domain);
 }
 

@@ -2,6 +2,8 @@
 
 #include "meshrake/model/domain.hpp"
 
+#include <string>
+
 // Readers of text files of observations, with free-form numbers. The first line has the number of
 // observations. Each observation begins on a new line and may continue on the next; the rest of its
 // last line is skipped.
@@ -20,5 +22,9 @@ void read_obs_heads_xy(const model::Domain& domain);
 
 // Reads <prefix>.observed_d2gwt as x, y and depth.
 void read_d2gwt_heads(const model::Domain& domain);
+
+// Reads <prefix>.<table> as x, y, with `inSpace` z, and a value, without locating them; `arrays`
+// names them in the banner of a failed allocation.
+void readObservations(const std::string& table, const std::string& arrays, bool inSpace);
 
 } // namespace observation_compare

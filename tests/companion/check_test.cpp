@@ -1,5 +1,6 @@
 #include "companion/check/check.hpp"
 
+#include "companion/check/disk_space.hpp"
 #include "tests/companion/tool_runs.hpp"
 #include "tests/support/text_data_set.hpp"
 
@@ -8,6 +9,7 @@
 #include <functional>
 #include <map>
 #include <set>
+#include <utility>
 
 namespace {
 
@@ -15,8 +17,6 @@ namespace fs = std::filesystem;
 using sample_files::get;
 using sample_files::makeProblem;
 using sample_files::put;
-using testing::AllOf;
-using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -32,10 +32,6 @@ std::vector<std::string> findingsOf(const check::Report& report) {
         lines.push_back(line + (finding.endsRun ? "! " : " ") + finding.text);
     }
     return lines;
-}
-
-std::vector<std::string> findings() {
-    return findingsOf(check::examine("."));
 }
 
 // Names, sizes, times and contents of all files.
@@ -171,7 +167,8 @@ TEST_F(Check, ChangesNothing) {
     EXPECT_EQ(folderState(), before);
 }
 
-// A problem, what is changed in it, and all findings in their order.
+// A problem, what is changed in it, and all findings in their order. The run fails exactly if one
+// of them says so.
 struct Fault {
     std::string name;
     std::function<void()> change;
@@ -185,7 +182,10 @@ void expectFindings(const std::vector<Fault>& faults) {
         fs::current_path("case");
         makeProblem("--nx 2 --ny 2 --layers 2 --times 3 --variables head,sat,v,Rain");
         change();
-        EXPECT_EQ(findings(), expected);
+        const check::Report report = check::examine(".");
+        EXPECT_EQ(findingsOf(report), expected);
+        const bool ends = std::ranges::any_of(report.findings, &check::Finding::endsRun);
+        EXPECT_EQ(runs::runHere().status, ends ? 1 : 0);
         fs::current_path("..");
         fs::remove_all("case");
     }
@@ -385,6 +385,222 @@ TEST_F(Check, FindsFaultsOfResultFiles) {
          [=] { cut("to.gen", 100); },
          {"description ! Error reading file: to.gen; More than the file can hold: 2 title lines"}},
     });
+}
+
+// Runs with a control file; the problem has its first two output times.
+void runBefore(const std::string& text) {
+    control(text);
+    for (const fs::directory_entry& entry : fs::directory_iterator("."))
+        if (entry.path().string().ends_with(".0003"))
+            fs::rename(entry, entry.path().string() + ".later");
+    EXPECT_EQ(runs::runHere().status, 0);
+    for (const fs::directory_entry& entry : fs::directory_iterator("."))
+        if (entry.path().extension() == ".later")
+            fs::rename(entry, entry.path().parent_path() / entry.path().stem());
+}
+
+TEST_F(Check, FindsFaultsOfEarlierDataSets) {
+    const std::string binary = "tecplot binary mode\nend\nwrite pm domain file\nend\n";
+    const std::string append = "tecplot binary mode\ntecplot binary append\nend\n"
+                               "write pm domain file\nend\n";
+    const std::string pm = "to.pm.szplt";
+    expectFindings({
+        {"appended", [=] { runBefore(append); }, {}},
+        {"unfinished",
+         [=] {
+             runBefore(append);
+             control(binary);
+         },
+         {"unfinished_data_set to.pm.szplt an earlier run left this data set unfinished, with 2 "
+          "output times up to 3600; this run replaces it"}},
+        {"unfinished beside text",
+         [=] {
+             runBefore(append);
+             control("end\nwrite pm domain file\nend\n");
+         },
+         {"unfinished_data_set to.pm.szplt an earlier run left this data set unfinished, with 2 "
+          "output times up to 3600"}},
+        {"damaged",
+         [=] {
+             runBefore(binary);
+             cut(pm, 3000);
+         },
+         {"damaged_data_set to.pm.szplt this data set of an earlier run cannot be read: byte 3000: "
+          "the file ends; this run replaces it"}},
+        {"finished",
+         [=] {
+             runBefore(append);
+             runBefore(binary);
+             control(append);
+         },
+         {"finished_data_set to.pm.szplt! an earlier run finished this data set, so no output time "
+          "can be appended"}},
+        {"other variables",
+         [=] {
+             runBefore(append);
+             control(append.substr(0, append.size() - 4) + "no pm heads\nend\n");
+         },
+         {"other_variables to.pm.szplt! this data set of an earlier run has other variables, so no "
+          "output time can be appended"}},
+        {"other mesh",
+         [=] {
+             runBefore(append);
+             control(append.substr(0, append.size() - 4) +
+                     "truncate pm domain by layer\n-1e9 1e9\n-1e9 1e9\n1 1\nend\n");
+         },
+         {"other_mesh to.pm.szplt! this data set of an earlier run has other nodes or elements, so "
+          "no output time can be appended"}},
+        {"damaged data set to append to",
+         [=] {
+             runBefore(append);
+             cut(pm, 70000);
+         },
+         {"damaged_data_set to.pm.szplt! this data set of an earlier run is damaged, so no output "
+          "time can be appended"}},
+        {"damaged sidecar",
+         [=] {
+             runBefore(append);
+             overwrite(pm + ".szhdr", 30, "x");
+         },
+         {"damaged_data_set to.pm.szplt! the file to.pm.szplt.szhdr of an earlier run is damaged, "
+          "so no output time can be appended"}},
+        {"nothing to append",
+         [=] {
+             runBefore(append);
+             EXPECT_EQ(runs::runHere().status, 0);
+         },
+         {"no_times  4 there is no further output time to append"}},
+        {"damaged index of the last output time",
+         [=] {
+             runBefore(append);
+             cut("to.tec_append", 5);
+         },
+         {"control_file ! Error reading file: to.tec_append; It must have 12 bytes",
+          "unfinished_data_set to.pm.szplt an earlier run left this data set unfinished, with 2 "
+          "output times up to 3600; this run replaces it"}},
+    });
+}
+
+TEST_F(Check, FindsFaultsOfObservations) {
+    const std::string ranges = "-1e9 1e9\n-1e9 1e9\n-1e9 1e9\n";
+    // A continuum of bricks on the nodes of pm: heads are interpolated.
+    const auto addDual = [=] {
+        makeProblem("--nx 2 --ny 2 --layers 2 --times 3 --variables head,sat,v,Rain "
+                    "--domains dual --coupling common");
+        control("end\nwrite pm domain file\ncompare heads 3d domain\n" + ranges +
+                "end\nwrite dual domain file\nend\n");
+    };
+    const auto pmBlock = [](const std::string& lines) {
+        control("end\nwrite pm domain file\n" + lines + "end\n");
+    };
+    expectFindings({
+        {"outside",
+         [=] {
+             pmBlock("compare heads 3d domain\n" + ranges + "compare gw table elevation\n");
+             put("t.observed_heads", "3\n1e6 1e6 1e6 1\n100 100 -1e6 1\n100 100 200 1\n");
+         },
+         {"outside_mesh t.observed_heads observations 1 to 3 of \"compare heads 3d domain\" are "
+          "outside the mesh, but compared at the nearest node",
+          "outside_mesh t.observed_heads observation 1 of \"compare gw table elevation\" is "
+          "outside the mesh, but compared at the nearest node"}},
+        {"interpolated",
+         [=] {
+             addDual();
+             put("t.observed_heads", "2\n1e6 1e6 1e6 1\n500 500 200 1\n");
+         },
+         {"outside_mesh t.observed_heads observation 1 of \"compare heads 3d domain\" is outside "
+          "the mesh, but compared with a simulated value of 0"}},
+        {"elements of other observations",
+         [=] {
+             addDual();
+             put("t.observed_heads", "1\n1500 900 200 1\n");
+             EXPECT_EQ(runs::runHere().status, 0);
+             put("t.observed_heads", "1\n500 500 200 1\n");
+         },
+         {"old_elements to.ObsShape.txt an earlier run wrote it for other observations or another "
+          "mesh than those of t.observed_heads; delete it"}},
+        {"more observations than elements",
+         [=] {
+             addDual();
+             std::string nine = "9\n";
+             for (int i = 0; i < 9; ++i) nine += "500 500 200 1\n";
+             put("t.observed_heads", nine);
+         },
+         {"observations t.observed_heads! observation 9 has no element of the same number, pm has "
+          "only 8"}},
+        {"none in the ranges",
+         [=] {
+             pmBlock("compare heads 3d domain\n1 2\n1 2\n1 2\n");
+             put("t.observed_heads", "1\n100 100 -1e6 1\n");
+         },
+         {"empty_comparison t.plot.control:3 no observation of t.observed_heads is compared"}},
+        {"no heads",
+         [=] {
+             pmBlock("no pm heads\ncompare heads 3d domain\n" + ranges +
+                     "compare depth to gw table\n");
+         },
+         {"no_results t.plot.control:4! the comparison needs Head of pm, which the run does not "
+          "have",
+          "outside_mesh t.observed_heads observations 4, 6, 9, 11, 17, 18, 22 of \"compare heads "
+          "3d domain\" are outside the mesh, but compared at the nearest node",
+          "no_results t.plot.control:8! the comparison needs Depth2GWT of pm, which the run does "
+          "not have",
+          "outside_mesh t.observed_d2gwt observations 6, 9, 17, 22 of \"compare depth to gw "
+          "table\" are outside the mesh, but compared at the nearest node"}},
+        {"no observations",
+         [=] {
+             pmBlock("compare heads 3d domain\n" + ranges);
+             fs::remove("t.observed_heads");
+         },
+         {"observations t.plot.control:3! Failed to open file: t.observed_heads (File with the "
+          "specified name could not be found)"}},
+    });
+}
+
+// The files of a small problem, each damaged in several ways: a run ends exactly if a finding says
+// so.
+TEST_F(Check, AgreesWithRunsOverDamagedFiles) {
+    const sample_files::Problem problem = sample_files::twoTimes();
+    int endings = 0;
+    const std::vector<std::pair<std::string, std::function<void(std::string&)>>> damages{
+        {"empty", [](std::string& bytes) { bytes.clear(); }},
+        {"half", [](std::string& bytes) { bytes.resize(bytes.size() / 2); }},
+        {"last byte", [](std::string& bytes) { bytes.pop_back(); }},
+        {"first length", [](std::string& bytes) { bytes[1] = '\x7f'; }},
+        {"negative", [](std::string& bytes) { bytes.replace(4, 4, 4, '\xff'); }},
+        {"middle", [](std::string& bytes) { bytes.replace(bytes.size() / 2, 4, 4, '\x7f'); }},
+        {"foreign", [](std::string& bytes) { bytes = "\x1b[2J not a file of the simulator\n"; }},
+    };
+    for (const auto& [name, contents] : problem) {
+        if (name.ends_with(".skiv") || contents.size() < 9) continue;
+        for (const auto& [damage, apply] : damages) {
+            SCOPED_TRACE(name + ": " + damage);
+            fs::create_directory("case");
+            fs::current_path("case");
+            sample_files::Problem damaged = problem;
+            apply(damaged[name]);
+            sample_files::write(damaged);
+            const check::Report report = check::examine("t");
+            const bool ends = std::ranges::any_of(report.findings, &check::Finding::endsRun);
+            endings += ends;
+            const runs::Ran ran = runs::runHere();
+            EXPECT_EQ(ran.status, ends ? 1 : 0)
+                << ran.errors << testing::PrintToString(findingsOf(report));
+            fs::current_path("..");
+            fs::remove_all("case");
+        }
+    }
+    EXPECT_GT(endings, 20);
+}
+
+TEST_F(Check, ComparesWithTheFreeSpace) {
+    makeProblem("--nx 2 --ny 2 --layers 2 --times 1");
+    const auto before =
+        std::exchange(check::freeBytes, [](const std::string&) { return std::int64_t{1000}; });
+    EXPECT_THAT(findingsOf(check::examine(".")), ElementsAre(HasSubstr("disk_full ! ")));
+    EXPECT_EQ(runs::runHere().status, 0);
+    EXPECT_THAT(findingsOf(check::examine(".")), IsEmpty()) << "the files are replaced";
+    check::freeBytes = before;
 }
 
 } // namespace
