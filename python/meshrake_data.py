@@ -12,23 +12,27 @@
 A column can be specified by its number, from 0, if its name occurs twice. Arrays of a binary data
 set are mapped into memory, so only the used parts are read. Arrays of a text data set are located
 by the width of their columns and converted on each access. An incomplete zone, in the data set of a
-run that continues or was killed, is omitted.
+run that continues or was killed, is omitted. A file that is damaged or not a data set of meshrake
+raises Damaged, whose message names the file and the fault.
 """
 
 import dataclasses
+import math
 import os
 import re
 
 import numpy
 
-__all__ = ["open", "DataSet", "Zone"]
+__all__ = ["open", "DataSet", "Zone", "Damaged"]
 
 ROW = 5  # values in a row of a text array
 FIELD = {"<f8": 26, "<f4": 26, "<i4": 11}  # bytes of a value in a text array
 TYPES = {1: "<f4", 2: "<f8", 3: "<i4"}  # number of a type in a binary data set
 TYPE_WORDS = {"SINGLE": "<f4", "DOUBLE": "<f8", "LONGINT": "<i4"}
-CORNERS = {1: 2, 3: 4, 4: 4, 5: 8}  # by zone type: lines, quadrilaterals, tetrahedra, bricks
-ZONE_TYPES = {"FELINESEG": 1, "FEQUADRILATERAL": 3, "FETETRAHEDRON": 4, "FEBRICK": 5}
+# By zone type: no element lists, lines, quadrilaterals, tetrahedra, bricks.
+CORNERS = {0: 0, 1: 2, 3: 4, 4: 4, 5: 8}
+CUT_LENGTH = 512  # of a zone line in a text data set; a longer one is cut
+ZONE_TYPES = {"": 0, "FELINESEG": 1, "FEQUADRILATERAL": 3, "FETETRAHEDRON": 4, "FEBRICK": 5}
 
 
 class Damaged(ValueError):
@@ -76,6 +80,8 @@ class DataSet:
         self.zones = []
         with _open_file(self.path, "rb") as file:
             self.binary = file.read(8) == b"#!TDV112"
+        # One mapping for all arrays: each takes longer than the read of a small array.
+        self.mapped = numpy.memmap(self.path, "u1", "r", 0, (self.size,)) if self.binary else None
         (_scan_binary if self.binary else _scan_text)(self)
         self.times = numpy.array([zone.time for zone in self.zones])
 
@@ -144,7 +150,7 @@ class DataSet:
         if 0 in array.shape:
             return numpy.empty(array.shape, array.type)
         if self.binary:
-            return numpy.memmap(self.path, array.type, "r", array.offset, array.shape)
+            return numpy.ndarray(array.shape, array.type, self.mapped, array.offset)
         with _open_file(self.path, "rb") as file:
             file.seek(array.offset)
             data = file.read(_text_bytes(array))
@@ -169,6 +175,8 @@ _open_file = __builtins__["open"] if isinstance(__builtins__, dict) else __built
 def _text_bytes(array):
     """Bytes of an array as rows of a text data set, each with its line feed."""
     width = FIELD[array.type]
+    if 0 in array.shape:
+        return 0
     if len(array.shape) == 2:  # element lists: a row for each element
         return array.shape[0] * (array.shape[1] * width + 1)
     rows, rest = divmod(array.shape[0], ROW)
@@ -193,14 +201,27 @@ def _decode(data):
     return data.decode("utf-8", "surrogateescape")
 
 
-def _numbers(line, key):
-    """The numbers in KEY=([1,2,3]...) of a zone line."""
+def _damaged(file, what):
+    return Damaged(f"{file.name}: before byte {file.tell()}: {what}")
+
+
+def _numbers(file, line, key, count):
+    """Columns, from 0, of the numbers from 1 in KEY=([1,2,3]...) of a zone line."""
     match = re.search(rf"{key}=\(\[([\d,]*)\]", line)
-    return [int(number) for number in match[1].split(",")] if match else []
+    try:
+        numbers = [int(number) - 1 for number in match[1].split(",")] if match else []
+    except ValueError:
+        raise _damaged(file, f"{key} is not a list of numbers") from None
+    if not all(0 <= number < count for number in numbers):
+        raise _damaged(file, f"{key} has a variable that does not exist")
+    return numbers
 
 
 def _scan_text(data_set):
     with _open_file(data_set.path, "rb") as file:
+        if file.read(5) != b"TITLE":
+            raise Damaged(f"{data_set.path}: not a data set of meshrake")
+        file.seek(0)
         while line := file.readline():
             text = _decode(line).rstrip("\n")
             if text.startswith("TITLE = "):
@@ -210,52 +231,77 @@ def _scan_text(data_set):
             elif match := re.match(r'DATASETAUXDATA (\S+)="(.*)"$', text):
                 data_set.aux[match[1]] = match[2]
             elif match := re.match(r'VARAUXDATA (\d+) Units="(.*)"$', text):
+                if not 0 < int(match[1]) <= len(data_set.variables):
+                    raise _damaged(file, "a unit of a variable that does not exist")
                 data_set.units[data_set.variables[int(match[1]) - 1]] = match[2]
             elif text.startswith("ZONE "):
-                zone, end = _scan_text_zone(data_set, file, text)
-                if end > data_set.size:
+                try:
+                    data_set.zones.append(_scan_text_zone(data_set, file, text))
+                except EOFError:
                     return
-                data_set.zones.append(zone)
-    if not data_set.variables:
-        raise Damaged(f"{data_set.path}: no data set of meshrake")
 
 
 def _scan_text_zone(data_set, file, text):
-    """The zone of a zone line, and the position of its end; the file is at that position."""
+    """The zone of a zone line; the file is at its end. Raises EOFError if it is incomplete."""
+    if len(text) >= CUT_LENGTH:
+        raise _damaged(file, "the zone line is cut; binary data sets have no such limit")
     match = re.match(
         r'ZONE T="(.*?)"(?:, SOLUTIONTIME=([^,]*))?, DATAPACKING=BLOCK, NODES=(\d+), '
-        r"ELEMENTS=(\d+), ZONETYPE=(\w+)(.*)$", text)
-    types = re.match(r"DT=\((.*)\)\s*$", _decode(file.readline()))
-    if not match or match[5] not in ZONE_TYPES or not types:
-        raise Damaged(f"{data_set.path}: byte {file.tell()}: not a zone of meshrake")
-    type, rest = ZONE_TYPES[match[5]], match[6]
-    nodes, elements = int(match[3]), int(match[4])
-    centred = [False] * len(data_set.variables)
-    for number in _numbers(rest, "VARLOCATION"):
-        centred[number - 1] = True
-    shared = set(_numbers(rest, "VARSHARELIST"))
-    columns = []
-    for v, word in enumerate(types[1].split(",")):
-        if v + 1 in shared:
-            columns.append(data_set.zones[0].columns[v])
-        else:
-            columns.append(_skip_text_array(
-                file, (elements if centred[v] else nodes,), TYPE_WORDS[word]))
-    if "CONNECTIVITYSHAREZONE=1" in rest:
-        element_lists = data_set.zones[0].element_lists
-    else:
-        element_lists = _skip_text_array(file, (elements, CORNERS[type]), "<i4")
-    time = float(match[2]) if match[2] else float("nan")
-    return Zone(match[1], time, type, nodes, elements, centred, columns, element_lists), file.tell()
+        r"ELEMENTS=(\d+), ZONETYPE=(\w*)(.*)$", text)
+    line = _decode(file.readline())
+    if not line.endswith("\n"):
+        raise EOFError
+    types = re.match(r"DT=\((.*)\)\s*$", line)
+    words = types[1].split(",") if types else []
+    if not match or match[5] not in ZONE_TYPES or len(words) != len(data_set.variables) or \
+            not set(words) <= TYPE_WORDS.keys():
+        raise _damaged(file, "not a zone of meshrake")
+    try:
+        time = float(match[2]) if match[2] else float("nan")
+    except ValueError:
+        raise _damaged(file, "a time that is not a number") from None
+    zone = Zone(match[1], time, ZONE_TYPES[match[5]], int(match[3]), int(match[4]),
+                [False] * len(words), [], None)
+    for number in _numbers(file, match[6], "VARLOCATION", len(words)):
+        zone.cell_centred[number] = True
+    shared = _numbers(file, match[6], "VARSHARELIST", len(words))
+    lists_shared = "CONNECTIVITYSHAREZONE=1" in match[6]
+    if (shared or lists_shared) and not data_set.zones:
+        raise _damaged(file, "the first zone shares")
+    for v, word in enumerate(words):
+        shape, type = _shape(zone, v), TYPE_WORDS[word]
+        array = data_set.zones[0].columns[v] if v in shared else \
+            _skip_text_array(data_set, file, shape, type)
+        if (array.shape, array.type) != (shape, type):
+            raise _damaged(file, "shared values of another number or type")
+        zone.columns.append(array)
+    shape = (zone.elements, CORNERS[zone.type])
+    zone.element_lists = data_set.zones[0].element_lists if lists_shared else \
+        _skip_text_array(data_set, file, shape, "<i4")
+    if zone.element_lists.shape != shape:
+        raise _damaged(file, "shared element lists of another number or type")
+    return zone
 
 
-def _skip_text_array(file, shape, type):
+def _shape(zone, v):
+    return (zone.elements if zone.cell_centred[v] else zone.nodes,)
+
+
+def _skip_text_array(data_set, file, shape, type):
     """The array whose comment line, if it has one, is next."""
     offset = file.tell()
+    array = Array(offset, shape, type)
+    if 0 in shape and len(shape) == 2:
+        return array
     while (line := file.readline()).startswith(b"#"):
         offset += len(line)
-    array = Array(offset, shape, type)
-    file.seek(offset + _text_bytes(array))
+    array.offset = offset
+    end = offset + _text_bytes(array)
+    if end > data_set.size:
+        raise EOFError
+    file.seek(end - 1)
+    if file.read(1) != b"\n":
+        raise _damaged(file, "rows of another width")
     return array
 
 
@@ -267,7 +313,7 @@ class _Words:
 
     def __init__(self, data_set):
         self.path = data_set.path
-        self.words = numpy.memmap(data_set.path, "<i4", "r", 0, (data_set.size // 4,))
+        self.words = numpy.ndarray((data_set.size // 4,), "<i4", data_set.mapped)
         self.position = 0
 
     def take(self, count, type="<i4"):
@@ -287,7 +333,9 @@ class _Words:
             ends = numpy.flatnonzero(window == 0)
             if len(ends):
                 self.position += int(ends[0]) + 1
-                return _decode(window[: ends[0]].astype("u1").tobytes())
+                characters = window[: ends[0]]
+                self.require(((characters > 0) & (characters < 256)).all(), "not a character")
+                return _decode(characters.astype("u1").tobytes())
             if len(window) < size:
                 raise EOFError
             size *= 8
@@ -300,9 +348,12 @@ class _Words:
 def _scan_binary(data_set):
     words = _Words(data_set)
     try:
-        words.take(4)  # magic, byte order, file type
+        words.take(2)  # magic
+        words.require(list(words.take(2)) == [1, 0], "another byte order or file type")
         data_set.title = words.text()
-        data_set.variables = [words.text() for _ in range(words.one())]
+        count = words.one()
+        words.require(count >= 0, "not a number of variables")
+        data_set.variables = [words.text() for _ in range(count)]
         headers = _scan_headers(data_set, words)
     except EOFError:
         raise Damaged(f"{data_set.path}: the header is incomplete") from None
@@ -318,14 +369,22 @@ def _scan_headers(data_set, words):
     headers = []
     while (marker := words.one("<f4")) != 357:
         if marker == 299:
+            # Each zone has at least the types of its variables in its data.
+            least = (len(headers) + 1) * len(data_set.variables)
+            words.require(least < len(words.words), "the file is too short for its zones")
             headers.append(_scan_header(data_set, words))
         elif marker == 799:
-            name, _, value = words.text(), words.one(), words.text()
+            name = words.text()
+            words.require(words.one() == 0, "a value that is not a text")
+            value = words.text()
             if name != "_":  # the padding for later headers
                 data_set.aux[name] = value
         elif marker == 899:
-            variable = data_set.variables[words.one()]
-            name, _, data_set.units[variable] = words.text(), words.one(), words.text()
+            number = words.one()
+            words.require(0 <= number < len(data_set.variables), "a unit without its variable")
+            words.text()
+            words.require(words.one() == 0, "a unit that is not a text")
+            data_set.units[data_set.variables[number]] = words.text()
         else:
             words.require(False, "an unknown record")
     return headers
@@ -340,7 +399,7 @@ def _scan_header(data_set, words):
         time = float("nan")
     _, type = words.take(2)
     words.require(type in CORNERS, "an unknown zone type")
-    centred = list(words.take(count) == 1) if words.one() else [False] * count
+    centred = (words.take(count) == 1).tolist() if words.one() else [False] * count
     words.take(2)
     nodes, elements = (int(number) for number in words.take(2))
     words.take(4)
@@ -355,23 +414,26 @@ def _scan_binary_zone(data_set, words, zone):
     shares = words.take(count) if words.one() else numpy.full(count, -1)
     list_share = words.one()
     earlier = len(data_set.zones)
-    words.require(list_share < earlier and (shares < earlier).all(), "shares with a later zone")
+    words.require(-1 <= list_share < earlier and ((-1 <= shares) & (shares < earlier)).all(),
+                  "no zone to share with")
     words.take(2 * int((shares < 0).sum()), "<f8")  # least and greatest values
     for v in range(count):
         words.require(int(types[v]) in TYPES, "an unknown type")
-        if shares[v] >= 0:
-            zone.columns.append(data_set.zones[shares[v]].columns[v])
-            continue
-        shape = (zone.elements if zone.cell_centred[v] else zone.nodes,)
-        zone.columns.append(_skip_array(words, shape, TYPES[int(types[v])]))
-    if list_share >= 0:
-        zone.element_lists = data_set.zones[list_share].element_lists
-    else:
-        zone.element_lists = _skip_array(words, (zone.elements, CORNERS[zone.type]), "<i4")
+        shape, type = _shape(zone, v), TYPES[int(types[v])]
+        array = data_set.zones[shares[v]].columns[v] if shares[v] >= 0 else \
+            _skip_array(words, shape, type)
+        words.require((array.shape, array.type) == (shape, type),
+                      "shared values of another number or type")
+        zone.columns.append(array)
+    shape = (zone.elements, CORNERS[zone.type])
+    zone.element_lists = data_set.zones[list_share].element_lists if list_share >= 0 else \
+        _skip_array(words, shape, "<i4")
+    words.require(zone.element_lists.shape == shape,
+                  "shared element lists of another number or type")
     return zone
 
 
 def _skip_array(words, shape, type):
     array = Array(4 * words.position, shape, type)
-    words.take(int(numpy.prod(shape)), type)
+    words.take(math.prod(shape), type)
     return array

@@ -2,7 +2,7 @@
 # Installs the missing packages of a build, or prints which packages to install.
 #
 #   tools/install_packages.sh [tool] [tests] [bench] [fuzz] [valgrind] [paraview] [pictures]
-#                               [parallel]
+#                               [parallel] [xarray]
 #
 # Changes nothing if all packages are installed. It installs as root, or with sudo without a
 # password. Otherwise it ends with status 1.
@@ -51,6 +51,7 @@ missing_packages() {
             has_command Xvfb || echo xvfb
             /usr/bin/python3 -c 'import matplotlib' 2>/dev/null || echo python3-matplotlib
             ;;
+        xarray) /usr/bin/python3 -c 'import xarray' 2>/dev/null || echo python3-xarray ;;
         valgrind) has_command valgrind || echo valgrind ;;
         *)
             echo "install_packages.sh: no group of packages \"$group\"" >&2

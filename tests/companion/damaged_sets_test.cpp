@@ -1,6 +1,7 @@
 #include "tests/companion/tool_runs.hpp"
 
 #include <cstring>
+#include <filesystem>
 
 namespace {
 
@@ -15,7 +16,11 @@ const std::vector<std::vector<std::string>> commandLines{
 };
 
 struct DamagedSets : tool_runs::ToolRun {
-    static void put(const std::string& bytes) { sample_files::put("damaged.szplt", bytes); }
+    // A new file; some file systems flush one that was emptied and written again.
+    static void put(const std::string& bytes) {
+        std::filesystem::remove("damaged.szplt");
+        sample_files::put("damaged.szplt", bytes);
+    }
 
     // Status 0 where the damage is in what the subcommand does not read, else a message.
     static void runAll(bool mustFail) {

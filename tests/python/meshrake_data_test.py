@@ -114,6 +114,60 @@ class BothForms(unittest.TestCase):
         with self.assertRaises(meshrake_data.Damaged):
             meshrake_data.open(path)
 
+    def read_all(self, path):
+        """Reads all of a data set that may be damaged; true if it is refused."""
+        try:
+            data = meshrake_data.open(path)
+            for z in range(len(data.zones)):
+                data.connectivity_of(z)
+                for v in range(len(data.variables)):
+                    data.values(v, z)
+        except meshrake_data.Damaged as fault:
+            self.assertTrue(str(fault).startswith(str(path)), fault)
+            return True
+        return False
+
+    def test_changed_words(self):
+        path = self.run_program("words", WHOLE_PM.replace("mode", "binary mode")) / "to.pm.szplt"
+        whole = path.read_bytes()
+        data = meshrake_data.open(path).zones[0].columns[0].offset
+        # The headers and the beginning of the data, without the padding between them.
+        positions = [*range(8, 2400, 12), *range(data - 1200, data, 12)]
+        refused = 0
+        for value in (-2, 2**31 - 1):
+            word = value.to_bytes(4, "little", signed=True)
+            for at in positions:
+                with path.open("r+b") as file:
+                    file.seek(at)
+                    file.write(word)
+                with self.subTest(value=value, at=at):
+                    refused += self.read_all(path)
+                with path.open("r+b") as file:
+                    file.seek(at)
+                    file.write(whole[at : at + 4])
+        self.assertLess(len(positions) // 2, refused)
+
+    def test_changed_lines(self):
+        path = self.run_program("lines", WHOLE_PM) / "to.pm.dat"
+        whole = path.read_bytes()
+        for before, after in [
+                (b"TITLE", b"title"), (b"VARAUXDATA 1 ", b"VARAUXDATA 99 "),
+                (b"SOLUTIONTIME=0", b"SOLUTIONTIME=x"), (b"NODES=", b"NODES=9"),
+                (b"ELEMENTS=", b"ELEMENTS=1"), (b"ZONETYPE=FEBRICK", b"ZONETYPE=FETETRAHEDRON"),
+                (b"VARLOCATION=([4", b"VARLOCATION=([99"),
+                (b"VARLOCATION=([4", b"VARLOCATION=([,4"),
+                (b"VARSHARELIST=([1", b"VARSHARELIST=([0"),
+                (b"VARSHARELIST=([1,", b"VARSHARELIST=(["), (b"DT=(DOUBLE", b"DT=(DUOBLE"),
+                (b"DT=(DOUBLE,", b"DT=("), (b"DT=(DOUBLE", b"DT=(LONGINT"),
+                (b"ZONE T=", b"ZONE T=" + 512 * b" ")]:
+            with self.subTest(before, after=after):
+                self.assertIn(before, whole)
+                path.write_bytes(whole.replace(before, after))
+                refused = self.read_all(path)
+                self.assertTrue(refused or meshrake_data.open(path).zones == [])
+        path.write_bytes(whole.replace(b", NODES=", b", NODES=" + 30 * b"9"))
+        self.assertEqual(meshrake_data.open(path).zones, [])
+
     def test_xarray(self):
         try:
             import xarray  # noqa: F401
