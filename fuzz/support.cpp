@@ -116,6 +116,13 @@ std::ptrdiff_t readNext(int descriptor, void* into, std::size_t size) {
     return n;
 }
 
+std::ptrdiff_t readBoth(int descriptor, void* first, std::size_t firstSize, void* second,
+                        std::size_t secondSize) {
+    const std::ptrdiff_t n = readNext(descriptor, first, firstSize);
+    if (n < static_cast<std::ptrdiff_t>(firstSize)) return n;
+    return n + std::max<std::ptrdiff_t>(readNext(descriptor, second, secondSize), 0);
+}
+
 std::ptrdiff_t writeNext(int descriptor, const void* from, std::size_t size) {
     if (descriptor == 1 || descriptor == 2) {
         disk.streams[descriptor].append(static_cast<const char*>(from), size);
@@ -157,6 +164,7 @@ system_calls::Table memoryTable() {
     system_calls::Table table = system_calls::systemTable();
     table.open = openFile;
     table.read = readNext;
+    table.readBoth = readBoth;
     table.write = writeNext;
     table.seek = seekTo;
     table.close = [](int d) { return disk.open.erase(d) > 0 ? 0 : failure(EBADF); };

@@ -51,7 +51,8 @@ void tvTopoPreInit(Domain& domain, const VariableRow& row, OutputVar& var) {
 
 void tvTopoPreRead(Domain& domain, const VariableRow& row, OutputVar&) {
     const std::string name = plot_data::variableFile(domain, row.stem);
-    if (file_units::exists(name)) readElevations(domain, row, model::outputVar(domain, key), name);
+    std::vector<model::Column>& columns = model::outputVar(domain, key).columns;
+    plot_data::readColumnsIfExist(domain, std::span(columns).first(1), name);
 }
 
 void tvTopoInit(Domain& domain, const VariableRow& row, OutputVar& var) {
@@ -70,9 +71,8 @@ void tvTopoInit(Domain& domain, const VariableRow& row, OutputVar& var) {
 
 void tvTopoRead(Domain& domain, const VariableRow& row, OutputVar& var) {
     const std::string name = plot_data::variableFile(domain, row.stem);
-    var.exists = file_units::exists(name);
+    var.exists = plot_data::readColumnsIfExist(domain, std::span(var.columns).first(1), name);
     if (!var.exists) return plot_data::shareColumns(domain, var.columns);
-    readElevations(domain, row, var, name);
     computeChange(domain, var);
 }
 

@@ -4,7 +4,6 @@
 #include "meshrake/model/run_state.hpp"
 #include "tvncommon/diagnostics/error.hpp"
 #include "tvncommon/io/TVNBinaryFile.hpp"
-#include "tvncommon/io/file_units.hpp"
 #include "tvncommon/io/io_layer.hpp"
 #include "tvncommon/text/StringHelpers.hpp"
 #include "tvncommon/text/free_form.hpp"
@@ -101,15 +100,35 @@ std::string timeFileName(std::string_view stem, std::string_view suffix) {
     return problemFile(kind + end);
 }
 
-// Usually the kind of file that was found last also exists at the next output time.
-bool sameKindExists(std::string_view suffix) {
+// Usually the kind of file that was found last also exists at the next output time. Returns the
+// header, empty if it does not.
+std::string headerOfSameKind(std::string_view suffix) {
     const std::size_t point = run.timeFile.rfind('.');
     if (point == std::string::npos)
         error::fatalError("File extension not found for file: " + run.timeFile);
     const std::string name = fileName(run.timeFile.substr(0, point) + std::string(suffix));
-    if (!file_units::exists(name)) return false;
-    run.timeFile = name;
-    return true;
+    std::string header = TVNBinaryFile::readHeaderIfExists(name);
+    if (!header.empty()) run.timeFile = name;
+    return header;
+}
+
+// Finds a result file with this suffix, puts its name into `run.timeFile` and returns its header,
+// empty if there is no such file.
+std::string headerOfTimeFile(std::string_view suffix) {
+    std::string header;
+    if (run.timeFileKnown) header = headerOfSameKind(suffix);
+    if (!header.empty()) return header;
+    run.timeFileKnown = false;
+    for (const std::string_view stem : timeFileTable) {
+        const std::string name = timeFileName(stem, suffix);
+        if (name.empty()) continue;
+        header = TVNBinaryFile::readHeaderIfExists(name);
+        if (header.empty()) continue;
+        run.timeFile = name;
+        run.timeFileKnown = true;
+        break;
+    }
+    return header;
 }
 
 std::string convertedTime(const std::string& timestamp) {
@@ -120,24 +139,16 @@ std::string convertedTime(const std::string& timestamp) {
 } // namespace
 
 bool findTimeFile(std::string_view suffix) {
-    if (run.timeFileKnown && sameKindExists(suffix)) return true;
-    run.timeFileKnown = false;
-    for (const std::string_view stem : timeFileTable) {
-        const std::string name = timeFileName(stem, suffix);
-        if (name.empty() || !file_units::exists(name)) continue;
-        run.timeFile = name;
-        run.timeFileKnown = true;
-        return true;
-    }
-    return false;
+    return !headerOfTimeFile(suffix).empty();
 }
 
 void getTimestamp(std::string_view suffix, bool& found) {
     run.currentTimeText = "0.0";
-    found = findTimeFile(suffix);
+    const std::string text = headerOfTimeFile(suffix);
+    found = !text.empty();
     if (!found) return;
-    const TVNBinaryFile::BinaryHeader header = TVNBinaryFile::parseTVNBinFileHeader(
-        TVNBinaryFile::readTVNBinFileHeader(run.timeFile), run.timeFile);
+    const TVNBinaryFile::BinaryHeader header =
+        TVNBinaryFile::parseTVNBinFileHeader(text, run.timeFile);
     run.currentTimeText = run.timeConversion ? convertedTime(header.timestamp) : header.timestamp;
     run.currentTimeText = StringHelpers::cut(run.currentTimeText, 60);
 }

@@ -43,7 +43,10 @@ std::string variableFile(const Domain& domain, std::string_view stem) {
 // The variables of an appending run must be those of the data set on disk. So a variable whose file
 // is missing at this run's first output time is declared with the values of an earlier one.
 bool checkFileInit(std::string& name, std::int32_t fallback) {
-    if (file_units::exists(name)) return true;
+    return file_units::exists(name) || useFallbackFile(name, fallback);
+}
+
+bool useFallbackFile(std::string& name, std::int32_t fallback) {
     if (!run.tecplotAppend) return false;
     const std::string suffix = model::outputTimeIndex(fallback);
     name = model::fileName(name.substr(0, name.rfind('.') + 1) + suffix);
@@ -96,11 +99,22 @@ void allocateColumn(const Domain& domain, Column& column, std::string_view array
     }
 }
 
-void readColumns(const Domain& domain, std::span<Column> columns, const std::string& name) {
+namespace {
+
+using TVNBinaryFile::Missing;
+
+// In place of a read. Returns what the read would.
+bool test(const ResultFile& file, Missing missing) {
+    if (missing == Missing::returnsFalse && !file_units::exists(file.name)) return false;
+    run.dryRun->testFile(file);
+    return true;
+}
+
+bool read(const Domain& domain, std::span<Column> columns, const std::string& name,
+          Missing missing) {
     const std::int32_t n = valueCount(domain, columns[0]);
     if (run.dryRun)
-        return run.dryRun->testFile(
-            {name, columns[0].type, n, columns.size(), columns[0].varNumber});
+        return test({name, columns[0].type, n, columns.size(), columns[0].varNumber}, missing);
     const auto components = static_cast<int>(columns.size());
     // The reader puts each component of a record into the array of its column, without a copy.
     float* real4[maximumColumns];
@@ -109,22 +123,48 @@ void readColumns(const Domain& domain, std::span<Column> columns, const std::str
         real4[c] = columns[c].real4.data();
         real8[c] = columns[c].real8.data();
     }
+    using namespace TVNBinaryFile;
     switch (columns[0].type) {
     case DataType::single:
-        if (components == 1) return TVNBinaryFile::read_r4_1d(name, n, real4[0]);
-        return TVNBinaryFile::read_r4_components(name, n, components, real4);
+        if (components == 1) return read_r4_1d(name, n, real4[0], nullptr, missing);
+        return read_r4_components(name, n, components, real4, nullptr, missing);
     case DataType::real8:
-        if (components == 1) return TVNBinaryFile::read_r8_1d(name, n, real8[0]);
-        return TVNBinaryFile::read_r8_components(name, n, components, real8);
+        if (components == 1) return read_r8_1d(name, n, real8[0], nullptr, missing);
+        return read_r8_components(name, n, components, real8, nullptr, missing);
     case DataType::longInt:
-        return TVNBinaryFile::read_i4_1d(name, n, columns[0].int4.data());
+        return read_i4_1d(name, n, columns[0].int4.data(), nullptr, missing);
     }
+    return false;
+}
+
+bool readZones(Domain& domain, const std::string& name, Missing missing) {
+    const std::int32_t n = domain.elementCount;
+    if (run.dryRun) return test({name, DataType::longInt, n, 1, 0}, missing);
+    return TVNBinaryFile::read_i4_1d(name, n, domain.elementZone.data(), nullptr, missing);
+}
+
+} // namespace
+
+void readColumns(const Domain& domain, std::span<Column> columns, const std::string& name) {
+    read(domain, columns, name, Missing::endsRun);
+}
+
+bool readColumnsIfExist(const Domain& domain, std::span<Column> columns, const std::string& name) {
+    return read(domain, columns, name, Missing::returnsFalse);
+}
+
+void readOrShareColumns(Domain& domain, OutputVar& var, std::span<Column> columns,
+                        const std::string& name) {
+    var.exists = readColumnsIfExist(domain, columns, name);
+    if (!var.exists) shareColumns(domain, columns);
 }
 
 void readElementZones(Domain& domain, const std::string& name) {
-    if (run.dryRun)
-        return run.dryRun->testFile({name, DataType::longInt, domain.elementCount, 1, 0});
-    TVNBinaryFile::read_i4_1d(name, domain.elementCount, domain.elementZone.data());
+    readZones(domain, name, Missing::endsRun);
+}
+
+bool readElementZonesIfExist(Domain& domain, const std::string& name) {
+    return readZones(domain, name, Missing::returnsFalse);
 }
 
 void shareColumns(Domain& domain, std::span<const Column> columns) {
@@ -172,11 +212,12 @@ void plainInit(Domain& domain, const VariableRow& row, OutputVar& var) {
 void plainRead(Domain& domain, const VariableRow& row, OutputVar& var) {
     if (row.timing != Timing::everyTime) return constantRead(domain, row, var);
     std::string name = variableFile(domain, row.stem);
-    var.exists = row.laterFallback ? checkFileInit(name) : file_units::exists(name);
-    if (var.exists)
+    var.exists = readColumnsIfExist(domain, var.columns, name);
+    if (!var.exists && row.laterFallback && useFallbackFile(name)) {
         readColumns(domain, var.columns, name);
-    else
-        shareColumns(domain, var.columns);
+        var.exists = true;
+    }
+    if (!var.exists) shareColumns(domain, var.columns);
     markColumns(domain, var.columns);
 }
 

@@ -94,6 +94,9 @@ std::string variableFile(const Domain& domain, std::string_view stem);
 // `name` by the file of time index `fallback`. If that exists, echo file and screen show a warning.
 bool checkFileInit(std::string& name, std::int32_t fallback = 1);
 
+// The same for a file that is known to be missing.
+bool useFallbackFile(std::string& name, std::int32_t fallback = 1);
+
 // Returns the file of the row's values in the first pass, empty if it does not exist.
 std::string firstFile(const Domain& domain, const VariableRow& row);
 
@@ -115,9 +118,17 @@ void allocateColumn(const Domain& domain, Column& column, std::string_view array
 // a damaged one ends the run.
 void readColumns(const Domain& domain, std::span<Column> columns, const std::string& name);
 
-// The same for a file of one integer for each element, which replaces the element zones of the
-// domain.
+// The same, but returns false if the file does not exist.
+bool readColumnsIfExist(const Domain& domain, std::span<Column> columns, const std::string& name);
+
+// Reads the columns if the file exists, otherwise the next zone shares them. Sets `var.exists`.
+void readOrShareColumns(Domain& domain, OutputVar& var, std::span<Column> columns,
+                        const std::string& name);
+
+// Read a file of one integer for each element, which replaces the element zones of the domain. A
+// missing file ends the run, or the second function returns false.
 void readElementZones(Domain& domain, const std::string& name);
+bool readElementZonesIfExist(Domain& domain, const std::string& name);
 
 // Shares the columns of the next zone with zone 1.
 void shareColumns(Domain& domain, std::span<const Column> columns);

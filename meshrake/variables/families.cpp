@@ -87,15 +87,6 @@ void declareMember(Domain& domain, const VariableRow& row, const Member& member,
         declareSpeciesColumn(domain, row, member.species, member.name, column);
 }
 
-void readOrShare(Domain& domain, OutputVar& var, std::span<Column> columns,
-                 const std::string& name) {
-    var.exists = file_units::exists(name);
-    if (var.exists)
-        plot_data::readColumns(domain, columns, name);
-    else
-        plot_data::shareColumns(domain, columns);
-}
-
 std::string redoxFile(const Domain& domain, const VariableRow& row, std::size_t species) {
     return model::problemFile(speciesFile(domain, row, species) + "-Redox." + run.timeSuffix);
 }
@@ -123,7 +114,7 @@ void familyInit(Domain& domain, const VariableRow& row, OutputVar& var) {
 void familyRead(Domain& domain, const VariableRow& row, OutputVar& var) {
     const std::vector<Member> members = membersOf(domain, row);
     for (std::size_t m = 0; m < members.size(); ++m)
-        readOrShare(domain, var, {&var.columns[m], 1}, currentFile(members[m]));
+        plot_data::readOrShareColumns(domain, var, {&var.columns[m], 1}, currentFile(members[m]));
 }
 
 void redoxCapacityInit(Domain& domain, const VariableRow& row, OutputVar& var) {
@@ -140,7 +131,7 @@ void redoxCapacityInit(Domain& domain, const VariableRow& row, OutputVar& var) {
 void redoxCapacityRead(Domain& domain, const VariableRow& row, OutputVar& var) {
     if (run.numMobileSpecies < 1) return plot_data::constantRead(domain, row, var);
     for (std::size_t s = 0; s < static_cast<std::size_t>(run.numMobileSpecies); ++s)
-        readOrShare(domain, var, var.columns, redoxFile(domain, row, s));
+        plot_data::readOrShareColumns(domain, var, var.columns, redoxFile(domain, row, s));
 }
 
 } // namespace variables

@@ -87,9 +87,8 @@ void headInit(Domain& domain, const VariableRow& row, OutputVar& var) {
 
 void headRead(Domain& domain, const VariableRow& row, OutputVar& var) {
     const std::string name = plot_data::variableFile(domain, row.stem);
-    var.exists = file_units::exists(name);
+    var.exists = plot_data::readColumnsIfExist(domain, std::span(var.columns).first(1), name);
     if (!var.exists) return plot_data::shareColumns(domain, var.columns);
-    plot_data::readColumns(domain, std::span(var.columns).first(1), name);
     computeDerivedColumns(domain, var);
 }
 

@@ -47,15 +47,18 @@ void rainSnowmeltInit(Domain& domain, const VariableRow& row, OutputVar& var) {
 }
 
 void rainSnowmeltRead(Domain& domain, const VariableRow&, OutputVar& var) {
-    var.exists = file_units::exists(plot_data::variableFile(domain, snowFiles[0].stem));
     for (std::size_t file = 0; file < snowFiles.size(); ++file) {
         const std::span<model::Column> column{&var.columns[file], 1};
-        if (column[0].varNumber == 0) continue; // not declared in the first pass
-        if (var.exists)
-            plot_data::readColumns(domain, column,
-                                   plot_data::variableFile(domain, snowFiles[file].stem));
-        else
-            plot_data::shareColumns(domain, column);
+        const bool declared = column[0].varNumber > 0; // in the first pass
+        const std::string name = plot_data::variableFile(domain, snowFiles[file].stem);
+        // The first file decides for all of them.
+        if (file == 0)
+            var.exists = declared ? plot_data::readColumnsIfExist(domain, column, name)
+                                  : file_units::exists(name);
+        else if (declared && var.exists)
+            plot_data::readColumns(domain, column, name);
+        if (!declared) continue;
+        if (!var.exists) plot_data::shareColumns(domain, column);
         plot_data::markColumns(domain, column);
     }
 }

@@ -27,11 +27,8 @@ void zoneInit(Domain& domain, const VariableRow& row, OutputVar& var) {
 
 void zoneRead(Domain& domain, const VariableRow& row, OutputVar& var) {
     const std::string name = plot_data::variableFile(domain, row.stem);
-    var.exists = file_units::exists(name);
-    if (var.exists)
-        plot_data::readElementZones(domain, name);
-    else
-        plot_data::shareColumns(domain, var.columns);
+    var.exists = plot_data::readElementZonesIfExist(domain, name);
+    if (!var.exists) plot_data::shareColumns(domain, var.columns);
     plot_data::markColumns(domain, var.columns);
 }
 
@@ -110,8 +107,14 @@ void et3dInit(Domain& domain, const VariableRow& row, OutputVar& var) {
     plot_data::plainInit(domain, withSpelling(domain, row, firstPassStem, laterStem), var);
 }
 
-void et3dRead(Domain& domain, const VariableRow& row, OutputVar& var) {
-    plot_data::plainRead(domain, withSpelling(domain, row, laterStem, firstPassStem), var);
+void et3dRead(Domain& domain, const VariableRow&, OutputVar& var) {
+    const auto read = [&](std::string_view stem) {
+        return plot_data::readColumnsIfExist(domain, var.columns,
+                                             plot_data::variableFile(domain, stem));
+    };
+    var.exists = read(laterStem) || read(firstPassStem);
+    if (!var.exists) plot_data::shareColumns(domain, var.columns);
+    plot_data::markColumns(domain, var.columns);
 }
 
 } // namespace variables

@@ -44,6 +44,11 @@ OpenFile target(std::size_t) {
 void shorten(int, auto*, std::size_t& size, auto...) {
     if (fault.way == Way::shorten) size = std::min(size, fault.maximumBytes);
 }
+void shorten(int, void*, std::size_t& first, void*, std::size_t& second) {
+    if (fault.way != Way::shorten) return;
+    first = std::min(first, fault.maximumBytes);
+    second = 0;
+}
 void shorten(...) {}
 
 // Does the part of a write before the process is killed. The system stops at the end of a page.
@@ -146,6 +151,7 @@ const Kind allKinds[] = {
      Entry<&Table::open>::wrap},
     {"fstat", none, false, {EIO, ESTALE}, Entry<&Table::fileInfo>::wrap},
     {"read", none, true, {EIO, ESTALE}, Entry<&Table::read>::wrap},
+    {"readv", none, true, {EIO, ESTALE}, Entry<&Table::readBoth>::wrap},
     {"pread", none, true, {EIO, ESTALE}, Entry<&Table::readAt>::wrap},
     {"write", growth, true, {EIO, ENOSPC, EDQUOT, EFBIG, EPIPE}, Entry<&Table::write>::wrap},
     {"pwrite", growth, true, {EIO, ENOSPC, EDQUOT, EFBIG}, Entry<&Table::writeAt>::wrap},

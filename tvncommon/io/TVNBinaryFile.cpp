@@ -18,8 +18,11 @@ struct OpenFile {
     std::string header;
 };
 
-OpenFile openAndReadHeader(const std::string& filename, std::string* header = nullptr) {
-    OpenFile file{file_units::openRecordsRead(filename), std::string(headerLength, ' ')};
+// Returns unit 0 for a missing file that does not end the run.
+OpenFile openAndReadHeader(const std::string& filename, std::string* header, Missing missing) {
+    OpenFile file{file_units::openResultFile(filename, missing == Missing::returnsFalse),
+                  std::string(headerLength, ' ')};
+    if (file.unit == 0) return file;
     const int status = io_layer::readRecord(file.unit, file.header.data(), headerLength);
     if (status != io_layer::ok)
         error::input_error_stat(status, "Error reading header from file " + filename);
@@ -37,11 +40,14 @@ void readValues(const OpenFile& file, void* into, std::int64_t bytes, const std:
 }
 
 template<class T>
-void read_1d(const std::string& filename, std::int32_t n, T* array, std::string* header) {
-    const OpenFile file = openAndReadHeader(filename, header);
+bool read_1d(const std::string& filename, std::int32_t n, T* array, std::string* header,
+             Missing missing) {
+    const OpenFile file = openAndReadHeader(filename, header, missing);
+    if (file.unit == 0) return false;
     const std::int64_t bytes = std::max(n, 0) * static_cast<std::int64_t>(sizeof(T));
     readValues(file, array, bytes, "", filename);
     file_units::freeUnit(file.unit);
+    return true;
 }
 
 template<class T>
@@ -56,9 +62,10 @@ void readNodeByNode(const OpenFile& file, std::int32_t n, int components, T* con
 }
 
 template<class T>
-void readComponents(const std::string& filename, std::int32_t n, int components, T* const* arrays,
-                    std::string* header) {
-    const OpenFile file = openAndReadHeader(filename, header);
+bool readComponents(const std::string& filename, std::int32_t n, int components, T* const* arrays,
+                    std::string* header, Missing missing) {
+    const OpenFile file = openAndReadHeader(filename, header, missing);
+    if (file.unit == 0) return false;
     if (isNewerFileFormat(file.header)) {
         const std::int64_t bytes = std::max(n, 0) * static_cast<std::int64_t>(sizeof(T));
         for (int c = 0; c < components; ++c)
@@ -68,6 +75,7 @@ void readComponents(const std::string& filename, std::int32_t n, int components,
         readNodeByNode(file, n, components, arrays, filename);
     }
     file_units::freeUnit(file.unit);
+    return true;
 }
 
 std::string inFile(const std::string& filename) {
@@ -94,7 +102,14 @@ std::string trimmedPart(std::string_view header, std::size_t offset, std::size_t
 } // namespace
 
 std::string readTVNBinFileHeader(const std::string& filename) {
-    OpenFile file = openAndReadHeader(filename);
+    OpenFile file = openAndReadHeader(filename, nullptr, Missing::endsRun);
+    file_units::freeUnit(file.unit);
+    return std::move(file.header);
+}
+
+std::string readHeaderIfExists(const std::string& filename) {
+    OpenFile file = openAndReadHeader(filename, nullptr, Missing::returnsFalse);
+    if (file.unit == 0) return "";
     file_units::freeUnit(file.unit);
     return std::move(file.header);
 }
@@ -139,27 +154,29 @@ BinaryHeader parseTVNBinFileHeader(std::string_view header, const std::string& f
     return parsed;
 }
 
-void read_i4_1d(const std::string& filename, std::int32_t n, std::int32_t* array,
-                std::string* header) {
-    read_1d(filename, n, array, header);
+bool read_i4_1d(const std::string& filename, std::int32_t n, std::int32_t* array,
+                std::string* header, Missing missing) {
+    return read_1d(filename, n, array, header, missing);
 }
 
-void read_r4_1d(const std::string& filename, std::int32_t n, float* array, std::string* header) {
-    read_1d(filename, n, array, header);
+bool read_r4_1d(const std::string& filename, std::int32_t n, float* array, std::string* header,
+                Missing missing) {
+    return read_1d(filename, n, array, header, missing);
 }
 
-void read_r8_1d(const std::string& filename, std::int32_t n, double* array, std::string* header) {
-    read_1d(filename, n, array, header);
+bool read_r8_1d(const std::string& filename, std::int32_t n, double* array, std::string* header,
+                Missing missing) {
+    return read_1d(filename, n, array, header, missing);
 }
 
-void read_r4_components(const std::string& filename, std::int32_t n, int components,
-                        float* const* arrays, std::string* header) {
-    readComponents(filename, n, components, arrays, header);
+bool read_r4_components(const std::string& filename, std::int32_t n, int components,
+                        float* const* arrays, std::string* header, Missing missing) {
+    return readComponents(filename, n, components, arrays, header, missing);
 }
 
-void read_r8_components(const std::string& filename, std::int32_t n, int components,
-                        double* const* arrays, std::string* header) {
-    readComponents(filename, n, components, arrays, header);
+bool read_r8_components(const std::string& filename, std::int32_t n, int components,
+                        double* const* arrays, std::string* header, Missing missing) {
+    return readComponents(filename, n, components, arrays, header, missing);
 }
 
 } // namespace TVNBinaryFile

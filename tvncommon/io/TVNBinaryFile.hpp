@@ -41,27 +41,36 @@ struct BinaryHeader {
 // Returns the first record of the file, 80 characters. A failed open or read ends the run.
 std::string readTVNBinFileHeader(const std::string& filename);
 
+// The same, but returns an empty text if the file does not exist.
+std::string readHeaderIfExists(const std::string& filename);
+
 // Parses the header. A short or malformed header ends the run; the banner names the file. Trailing
 // blanks of the texts are dropped, leading blanks of the time stamp are kept.
 BinaryHeader parseTVNBinFileHeader(std::string_view header, const std::string& filename);
 
 bool isNewerFileFormat(std::string_view header);
 
+// What happens if the file does not exist: the run ends as after any other failed open, or the
+// function returns false and leaves arrays and header unchanged.
+enum class Missing { endsRun, returnsFalse };
+
 // Read a file of one component into the caller's array of `n` values. If the record is longer, its
 // first `n` values are read. A shorter record and any other failure end the run with a banner that
 // names the file. A negative `n` counts as 0. `header`, if given, receives the 80 characters of the
 // header.
-void read_i4_1d(const std::string& filename, std::int32_t n, std::int32_t* array,
-                std::string* header = nullptr);
-void read_r4_1d(const std::string& filename, std::int32_t n, float* array,
-                std::string* header = nullptr);
-void read_r8_1d(const std::string& filename, std::int32_t n, double* array,
-                std::string* header = nullptr);
+bool read_i4_1d(const std::string& filename, std::int32_t n, std::int32_t* array,
+                std::string* header = nullptr, Missing missing = Missing::endsRun);
+bool read_r4_1d(const std::string& filename, std::int32_t n, float* array,
+                std::string* header = nullptr, Missing missing = Missing::endsRun);
+bool read_r8_1d(const std::string& filename, std::int32_t n, double* array,
+                std::string* header = nullptr, Missing missing = Missing::endsRun);
 
 // The same for files of several components; `arrays` has one array of `n` values for each of them.
-void read_r4_components(const std::string& filename, std::int32_t n, int components,
-                        float* const* arrays, std::string* header = nullptr);
-void read_r8_components(const std::string& filename, std::int32_t n, int components,
-                        double* const* arrays, std::string* header = nullptr);
+bool read_r4_components(const std::string& filename, std::int32_t n, int components,
+                        float* const* arrays, std::string* header = nullptr,
+                        Missing missing = Missing::endsRun);
+bool read_r8_components(const std::string& filename, std::int32_t n, int components,
+                        double* const* arrays, std::string* header = nullptr,
+                        Missing missing = Missing::endsRun);
 
 } // namespace TVNBinaryFile

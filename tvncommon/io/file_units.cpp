@@ -83,6 +83,17 @@ int openRecordsRead(const std::string& path) {
     return unit;
 }
 
+int openResultFile(const std::string& path, bool mayBeMissing) {
+    const int unit = getUnit();
+    const int status = io_layer::openRecordsUnchecked(unit, path);
+    // The status of ENOENT, and that of ENOTDIR.
+    const bool missing = status == io_layer::fileNotFound ||
+                         (status == io_layer::invalidPath && io_layer::canBeName(path));
+    if (!missing || !mayBeMissing) error::checkFileOpen(status, path);
+    if (missing) freeUnit(unit);
+    return missing ? 0 : unit;
+}
+
 void open_ascii_file(int& unit, const std::string& filename) {
     unit = openTextRead(nameOfExisting(filename));
 }

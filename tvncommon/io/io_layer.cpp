@@ -55,10 +55,23 @@ Connection& connect(int unit, const std::string& path, Form form, Flush flushing
     return state.connections[unit] = std::move(c);
 }
 
-int openFile(Connection& c, OpenMode mode) {
+void setInfo(Connection& c, const system_calls::FileInfo& info) {
+    c.size = info.size;
+    c.regular = info.kind == system_calls::FileKind::regular;
+    c.device = info.device;
+    c.number = info.number;
+}
+
+int openDescriptor(Connection& c, OpenMode mode) {
     c.descriptor = restart([&] { return table.open(c.path.c_str(), mode); });
     if (c.descriptor < 0) return statusOfOpen(errno);
     c.writing = mode != OpenMode::read;
+    return ok;
+}
+
+int openFile(Connection& c, OpenMode mode) {
+    const int status = openDescriptor(c, mode);
+    if (status != ok) return status;
     system_calls::FileInfo info;
     // Only a regular file is read, because another one may never end. A device or pipe can be
     // written.
@@ -68,10 +81,7 @@ int openFile(Connection& c, OpenMode mode) {
         table.close(c.descriptor);
         return openFailed;
     }
-    c.size = info.size;
-    c.regular = info.kind == system_calls::FileKind::regular;
-    c.device = info.device;
-    c.number = info.number;
+    setInfo(c, info);
     return ok;
 }
 
@@ -123,8 +133,9 @@ int compareIdentity(const std::string& path, const system_calls::FileInfo& info,
 
 // True if the file is open for reading. Through a link an output file can be an input file.
 bool isInput(const system_calls::FileInfo& info) {
-    return std::any_of(state.connections.begin(), state.connections.end(), [&](const auto& entry) {
-        const Connection& c = entry.second;
+    return std::any_of(state.connections.begin(), state.connections.end(), [&](auto& entry) {
+        Connection& c = entry.second;
+        completeInfo(c);
         return c.regular && !c.writing && c.device == info.device && c.number == info.number;
     });
 }
@@ -158,6 +169,14 @@ int sync(int descriptor) {
 Connection* find(int unit) {
     const auto it = state.connections.find(unit);
     return it == state.connections.end() ? nullptr : &it->second;
+}
+
+void completeInfo(Connection& c) {
+    if (c.infoKnown) return;
+    c.infoKnown = true;
+    system_calls::FileInfo info;
+    if (table.fileInfo(c.descriptor, info) == 0) setInfo(c, info);
+    if (!c.regular) c.size = 0;
 }
 
 // The system would end the name at a NUL and open another file. The same happens to a name that is
@@ -267,6 +286,16 @@ int openRecordsRead(int unit, const std::string& path) {
 
 int openRecordsReplace(int unit, const std::string& path) {
     return open(unit, path, OpenMode::replace, Form::unformatted);
+}
+
+int openRecordsUnchecked(int unit, const std::string& path) {
+    if (!canBeName(path)) return invalidPath;
+    Connection& c = connect(unit, path, Form::unformatted, Flush::inBlocks);
+    c.infoKnown = false;
+    c.size = unbounded;
+    const int status = openDescriptor(c, OpenMode::read);
+    if (status != ok) state.connections.erase(unit);
+    return status;
 }
 
 int openTextForCommit(int unit, const std::string& path) {

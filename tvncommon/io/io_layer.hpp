@@ -72,6 +72,9 @@ int openTextRead(int unit, const std::string& path);
 int openTextReplace(int unit, const std::string& path, Flush flush);
 int openRecordsRead(int unit, const std::string& path);
 int openRecordsReplace(int unit, const std::string& path);
+// The same as `openRecordsRead` in one system call, for many small files: only a read finds out
+// that the name is that of a folder or a pipe, and fails.
+int openRecordsUnchecked(int unit, const std::string& path);
 
 // Open a new file that replaces `path` at `commitUnit`; until then `path` is not changed. A device,
 // a pipe, and a file in a folder where no file can be created are written in place.

@@ -15,6 +15,20 @@ namespace {
 
 using system_calls::table;
 
+// Reads a large piece into the caller's array, without the buffer, and returns its number of bytes.
+// The same call fills the empty buffer: with the end of the record, and often that of the file.
+std::int64_t readLarge(Connection& c, char* into, std::int64_t size, std::int64_t position) {
+    if (c.size != unbounded) return readSome(c, into, size, position);
+    if (c.readBuffer.empty()) c.readBuffer.resize(readBufferSize);
+    const std::int64_t n = system_calls::restart([&] {
+        return table.readBoth(c.descriptor, into, static_cast<std::size_t>(size),
+                              c.readBuffer.data(), readBufferSize);
+    });
+    c.readBegin = 0;
+    c.readEnd = static_cast<std::size_t>(std::max<std::int64_t>(n - size, 0));
+    return std::min(n, size);
+}
+
 // Reads up to `size` bytes and stores their number in `got`; fewer only at the end of the file.
 int readUpTo(Connection& c, char* into, std::int64_t size, std::int64_t& got) {
     got = 0;
@@ -27,13 +41,12 @@ int readUpTo(Connection& c, char* into, std::int64_t size, std::int64_t& got) {
             got += n;
             continue;
         }
-        // A large piece is read into the caller's array without the buffer.
         if (size - got < static_cast<std::int64_t>(readBufferSize)) {
             if (fillBuffer(c, c.position + got) != ok) return readFailed;
             if (c.readEnd == 0) break;
             continue;
         }
-        const std::ptrdiff_t n = readSome(c, into + got, size - got, c.position + got);
+        const std::int64_t n = readLarge(c, into + got, size - got, c.position + got);
         if (n < 0) return readFailed;
         if (n == 0) break;
         got += n;

@@ -31,7 +31,8 @@ struct Connection {
     std::vector<char> readBuffer; // allocated at the first read
     std::size_t readBegin = 0;    // unread part of `readBuffer`
     std::size_t readEnd = 0;
-    std::int64_t size = 0;            // file size at the open
+    std::int64_t size = 0;            // file size at the open, or `unbounded`
+    bool infoKnown = true;            // regular, device, number and size are set
     std::int64_t position = 0;        // bytes that callers have read
     std::int64_t written = 0;         // bytes written to the file
     std::int64_t preallocatedEnd = 0; // end of the disk space that is reserved for later writes
@@ -44,6 +45,9 @@ Connection* find(int unit);
 
 // Writes pending text and clears it, also after a failure.
 int flushPending(Connection& c);
+
+// Sets what `infoKnown` lists, if the open left it out.
+void completeInfo(Connection& c);
 
 // Reads at `position` what one system call returns, and returns the number of bytes: 0 at the end
 // of the file, below 0 for a failure. The file ends where it ended at the open: bytes appended

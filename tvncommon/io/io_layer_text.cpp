@@ -153,8 +153,10 @@ int rewind(int unit) {
 }
 
 std::int64_t bytesLeft(int unit) {
-    const Connection* c = find(unit);
-    return c ? std::max<std::int64_t>(c->size - c->position, 0) : 0;
+    Connection* c = find(unit);
+    if (!c) return 0;
+    completeInfo(*c);
+    return std::max<std::int64_t>(c->size - c->position, 0);
 }
 
 } // namespace io_layer

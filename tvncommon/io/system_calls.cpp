@@ -10,6 +10,7 @@
 #include <sys/file.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
+#include <sys/uio.h>
 #include <unistd.h>
 
 namespace system_calls {
@@ -37,8 +38,16 @@ int openFile(const char* path, OpenMode mode) {
     // Without O_NONBLOCK the open of a pipe would wait until another process opens its other end.
     const int access = accessOf(mode);
     const int descriptor = ::open(path, access | O_CLOEXEC | O_NONBLOCK, 0666);
-    if (descriptor >= 0) ::fcntl(descriptor, F_SETFL, 0);
+    // Reads keep the flag: on a regular file it changes nothing, and on a pipe a read does not
+    // wait.
+    if (descriptor >= 0 && mode != OpenMode::read) ::fcntl(descriptor, F_SETFL, 0);
     return descriptor;
+}
+
+std::ptrdiff_t readBoth(int descriptor, void* first, std::size_t firstSize, void* second,
+                        std::size_t secondSize) {
+    const iovec parts[] = {{first, firstSize}, {second, secondSize}};
+    return ::readv(descriptor, parts, 2);
 }
 
 std::int64_t seekFile(int descriptor, std::int64_t position) {
@@ -127,10 +136,10 @@ void* allocate(std::size_t size) {
 
 namespace {
 
-constexpr Table realCalls{openFile,         ::read,         ::write,    seekFile,   ::close,
-                          fileInfo,         existsFile,     readAt,     writeAt,    truncateFile,
-                          reserveSpace,     ::fdatasync,    lockFile,   ::rename,   ::unlink,
-                          setPermissionsOf, fileInfoOfName, ::readlink, realPathOf, allocate};
+constexpr Table realCalls{
+    openFile,   ::read,   readBoth,         ::write,        seekFile,     ::close,     fileInfo,
+    existsFile, readAt,   writeAt,          truncateFile,   reserveSpace, ::fdatasync, lockFile,
+    ::rename,   ::unlink, setPermissionsOf, fileInfoOfName, ::readlink,   realPathOf,  allocate};
 
 constexpr std::size_t stackBytes = 262144; // more than any run uses
 

@@ -32,6 +32,9 @@ inline constexpr std::size_t largePage = 2097152; // bytes
 struct Table {
     int (*open)(const char* path, OpenMode mode);
     std::ptrdiff_t (*read)(int descriptor, void* into, std::size_t size);
+    // Reads into the first array and then into the second.
+    std::ptrdiff_t (*readBoth)(int descriptor, void* first, std::size_t firstSize, void* second,
+                               std::size_t secondSize);
     std::ptrdiff_t (*write)(int descriptor, const void* from, std::size_t size);
     std::int64_t (*seek)(int descriptor, std::int64_t position);
     int (*close)(int descriptor);

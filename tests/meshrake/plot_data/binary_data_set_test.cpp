@@ -121,7 +121,8 @@ TEST(BinaryDataSet, FlushIntervalsBeginAtTheFirstOutputTimeOfTheRun) {
     zones.clear();
     system_calls::table = runs::keepingTable();
     system_calls::table.open = [](const char* path, system_calls::OpenMode mode) {
-        if (std::filesystem::exists("to.pm.szplt") && std::string(path).starts_with("to.head_pm"))
+        const bool head = std::string(path).starts_with("to.head_pm");
+        if (head && std::filesystem::exists(path) && std::filesystem::exists("to.pm.szplt"))
             zones[path] = data_set_file::read("to.pm.szplt").zones.size();
         return system_calls::systemTable().open(path, mode);
     };

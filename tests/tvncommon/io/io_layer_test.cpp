@@ -204,7 +204,7 @@ TEST_F(IoLayer, WritesAroundTheSizeOfTheBuffer) {
 
 TEST_F(IoLayer, ReadsAndWritesOfNoBytes) {
     put("file", "text\n");
-    const int cut = file_units::openRecordsRead("file");
+    const int cut = file_units::openTextRead("file");
     std::string line, block(100000, ' ');
     put("large", sample_files::record(block + block));
     const int large = file_units::openRecordsRead("large");
@@ -213,6 +213,9 @@ TEST_F(IoLayer, ReadsAndWritesOfNoBytes) {
     for (const bool fails : {true, false}) {
         static std::ptrdiff_t answer;
         answer = fails ? -1 : 0;
+        system_calls::table.readBoth = [](int, void*, std::size_t, void*, std::size_t) {
+            return errno = EIO, answer;
+        };
         system_calls::table.read = [](int, void*, std::size_t) { return errno = EIO, answer; };
         EXPECT_EQ(readInRecord(large, block.data(), 100000), readFailed);
     }
@@ -275,6 +278,11 @@ TEST_F(IoLayer, StatusesOfAnOpen) {
         byte_file::File file;
         std::int64_t size = 0;
         EXPECT_EQ(openRecordsRead(takeUnit(), path), status) << path;
+        const int unchecked = takeUnit();
+        char byte = 0;
+        EXPECT_EQ(openRecordsUnchecked(unchecked, path), path == "folder" ? ok : status) << path;
+        EXPECT_EQ(readRecord(unchecked, &byte, 1), readFailed) << path;
+        EXPECT_EQ(bytesLeft(unchecked), 0) << path;
         EXPECT_EQ(byte_file::open(path, system_calls::OpenMode::read, file, size), status) << path;
         const int written = path == "missing" ? ok : status;
         EXPECT_EQ(openTextForCommit(takeUnit(), path), written) << path;
