@@ -48,7 +48,7 @@ for binary in "$problem"/catchmento.*.szplt; do
     printf '  %-31s.dat %5s  .szplt %5s  %d zones of %d variables\n' "${binary%.szplt}" \
         "$(size "$text")" "$(size "$binary")" "$(zones "$text")" "$(variables "$text")"
 done
-echo "Compared with observations, coefficient of determination (R<sup>2</sup>):"
+echo "Compared with observations, coefficient of determination:"
 for file in "$problem"/catchmento.compare_*.dat; do
     sed -n "s|.*R<sup>2</sup> = *\([-0-9.]*\)\".*|  $file  \1|p" "$file"
 done
