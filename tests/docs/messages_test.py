@@ -130,7 +130,8 @@ def others():
 def kinds():
     """Of the findings of meshrake-tool check."""
     every = "".join(text for _, text in sources(["companion/check"]))
-    return set(re.findall(r'(?:\.kind = |addFinding\(work, |CellState::\w+,\s*)"(\w+)"', every))
+    before = r"\.kind = |\b(?:add|addFinding|findingAt)\(work,\s|\bend\(|CellState::\w+,\s*"
+    return set(re.findall(rf'(?:{before})"(\w+)"', every))
 
 
 def rows():
