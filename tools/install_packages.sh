@@ -23,7 +23,10 @@ missing_packages() {
     has_command c++ || echo g++
     for group in "$@"; do
         case $group in
-        tool) has_header CLI/CLI.hpp || echo libcli11-dev ;;
+        tool)
+            has_header CLI/CLI.hpp || echo libcli11-dev
+            has_header nlohmann/json.hpp || echo nlohmann-json3-dev
+            ;;
         tests)
             has_header gtest/gtest.h || echo libgtest-dev
             has_header gmock/gmock.h || echo libgmock-dev

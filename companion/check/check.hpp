@@ -12,7 +12,8 @@ namespace check {
 // examine.
 Report examine(const std::string& folderOrPrefix);
 
-// The report as text for a terminal.
+// The report as text for a terminal, and as JSON.
 std::string textOf(const Report& report);
+std::string jsonOf(const Report& report);
 
 } // namespace check

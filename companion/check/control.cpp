@@ -247,6 +247,26 @@ void reportUnrecognized(Work& work, const ControlLine& line, const std::string& 
                    (place.empty() ? nearestText(line.folded, known) : ": " + place));
 }
 
+bool isInProblem(Work& work, std::string_view tag) {
+    for (const Domain* domain : run::processingOrder(work.domains))
+        if (domain->exists && domain->name == tag) return true;
+    return false;
+}
+
+bool isDamaged(const Work& work, std::string_view tag) {
+    return std::ranges::find(work.report.domains, tag, &DomainReport::tag) !=
+           work.report.domains.end();
+}
+
+void reportSkippedBlock(Work& work, const ControlLine& line, std::string_view tag) {
+    if (isInProblem(work, tag))
+        addFinding(work, "second_block", line,
+                   "an earlier block is that of the domain, so this one is skipped");
+    else if (!isDamaged(work, tag))
+        addFinding(work, "no_such_domain", line,
+                   "the problem has no domain " + std::string(tag) + ", so the block is skipped");
+}
+
 struct SectionTexts {
     std::string name;
     std::vector<std::string> known;
@@ -259,10 +279,13 @@ void reportSection(Work& work, std::size_t begin, const SectionTexts& section) {
         const ControlLine& line = text.lines[i];
         if (line.isValue || line.isAnywhere) continue;
         if (line.use == LineUse::sectionEnd) return;
-        if (!blockTag(line.folded).empty())
-            return addFinding(work, "no_end", line,
-                              section.name + " has no \"end\" before this line" +
-                                  (section.isFirst ? ", so the block is not found" : ""));
+        if (const std::string_view tag = blockTag(line.folded); !tag.empty()) {
+            addFinding(work, "no_end", line,
+                       section.name + " has no \"end\" before this line" +
+                           (section.isFirst ? ", so the block is not found" : ""));
+            if (!section.isFirst && !isInProblem(work, tag)) reportSkippedBlock(work, line, tag);
+            return;
+        }
         if (line.use == LineUse::unrecognized)
             reportUnrecognized(work, line, "is not an instruction of " + section.name,
                                section.known);
@@ -313,26 +336,6 @@ void readBlockOf(Work& work, Domain& domain) {
                   {"the block " + quoted(domain.writeDomain.label), blockLines(domain), false});
 }
 
-bool isInProblem(Work& work, std::string_view tag) {
-    for (const Domain* domain : run::processingOrder(work.domains))
-        if (domain->exists && domain->name == tag) return true;
-    return false;
-}
-
-bool isDamaged(const Work& work, std::string_view tag) {
-    return std::ranges::find(work.report.domains, tag, &DomainReport::tag) !=
-           work.report.domains.end();
-}
-
-void reportSkippedBlock(Work& work, const ControlLine& line, std::string_view tag) {
-    if (isInProblem(work, tag))
-        addFinding(work, "second_block", line,
-                   "an earlier block is that of the domain, so this one is skipped");
-    else if (!isDamaged(work, tag))
-        addFinding(work, "no_such_domain", line,
-                   "the problem has no domain " + std::string(tag) + ", so the block is skipped");
-}
-
 // Lines after the first section that no reader used.
 void reportOutside(Work& work) {
     std::vector<std::string> known = instructionLines(Section::afterFirst, nullptr);
@@ -356,13 +359,13 @@ void reportOutside(Work& work) {
 
 // The lines that have an effect, each with its values.
 void listSelections(Work& work) {
+    std::vector<Selection>& selections = work.report.selections;
     for (const ControlLine& line : text.lines) {
-        std::vector<std::string>& selections = work.report.selections;
         if (line.isValue) {
-            if (!selections.empty()) selections.back() += "  " + line.text;
+            if (!selections.empty()) selections.back().text += "  " + line.text;
         } else if (line.use == LineUse::instruction || line.use == LineUse::option ||
                    line.use == LineUse::blockBegin) {
-            selections.push_back(line.text);
+            selections.push_back({line.text, line.use == LineUse::blockBegin});
             work.requestLines.try_emplace(line.folded, FileLine{line.file, line.number});
         }
     }

@@ -7,16 +7,17 @@ namespace check {
 namespace {
 
 // In the order of the enumeration.
-constexpr CellWord words[] = {{' ', "not in the plot file"},
-                              {'.', "does not change"},
-                              {'+', "present"},
-                              {'-', "missing, time 1 is shown"},
-                              {'S', "too short"},
-                              {'H', "malformed header"},
-                              {'T', "header names another type"},
-                              {'C', "header names another number of components"},
-                              {'N', "header names another number of values"},
-                              {'X', "cannot be read"}};
+constexpr CellWord words[] = {
+    {' ', "not in the plot file", "not_written"},
+    {'.', "does not change", "constant"},
+    {'+', "present", "present"},
+    {'-', "missing, the first output time is shown", "missing"},
+    {'S', "too short", "too_short"},
+    {'H', "malformed header", "malformed_header"},
+    {'T', "header names another type", "other_type"},
+    {'C', "header names another number of components", "other_components"},
+    {'N', "header names another number of values", "other_count"},
+    {'X', "cannot be read", "unreadable"}};
 
 } // namespace
 

@@ -35,6 +35,7 @@ enum class CellState : std::uint8_t {
 struct CellWord {
     char sign;               // in the table of variables
     std::string_view word{}; // in its legend
+    std::string_view key{};  // for programs
 };
 const CellWord& wordOf(CellState state);
 
@@ -70,11 +71,17 @@ struct TimeReport {
     bool isWritten = false; // false: outside the time window
 };
 
+// A line of the control file that has an effect, with its values.
+struct Selection {
+    std::string text{};
+    bool beginsBlock = false;
+};
+
 struct Report {
     std::string folder{}, prefix{}, title{};
-    std::string controlFile{};             // empty: all defaults
-    std::vector<std::string> selections{}; // what the control file requests, a line each
-    std::vector<DomainReport> domains{};   // that exist, in the order of the plot files
+    std::string controlFile{}; // empty: all defaults
+    std::vector<Selection> selections{};
+    std::vector<DomainReport> domains{}; // that exist, in the order of the plot files
     std::vector<TimeReport> times{};
     std::vector<std::string> unreadFiles{}; // kinds of result files that no variable reads
     std::int64_t bytesNeeded = 0;           // of all data sets

@@ -14,7 +14,8 @@ using screen::printable;
 namespace {
 
 constexpr std::size_t mostColumns = 60; // output times that are shown with a sign each
-constexpr std::size_t mostNames = 30;   // characters of the names of a variable in the table
+constexpr std::size_t lineWidth = 100;
+constexpr std::size_t mostNames = 30; // characters of the names of a variable in the table
 
 std::string padded(std::string text, std::size_t width) {
     if (text.size() < width) text.append(width - text.size(), ' ');
@@ -43,42 +44,68 @@ std::string sizeText(std::int64_t bytes) {
     return text;
 }
 
+std::vector<std::string> printableAll(const std::vector<std::string>& names) {
+    std::vector<std::string> list;
+    for (const std::string& name : names) list.push_back(printable(name));
+    return list;
+}
+
 std::string joined(const std::vector<std::string>& names) {
     std::string list;
     for (const std::string& name : names) list += (list.empty() ? "" : ", ") + printable(name);
     return list;
 }
 
+// Words in lines of at most `lineWidth` characters, each after two blanks.
+std::string wrapped(const std::vector<std::string>& words) {
+    std::string out, line;
+    for (const std::string& word : words) {
+        if (!line.empty() && line.size() + 2 + word.size() > lineWidth) {
+            out += line + '\n';
+            line.clear();
+        }
+        line += "  " + word;
+    }
+    return line.empty() ? out : out + line + '\n';
+}
+
 std::string problemText(const Report& report) {
-    std::string out = "Problem " + printable(report.prefix) + " in " + printable(report.folder);
+    std::string out = "Problem " + printable(report.prefix);
+    if (report.folder != ".") out += " in " + printable(report.folder);
     if (!report.title.empty()) out += ": " + printable(report.title);
     out += '\n';
     if (report.controlFile.empty())
         return out + "No control file: all variables of all domains, as text\n";
     out += "\nRequests in " + printable(report.controlFile) + ":\n";
-    for (const std::string& line : report.selections) out += "  " + printable(line) + '\n';
     if (report.selections.empty()) out += "  none, so no domain is written\n";
+    bool inBlock = false;
+    for (const Selection& selection : report.selections) {
+        inBlock = selection.beginsBlock || inBlock;
+        const char* indent = inBlock && !selection.beginsBlock ? "    " : "  ";
+        out += indent + printable(selection.text) + '\n';
+    }
     return out;
 }
 
 std::string timesList(const Report& report) {
+    constexpr std::size_t most = 12, ends = 3;
+    const auto count = report.times.size();
     const auto written = std::ranges::count(report.times, true, &TimeReport::isWritten);
-    std::string out = "\nOutput times: " + std::to_string(report.times.size());
-    if (written != std::ssize(report.times)) out += ", " + std::to_string(written) + " written";
-    if (report.times.empty()) return out + '\n';
-    constexpr std::size_t most = 12, ends = 4;
-    out += ":\n ";
-    for (std::size_t t = 0; t < report.times.size(); ++t) {
-        if (report.times.size() > most && t == ends) {
-            out += "  ...";
-            t = report.times.size() - ends;
+    std::string out =
+        "\n" + std::to_string(count) + (count == 1 ? " output time" : " output times");
+    if (written != std::ssize(report.times))
+        out += ", " + std::to_string(written) + " in the time window";
+    std::vector<std::string> words;
+    for (std::size_t t = 0; t < count; ++t) {
+        if (count > most && t == ends) {
+            words.emplace_back("...");
+            t = count - ends;
         }
         const TimeReport& time = report.times[t];
-        out += "  " + time.suffix + ": " + printable(time.text) + (time.isWritten ? "" : " (not)");
-        const bool lineIsFull = (t + 1) % 6 == 0 && t + 1 < report.times.size();
-        if (lineIsFull && report.times.size() <= most) out += "\n ";
+        const std::string word = time.suffix + ": " + printable(time.text);
+        words.push_back(time.isWritten ? word : "(" + word + ")");
     }
-    return out + '\n';
+    return out + (words.empty() ? "" : ":") + "\n" + wrapped(words);
 }
 
 std::string countText(std::int64_t written, std::int64_t all, bool isWritten) {
@@ -91,12 +118,12 @@ std::string domainsTable(const Report& report) {
         {"Domain", "Nodes", "Elements", "Output times", "Size", "Plot file"}};
     for (const DomainReport& d : report.domains) {
         const bool hasFile = !d.dataSet.empty();
-        const std::string shared = d.ownNodes ? "" : " (nodes of pm)";
-        rows.push_back({d.tag, countText(d.writtenNodes, d.nodes, hasFile) + shared,
+        const std::string shared = d.ownNodes ? "" : ", shares the nodes of pm";
+        rows.push_back({d.tag, countText(d.writtenNodes, d.nodes, hasFile),
                         countText(d.writtenElements, d.elements, hasFile),
                         hasFile ? std::to_string(d.zones) : "",
                         hasFile ? (d.bytesAreExact ? "" : "about ") + sizeText(d.bytes) : "",
-                        hasFile ? printable(d.dataSet) : d.remark});
+                        (hasFile ? printable(d.dataSet) : d.remark) + shared});
     }
     std::array<std::size_t, 6> widths{};
     for (const auto& row : rows)
@@ -199,6 +226,17 @@ std::string findingsText(const Report& report) {
     return out;
 }
 
+// The columns of tables are padded, also the last one.
+std::string withoutTrailingBlanks(const std::string& text) {
+    std::string out;
+    for (const char c : text) {
+        if (c == '\n')
+            while (out.ends_with(' ')) out.pop_back();
+        out += c;
+    }
+    return out;
+}
+
 } // namespace
 
 std::string textOf(const Report& report) {
@@ -207,10 +245,11 @@ std::string textOf(const Report& report) {
         if (!domain.variables.empty()) out += variablesTable(report, domain);
     out += legend(report);
     if (!report.unreadFiles.empty())
-        out += "\nResult files that no variable reads: " + joined(report.unreadFiles) + '\n';
+        out +=
+            "\nResult files that no variable reads:\n" + wrapped(printableAll(report.unreadFiles));
     out += "\nThe plot files take " + sizeText(report.bytesNeeded);
     if (report.bytesFree >= 0) out += "; " + sizeText(report.bytesFree) + " are free";
-    return out + ".\n" + findingsText(report);
+    return withoutTrailingBlanks(out + ".\n" + findingsText(report));
 }
 
 } // namespace check

@@ -14,11 +14,12 @@ namespace {
 
 struct Options {
     std::string problem = ".";
+    bool json = false;
 };
 
 int examineProblem(const Options& options) {
     const check::Report report = check::examine(options.problem);
-    screen::write(check::textOf(report));
+    screen::write(options.json ? check::jsonOf(report) : check::textOf(report));
     return report.findings.empty() ? 0 : 1;
 }
 
@@ -28,6 +29,7 @@ Run addCheck(CLI::App& app) {
     const auto options = std::make_shared<Options>();
     app.add_option("PROBLEM", options->problem,
                    "Folder of the problem, or its prefix; default: the current folder");
+    app.add_flag("--json", options->json, "Print the report as JSON");
     return [options] { return examineProblem(*options); };
 }
 

@@ -4,6 +4,8 @@
 #include "tests/companion/tool_runs.hpp"
 #include "tests/support/text_data_set.hpp"
 
+#include <nlohmann/json.hpp>
+
 #include <algorithm>
 #include <filesystem>
 #include <functional>
@@ -555,6 +557,49 @@ TEST_F(Check, FindsFaultsOfObservations) {
          {"observations t.plot.control:3! Failed to open file: t.observed_heads (File with the "
           "specified name could not be found)"}},
     });
+}
+
+TEST_F(Check, PrintsTextAndJson) {
+    makeProblem("--nx 2 --ny 2 --layers 2 --times 3 --variables head,sat");
+    fs::remove("to.sat_pm.0002");
+    put("t.plot.control", "truncate time domain\n0 4000\n\x1b[1m\xff\nend\nwrite pm domain file\n"
+                          "no pm pressure heads\nend\n");
+    const runs::Ran text = tool({"check"});
+    EXPECT_EQ(text.status, 1);
+    EXPECT_THAT(text.screen, HasSubstr("Problem t: Hill slope catchment with a stream\n"));
+    EXPECT_THAT(text.screen, HasSubstr("\n  write pm domain file\n    no pm pressure heads\n"));
+    EXPECT_THAT(text.screen, HasSubstr("\n3 output times, 2 in the time window:\n  0001: 0.0  "
+                                       "0002: 3600.0  (0003: 7200.0)\n"));
+    EXPECT_THAT(text.screen, HasSubstr("pm         27         8             2  "));
+    EXPECT_THAT(text.screen, HasSubstr("\n  Head           real8 node      ++\n"
+                                       "  Sat            real4 node      +-\n"));
+    EXPECT_THAT(text.screen,
+                HasSubstr("\n2 findings:\n  t.plot.control:3: \"\\x1b[1m\xff\" is not "));
+    EXPECT_THAT(text.screen, HasSubstr("\n  time 2: to.sat_pm: no file, so pm would show Sat of "
+                                       "time 0001.\n"));
+
+    const runs::Ran printed = tool({"check", "--json", "."});
+    EXPECT_EQ(printed.status, 1);
+    const auto json = nlohmann::json::parse(printed.screen);
+    EXPECT_EQ(json["findings"][0]["line"], 3);
+    EXPECT_EQ(json["findings"][1]["times"], std::vector<int>{2});
+    EXPECT_EQ(json["times"][2]["written"], false);
+    const auto& variables = json["domains"][0]["variables"];
+    EXPECT_EQ(variables.back()["names"], (std::vector<std::string>{"Depth2GWT2D"}));
+    EXPECT_EQ(variables[6]["states"],
+              (std::vector<std::string>{"present", "missing", "not_written"}));
+    EXPECT_EQ(printed.screen.find('\x1b'), std::string::npos);
+
+    fs::remove("t.plot.control");
+    put("to.sat_pm.0002", get("to.sat_pm.0001").replace(4, 7, "3600.0 "));
+    EXPECT_EQ(tool({"check", "t"}).status, 0);
+    EXPECT_EQ(tool({"check", "."}).status, 0);
+    fs::remove("batch.pfx");
+    EXPECT_THAT(tool({"check"}).screen, HasSubstr("\n1 finding:\n  batch.pfx: "));
+    fs::remove("t.skiv");
+    EXPECT_EQ(tool({"check", ".", "t"}).status, 2);
+    runs::expectFailure(tool({"check"}), {"batch.pfx names no problem"});
+    runs::expectFailure(tool({"check", "t"}), {"neither a folder nor the prefix of a problem"});
 }
 
 // The files of a small problem, each damaged in several ways: a run ends exactly if a finding says
