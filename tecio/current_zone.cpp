@@ -65,6 +65,33 @@ bool isComplete(const CurrentZone& current) {
     return zone.connectivityShare > 0 || current.nodesWritten == nodeMapCount(zone);
 }
 
+constexpr std::int64_t maximumGathered = 1048576; // bytes
+
+int write(DataFile& f, std::int64_t position, const void* from, std::int64_t bytes) {
+    const int status = byte_file::writeAt(f.file, position, from, bytes);
+    if (status == ok) f.size = std::max(f.size, position + bytes);
+    // The disk may be full: frees the space that was reserved or partly written.
+    if (status != ok) byte_file::truncate(f.file, f.size);
+    return status;
+}
+
+int writeGathered(DataFile& f) {
+    GatheredData& gathered = f.gathered;
+    const auto bytes = static_cast<std::int64_t>(gathered.bytes.size());
+    const int status = bytes > 0 ? write(f, gathered.position, gathered.bytes.data(), bytes) : ok;
+    gathered.bytes.clear();
+    return status;
+}
+
+// Writes the ranges and all before them, and with them the gathered data.
+int writeDataBegin(DataFile& f, const Bytes& begin) {
+    GatheredData& gathered = f.gathered;
+    const bool together = gathered.position == f.dataEnd && gathered.bytes.size() >= begin.size();
+    if (together) std::copy(begin.begin(), begin.end(), gathered.bytes.begin());
+    const int status = writeGathered(f);
+    return together || status != ok ? status : write(f, f.dataEnd, begin.data(), sizeOf(begin));
+}
+
 int commitCurrentZone(DataFile& f) {
     CurrentZone& current = f.current;
     Bytes begin = dataBeginBytes(current.zone);
@@ -74,8 +101,7 @@ int commitCurrentZone(DataFile& f) {
         if (range.least > range.greatest) range = {0, 0};
         begin.append(reinterpret_cast<const char*>(&range), sizeof range);
     }
-    f.size = std::max(f.size, f.dataEnd + sizeOf(begin));
-    int status = byte_file::writeAt(f.file, f.dataEnd, begin.data(), sizeOf(begin));
+    int status = writeDataBegin(f, begin);
     if (status == ok && f.durable) status = byte_file::sync(f.file);
     const std::uint64_t checksum = f.durable ? zoneChecksum(begin, current.checksums) : 0;
     if (status == ok) status = sidecarStatus(f, commitZone(f.sidecar, current.zone, checksum));
@@ -103,16 +129,34 @@ int removeZonesFrom(DataFile& f, double time, std::int32_t strand) {
     return removeZones(f, kept);
 }
 
-int writeData(DataFile& f, std::int64_t position, const void* from, std::int64_t bytes) {
-    int status = ok;
-    if (!f.current.anyWritten)
-        status = byte_file::reserve(f.file, f.dataEnd, f.current.layout.size);
+// Reserves the space of the zone. If its first array is small, the data before it, which are known
+// at the commit, are gathered as zeros.
+int beginData(DataFile& f, std::int64_t before, std::int64_t bytes) {
     f.current.anyWritten = true;
-    if (status == ok) status = byte_file::writeAt(f.file, position, from, bytes);
-    if (status == ok) f.size = std::max(f.size, position + bytes);
-    // The disk may be full: frees the space that was reserved or partly written.
+    if (before + bytes <= maximumGathered) {
+        f.gathered.position = f.dataEnd;
+        f.gathered.bytes.reserve(static_cast<std::size_t>(maximumGathered));
+        f.gathered.bytes.assign(static_cast<std::size_t>(before), '\0');
+    }
+    const int status = byte_file::reserve(f.file, f.dataEnd, f.current.layout.size);
     if (status != ok) byte_file::truncate(f.file, f.size);
     return status;
+}
+
+int writeData(DataFile& f, std::int64_t position, const void* from, std::int64_t bytes) {
+    GatheredData& gathered = f.gathered;
+    int status = ok;
+    if (!f.current.anyWritten) status = beginData(f, position - f.dataEnd, bytes);
+    const auto end = gathered.position + static_cast<std::int64_t>(gathered.bytes.size());
+    if (status == ok && (position != end || end + bytes > gathered.position + maximumGathered))
+        status = writeGathered(f);
+    if (status != ok) return status;
+    // A large array goes to the file from the caller's memory.
+    if (bytes > maximumGathered) return write(f, position, from, bytes);
+    if (gathered.bytes.empty()) gathered.position = position;
+    const char* first = static_cast<const char*>(from);
+    gathered.bytes.insert(gathered.bytes.end(), first, first + bytes);
+    return ok;
 }
 
 // Updates the range and, in a durable data set, the checksum of a variable. A block of at most

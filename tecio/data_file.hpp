@@ -20,11 +20,17 @@ struct CurrentZone {
     std::int32_t number = 0; // from 1, 0: no zone
     Zone zone;
     ZoneLayout layout;
-    std::vector<std::int64_t> written; // number of values of each variable in the file, -1: no call
+    std::vector<std::int64_t> written; // number of values of each variable so far, -1: no call
     std::vector<Range> ranges;
     std::int64_t nodesWritten = 0;
     std::vector<Checksum> checksums; // of the variables and the node lists, if durable
-    bool anyWritten = false;         // values or nodes are in the file
+    bool anyWritten = false;         // values or nodes are in the file or gathered
+};
+
+// Data of the current zone that are not in the file yet: small arrays share a write.
+struct GatheredData {
+    std::int64_t position = 0; // of the first byte
+    std::vector<char> bytes;
 };
 
 struct DataFile {
@@ -53,6 +59,7 @@ struct DataFile {
     std::vector<std::int64_t> headerEnds; // end of each zone header in the file
     bool headerIsIncomplete = false;      // the last of these headers is incomplete
     CurrentZone current;
+    GatheredData gathered;
 };
 
 // Returns the name of the sidecar of a data set.

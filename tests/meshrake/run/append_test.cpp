@@ -138,7 +138,7 @@ TEST(Append, PowerCutAtAnyCall) {
         runOver(times);
         system_calls::table = system_calls::systemTable();
         const std::vector<power_cut::Files> states = power_cut::statesLeft(longTests());
-        EXPECT_GT(states.size(), 200);
+        EXPECT_GT(states.size(), 80);
         for (std::size_t i = 0; i < states.size() && !HasFailure(); ++i) {
             SCOPED_TRACE(testing::Message() << "before " << before << ", recorded " << recorded
                                             << ", state " << i << " of " << states.size());
