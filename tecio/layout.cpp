@@ -119,6 +119,16 @@ ZoneLayout layoutOf(const Zone& zone) {
     return layout;
 }
 
+FileHeader fileHeaderOf(std::string_view title, std::string_view variableList) {
+    FileHeader header{std::string(title), {}};
+    for (std::size_t begin = 0;;) {
+        const std::size_t comma = variableList.find(',', begin);
+        header.variables.emplace_back(variableList.substr(begin, comma - begin));
+        if (comma == std::string_view::npos) return header;
+        begin = comma + 1;
+    }
+}
+
 Bytes fileHeaderBytes(const FileHeader& header) {
     Bytes out(magic);
     putInt(out, 1);

@@ -34,6 +34,9 @@ struct FileHeader {
     std::vector<std::string> variables;
 };
 
+// Returns the file header for variables whose names are separated by commas.
+FileHeader fileHeaderOf(std::string_view title, std::string_view variableList);
+
 // A zone as described by its header and the beginning of its data. The lists have an entry for each
 // variable.
 struct Zone {

@@ -30,32 +30,32 @@ void keepZones(void* fileHandle, std::int32_t count);
 // defaults of all settings.
 void reset();
 
-// What an unfinished data set has.
+// Contents of an unfinished data set.
 struct UnfinishedDataSet {
-    std::int32_t zones = 0; // complete ones
-    double lastTime = 0;
-    std::int64_t nodes = 0, elements = 0; // of its zones
+    std::int32_t zones = 0;               // complete zones
+    double lastTime = 0;                  // time of the last zone
+    std::int64_t nodes = 0, elements = 0; // of the last zone
 };
 
-// Tests, without a change, whether a run would resume the unfinished data set `path` with these
-// variables; an empty list accepts any. Returns the status of such an open. `set` has what was
-// found before a failure.
+// Tests whether a run could resume the unfinished data set `path` with these variables, whose names
+// are separated by commas. An empty list accepts any variables. Changes no file. Returns the status
+// that an open of the data set would return, and sets `set` to the contents that it could read.
 std::int32_t examineUnfinished(const std::string& path, const std::string& variableList,
                                bool durable, UnfinishedDataSet& set);
 
-// A data set without the values of its arrays. Its size depends on these parts only.
+// Description of a data set without the values of its arrays. It determines the size of the file.
 struct DataSetParts {
     struct Value {
-        std::int32_t variable = 0; // from 1; 0: a value of the data set
+        std::int32_t variable = 0; // from 1, or 0 for a value of the data set
         std::string name, value;
     };
     struct Zone {
         std::string title;
         std::int64_t nodes = 0, elements = 0;
         int nodesPerElement = 0;         // in the node lists
-        std::vector<std::int32_t> types; // by variable: 1 float, 2 double, 3 int32_t
-        std::vector<bool> ofElements;    // by variable: it has a value for each element
-        std::vector<bool> shared;        // by variable: the zone shares its values
+        std::vector<std::int32_t> types; // of each variable: 1 float, 2 double, 3 int32_t
+        std::vector<bool> ofElements;    // of each variable: it has a value for each element
+        std::vector<bool> shared;        // of each variable: the zone shares its values
         bool sharesNodeLists = false;
         bool isFlushed = false; // a flush follows the zone
     };

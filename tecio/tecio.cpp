@@ -67,18 +67,8 @@ int32_t runZoneStep(void* handle, int32_t zone, int32_t partition, Step step) {
     });
 }
 
-std::vector<std::string> splitAtCommas(std::string_view list) {
-    std::vector<std::string> names;
-    for (std::size_t begin = 0;;) {
-        const std::size_t comma = list.find(',', begin);
-        names.emplace_back(list.substr(begin, comma - begin));
-        if (comma == std::string_view::npos) return names;
-        begin = comma + 1;
-    }
-}
-
 int openDataSet(DataFile& file, const char* title, const char* variableList) {
-    file.fileHeader = {title, splitAtCommas(variableList)};
+    file.fileHeader = tecio::fileHeaderOf(title, variableList);
     bool sidecarFound = false, found = false;
     int status =
         tecio::sidecarStatus(file, io_layer::exists(tecio::sidecarPath(file.path), sidecarFound));
@@ -114,47 +104,13 @@ int32_t writeValues(void* handle, int32_t zone, int32_t var, int32_t partition, 
 
 } // namespace
 
-namespace {
-
-// Returns a type of zones with node lists of this length. A zone of type 0 has no node lists.
-std::int32_t zoneType(int nodesPerElement) {
-    constexpr std::int32_t none = 0, lines = 1, quadrilaterals = 3, bricks = 5;
-    return nodesPerElement == 2   ? lines
-           : nodesPerElement == 4 ? quadrilaterals
-           : nodesPerElement == 8 ? bricks
-                                  : none;
-}
-
-tecio::Zone zoneOf(const tecio::DataSetParts::Zone& parts) {
-    tecio::Zone zone;
-    zone.title = parts.title;
-    zone.type = zoneType(parts.nodesPerElement);
-    zone.nodes = parts.nodes;
-    zone.elements = parts.elements;
-    zone.types = parts.types;
-    for (const bool ofElements : parts.ofElements) zone.locations.push_back(ofElements ? 0 : 1);
-    for (const bool shared : parts.shared) zone.shares.push_back(shared ? 1 : 0);
-    zone.connectivityShare = parts.sharesNodeLists ? 1 : 0;
-    return zone;
-}
-
-void layOutHeaders(DataFile& file) {
-    if (file.headerEnds.size() == file.zones.size()) return;
-    const std::int64_t at = tecio::headersEnd(file, file.headerEnds.size());
-    const tecio::Bytes pages = tecio::pagesToPublish(file);
-    if (tecio::fitsBeforeData(file, at, pages)) return;
-    file.dataAt = tecio::sizeOf(tecio::bytesBeforeData(file, tecio::grownPadding(file)));
-}
-
-} // namespace
-
 std::int32_t tecio::examineUnfinished(const std::string& path, const std::string& variableList,
                                       bool durable, UnfinishedDataSet& set) {
     DataFile file;
     file.path = path;
     file.durable = durable;
     file.readOnly = true;
-    file.fileHeader = {"", splitAtCommas(variableList)};
+    file.fileHeader = fileHeaderOf("", variableList);
     const int status = resumeDataFile(file);
     set.zones = static_cast<std::int32_t>(file.zones.size());
     if (!file.zones.empty()) {
@@ -164,33 +120,6 @@ std::int32_t tecio::examineUnfinished(const std::string& path, const std::string
     }
     closeAndDiscard(file);
     return status;
-}
-
-std::int64_t tecio::zoneBytes(const DataSetParts& parts) {
-    std::int64_t bytes = 0;
-    for (const DataSetParts::Zone& zone : parts.zones) bytes += layoutOf(zoneOf(zone)).size;
-    return bytes;
-}
-
-std::int64_t tecio::dataSetBytes(const DataSetParts& parts) {
-    DataFile file;
-    file.fileHeader = {parts.title, splitAtCommas(parts.variableList)};
-    for (const auto& [variable, name, value] : parts.values) {
-        if (value.find_first_not_of(' ') == std::string::npos) continue;
-        file.aux += variable > 0 ? variableAuxBytes(variable, name, value) : auxBytes(name, value);
-    }
-    for (const DataSetParts::Zone& zone : parts.zones) {
-        file.zones.push_back(zoneOf(zone));
-        if (file.zones.size() == 1) {
-            const std::int64_t padding = initialPadding(layoutOf(file.zones.front()).size);
-            file.zones.clear(); // the header of a new file has no zones
-            file.dataAt = sizeOf(bytesBeforeData(file, padding));
-            file.zones.push_back(zoneOf(zone));
-        }
-        if (zone.isFlushed) layOutHeaders(file);
-    }
-    layOutHeaders(file);
-    return file.dataAt + zoneBytes(parts);
 }
 
 void tecio::reset() {

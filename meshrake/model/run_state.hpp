@@ -68,7 +68,7 @@ struct RunState {
     bool compareSurfaceDepth = false;      // compare water depths of olf
     std::array<double, 6> compareWindow{}; // compare only inside: x, y, z pairs, length unit
     bool paraviewMode = false;             // write legacy VTK files; no instruction sets it
-    bool bcLocationOutput = false;         // write boundary conditions as VTK; likewise
+    bool bcLocationOutput = false;         // write boundary conditions as VTK; as paraviewMode
 
     // Problem description
     std::int32_t numTitleLines = 0;         // lines of the title
@@ -101,14 +101,15 @@ struct RunState {
 
     ObservationSet observations; // of the comparison in progress
 
-    // Of a program that reports what a run would do: nothing is written on the screen or to the
-    // echo file, and result files are tested instead of read. Null: a run.
+    // Dry run: reports what a run would do
+    // If not null, result files are tested instead of read, and nothing is written on the screen or
+    // to the echo file.
     const plot_data::DryRun* dryRun = nullptr;
-    // Control text in memory, of a dry run; null: the text on `controlUnit`.
+    // If not null, a control text in memory that replaces the text on `controlUnit`.
     const plot_control::ControlSource* controlSource = nullptr;
 
     // Plot files
-    // Text or binary form, selected after the control file is read. Null: text.
+    // Text or binary form, selected after the control file is read. Text if null.
     const plot_data::WriterFunctions* plotWriter = nullptr;
     // Collects text until it is written. Each zone is complete before that of the next domain
     // begins, so one buffer is enough.

@@ -5,24 +5,27 @@
 
 namespace plot_control {
 
-// What a line is for the reader of the control text. Lines that hold values, and lines outside of
-// sections that are skipped, are not reported.
+// The meaning of a line of the control text. Lines of values, and skipped lines outside of
+// sections, have none and are not reported.
 enum class LineUse { instruction, option, blockBegin, sectionEnd, unrecognized };
 
-// A control text in memory, in place of that on `run.controlUnit`. Each function is called during
-// the reading of the text.
+// A control text in memory, which replaces that on `run.controlUnit`, and functions that receive
+// what its lines mean.
 struct ControlSource {
-    int (*readLine)(std::string& line); // next line; returns a status of the I/O layer
-    void (*rewind)();
-    void (*noteUse)(LineUse use); // of the line that was read last
-    void (*valuesRead)();         // the values of the instruction are complete
+    int (*readLine)(std::string& line); // reads the next line, returns a status of the I/O layer
+    void (*rewind)();                   // the next line is the first one again
+    void (*noteUse)(LineUse use);       // receives the meaning of the line that was read last
+    void (*valuesRead)();               // called when the values of an instruction are complete
 };
 
-// Read the control text of the run: `run.controlSource` if it is set, else `run.controlUnit`.
-int readControlLine(std::string& line); // returns a status of the I/O layer
+// Reads the next line of `run.controlSource` if it is set, otherwise of `run.controlUnit`. Returns
+// a status of the I/O layer.
+int readControlLine(std::string& line);
+
+// Continues at the first line of the same text.
 void rewindControl();
 
-// No effect without `run.controlSource`.
+// Call the functions of `run.controlSource`. They have no effect if it is not set.
 void noteUse(LineUse use);
 void noteValuesRead();
 

@@ -13,8 +13,8 @@ using number_formats::integerWidth;
 using number_formats::valuesPerRow;
 using number_formats::wideRealWidth;
 
-// The format has these limits. A longer zone line, or a longer list of variable numbers in it, is
-// cut without a message.
+// Limits of the format, in characters. A longer zone line, or a longer list of variable numbers in
+// it, is truncated without a message.
 constexpr std::size_t headerLimit = 512;
 constexpr std::size_t listLimit = 512;
 

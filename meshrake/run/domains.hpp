@@ -29,9 +29,11 @@ inline constexpr DomainEntry creationOrder[] = {
 // closed.
 std::array<model::Domain*, 7> processingOrder(Domains& domains);
 
-// Create one domain, and all in the order above, and read their meshes. A damaged file ends the
-// run.
+// Creates a domain and reads its mesh. A damaged file ends the run. The domains before it in
+// `creationOrder` must have been created.
 void createDomain(Domains& domains, const DomainEntry& entry);
+
+// Creates all domains in `creationOrder`.
 void createDomains(Domains& domains);
 
 // True if pm is not written but must be read, because a common-node domain is written.

@@ -9,21 +9,22 @@ namespace run {
 // zone. Without any output time, zone 1 has the mesh and its properties alone.
 void timeLoop(Domains& domains);
 
-// What the loop does at an output time.
+// The cases of the loop at the current index.
 enum class OutputTime {
-    outsideWindow,   // skips it
-    first,           // creates the data sets
-    later,           // adds a zone
-    onlyMesh,        // no result files at the first output time: writes the mesh and its properties
-    nothingToAppend, // ends: no result files for a run that appends
-    end              // ends: no result files
+    outsideWindow,   // the output time is skipped
+    first,           // the data sets are created
+    later,           // the data sets get a zone
+    onlyMesh,        // no result files at the first index: zone 1 has the mesh and its properties
+    nothingToAppend, // no result files for a run that appends: the loop ends
+    end              // no result files: the loop ends
 };
 
 // Sets the index of the first output time.
 void beginTimeLoop();
 
-// Reads the time of the current index and decides. `firstInWindowFound` is false at first; the call
-// sets it. A malformed header ends the run.
+// Reads the time stamp of the current index and returns the case. `firstInWindowFound` is false
+// before the first call, which the calls set to true at the first output time in the time window. A
+// malformed header of a result file ends the run.
 OutputTime nextOutputTime(bool& firstInWindowFound);
 
 } // namespace run
