@@ -87,15 +87,18 @@ void checkElementNodes(const File& file, const Zone& zone) {
 
 std::vector<double> readCheckedValues(const File& file, const Zone& zone, std::size_t variable) {
     std::vector<double> values = readValues(file, zone, variable);
-    std::vector<double> numbers;
-    std::copy_if(values.begin(), values.end(), std::back_inserter(numbers),
-                 [](double value) { return !std::isnan(value); });
-    if (numbers.empty()) numbers = {0};
-    const auto [least, greatest] = std::minmax_element(numbers.begin(), numbers.end());
+    double least = 0, greatest = 0;
+    bool anyNumber = false;
+    for (const double value : values) {
+        if (std::isnan(value)) continue;
+        least = anyNumber ? std::min(least, value) : value;
+        greatest = anyNumber ? std::max(greatest, value) : value;
+        anyNumber = true;
+    }
     const auto before = std::count(zone.shares.begin(),
                                    zone.shares.begin() + static_cast<std::ptrdiff_t>(variable), 0);
     const auto range = static_cast<std::size_t>(2 * before);
-    if (*least != zone.ranges[range] || *greatest != zone.ranges[range + 1])
+    if (least != zone.ranges[range] || greatest != zone.ranges[range + 1])
         fail(file, zone.valuesAt[variable], "the values are outside the range of their zone");
     return values;
 }

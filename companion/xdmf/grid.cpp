@@ -3,6 +3,8 @@
 #include "companion/xdmf/xml_text.hpp"
 
 #include <algorithm>
+#include <charconv>
+#include <map>
 #include <set>
 #include <stdexcept>
 #include <string_view>
@@ -25,7 +27,7 @@ constexpr VectorRow vectorTable[] = {
     {"q", {"qx", "qy", "qz"}},
 };
 
-// The zones of isopachs are zone numbers, not output times.
+// Isopachs, whose zones have zone numbers in place of output times, have another name for Z.
 constexpr std::array<std::string_view, 3> coordinateNames{"X", "Y", "Z"};
 constexpr std::array<std::string_view, 3> isopachCoordinates{"X", "Y", "Z(isopach top)"};
 
@@ -61,7 +63,27 @@ std::string uniqueName(std::set<std::string>& taken, const std::string& name) {
     return xmlName(unique);
 }
 
-void appendItem(std::string& out, const Block& block, std::int32_t type, std::int64_t position,
+// The same file by another name for each number: a "./" or ".//" for each bit.
+std::string fileAlias(const std::string& xmlFile, std::size_t number) {
+    std::string alias = xmlFile;
+    for (; number > 0; number /= 2) alias = (number % 2 == 0 ? "./" : ".//") + alias;
+    return alias;
+}
+
+std::vector<std::string> meshFilesOf(const Block& block) {
+    using Mesh = std::array<std::int64_t, 4>; // positions of coordinates and node lists
+    std::map<Mesh, std::size_t> meshes;
+    std::vector<std::string> files;
+    for (const Zone& zone : block.set.zones) {
+        const auto [x, y, z] = block.coordinates;
+        const Mesh mesh{zone.valuesAt[x], zone.valuesAt[y], zone.valuesAt[z], zone.elementNodesAt};
+        const std::size_t number = meshes.try_emplace(mesh, meshes.size()).first->second;
+        files.push_back(fileAlias(block.xmlFile, number));
+    }
+    return files;
+}
+
+void appendItem(std::string& out, const std::string& file, std::int32_t type, std::int64_t position,
                 const std::string& dimensions) {
     out.append("<DataItem Format=\"Binary\" DataType=")
         .append(itemTypes[type])
@@ -70,29 +92,35 @@ void appendItem(std::string& out, const Block& block, std::int32_t type, std::in
         .append("\" Dimensions=\"")
         .append(dimensions)
         .append("\">")
-        .append(block.xmlFile)
+        .append(file)
         .append("</DataItem>\n");
 }
 
-void appendValues(std::string& out, const Block& block, const Zone& zone, std::size_t variable) {
-    appendItem(out, block, zone.types[variable], zone.valuesAt[variable],
+void appendValues(std::string& out, const std::string& file, const Zone& zone,
+                  std::size_t variable) {
+    appendItem(out, file, zone.types[variable], zone.valuesAt[variable],
                std::to_string(valueCount(zone, variable)));
 }
 
-void appendMesh(std::string& out, const Block& block, const Zone& zone) {
-    const std::int64_t corners = cornersOf(zone);
-    const std::int64_t cells = corners > 0 ? zone.elements : zone.nodes;
+// A zone without elements, or without node lists of its elements, is shown as points. Its values of
+// elements have no cells then.
+bool isPoints(const Zone& zone) {
+    return zone.elements == 0 || cornersOf(zone) == 0;
+}
+
+void appendMesh(std::string& out, const Block& block, const Zone& zone, const std::string& file) {
+    const bool points = isPoints(zone);
     out.append("<Topology TopologyType=")
-        .append(topologies[zone.type])
+        .append(topologies[points ? 0 : zone.type])
         .append(" NumberOfElements=\"")
-        .append(std::to_string(cells))
+        .append(std::to_string(points ? zone.nodes : zone.elements))
         .append("\">\n");
-    if (corners > 0)
-        appendItem(out, block, integerType, zone.elementNodesAt,
-                   std::to_string(zone.elements) + ' ' + std::to_string(corners));
+    if (!points)
+        appendItem(out, file, integerType, zone.elementNodesAt,
+                   std::to_string(zone.elements) + ' ' + std::to_string(cornersOf(zone)));
     out += "</Topology>\n<Geometry GeometryType=\"X_Y_Z\">\n";
     for (const std::size_t coordinate : block.coordinates)
-        appendValues(out, block, zone, coordinate);
+        appendValues(out, file, zone, coordinate);
     out += "</Geometry>\n";
 }
 
@@ -109,8 +137,9 @@ void beginAttribute(std::string& out, const std::string& name, bool centred, con
 void appendScalars(std::string& out, const Block& block, const Zone& zone) {
     for (std::size_t v = 0; v < block.xmlNames.size(); ++v) {
         if (std::ranges::find(block.coordinates, v) != block.coordinates.end()) continue;
+        if (zone.centred[v] && isPoints(zone)) continue;
         beginAttribute(out, block.xmlNames[v], zone.centred[v], "Scalar");
-        appendValues(out, block, zone, v);
+        appendValues(out, block.xmlFile, zone, v);
         out += "</Attribute>\n";
     }
 }
@@ -122,23 +151,36 @@ void appendVectors(std::string& out, const Block& block, const Zone& zone) {
             return zone.types[v] == zone.types[x] && zone.centred[v] == zone.centred[x];
         };
         if (!std::ranges::all_of(components, same)) continue;
+        if (zone.centred[x] && isPoints(zone)) continue;
         beginAttribute(out, name, zone.centred[x], "Vector");
         out.append("<DataItem ItemType=\"Function\" Function=\"JOIN($0 , $1 , $2)\" Dimensions=\"")
             .append(std::to_string(valueCount(zone, x)))
             .append(" 3\">\n");
-        for (const std::size_t component : components) appendValues(out, block, zone, component);
+        for (const std::size_t component : components)
+            appendValues(out, block.xmlFile, zone, component);
         out += "</DataItem>\n</Attribute>\n";
+    }
+}
+
+// Replaces the times of isopachs by numbers in the names of their zones.
+void showAtAllTimes(std::vector<Zone>& zones) {
+    for (Zone& zone : zones) {
+        char number[32];
+        char* const end = std::to_chars(number, number + sizeof number, zone.time).ptr;
+        zone.title += ' ' + std::string(+number, end);
+        zone.strand = -1;
     }
 }
 
 } // namespace
 
 Block blockOf(std::string path, std::string xmlFile, data_set_file::DataSet set) {
-    Block block{std::move(path), std::move(xmlFile), std::move(set), {}, {}, {}};
+    Block block{std::move(path), std::move(xmlFile), std::move(set)};
     const std::vector<std::string>& variables = block.set.variables;
-    const bool ofTimes = findColumns(variables, coordinateNames, block.coordinates);
-    block.isopachs = !ofTimes && findColumns(variables, isopachCoordinates, block.coordinates);
-    if (!ofTimes && !block.isopachs)
+    block.xmlTitle = block.set.zones.empty() ? block.xmlFile : xmlName(block.set.zones[0].title);
+    if (findColumns(variables, isopachCoordinates, block.coordinates))
+        showAtAllTimes(block.set.zones);
+    else if (!findColumns(variables, coordinateNames, block.coordinates))
         throw std::runtime_error(block.path + ": no variables X, Y and Z");
     std::set<std::string> taken;
     for (const std::string& name : variables) block.xmlNames.push_back(uniqueName(taken, name));
@@ -147,13 +189,15 @@ Block blockOf(std::string path, std::string xmlFile, data_set_file::DataSet set)
         if (findColumns(variables, row.components, components))
             block.vectors.push_back({uniqueName(taken, std::string(row.name)), components});
     }
+    block.meshFiles = meshFilesOf(block);
     return block;
 }
 
-void appendGrid(std::string& out, const Block& block, const Zone& zone, const std::string& xmlName,
-                const std::string& time) {
+void appendGrid(std::string& out, const Block& block, std::size_t number,
+                const std::string& xmlName, const std::string& time) {
+    const Zone& zone = block.set.zones[number];
     out.append("<Grid Name=\"").append(xmlName).append("\" GridType=\"Uniform\">\n").append(time);
-    appendMesh(out, block, zone);
+    appendMesh(out, block, zone, block.meshFiles[number]);
     appendScalars(out, block, zone);
     appendVectors(out, block, zone);
     out += "</Grid>\n";

@@ -14,7 +14,7 @@ namespace xdmf {
 namespace {
 
 using data_set_file::Zone;
-using Zones = std::vector<const Zone*>;
+using Zones = std::vector<std::size_t>; // by their numbers, from 0
 
 void checkZone(const Block& block, std::size_t number) {
     const Zone& zone = block.set.zones[number];
@@ -29,9 +29,6 @@ void checkZone(const Block& block, std::size_t number) {
 void checkBlocks(const std::vector<Block>& blocks) {
     bool anyNodes = false;
     for (const Block& block : blocks) {
-        if (block.isopachs && blocks.size() > 1)
-            throw std::runtime_error(block.path + ": isopachs have zone numbers in place of times; "
-                                                  "write an index of them alone");
         for (std::size_t z = 0; z < block.set.zones.size(); ++z) {
             checkZone(block, z);
             anyNodes = anyNodes || block.set.zones[z].nodes > 0;
@@ -48,14 +45,13 @@ std::set<double> timesOf(const std::vector<Block>& blocks) {
     return times;
 }
 
-// A block has the name of its zones, unless two data sets have the same: then that of its file.
+// Data sets with the same name have that of their file.
 std::vector<std::string> blockNames(const std::vector<Block>& blocks) {
     std::vector<std::string> names;
     std::set<std::string> unique;
     for (const Block& block : blocks) {
-        names.push_back(block.set.zones.empty() ? block.xmlFile
-                                                : xmlName(block.set.zones[0].title));
-        unique.insert(names.back());
+        names.push_back(block.xmlTitle);
+        unique.insert(block.xmlTitle);
     }
     if (unique.size() < blocks.size())
         for (std::size_t b = 0; b < blocks.size(); ++b) names[b] = blocks[b].xmlFile;
@@ -78,7 +74,8 @@ void beginCollection(std::string& out, const std::string& xmlName, const char* t
 
 void appendGrids(std::string& out, const Block& block, const Zones& zones,
                  const std::string& time) {
-    for (const Zone* zone : zones) appendGrid(out, block, *zone, xmlName(zone->title), time);
+    for (const std::size_t z : zones)
+        appendGrid(out, block, z, xmlName(block.set.zones[z].title), time);
 }
 
 void appendTimes(std::string& out, const Block& block, const std::map<double, Zones>& zones,
@@ -98,10 +95,12 @@ void appendBlock(std::string& out, const Block& block, const std::string& name,
                  const std::set<double>& times) {
     std::map<double, Zones> atTimes;
     Zones atAllTimes;
-    for (const Zone& zone : block.set.zones)
-        if (zone.nodes > 0) (zone.strand < 0 ? atAllTimes : atTimes[zone.time]).push_back(&zone);
+    for (std::size_t z = 0; z < block.set.zones.size(); ++z) {
+        const Zone& zone = block.set.zones[z];
+        if (zone.nodes > 0) (zone.strand < 0 ? atAllTimes : atTimes[zone.time]).push_back(z);
+    }
     if (atTimes.empty() && atAllTimes.size() == 1) {
-        appendGrid(out, block, *atAllTimes[0], name, "");
+        appendGrid(out, block, atAllTimes[0], name, "");
         return;
     }
     beginCollection(out, name, atTimes.empty() ? "Spatial" : "Temporal");

@@ -15,8 +15,8 @@ namespace xdmf {
 // readers. Each block has all output times of all data sets, in increasing order, with an empty
 // collection where it has no zone with nodes. Zones without a time are shown at all times.
 //
-// Throws std::runtime_error if no zone has nodes, for a time that is not finite, for coordinates
-// that are not at the nodes, and for isopachs beside another data set.
+// Throws std::runtime_error if no zone has nodes, for a time that is not finite, and for
+// coordinates that are not at the nodes.
 std::string indexOf(const std::vector<Block>& blocks);
 
 } // namespace xdmf

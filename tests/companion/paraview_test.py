@@ -36,15 +36,16 @@ FOLDER, SPECIES = "Fluß & Tal <1>", "Nitrat & <Süß>"
 
 
 def blocks_of(index, times=None):
-    """For each time in the viewer, the blocks by name; None in place of a single data set's name."""
+    """For each time in the viewer, the blocks by name; a single data set has the name None."""
     reader = simple.XDMFReader(FileNames=[str(index)])
     reader.UpdatePipelineInformation()
     for time in times or list(reader.TimestepValues):
         reader.UpdatePipeline(time)
         shown = servermanager.Fetch(reader)
         if shown.IsA("vtkMultiBlockDataSet"):
-            names = [shown.GetMetaData(b).Get(shown.NAME()) for b in range(shown.GetNumberOfBlocks())]
-            blocks = [shown.GetBlock(b) for b in range(shown.GetNumberOfBlocks())]
+            numbers = range(shown.GetNumberOfBlocks())
+            names = [shown.GetMetaData(b).Get(shown.NAME()) for b in numbers]
+            blocks = [shown.GetBlock(b) for b in numbers]
             yield time, dict(zip(names, blocks, strict=True))
         else:
             yield time, {None: shown}
@@ -55,8 +56,8 @@ def arrays_of(attributes):
             for a in range(attributes.GetNumberOfArrays())}
 
 
-def write_large_set(path):
-    """Two zones of lines with X, Y, Z and Head, of which the first is a hole of the file."""
+def write_set(path, nodes):
+    """Two zones of lines with X, Y, Z and Head. The values of the first are a hole of the file."""
     def ints(*numbers):
         return numpy.array(numbers, "<i4").tobytes()
 
@@ -66,23 +67,19 @@ def write_large_set(path):
     def reals(numbers, type="<f8"):
         return numpy.array(numbers, type).tobytes()
 
-    names, nodes = ["X", "Y", "Z", "Head"], (200_000_000, 3)
-    values = numpy.arange(12.0)
+    values = numpy.arange(4.0 * nodes[1]).reshape(4, nodes[1])
     with path.open("wb") as file:
-        file.write(b"#!TDV112" + ints(1, 0) + text("large") + ints(4) + b"".join(map(text, names)))
+        file.write(b"#!TDV112" + ints(1, 0) + text("made") + ints(4))
+        file.write(text("X") + text("Y") + text("Z") + text("Head"))
         for z in (0, 1):
-            file.write(reals(299, "<f4") + text("pm") + ints(-1, 1) + reals(z + 1) +
-                       ints(-1, 1, 0, 0, 0, nodes[z], z + 1, 0, 0, 0, 0))
+            file.write(reals(299, "<f4") + text("pm") + ints(-1, 1) + reals(z + 1))
+            file.write(ints(-1, 1, 0, 0, 0, nodes[z], z + 1, 0, 0, 0, 0))
         file.write(reals(357, "<f4"))
-        for z in (0, 1):
-            file.write(reals(299, "<f4") + ints(2, 2, 2, 2, 0, 0, -1))
-            ranges = [[v[0], v[-1]] for v in values.reshape(4, 3)] if z else [0] * 8
-            file.write(reals(ranges))
-            if z:
-                file.write(values.tobytes() + ints(0, 1, 1, 2))
-            else:
-                file.seek(4 * 8 * nodes[0], os.SEEK_CUR)
-                file.write(ints(0, 1))
+        begin = reals(299, "<f4") + ints(2, 2, 2, 2, 0, 0, -1)
+        file.write(begin + reals([0] * 8))
+        file.seek(4 * 8 * nodes[0], os.SEEK_CUR)
+        file.write(ints(0, 1))
+        file.write(begin + reals(values[:, [0, -1]]) + values.tobytes() + ints(0, 1, 1, 2))
 
 
 class InParaView(unittest.TestCase):
@@ -92,16 +89,17 @@ class InParaView(unittest.TestCase):
     def tearDown(self):
         shutil.rmtree(self.folder)
 
-    def make_sets(self, name, options=(), first="", block=""):
+    def make_sets(self, name, options=(), first="", block="", last=""):
         """Binary data sets of all domains, in a folder of this name. `first` are lines of the
-        first section of the control file, `block` lines of the block of pm."""
+        first section of the control file, `block` lines of the block of pm, `last` lines after
+        the blocks."""
         folder = self.folder / name
         subprocess.run([MAKE_PROBLEM, "--prefix", "t", "--nx", "5", "--ny", "4", "--layers", "3",
                         "--times", "3", *options, folder], check=True, stdout=subprocess.DEVNULL)
         control = f"tecplot binary mode\n{first}end\n"
         for domain in DOMAINS:
             control += f"write {domain} domain file\n{block if domain == 'pm' else ''}end\n"
-        (folder / "t.plot.control").write_text(control)
+        (folder / "t.plot.control").write_text(control + last)
         subprocess.run([MESHRAKE], cwd=folder, check=True, capture_output=True)
         return folder
 
@@ -115,16 +113,15 @@ class InParaView(unittest.TestCase):
         self.assertEqual((shown.GetNumberOfPoints(), shown.GetNumberOfCells()),
                          (zone.nodes, zone.elements))
         points = vtk_to_numpy(shown.GetPoints().GetData())
-        numpy.testing.assert_array_equal(points.T, [data.values(name, z) for name in "XYZ"])
+        numpy.testing.assert_array_equal(points.T, [data.values(v, z) for v in range(3)])
         cells = vtk_to_numpy(shown.GetCells().GetConnectivityArray())
         numpy.testing.assert_array_equal(cells, data.connectivity_of(z).ravel())
         types = {shown.GetCellType(c) for c in range(zone.elements)}
         self.assertEqual(types, {CELL_TYPES[zone.type]})
         arrays = [arrays_of(shown.GetPointData()), arrays_of(shown.GetCellData())]
-        for name in data.variables:
-            if name not in ("X", "Y", "Z"):
-                values = arrays[int(data.is_cell_centred(name, z))].pop(name)
-                numpy.testing.assert_array_equal(values, data.values(name, z), name)
+        for name in data.variables[3:]:
+            values = arrays[int(data.is_cell_centred(name, z))].pop(name)
+            numpy.testing.assert_array_equal(values, data.values(name, z), name)
         for name, parts in VECTORS.items():
             if parts[0] in data.variables:
                 values = arrays[1].pop(name)
@@ -185,6 +182,23 @@ class InParaView(unittest.TestCase):
                 self.make_index(path)
                 self.check_index(path.with_suffix(".xdmf"), path)
 
+    def test_isopachs(self):
+        """Their zones are blocks in place of times; the elevations differ from zone to zone."""
+        folder = self.make_sets("plots", last="plot pm zone isopach structure\n")
+        path = folder / "to.pm_Isopach.szplt"
+        data = meshrake_data.open(path)
+        self.make_index(path)
+        [(_, blocks)] = blocks_of(path.with_suffix(".xdmf"), [0.0])
+        self.assertEqual(list(blocks), [f"Isopach {number:.0f}" for number in data.times])
+        for shown, number in zip(blocks.values(), data.times, strict=True):
+            self.compare(shown, data, number)
+
+    def test_mesh_that_changes(self):
+        path = self.folder / "changing.szplt"
+        write_set(path, (3, 3))
+        self.make_index(path)
+        self.check_index(path.with_suffix(".xdmf"), path)
+
     def test_unfinished_set(self):
         path = self.make_sets("unfinished", first="tecplot binary append\n") / "to.pm.szplt"
         self.assertTrue(path.with_name("to.pm.szplt.szhdr").exists())
@@ -197,7 +211,7 @@ class InParaView(unittest.TestCase):
     def test_beyond_4_gib(self):
         """A zone of 6 GB, mostly holes of the file, and a small one after it."""
         path = self.folder / "large.szplt"
-        write_large_set(path)
+        write_set(path, (200_000_000, 3))
         self.assertLess(1 << 32, meshrake_data.open(path).zones[1].columns[0].offset)
         self.make_index(path)
         data = meshrake_data.open(path)

@@ -139,6 +139,15 @@ TEST_F(Xdmf, VectorsAndNames) {
     EXPECT_THAT(get("w.xdmf"), HasSubstr("Name=\"V\" Center=\"Cell\" AttributeType=\"Vector\""));
 }
 
+TEST_F(Xdmf, NodesWithoutElementsArePoints) {
+    made_set::put("points", {.variables = {"Head", "Kx"}, .elements = 0});
+    write({"points.szplt"});
+    const std::string index = get("points.xdmf");
+    EXPECT_THAT(index,
+                HasSubstr("\"Polyvertex\" NodesPerElement=\"1\" NumberOfElements=\"4\">\n</Top"));
+    EXPECT_EQ(occurrences(index, "<Attribute Name=\"", "\""), std::vector<std::string>{"Head"});
+}
+
 TEST_F(Xdmf, CompleteZonesOfAnUnfinishedDataSet) {
     put(pm, get(pm) + std::string(1000, 'x'));
     write({pm});
