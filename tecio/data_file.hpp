@@ -120,8 +120,8 @@ int beginZone(DataFile& file, Zone zone, std::int32_t& number);
 // Sets the time of the current zone, before its values.
 int setTime(DataFile& file, double time, std::int32_t strand);
 
-// Returns the number of zones with this time that a first new zone would replace; 0 if there is a
-// new zone already.
+// Returns the number of zones with this time that a first new zone would replace, or 0 if there is
+// a new zone already.
 std::int32_t resumedZonesAt(const DataFile& file, double time, std::int32_t strand);
 
 // Write the next values of a variable (from 0) in the type of the variable, or the next node

@@ -18,8 +18,8 @@ void setDurable(bool durable);
 // sidecar, not at the data set itself.
 bool sidecarFailed();
 
-// Returns the number of zones with this time in a resumed data set, before the time of its first
-// new zone is set; 0 after that.
+// Returns the number of zones with this time in a resumed data set. The result is 0 once the time
+// of its first new zone is set.
 std::int32_t resumedZonesAt(const void* fileHandle, double time, std::int32_t strand);
 
 // Makes a resumed data set keep the first `count` zones with the time of its first new zone,

@@ -15,10 +15,10 @@ void initTecplotAppend();
 // opened or is damaged ends the run.
 std::int32_t readTecplotAppend();
 
-// Records the last finished output time. The new file replaces the old one at once, so that an
-// interruption leaves the old index or the new one; in a folder without write permission the index
-// is overwritten in place. Only the first failed open of a run shows a warning. A failed write ends
-// the run.
+// Records the last finished output time. The new file replaces the old one in one step, so that
+// either the old or the new index remains after an interruption. In a folder without write
+// permission the index is overwritten in place. Only the first failed open of a run shows a
+// warning. A failed write ends the run.
 void writeTecplotAppend(std::int32_t index);
 
 // Returns the number of output times before the current one that have this time. The search goes

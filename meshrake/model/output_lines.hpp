@@ -2,7 +2,8 @@
 
 #include <string_view>
 
-// Lines on the screen and in the echo file; none in a dry run. A failed write ends the run.
+// Write lines on the screen and to the echo file, but not in a dry run. A failed write ends the
+// run.
 namespace model {
 
 void writeScreen(std::string_view line);

@@ -35,7 +35,7 @@ bool searchBounds(const Box& box, Box& bounds) {
         const double low = box.low[a];
         const double high = box.high[a];
         const double span = high - low;
-        // |rst| <= 1 + t admits t * span / 2 on each side; 0.6 leaves a margin.
+        // |rst| <= 1 + t permits t * span / 2 on each side. 0.6 instead of 0.5 is a margin.
         constexpr double tolerance = 0.6 * (insideTolerance - 1);
         constexpr double rounding = 1e-14; // 45 times the machine epsilon
         const double slack = tolerance * span + rounding * (std::abs(low) + std::abs(high));

@@ -13,8 +13,8 @@ namespace observation_compare {
 // ascending order, each by the box of its nodes, and stops at the first one.
 //
 // The loop has one set of local coordinates for all elements and points. An element without extent
-// in some direction sets only some of them. So its test also depends on coordinates that earlier
-// elements have set; `Partial` has the numbers of these elements.
+// in some direction sets only some of them, so its test also depends on coordinates that earlier
+// elements have set. A `Partial` has the numbers of the elements that set them last.
 struct ElementSearch {
     struct Item {
         box_tree::Box box;

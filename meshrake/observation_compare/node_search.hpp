@@ -38,7 +38,7 @@ void find_top_surface_node_from_xy(const box_tree::Point& target, std::int32_t f
                                    std::int32_t& node, const model::Domain& domain,
                                    plot_data::TextBlock& echo);
 
-// Returns the coordinates of a node; zeros for node 0.
+// Returns the coordinates of a node, or zeros for node 0.
 box_tree::Point position(const model::Domain& domain, std::int32_t node);
 
 } // namespace observation_compare

@@ -8,7 +8,7 @@ namespace observation_compare {
 
 namespace {
 
-// Maps low to -1 and high to 1; they must differ.
+// Maps low to -1 and high to 1, which must differ.
 double scaled(double value, double low, double high) {
     const double coordinate = (2 * value - high - low) / (high - low);
     return std::isnan(coordinate) ? 0 : coordinate;

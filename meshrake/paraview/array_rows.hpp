@@ -19,8 +19,8 @@ struct Extent {
     bool truncated = false;             // scalars are then written without values
 };
 
-// Write scalars, six to a line; for a truncated extent only the label. 64-bit values below 1e-30 in
-// magnitude become 0, also in the array.
+// Write scalars, six per line, or only the label for a truncated extent. 64-bit values below 1e-30
+// in magnitude become 0, also in the array.
 void write_paraview_darray(std::span<double> values, const Extent& extent, std::string_view label,
                            std::int32_t dataIndex, int unit);
 void write_paraview_array(std::span<const float> values, const Extent& extent,

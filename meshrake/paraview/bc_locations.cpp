@@ -28,7 +28,7 @@ bool nextLine(int unit, std::string& line) {
     return true;
 }
 
-// Reads a line; the end of the file ends the run.
+// Reads a line. The end of the file ends the run.
 std::string requiredLine(int unit) {
     std::string line;
     if (!nextLine(unit, line)) error::checkFileRead(io_layer::endOfFile, io_layer::pathOf(unit));

@@ -8,7 +8,7 @@
 namespace paraview {
 
 // Converts <prefix>o.Bc.<name>.dat to <prefix>o.Bc.<name>.vtk for each name in the list
-// <prefix>o.boundary_conditions. Skips names without a file; reports a missing list on the screen.
+// <prefix>o.boundary_conditions. Skips names without a file. Reports a missing list on the screen.
 // More than 1000 names and a damaged file end the run.
 void addition_paraview_bclocationout();
 

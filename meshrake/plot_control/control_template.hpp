@@ -14,7 +14,7 @@ inline constexpr std::string_view timeSeriesLine = "write time series file";
 // Writes the first section.
 void writePlotControlInit();
 
-// Writes the block of a domain; nothing for a domain that does not exist.
+// Writes the block of a domain, if the domain exists.
 void writePlotControl(const model::Domain& domain);
 
 // Writes the lines after the last block.

@@ -11,8 +11,9 @@ namespace plot_control {
 // Lines are cut at 256 characters. A missing include file and a failed read end the run.
 void strip_comments(int inputUnit, int outputUnit);
 
-// Reads the next line that is not dropped, without leading and trailing blanks; false at the end of
-// the text. `number` is the number of the line in its file; it must be 0 before the first call.
+// Reads the next line that is neither blank nor a comment, without leading and trailing blanks.
+// Returns false at the end of the text. `number` becomes the number of the line in its file. It
+// must be 0 before the first call.
 bool nextControlLine(int unit, std::string& line, int& number);
 
 // True for a line that is replaced by the lines of a file, and the name of that file.

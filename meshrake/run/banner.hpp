@@ -4,7 +4,7 @@
 
 namespace run {
 
-// Writes the program's banner on a file unit; a unit below 1 is the screen.
+// Writes the program's banner on a file unit, or on the screen if the unit is below 1.
 void header(int unit);
 
 // Writes the message, unless it is empty, and the closing lines on screen and echo file. Closes all

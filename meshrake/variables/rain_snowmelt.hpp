@@ -10,8 +10,8 @@ namespace variables {
 void rainSnowmeltInit(model::Domain& domain, const plot_data::VariableRow& row,
                       model::OutputVar& var);
 
-// The presence of the snow depth file decides for all declared columns; if it exists, a missing
-// file of another column ends the run.
+// If the snow depth file exists, the files of all declared columns are read, and a missing one ends
+// the run. Otherwise all columns are shared.
 void rainSnowmeltRead(model::Domain& domain, const plot_data::VariableRow& row,
                       model::OutputVar& var);
 

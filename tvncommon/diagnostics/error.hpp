@@ -19,7 +19,7 @@ struct RunEnded {
 // Restores the state of a program start: no logging unit, banners are written.
 void reset();
 
-// Appends the message of each later banner to `messages` and writes no banner; with null, banners
+// Makes later banners append their messages to `messages` instead of being written. With null, they
 // are written again. A failure still ends the run. Returns the argument of the previous call.
 std::vector<std::string>* collectMessages(std::vector<std::string>* messages);
 
@@ -68,7 +68,7 @@ void writeLines(std::span<const std::string_view> lines);
 // Returns the text of a status number of the I/O layer, empty for an unknown number.
 std::string ioStatErrorMsg(int iostat);
 
-// Sets the logging unit; 0 means none.
+// Sets the logging unit, or none with 0.
 void setErrorLoggingFileUnit(int unit);
 
 } // namespace error

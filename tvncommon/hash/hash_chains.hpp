@@ -24,8 +24,8 @@ struct Names {
     std::string_view table, iterator, buckets, node;
 };
 
-// Entry of a table. Nodes are numbered from 1 by their position in `Table::nodes`; 0 is the end of
-// a list.
+// Entry of a table. Nodes are numbered from 1 by their position in `Table::nodes`. The number 0 is
+// the end of a list.
 template<class Kind>
 struct ListNode {
     typename Kind::Key key{};

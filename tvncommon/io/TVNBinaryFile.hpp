@@ -65,7 +65,7 @@ bool read_r4_1d(const std::string& filename, std::int32_t n, float* array,
 bool read_r8_1d(const std::string& filename, std::int32_t n, double* array,
                 std::string* header = nullptr, Missing missing = Missing::endsRun);
 
-// The same for files of several components; `arrays` has one array of `n` values for each of them.
+// The same for files of several components. `arrays` has an array of `n` values for each component.
 bool read_r4_components(const std::string& filename, std::int32_t n, int components,
                         float* const* arrays, std::string* header = nullptr,
                         Missing missing = Missing::endsRun);

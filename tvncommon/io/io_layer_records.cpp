@@ -29,7 +29,7 @@ std::int64_t readLarge(Connection& c, char* into, std::int64_t size, std::int64_
     return std::min(n, size);
 }
 
-// Reads up to `size` bytes and stores their number in `got`; fewer only at the end of the file.
+// Reads `size` bytes, or fewer at the end of the file, and stores their number in `got`.
 int readUpTo(Connection& c, char* into, std::int64_t size, std::int64_t& got) {
     got = 0;
     while (got < size) {

@@ -44,7 +44,7 @@ struct Table {
     std::ptrdiff_t (*writeAt)(int descriptor, const void* from, std::size_t size,
                               std::int64_t position);
     int (*truncate)(int descriptor, std::int64_t size);
-    // Reserves disk space; succeeds on a file system that cannot.
+    // Reserves disk space. Succeeds on a file system that does not support it.
     int (*reserve)(int descriptor, std::int64_t position, std::int64_t size);
     // Returns once the file's data and size, or a folder's entries, are on the disk.
     int (*sync)(int descriptor);
@@ -55,7 +55,7 @@ struct Table {
     int (*remove)(const char* path);
     int (*setPermissions)(int descriptor, unsigned permissions);
     int (*fileInfoOfName)(const char* path, FileInfo& info);
-    // Reads the target of a link, without a NUL; EINVAL for a name that is no link.
+    // Reads the target of a link, without a NUL. Fails with EINVAL for a name that is not a link.
     std::ptrdiff_t (*readLink)(const char* path, char* into, std::size_t size);
     // Sets `real` to the absolute name of an existing file, without links.
     int (*realPath)(const char* path, std::string& real);
@@ -65,7 +65,7 @@ struct Table {
     void* (*allocate)(std::size_t size);
 };
 
-// The table in use; assign `systemTable()` to restore the real calls.
+// The table in use. Assign `systemTable()` to restore the real calls.
 extern Table table;
 Table systemTable();
 
@@ -78,7 +78,7 @@ auto restart(Call call) {
     }
 }
 
-// Prepares the process for the run; `main` calls it first.
+// Prepares the process for the run. `main` calls it first.
 // - A pipe whose reader has ended and a file size limit make a write fail instead of a signal that
 //   ends the process.
 // - The descriptor of a closed standard stream is not given to a file.

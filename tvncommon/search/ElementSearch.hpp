@@ -44,7 +44,7 @@ void setWarnOnFallback(bool on);
 std::int32_t findElement2D(double x, double y);
 std::int32_t findElement2DUnchecked(double x, double y);
 
-// Returns the element that contains the point; on the face between two layers, the lower one.
+// Returns the element that contains the point. On the face between two layers it is the lower one.
 // `hint` is a plan element that is tested first.
 std::int32_t findElement3D(double x, double y, double z, std::optional<std::int32_t> hint = {});
 

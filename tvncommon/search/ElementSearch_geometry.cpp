@@ -12,7 +12,7 @@ namespace {
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 constexpr std::array<std::size_t, 3> firstHalf{0, 1, 2}, secondHalf{0, 2, 3};
 
-// Returns the entry of an array for node `k` (from 0) of an element; null if there is none.
+// Returns the entry of an array for node `k` (from 0) of an element, or null if there is none.
 const double* entryOf(std::span<const double> array, std::int32_t element, std::size_t k) {
     if (element < 1 || element > state.elementCount) return nullptr;
     const std::size_t slot = (static_cast<std::size_t>(element) - 1) * allNodes().count + k;

@@ -33,7 +33,7 @@ Face bottomFace();
 Face topFace();
 Face allNodes();
 
-// Returns the entry of an array for node `k` (from 0) of an element; NaN if there is none.
+// Returns the entry of an array for node `k` (from 0) of an element, or NaN if there is none.
 double atNode(std::span<const double> array, std::int32_t element, std::size_t k);
 
 // Call the error callback, or the warning callback if a nearest element or corner is used. `at` is

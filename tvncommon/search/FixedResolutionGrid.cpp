@@ -51,8 +51,8 @@ std::int32_t cellOf(double coordinate, double lowest, double size, std::int32_t 
     return cell < highest ? static_cast<std::int32_t>(cell) : highest;
 }
 
-// Returns the position of a coordinate in a cell, in 256ths of the cell, plus `more`; limited to
-// the ends of the cell.
+// Returns the position of a coordinate in a cell, in 256ths of the cell, plus `more`. The result is
+// limited to the cell.
 std::uint8_t partOf(double coordinate, double lowest, double size, std::int32_t cell, int more) {
     const double part = ((coordinate - lowest) / size - cell) * 256 + more;
     if (!(part > 0)) return 0;

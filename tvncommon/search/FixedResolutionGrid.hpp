@@ -6,8 +6,8 @@
 #include <vector>
 
 // Finds the element of a layered mesh that contains a point in plan. A grid of rectangular cells
-// covers the mesh; each cell has a list of the elements that may overlap it. A query needs a few
-// triangle tests, whatever the size of the mesh.
+// covers the mesh. Each cell has a list of the elements that may overlap it. A query needs a few
+// triangle tests, independently of the size of the mesh.
 //
 // Elements are prisms of 6 or blocks of 8 nodes. The first half of the nodes is the plan polygon: a
 // triangle, or a quadrilateral divided from its first to its third node. Node and element numbers
@@ -67,8 +67,8 @@ struct FixedResGrid {
 bool pointInTri(const std::array<double, 3>& xs, const std::array<double, 3>& ys, double atX,
                 double atY);
 
-// Stores the least and greatest x and the least and greatest y, in this order, in `box`; zeros if
-// there are no values.
+// Stores the least and greatest x and the least and greatest y, in this order, in `box`. Without
+// values, stores zeros.
 void getBoundingBox(std::span<const double> xs, std::span<const double> ys,
                     std::array<double, 4>& box);
 

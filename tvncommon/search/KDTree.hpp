@@ -107,7 +107,7 @@ struct Tree {
     virtual void rangeSearchRec(std::int32_t nodeIndex, const Box<D>& box,
                                 std::vector<std::int32_t>& indices, std::int32_t& count) const;
 
-    // Creates the node of a range and its descendants; returns its index in `nodes`.
+    // Creates the node of a range and its descendants, and returns its index in `nodes`.
     virtual std::int32_t buildTree(std::int32_t first, std::int32_t last, std::int32_t depth,
                                    const Box<D>& box);
 

@@ -21,7 +21,7 @@ inline constexpr std::size_t fanOut = 8;
 
 using Point = search::Point<3>;
 
-// A box with its bounds. A new box is empty; infinite bounds are allowed.
+// A box with its bounds, which can be infinite. A new box is empty.
 struct Box {
     Point low, high;
     Box();
@@ -34,10 +34,10 @@ struct Block {
 };
 
 struct Tree {
-    std::vector<std::vector<Block>> levels; // from the groups up; the last has one block
+    std::vector<std::vector<Block>> levels; // from the groups up to a level with one block
 };
 
-// Returns the item numbers, from 0, in a spatial order. x, y, z are a point of each item; NaN and
+// Returns the item numbers, from 0, in a spatial order. x, y, z are a point of each item. NaN and
 // infinities count as the least value. Within runs of `runLength` items the order is arbitrary.
 std::vector<std::int32_t> spatialOrder(std::span<const double> x, std::span<const double> y,
                                        std::span<const double> z,
@@ -49,8 +49,8 @@ std::size_t groupCount(std::size_t items);
 // Extends the box of a group so that it contains an item from `low` to `high`.
 void extend(Box& box, const Point& low, const Point& high);
 
-// Builds the tree over the boxes of the groups and the smallest item number in each. Only
-// `nextContaining` uses the numbers; they may be empty for the other search.
+// Builds the tree over the boxes of the groups and the smallest item number in each. The numbers
+// are only for `nextContaining`, and can be empty for the other search.
 void build(Tree& tree, std::span<const Box> groups, std::span<const std::int32_t> lowestNumbers);
 
 // State of a search. The tree must not change until it ends.

@@ -13,7 +13,7 @@ namespace StringHelpers {
 std::string_view trimRight(std::string_view text);
 std::string_view trimLeft(std::string_view text);
 
-// Changes A to Z to lower case in place; other bytes are not changed.
+// Changes A to Z to lower case in place. Other bytes are not changed.
 void lcase(std::string& text);
 
 // Returns at most the first `width` characters, without trailing blanks.
@@ -25,18 +25,18 @@ bool equalPadded(std::string_view a, std::string_view b);
 // Returns the decimal text of a value, without leading blanks. A `format` such as "(I6)", "(I6.4)"
 // or "(I0)" gives the greatest width and the least number of digits. If the text is wider, the
 // result has stars, as many as the width. For any other format the result is empty and `iostat`
-// receives the status of a failed write; without `iostat` the run ends.
+// receives the status of a failed write. Without `iostat` the run ends.
 std::string toString_i4(std::int32_t value, std::string_view format = {}, int* iostat = nullptr);
 
 // Returns the text of a wide real (see number_formats.hpp) without blanks.
 std::string toString_r8(double value);
 
 // Reads a 32-bit real in free form. If that fails, `value` is not changed and `iostat` receives the
-// status; without `iostat` the run ends.
+// status. Without `iostat` the run ends.
 void str2r4(std::string_view text, float& value, int* iostat = nullptr);
 
-// Return the position of the first character from `start` on that is, or is not, in `chars`; the
-// trimmed length plus 1 if there is none. A `start` below 1 counts as 1.
+// Return the position of the first character from `start` on that is, or is not, in `chars`. If
+// there is none, return the trimmed length plus 1. A `start` below 1 counts as 1.
 std::size_t findFirstOf(std::string_view text, std::string_view chars, std::int64_t start = 1);
 std::size_t findFirstNotOf(std::string_view text, std::string_view chars, std::int64_t start = 1);
 

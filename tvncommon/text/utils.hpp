@@ -5,7 +5,7 @@
 
 namespace utils {
 
-// Returns the number of decimal digits; 1 for values up to 9 and for all negative values.
+// Returns the number of decimal digits, and 1 for all negative values.
 int numDigits(std::int32_t value);
 
 // Returns the decimal text with leading zeros to `width` digits, or `width` stars if it does not
@@ -13,7 +13,7 @@ int numDigits(std::int32_t value);
 std::string zeroPaddedIntString(std::int32_t value, int width);
 
 // Returns the local date and time with its offset from universal time, such as
-// "2024-05-31T17:04:09-04:00"; "Z" for an offset of 0.
+// "2024-05-31T17:04:09-04:00". An offset of 0 is written as "Z".
 std::string timestampUTC();
 
 } // namespace utils

@@ -67,7 +67,7 @@ constexpr std::uint64_t multiplier(Normalized x, const Decade& decade) {
     return x.significand >> (62 - x.binade - decade.scaleBinade);
 }
 
-// Returns the 17 digits of a number of the decade as an integer; a tie is rounded to the even
+// Returns the 17 digits of a number of the decade as an integer. A tie is rounded to the even
 // digit.
 constexpr std::uint64_t roundedDigits(Normalized x, const Decade& decade) {
     const std::uint64_t factor = multiplier(x, decade);

@@ -27,7 +27,7 @@ bool notEqualsComp(const UnitSystem& a, const UnitSystem& b);
 // Restores the state of a program start: texts of handle 0, temperatures in K.
 void reset();
 
-// Sets the unit system whose length and time texts are used; an unknown handle ends the run.
+// Sets the unit system whose length and time texts are used. An unknown handle ends the run.
 void setBaseUnits(std::int32_t handle);
 
 // Set the text of the temperature unit to "K" or "deg C".
@@ -40,7 +40,7 @@ std::string getDerivedUnit(std::string_view name);
 
 // Returns the text of a product of factors, in parentheses: "M * L^-3" gives "(kg m^-3)". A factor
 // is a name, or a name, "^" and an exponent. Factors with exponent 0 are omitted. "1" and a product
-// without factors give "(-)"; a blank expression gives an empty text. An exponent that does not
+// without factors give "(-)", a blank expression gives an empty text. An exponent that does not
 // begin with a number ends the run.
 std::string parseUnits(std::string_view expression);
 

@@ -19,10 +19,10 @@ SIUnits power_int(const SIUnits& a, std::int32_t exponent);
 SIUnits power_real(const SIUnits& a, float exponent);
 SIUnits power_real_dr(const SIUnits& a, double exponent);
 
-// Returns the factor that converts a value in SI units to this system; 1 for an unknown system.
+// Returns the factor that converts a value in SI units to this system, or 1 for an unknown system.
 double conversionFactor(const UnitSystem& unitSystem, const SIUnits& exponents);
 
-// Converts a value in SI units to this system; in system 0 the value is not changed.
+// Converts a value in SI units to this system. In system 0 the value is not changed.
 void convert(const UnitSystem& unitSystem, double& value, const SIUnits& exponents);
 
 // Write the handle to a file unit, and read it: as one record if the unit is open for records, as
