@@ -36,16 +36,16 @@ std::string onOneLine(std::string message) {
 Outcome attempt(const std::function<void()>& step) {
     Outcome outcome;
     std::vector<std::string> messages;
-    std::vector<std::string>* const former = error::collectMessages(&messages);
+    std::vector<std::string>* const previous = error::collectMessages(&messages);
     try {
         step();
     } catch (const error::RunEnded&) {
         outcome.ended = true;
     } catch (...) {
-        error::collectMessages(former);
+        error::collectMessages(previous);
         throw;
     }
-    error::collectMessages(former);
+    error::collectMessages(previous);
     for (std::string& message : messages) outcome.messages.push_back(onOneLine(std::move(message)));
     return outcome;
 }

@@ -6,14 +6,14 @@
 
 namespace check {
 
-// What a step of a run did.
+// The result of a step of a run.
 struct Outcome {
-    bool ended = false;                // it would have ended the run
+    bool ended = false;                // the step would have ended the run
     std::vector<std::string> messages; // of its banners, each on one line
 };
 
-// Runs a step of meshrake, which may end the run, and keeps its banners. Files that the step left
-// open are closed if it ended the run; so are all others that have a unit.
+// Runs a step of meshrake, which may end the run, and returns the messages of its banners. If it
+// ended the run, all files that have a unit are closed.
 Outcome attempt(const std::function<void()>& step);
 
 } // namespace check

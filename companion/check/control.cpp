@@ -172,8 +172,8 @@ bool isKnownLine(const std::string& folded) {
     return false;
 }
 
-// A value could not be read. If it was left out, the line in its place is read again; further lines
-// of values are skipped.
+// Continues after a value that could not be read. If the value is missing, its line is read again
+// as an instruction. Otherwise further lines of values are skipped.
 void passValues() {
     const std::size_t at = text.next - 1;
     if (text.lines[at].isValue && isKnownLine(text.lines[at].folded)) {
@@ -223,8 +223,8 @@ std::string nearestText(const std::string& folded, const std::vector<std::string
     return found.empty() ? "" : "; the nearest instruction is " + quoted(found);
 }
 
-// Where a line that is not an instruction of its section would be one.
-std::string placeOf(const ControlLine& line) {
+// Returns a text about the section in which the line is an instruction, or an empty text.
+std::string properSection(const ControlLine& line) {
     if (contains(instructionLines(Section::first, nullptr), line.folded))
         return "it belongs in the first section, before the first \"end\"";
     if (contains(instructionLines(Section::afterFirst, nullptr), line.folded))
@@ -241,7 +241,7 @@ std::string placeOf(const ControlLine& line) {
 
 void reportUnrecognized(Work& work, const ControlLine& line, const std::string& why,
                         const std::vector<std::string>& known) {
-    const std::string place = placeOf(line);
+    const std::string place = properSection(line);
     addFinding(work, "unknown_instruction", line,
                quoted(line.text) + " " + why + " and is skipped" +
                    (place.empty() ? nearestText(line.folded, known) : ": " + place));

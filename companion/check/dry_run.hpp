@@ -10,7 +10,7 @@
 
 namespace check {
 
-// The result files are tested instead of read from now on, and nothing is written.
+// Makes all later steps test result files instead of reading them, and write nothing.
 void beginDryRun(Work& work);
 
 // A column of a data set.
@@ -26,23 +26,24 @@ struct ColumnTrack {
 struct DomainTrack {
     model::Domain* domain = nullptr;
     bool isOpen = false;                // its data set was begun
-    std::vector<bool> declared{};       // by row of the table: the data set has the variable
-    std::vector<std::string> files{};   // by row: a file that was tested, without its index
-    std::vector<ColumnTrack> columns{}; // by number of the variable, less 1
+    std::vector<bool> declared{};       // of each row of the table: the data set has the variable
+    std::vector<std::string> files{};   // of each row: a file that was tested, without its index
+    std::vector<ColumnTrack> columns{}; // index: number of the variable minus 1
 };
 
-// Goes through the output times as a run does, with all passes of all domains, and fills the times
-// of the report. All faults of the files and times are findings.
+// Processes the output times as a run does, with all passes of all domains, and fills the times of
+// the report. All faults of files and times become findings.
 void passOutputTimes(Work& work, std::vector<DomainTrack>& tracks);
 
-// Declares, at the current output time, the variables that the data set of the domain lacks, and
-// puts the domain back to what it was. Returns the rows that have a file now, with that file; rows
-// that the control file disables are among them.
+// A variable that is not in the data set, but has a file at the current output time.
 struct LateVariable {
-    std::size_t row = 0;
+    std::size_t row = 0; // of the domain's table of variables
     std::string file{};
-    bool isDisabled = false;
+    bool isDisabled = false; // by the control file
 };
+
+// Declares all variables that are not in the data set of the domain, returns those with a file, and
+// restores the state of the domain.
 std::vector<LateVariable> lateVariables(Work& work, DomainTrack& track);
 
 } // namespace check

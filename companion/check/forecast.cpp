@@ -48,11 +48,12 @@ void reportMissing(Work& work, const DomainReport& domain, const VariableReport&
 
 // Neighbouring columns of one variable with the same states are one entry.
 void addVariables(DomainReport& domain, const DomainTrack& track) {
-    const ColumnTrack* former = nullptr;
+    const ColumnTrack* previous = nullptr;
     for (const ColumnTrack& column : track.columns) {
-        const bool isSame = former && former->row == column.row && former->cells == column.cells &&
-                            former->type == column.type && former->location == column.location;
-        former = &column;
+        const bool isSame = previous && previous->row == column.row &&
+                            previous->cells == column.cells && previous->type == column.type &&
+                            previous->location == column.location;
+        previous = &column;
         if (isSame) {
             domain.variables.back().names.push_back(column.name);
             continue;
@@ -119,9 +120,9 @@ void reportDomains(Work& work, const std::vector<DomainTrack>& tracks) {
 void checkTimes(Work& work) {
     const std::vector<TimeReport>& times = work.report.times;
     for (std::size_t t = 1; t < times.size(); ++t) {
-        double former = 0, time = 0;
-        if (free_form::readReal(times[t - 1].text, former) != io_layer::ok ||
-            free_form::readReal(times[t].text, time) != io_layer::ok || time > former)
+        double previous = 0, time = 0;
+        if (free_form::readReal(times[t - 1].text, previous) != io_layer::ok ||
+            free_form::readReal(times[t].text, time) != io_layer::ok || time > previous)
             continue;
         work.report.findings.push_back({.kind = "time_order",
                                         .file = times[t].file,

@@ -4,8 +4,8 @@
 
 namespace check {
 
-// Reports what keeps the comparisons that the control file requests from being made, and
-// observations that are outside the mesh. Call it after the output times.
+// Reports requested comparisons that are not possible, with the reason, and observations outside
+// the mesh. Call it after the output times.
 void checkObservations(Work& work);
 
 } // namespace check

@@ -11,7 +11,7 @@ namespace check {
 void findProblem(Work& work, const std::string& folderOrPrefix);
 
 // Reads title, species, mixing fractions and the meshes of all domains. A domain that cannot be
-// read becomes one that does not exist.
+// read is treated as one that does not exist.
 void readProblem(Work& work);
 
 } // namespace check

@@ -6,15 +6,15 @@
 #include <string_view>
 #include <vector>
 
-// What `meshrake-tool check` found: what a run of meshrake over a problem would do, and what would
-// end it or make its plot files differ from what the modeller expects.
+// The result of `meshrake-tool check`: the output of a run of meshrake over a problem, and
+// findings, which would end the run or make its plot files differ from those that the user expects.
 namespace check {
 
 struct Finding {
     std::string_view kind{};           // for programs, such as "missing_file"
-    std::string file{};                // empty: no single file
-    int line = 0;                      // of the file, from 1; 0: none
-    std::vector<std::int32_t> times{}; // indices of the output times; empty: of all or none
+    std::string file{};                // empty if it is not about one file
+    int line = 0;                      // of the file, from 1, or 0 for none
+    std::vector<std::int32_t> times{}; // indices of the output times, empty for all or none
     std::string text{};                // a sentence without full stop
     bool endsRun = false;
 };
@@ -42,7 +42,7 @@ const CellWord& wordOf(CellState state);
 // Columns of one variable with the same states.
 struct VariableReport {
     std::vector<std::string> names{};
-    std::string file{}; // without the index of the output time; empty: computed
+    std::string file{}; // without the index of the output time, empty for computed columns
     std::string type{}; // such as "real8"
     bool ofElements = false;
     std::vector<CellState> cells{}; // one for each entry of Report::times
@@ -50,9 +50,9 @@ struct VariableReport {
 
 struct DomainReport {
     std::string tag{};
-    bool ownNodes = true; // false: the nodes are those of pm
+    bool ownNodes = true; // otherwise the nodes are those of pm
     bool isWritten = false;
-    std::string remark{};                 // why it is not written, or that it is damaged
+    std::string remark{};                 // the reason why it is not written
     std::int64_t nodes = 0, elements = 0; // of the mesh
     std::int64_t writtenNodes = 0, writtenElements = 0;
     std::string elementShape{}; // zone type of the plot file
@@ -66,9 +66,9 @@ struct DomainReport {
 struct TimeReport {
     std::int32_t index = 0;
     std::string suffix{};   // index as in file names
-    std::string text{};     // time as it is in the plot file
-    std::string file{};     // whose header has the time
-    bool isWritten = false; // false: outside the time window
+    std::string text{};     // the time, as in the plot file
+    std::string file{};     // its header has the time
+    bool isWritten = false; // the time is in the time window
 };
 
 // A line of the control file that has an effect, with its values.
@@ -79,17 +79,17 @@ struct Selection {
 
 struct Report {
     std::string folder{}, prefix{}, title{};
-    std::string controlFile{}; // empty: all defaults
+    std::string controlFile{}; // empty without one, when all options have their defaults
     std::vector<Selection> selections{};
-    std::vector<DomainReport> domains{}; // that exist, in the order of the plot files
+    std::vector<DomainReport> domains{}; // existing ones, in the order of the plot files
     std::vector<TimeReport> times{};
     std::vector<std::string> unreadFiles{}; // kinds of result files that no variable reads
     std::int64_t bytesNeeded = 0;           // of all data sets
-    std::int64_t bytesFree = -1;            // on the disk; below 0: unknown
+    std::int64_t bytesFree = -1;            // on the disk, negative if unknown
     std::vector<Finding> findings{};
 };
 
-// Ascending numbers as text, such as "4, 7 to 9".
+// Returns ascending numbers as a text such as "4, 7 to 9".
 std::string rangesText(const std::vector<std::int32_t>& numbers);
 
 } // namespace check

@@ -16,15 +16,15 @@ struct FileFault {
 };
 
 struct FileTest {
-    std::vector<FileFault> faults{}; // the worst first
+    std::vector<FileFault> faults{}; // the most severe one first
     std::string timeStamp{};         // of the header, empty if it cannot be read
 };
 
-// Tests whether the file has the values that a run reads, without reading them: its header and the
-// lengths of its records.
+// Tests whether the file has the values that a run reads. Reads only its header and the lengths of
+// its records.
 FileTest testResultFile(const plot_data::ResultFile& file);
 
-// The text of a finding for a header that ended a run with this message.
+// Returns the text of a finding for a header that ended a run with this message.
 std::string malformedText(const std::string& message);
 
 } // namespace check

@@ -13,9 +13,9 @@ using screen::printable;
 
 namespace {
 
-constexpr std::size_t mostColumns = 60; // output times that are shown with a sign each
+constexpr std::size_t maximumColumns = 60; // output times that are shown with a sign each
 constexpr std::size_t lineWidth = 100;
-constexpr std::size_t mostNames = 30; // characters of the names of a variable in the table
+constexpr std::size_t maximumNameWidth = 30; // characters of the names of a variable in the table
 
 std::string padded(std::string text, std::size_t width) {
     if (text.size() < width) text.append(width - text.size(), ' ');
@@ -173,11 +173,11 @@ std::string statesOf(const Report& report, const VariableReport& variable) {
 }
 
 std::string variablesTable(const Report& report, const DomainReport& domain) {
-    const bool withSigns = report.times.size() <= mostColumns;
+    const bool withSigns = report.times.size() <= maximumColumns;
     std::size_t names = 0;
     for (const VariableReport& variable : domain.variables)
         names = std::max(names, joined(variable.names).size());
-    names = std::min(names, mostNames);
+    names = std::min(names, maximumNameWidth);
     constexpr std::size_t typeWidth = 16;
     std::string out = "\nVariables of " + domain.tag + '\n';
     if (withSigns) out += columnHeads(report, 2 + names + 2 + typeWidth);
@@ -201,7 +201,7 @@ std::string legend(const Report& report) {
     for (const CellState state : used)
         out += (out.empty() ? "\n" : "   ") + std::string(1, wordOf(state).sign) + " " +
                std::string(wordOf(state).word);
-    return out.empty() || report.times.size() > mostColumns ? "" : out + '\n';
+    return out.empty() || report.times.size() > maximumColumns ? "" : out + '\n';
 }
 
 std::string locationOf(const Finding& finding) {

@@ -117,9 +117,9 @@ void findLateVariables(Work& work, DomainTrack& track, const FilesByTime& files)
 // Index at which the loop over the output times ended. An index that has no file in the list of
 // those from which a run takes the time ends it, also if it has other files.
 void findGap(Work& work, std::int32_t end, const FilesByTime& files) {
-    std::vector<std::int32_t> behind;
+    std::vector<std::int32_t> later;
     for (const auto& [index, names] : files)
-        if (index > end && hasTimeFile(index)) behind.push_back(index);
+        if (index > end && hasTimeFile(index)) later.push_back(index);
     const auto here = files.find(end);
     if (here != files.end() && !hasTimeFile(end)) {
         work.report.findings.push_back(
@@ -128,16 +128,16 @@ void findGap(Work& work, std::int32_t end, const FilesByTime& files) {
              .times = {end},
              .text = "no file of this output time is of a kind from which a run takes the time, "
                      "so the plot files end before it"});
-    } else if (!behind.empty()) {
+    } else if (!later.empty()) {
         work.report.findings.push_back({.kind = "gap",
                                         .times = {end},
                                         .text = "this output time has no result files, so the "
                                                 "plot files end before it"});
     }
-    if (!behind.empty())
+    if (!later.empty())
         work.report.findings.push_back(
             {.kind = "after_gap",
-             .times = behind,
+             .times = later,
              .text = "result files after the gap are not in the plot files"});
 }
 

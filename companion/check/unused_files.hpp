@@ -4,8 +4,9 @@
 
 namespace check {
 
-// Reports what keeps result files out of the plot files: variables whose files begin at a later
-// output time, gaps between the output times, and kinds of files that no variable reads.
+// Reports result files that are not in the plot files: variables whose files begin at a later
+// output time, files after a gap between the output times, and kinds of files that no variable
+// reads.
 void findUnusedFiles(Work& work, std::vector<DomainTrack>& tracks);
 
 } // namespace check

@@ -27,7 +27,7 @@ struct Work {
 // Adds the messages of a step as findings. All but the last are warnings of the run.
 void addMessages(Work& work, const Outcome& outcome, const Finding& finding);
 
-// Runs a step and adds its messages; false if the step would have ended the run.
+// Runs a step and adds its messages. Returns false if the step would have ended the run.
 bool tryStep(Work& work, const Finding& finding, const std::function<void()>& step);
 
 } // namespace check

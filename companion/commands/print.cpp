@@ -1,4 +1,4 @@
-// The lines are those of a text data set; every array follows the name of its variable.
+// Prints the lines of a text data set. Every array follows the name of its variable.
 
 #include "companion/commands/commands.hpp"
 #include "companion/data_set/data_set_file.hpp"
@@ -30,7 +30,8 @@ constexpr const char* zoneTypes[] = {
 constexpr std::int64_t valuesPerRow = 5;
 constexpr std::size_t blockBytes = 65536;
 
-// Numbers, from 1, of the variables in a list, or nothing for none.
+// Returns the numbers, from 1, of the variables in a list, between two texts. Without variables it
+// returns an empty text.
 template<class List>
 std::string numbersOf(const List& list, const char* before, const char* after) {
     std::string numbers;
@@ -51,7 +52,7 @@ void append(std::string& out, std::int32_t value) {
     out += std::to_string(value);
 }
 
-void printHead(const DataSet& set) {
+void printHeader(const DataSet& set) {
     std::string out = "TITLE = \"" + printable(set.title) + "\"\nVARIABLES = ";
     for (std::size_t v = 0; v < set.variables.size(); ++v)
         out += (v > 0 ? ",\"" : "\"") + printable(set.variables[v]) + '"';
@@ -108,7 +109,7 @@ void printArrays(const File& file, const DataSet& set, const Zone& zone) {
 int print(const Options& options) {
     File file(options.file);
     const DataSet set = scan(file);
-    printHead(set);
+    printHeader(set);
     for (const Zone& zone : set.zones) {
         printZoneLines(zone);
         if (!options.headersOnly) printArrays(file, set, zone);

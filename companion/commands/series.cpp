@@ -1,7 +1,7 @@
 #include "companion/commands/commands.hpp"
 #include "companion/data_set/data_set_file.hpp"
 #include "companion/screen/screen.hpp"
-#include "companion/series/places.hpp"
+#include "companion/series/nearest.hpp"
 
 #include <CLI/CLI.hpp>
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-// Reads the parts of a header one after the other. All parts are 32-bit words or arrays of them.
+// Reads the parts of a header in sequence. All parts consist of 32-bit words.
 namespace data_set_file {
 
 [[noreturn]] void fail(const File& file, std::int64_t position, const std::string& fault);
@@ -27,7 +27,7 @@ void require(const Cursor& cursor, bool condition, const char* fault);
 
 void takeBytes(Cursor& cursor, void* into, std::int64_t bytes);
 
-// Moves the cursor to the end of an array that is not read; returns where the array begins.
+// Moves the cursor to the end of an array without reading it. Returns the position of the array.
 std::int64_t skip(Cursor& cursor, std::int64_t count, std::int64_t bytesEach);
 
 template<class T = std::int32_t>

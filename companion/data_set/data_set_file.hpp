@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-// Reads binary data sets, without any of the code that writes them. docs/formats.md, "Binary data
-// set", describes the layout. Every function throws std::runtime_error with the name of the file,
-// the position and the fault for a file that cannot be read or that is not in the layout. Counts
+// Reads binary data sets. It shares no code with the writer. docs/formats.md, "Binary data set",
+// describes the layout. Every function throws std::runtime_error, with the name of the file, the
+// position and the fault, for a file that cannot be read or that does not have this layout. Counts
 // are compared with the size of the file before memory is allocated.
 namespace data_set_file {
 
@@ -20,18 +20,18 @@ struct Zone {
     std::int32_t strand = -1; // below 0: the zone has no time
     double time = 0;
     std::int64_t nodes = 0, elements = 0;
-    std::vector<std::int32_t> types;    // by variable: 1 float, 2 double, 3 32-bit integer
+    std::vector<std::int32_t> types;    // of each variable: 1 float, 2 double, 3 32-bit integer
     std::vector<bool> centred;          // the variable has a value for each element
-    std::vector<std::int32_t> shares;   // zone from 1 that has the values, 0: this one
-    std::int32_t connectivityShare = 0; // zone from 1 that has the node lists, 0: this one
+    std::vector<std::int32_t> shares;   // zone from 1 that has the values, or 0 for this one
+    std::int32_t connectivityShare = 0; // zone from 1 that has the node lists, or 0 for this one
 
-    // Where the arrays are in the file, those of shared ones in the data of the earlier zone.
-    std::vector<std::int64_t> valuesAt; // by variable
+    // Positions of the arrays in the file. Shared arrays are in the data of an earlier zone.
+    std::vector<std::int64_t> valuesAt; // of each variable
     std::int64_t elementNodesAt = 0;
     std::vector<double> ranges; // least and greatest value of each variable that is not shared
 
-    // Filled by `read` alone; empty where shared. The values are 64-bit reals, which hold those of
-    // every type.
+    // Only `read` fills these. Shared arrays are empty. Values are converted to 64-bit reals, which
+    // is exact for all types.
     std::vector<std::vector<double>> values;
     std::vector<std::int32_t> elementNodes; // from 1, element by element
 };
@@ -46,7 +46,7 @@ struct DataSet {
     std::int64_t trailing = 0; // bytes after the last zone
 };
 
-// A file that is open for reading; the destructor closes it.
+// A file that is open for reading. The destructor closes it.
 struct File {
     explicit File(std::string name);
     ~File();

@@ -16,7 +16,7 @@ void takeConstant(Cursor& cursor, std::int32_t value, const char* fault) {
     takeBetween(cursor, value, value, fault);
 }
 
-void takeHead(Cursor& cursor, DataSet& set) {
+void takeFileHeader(Cursor& cursor, DataSet& set) {
     const std::vector<char> magic = takeMany<char>(cursor, 8);
     require(cursor, std::string(magic.begin(), magic.end()) == "#!TDV112", "not a binary data set");
     takeConstant(cursor, 1, "another byte order");
@@ -140,7 +140,7 @@ void updateSize(File& file) {
 DataSet scan(File& file) {
     Cursor cursor{file};
     DataSet set;
-    takeHead(cursor, set);
+    takeFileHeader(cursor, set);
     takeZoneHeaders(cursor, set);
     updateSize(file);
     for (std::size_t z = 0; z < set.zones.size(); ++z) takeZoneData(cursor, set, z);

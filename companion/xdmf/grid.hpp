@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-// A data set as it is shown by an index.
+// A data set with the names that an index shows.
 namespace xdmf {
 
 struct Vector {

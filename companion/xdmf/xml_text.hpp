@@ -9,8 +9,8 @@ namespace xdmf {
 // True if the bytes are UTF-8 of characters that XML permits, or of control characters.
 bool isUtf8(std::string_view text);
 
-// Returns a name for an attribute or a text in XML. Bytes that are not UTF-8 are taken as
-// Latin-1, control characters become escapes such as "\x1b".
+// Returns a name for an attribute or a text in XML. A name that is not UTF-8 is read as Latin-1.
+// Control characters become escapes such as "\x1b".
 std::string xmlName(std::string_view name);
 
 // Returns a file name for XML, which must be read back as it is. Throws std::runtime_error for a

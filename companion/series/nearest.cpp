@@ -1,4 +1,4 @@
-#include "companion/series/places.hpp"
+#include "companion/series/nearest.hpp"
 
 #include <algorithm>
 #include <limits>
