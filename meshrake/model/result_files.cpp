@@ -100,8 +100,8 @@ std::string timeFileName(std::string_view stem, std::string_view suffix) {
     return problemFile(kind + end);
 }
 
-// Usually the kind of file that was found last also exists at the next output time. Returns the
-// header, empty if it does not.
+// Tries the kind of file that was found last, which usually also exists at the next output time.
+// Returns its header, or an empty text if it does not exist.
 std::string headerOfSameKind(std::string_view suffix) {
     const std::size_t point = run.timeFile.rfind('.');
     if (point == std::string::npos)
@@ -112,8 +112,8 @@ std::string headerOfSameKind(std::string_view suffix) {
     return header;
 }
 
-// Finds a result file with this suffix, puts its name into `run.timeFile` and returns its header,
-// empty if there is no such file.
+// Finds a result file with this suffix, puts its name into `run.timeFile` and returns its header.
+// Returns an empty text if no such file exists.
 std::string headerOfTimeFile(std::string_view suffix) {
     std::string header;
     if (run.timeFileKnown) header = headerOfSameKind(suffix);

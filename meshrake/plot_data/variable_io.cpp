@@ -103,7 +103,7 @@ namespace {
 
 using TVNBinaryFile::Missing;
 
-// In place of a read. Returns what the read would.
+// Tests a file in a dry run instead of reading it. Returns the result that the read would have.
 bool test(const ResultFile& file, Missing missing) {
     if (missing == Missing::returnsFalse && !file_units::exists(file.name)) return false;
     run.dryRun->testFile(file);

@@ -114,8 +114,8 @@ void declareColumn(Domain& domain, Column& column, std::string_view name, std::s
 // the run if memory is exhausted.
 void allocateColumn(const Domain& domain, Column& column, std::string_view arrayText);
 
-// Reads a result file whose records have the components of the columns. A file of another length or
-// a damaged one ends the run.
+// Reads a result file with a component for each column. A missing or damaged file, and one with too
+// few values, end the run.
 void readColumns(const Domain& domain, std::span<Column> columns, const std::string& name);
 
 // The same, but returns false if the file does not exist.

@@ -50,8 +50,8 @@ BinaryHeader parseTVNBinFileHeader(std::string_view header, const std::string& f
 
 bool isNewerFileFormat(std::string_view header);
 
-// What happens if the file does not exist: the run ends as after any other failed open, or the
-// function returns false and leaves arrays and header unchanged.
+// The effect of a missing file: it ends the run like any other failed open, or the function returns
+// false and does not change arrays and header.
 enum class Missing { endsRun, returnsFalse };
 
 // Read a file of one component into the caller's array of `n` values. If the record is longer, its

@@ -38,8 +38,8 @@ int openTextReplace(const std::string& path, io_layer::Flush flush);
 int openTextForCommit(const std::string& path);
 int openRecordsRead(const std::string& path);
 
-// Opens a file of records with one system call, see `io_layer::openRecordsUnchecked`. Returns 0 if
-// no file of that name exists and it may be missing.
+// Opens a file of records with one system call, see `io_layer::openRecordsUnchecked`. Returns 0 for
+// a missing file if `mayBeMissing`. Any other failure ends the run.
 int openResultFile(const std::string& path, bool mayBeMissing);
 
 // Open an existing file for reading, as text or as records. The banner for a missing file is "File

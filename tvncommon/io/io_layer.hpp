@@ -72,8 +72,8 @@ int openTextRead(int unit, const std::string& path);
 int openTextReplace(int unit, const std::string& path, Flush flush);
 int openRecordsRead(int unit, const std::string& path);
 int openRecordsReplace(int unit, const std::string& path);
-// The same as `openRecordsRead` in one system call, for many small files: only a read finds out
-// that the name is that of a folder or a pipe, and fails.
+// The same as `openRecordsRead` with one system call, which matters for many small files. A folder
+// or a pipe is opened too, and its first read fails.
 int openRecordsUnchecked(int unit, const std::string& path);
 
 // Open a new file that replaces `path` at `commitUnit`; until then `path` is not changed. A device,

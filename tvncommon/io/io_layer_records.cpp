@@ -15,8 +15,9 @@ namespace {
 
 using system_calls::table;
 
-// Reads a large piece into the caller's array, without the buffer, and returns its number of bytes.
-// The same call fills the empty buffer: with the end of the record, and often that of the file.
+// Reads many bytes into the caller's array, without the buffer, and returns their number. The same
+// system call fills the empty buffer with the following bytes: the end of the record, and often of
+// the file.
 std::int64_t readLarge(Connection& c, char* into, std::int64_t size, std::int64_t position) {
     if (c.size != unbounded) return readSome(c, into, size, position);
     if (c.readBuffer.empty()) c.readBuffer.resize(readBufferSize);

@@ -46,7 +46,7 @@ Connection* find(int unit);
 // Writes pending text and clears it, also after a failure.
 int flushPending(Connection& c);
 
-// Sets what `infoKnown` lists, if the open left it out.
+// Sets the members that `infoKnown` lists, if the open has not set them.
 void completeInfo(Connection& c);
 
 // Reads at `position` what one system call returns, and returns the number of bytes: 0 at the end

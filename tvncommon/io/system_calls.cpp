@@ -38,8 +38,8 @@ int openFile(const char* path, OpenMode mode) {
     // Without O_NONBLOCK the open of a pipe would wait until another process opens its other end.
     const int access = accessOf(mode);
     const int descriptor = ::open(path, access | O_CLOEXEC | O_NONBLOCK, 0666);
-    // Reads keep the flag: on a regular file it changes nothing, and on a pipe a read does not
-    // wait.
+    // A file for reading keeps the flag. It has no effect on a regular file, and a read of a pipe
+    // does not wait.
     if (descriptor >= 0 && mode != OpenMode::read) ::fcntl(descriptor, F_SETFL, 0);
     return descriptor;
 }
