@@ -177,17 +177,17 @@ void writeMeshElements(const Problem& problem, const Domain& domain, RecordFile&
 
 void writeWallElements(const Problem& problem, const Domain& olf, RecordFile& file) {
     const problem_mesh::Mesh& mesh = problem.mesh;
-    std::vector<std::int32_t> beside;
+    std::vector<std::int32_t> adjacentWall;
     std::vector<std::int32_t> side;
     const std::int32_t cellsPerQuad = mesh.prisms ? 2 : 1;
     const problem_mesh::WallLine wall = problem_mesh::wallLine(mesh);
     for (std::int32_t cell = 0; cell < static_cast<std::int32_t>(mesh.cells.size()); ++cell) {
         const std::int32_t i = cell / cellsPerQuad % mesh.nx;
         const bool touches = olf.centres[static_cast<std::size_t>(cell)].column.wall;
-        beside.push_back(problem.walls && touches ? 1 : 0);
+        adjacentWall.push_back(problem.walls && touches ? 1 : 0);
         side.push_back(i < wall.i ? 1 : 2);
     }
-    record_file::int32ListRecord(file, beside);
+    record_file::int32ListRecord(file, adjacentWall);
     record_file::logicalRecord(file, problem.walls);
     if (problem.walls) record_file::int32ListRecord(file, side);
 }

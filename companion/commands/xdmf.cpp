@@ -117,7 +117,7 @@ Run addXdmf(CLI::App& app) {
                    "Index to write; by default FILE with the ending .xdmf, or PREFIX.xdmf for "
                    "several domains of a problem");
     app.footer("The index shows all output times of the data sets in a viewer that reads XDMF. It\n"
-               "contains no values: keep the data sets at the same position beside it.");
+               "contains no values, so keep the data sets at the same position relative to it.");
     app.parse_complete_callback([options] {
         if (options->index.empty()) options->index = defaultIndex(options->files);
     });

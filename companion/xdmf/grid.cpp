@@ -27,7 +27,7 @@ constexpr VectorRow vectorTable[] = {
     {"q", {"qx", "qy", "qz"}},
 };
 
-// Isopachs, whose zones have zone numbers in place of output times, have another name for Z.
+// Isopachs, whose zones have zone numbers instead of output times, have another name for Z.
 constexpr std::array<std::string_view, 3> coordinateNames{"X", "Y", "Z"};
 constexpr std::array<std::string_view, 3> isopachCoordinates{"X", "Y", "Z(isopach top)"};
 

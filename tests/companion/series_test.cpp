@@ -96,7 +96,7 @@ TEST_F(Series, UnitsAndQuotes) {
     EXPECT_THAT(units.screen, testing::StartsWith("Time (s),Head (m) node 1\n0,"));
 }
 
-// Beside the headers it reads 8 bytes for each output time, and nothing twice.
+// Besides the headers it reads 8 bytes for each output time, and no byte twice.
 TEST_F(Series, ReadsOnlyTheBytesItNeeds) {
     made_set::Shape shape{.variables = {"a", "b", "Head"}, .elements = 1000};
     for (int t = 1; t < 100; ++t) shape.times.push_back(t);

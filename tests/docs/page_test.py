@@ -3,7 +3,7 @@
     page_test.py PAGE PYTHON_FOLDER PROGRAM...
 
 Runs each fenced block of `sh` and `python` in turn; all must succeed. Each line of a block of
-`text` must be in what the block before it printed; a line of dots stands for any lines. A block
+`text` must be in what the block before it printed; a line of dots means any lines. A block
 that begins with "# needs PROGRAM" is left out where that program is not installed. A comment
 <!-- run: COMMAND --> is run like a block. A block begins in the folder where the last one ended.
 """

@@ -9,7 +9,7 @@ namespace file_replacement {
 
 struct Replacement {
     std::string target;  // the file that is replaced, after all links of its name were followed
-    std::string newFile; // name of the new file; empty if written in place, and once it is gone
+    std::string newFile; // name of the new file; empty if written in place or after its removal
 };
 
 // Whether a target that can be written may be written in place if no new file can be created.

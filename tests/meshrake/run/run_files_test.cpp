@@ -232,7 +232,7 @@ TEST_F(RunFiles, TwoPrefixesAtOnce) {
     EXPECT_EQ(get("batch.pfx.unfinished"), "of the other run");
 }
 
-// The file is not changed while another run has it. After the wait the file may be gone: the run
+// The file is not changed while another run has it. After the wait the file may not exist: the run
 // then creates it, or uses the file that a third run has created.
 TEST_F(RunFiles, ARunWaitsForTheScratchFile) {
     for (const bool replaced : {false, true}) {
