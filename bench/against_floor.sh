@@ -34,7 +34,9 @@ measured() {
     }
 }
 
-median() { sort -n "$1" | awk '{ line[NR] = $0 } END { print line[int((NR + 1) / 2)] }'; }
+# What else runs only adds to a time. On a virtual machine so does memory that its host has to provide
+# first, which can double the time of a write.
+least() { sort -n "$1" | head -n 1; }
 
 # make_problem OPTION...: keeps a problem of the same options.
 make_problem() {
@@ -82,10 +84,10 @@ measure() {
         numbers=$(measured "$folder" "$build/bench/floor" "$copy" "$folder/list")
         [ "$i" -eq 0 ] || echo "${numbers%% *}" >>"$folder/floor.seconds"
     done
-    run=$(median "$folder/run.seconds")
-    floor=$(median "$folder/floor.seconds")
+    run=$(least "$folder/run.seconds")
+    floor=$(least "$folder/floor.seconds")
     table_row "$text" "$run s" "$floor s" "$(ratio "$run" "$floor")" "$must" "$aim"
-    run=$(median "$folder/synced.seconds")
+    run=$(least "$folder/synced.seconds")
     printf '%-42s %12s %12s %8s\n' "  with its syncs" "$run s" "" "$(ratio "$run" "$floor")"
 }
 
@@ -96,17 +98,17 @@ table_head
 for row in "${rows[@]}"; do
     case $row in
     large-binary)
-        measure "binary, 1 million nodes, 3 times" binary 9 1.8 1.5 "${large[@]}" ;;
+        measure "binary, 1 million nodes, 3 times" binary 15 1.8 1.5 "${large[@]}" ;;
     small-binary-600)
         measure "binary, small files, 600 times" binary 3 1.6 1.3 "${small[@]}" --times 600 ;;
     small-binary-100)
-        measure "binary, small files, 100 times" binary 5 1.3 1.15 "${small[@]}" --times 100 ;;
+        measure "binary, small files, 100 times" binary 11 1.3 1.15 "${small[@]}" --times 100 ;;
     small-text-600)
-        measure "text, small files, 600 times" text 1 1.7 1.5 "${small[@]}" --times 600 ;;
+        measure "text, small files, 600 times" text 2 1.7 1.5 "${small[@]}" --times 600 ;;
     small-text-100)
-        measure "text, small files, 100 times" text 3 1.7 1.5 "${small[@]}" --times 100 ;;
+        measure "text, small files, 100 times" text 5 1.7 1.5 "${small[@]}" --times 100 ;;
     large-text)
-        measure "text, 1 million nodes, 3 times" text 5 3.5 3.0 "${large[@]}" ;;
+        measure "text, 1 million nodes, 3 times" text 7 3.5 3.0 "${large[@]}" ;;
     *)
         echo "against_floor.sh: no row is called $row" >&2
         exit 2 ;;
