@@ -14,6 +14,8 @@ set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 # shellcheck source=bench/table.sh
 source "$root/bench/table.sh"
+# shellcheck source=bench/measuring.sh
+source "$root/bench/measuring.sh"
 
 build=$(realpath "$1")
 shift
@@ -27,17 +29,6 @@ problem=$folder/problem
 copy=$folder/copy
 problem_options=
 
-measured() {
-    "$build/bench/run_measured" "$@" 2>"$folder/errors" || {
-        cat "$folder/errors" >&2
-        return 1
-    }
-}
-
-# What else runs only adds to a time. On a virtual machine so does memory that its host has to provide
-# first, which can double the time of a write.
-least() { sort -n "$1" | head -n 1; }
-
 # make_problem OPTION...: keeps a problem of the same options.
 make_problem() {
     [ "$problem_options" != "$*" ] || return 0
@@ -47,8 +38,7 @@ make_problem() {
     (cd "$problem" && "$build/meshrake/meshrake" --make_plot_control >/dev/null 2>&1)
     mv "$problem/large.plot.control" "$folder/template"
     rm -f "$problem/largeo.meshrake.eco"
-    # What the control file does not request is not read, and is not read by the floor either.
-    find "$problem" -type f -printf 'read %p\n' | sort >"$folder/inputs"
+    list_inputs "$problem" >"$folder/inputs"
     find "$problem" -type f -exec cat {} + >/dev/null
     sync
 }
@@ -76,18 +66,13 @@ measure() {
         [ "$i" -eq 0 ] || echo "${numbers%% *}" >>"$folder/synced.seconds"
         numbers=$(run_meshrake "$mode" LD_PRELOAD="$build/bench/libsync_times.so")
         [ "$i" -eq 0 ] || echo "${numbers%% *}" >>"$folder/run.seconds"
-        find "$problem" \( -name '*.szplt' -o -name 'largeo.*.dat' \) -printf 'write %s %p\n' |
-            cat "$folder/inputs" - >"$folder/list"
-        rm -f "$problem"/largeo.*.szplt "$problem"/largeo.*.dat
-        mkdir "$copy"
-        sync
-        numbers=$(measured "$folder" "$build/bench/floor" "$copy" "$folder/list")
+        numbers=$(run_floor)
         [ "$i" -eq 0 ] || echo "${numbers%% *}" >>"$folder/floor.seconds"
     done
-    run=$(least "$folder/run.seconds")
-    floor=$(least "$folder/floor.seconds")
+    run=$(minimum "$folder/run.seconds")
+    floor=$(minimum "$folder/floor.seconds")
     table_row "$text" "$run s" "$floor s" "$(ratio "$run" "$floor")" "$must" "$aim"
-    run=$(least "$folder/synced.seconds")
+    run=$(minimum "$folder/synced.seconds")
     printf '%-42s %12s %12s %8s\n' "  with its syncs" "$run s" "" "$(ratio "$run" "$floor")"
 }
 

@@ -67,4 +67,6 @@ echo
 "$root/bench/whole_run.sh" "$build" || missed=1
 echo
 "$root/bench/binary_whole_run.sh" "$build" || missed=1
+echo
+"$root/bench/against_floor.sh" "$build" || missed=1
 exit "$missed"

@@ -4,6 +4,7 @@
 #include "meshrake/model/output_lines.hpp"
 #include "meshrake/model/problem_description.hpp"
 #include "meshrake/model/run_state.hpp"
+#include "meshrake/model/stages.hpp"
 #include "meshrake/observation_compare/comparisons.hpp"
 #include "meshrake/observation_compare/observation_files.hpp"
 #include "meshrake/paraview/bc_locations.hpp"
@@ -42,6 +43,7 @@ void openEchoFile() {
 
 // Writes the requested comparisons and plots of the last output time.
 void writeProducts(run::Domains& domains) {
+    const stages::Scope stage(stages::Stage::products);
     using namespace observation_compare;
     if (model::run.compareHeads) {
         read_obs_heads_xyz(domains.pm);

@@ -3,6 +3,7 @@
 #include "meshrake/model/file_names.hpp"
 #include "meshrake/model/output_lines.hpp"
 #include "meshrake/model/run_state.hpp"
+#include "meshrake/model/stages.hpp"
 #include "tvncommon/io/file_units.hpp"
 
 #include <algorithm>
@@ -73,6 +74,7 @@ std::string zoneTypeOf(const Domain& domain) {
 } // namespace
 
 void elemsRead(Domain& domain, const Domain& pm) {
+    const stages::Scope stage(stages::Stage::mesh);
     const std::string name = problemFile("elements_" + domain.name);
     write_string("Elements file: " + name);
     const int unit = file_units::openRecordsRead(name);

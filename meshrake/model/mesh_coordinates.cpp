@@ -3,6 +3,7 @@
 #include "meshrake/model/file_names.hpp"
 #include "meshrake/model/output_lines.hpp"
 #include "meshrake/model/run_state.hpp"
+#include "meshrake/model/stages.hpp"
 #include "tvncommon/io/file_units.hpp"
 
 #include <algorithm>
@@ -132,6 +133,7 @@ void readLinkedNodes(int unit, Domain& domain, const Domain& pm) {
 } // namespace
 
 void coordsRead(Domain& domain, const Domain& pm) {
+    const stages::Scope stage(stages::Stage::mesh);
     const std::string name = problemFile("coordinates_" + domain.name);
     write_string("Coordinates file: " + name);
     const int unit = file_units::openRecordsRead(name);

@@ -3,6 +3,7 @@
 #include "meshrake/model/file_names.hpp"
 #include "meshrake/model/output_lines.hpp"
 #include "meshrake/model/run_state.hpp"
+#include "meshrake/model/stages.hpp"
 #include "meshrake/plot_data/array_writing.hpp"
 #include "meshrake/plot_data/data_set.hpp"
 #include "meshrake/plot_data/unit_labels.hpp"
@@ -112,6 +113,7 @@ bool test(const ResultFile& file, Missing missing) {
 
 bool read(const Domain& domain, std::span<Column> columns, const std::string& name,
           Missing missing) {
+    const stages::Scope stage(stages::Stage::reading);
     const std::int32_t n = valueCount(domain, columns[0]);
     if (run.dryRun)
         return test({name, columns[0].type, n, columns.size(), columns[0].varNumber}, missing);
@@ -138,6 +140,7 @@ bool read(const Domain& domain, std::span<Column> columns, const std::string& na
 }
 
 bool readZones(Domain& domain, const std::string& name, Missing missing) {
+    const stages::Scope stage(stages::Stage::reading);
     const std::int32_t n = domain.elementCount;
     if (run.dryRun) return test({name, DataType::longInt, n, 1, 0}, missing);
     return TVNBinaryFile::read_i4_1d(name, n, domain.elementZone.data(), nullptr, missing);

@@ -1,6 +1,7 @@
 #include "meshrake/run/reset.hpp"
 
 #include "meshrake/model/run_state.hpp"
+#include "meshrake/model/stages.hpp"
 #include "tecio/own_functions.hpp"
 #include "tvncommon/diagnostics/error.hpp"
 #include "tvncommon/diagnostics/warning_messages.hpp"
@@ -11,6 +12,7 @@ namespace run {
 
 void resetAll() {
     model::run = {};
+    stages::reset();
     if constexpr (MESHRAKE_OWN_TECIO) tecio::reset();
     io_layer::reset();
     error::reset();

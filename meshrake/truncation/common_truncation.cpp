@@ -2,6 +2,7 @@
 
 #include "meshrake/model/file_names.hpp"
 #include "meshrake/model/run_state.hpp"
+#include "meshrake/model/stages.hpp"
 #include "meshrake/truncation/truncation_steps.hpp"
 #include "tvncommon/diagnostics/ArrayHelpers.hpp"
 #include "tvncommon/diagnostics/error.hpp"
@@ -90,6 +91,7 @@ void includeTruncated(Domain& domain, const Domain& pm) {
 } // namespace
 
 void commonTruncate(Domain& domain, const Domain& pm) {
+    const stages::Scope stage(stages::Stage::truncation);
     const std::string arrays = "common node mesh truncation arrays";
     ArrayHelpers::allocateArray(domain.nodeIncluded, pm.nodeCount, arrays);
     ArrayHelpers::allocateArray(domain.domainNodeIncluded, domain.nodeCount, arrays);

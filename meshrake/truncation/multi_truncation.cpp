@@ -1,6 +1,7 @@
 #include "meshrake/truncation/multi_truncation.hpp"
 
 #include "meshrake/model/run_state.hpp"
+#include "meshrake/model/stages.hpp"
 #include "meshrake/truncation/truncation_steps.hpp"
 #include "tvncommon/diagnostics/ArrayHelpers.hpp"
 
@@ -80,6 +81,7 @@ void renumber(Domain& domain) {
 } // namespace
 
 void multiTruncate(Domain& domain, const Domain& pm) {
+    const stages::Scope stage(stages::Stage::truncation);
     const std::string arrays = domain.name + " truncated mesh arrays";
     ArrayHelpers::allocateArray(domain.nodeIncluded, domain.nodeCount, arrays);
     ArrayHelpers::allocateArray(domain.elementIncluded, domain.elementCount, arrays);

@@ -3,6 +3,7 @@
 #include "meshrake/model/file_names.hpp"
 #include "meshrake/model/output_lines.hpp"
 #include "meshrake/model/run_state.hpp"
+#include "meshrake/model/stages.hpp"
 #include "meshrake/plot_data/data_set.hpp"
 #include "meshrake/plot_data/unit_labels.hpp"
 #include "meshrake/plot_data/zone.hpp"
@@ -98,12 +99,14 @@ void beginDataSet(Domain& domain) {
 }
 
 void declareVariable(Domain& domain, std::size_t i) {
+    const stages::Scope stage(stages::Stage::derivedColumns);
     const VariableRow& row = tableOf(domain)[i];
     if (!applies(row, domain)) return;
     selectStep(row, row.init, familyInit, plot_data::plainInit)(domain, row, domain.outputVars[i]);
 }
 
 void writeFirstZone(Domain& domain) {
+    const stages::Scope stage(stages::Stage::formatting);
     if (model::isReadButNotWritten(domain)) return;
     plot_data::tecplotFileOpen(model::problemFile(domain.name), run.titleLines.front(), domain);
     plot_data::tecplotVarUnitsWrite(domain);
@@ -118,12 +121,14 @@ void beginLaterZone(Domain& domain) {
 }
 
 void readVariable(Domain& domain, std::size_t i) {
+    const stages::Scope stage(stages::Stage::derivedColumns);
     const VariableRow& row = tableOf(domain)[i];
     if (!applies(row, domain) || !domain.outputVars[i].firstExists) return;
     selectStep(row, row.read, familyRead, plot_data::plainRead)(domain, row, domain.outputVars[i]);
 }
 
 void writeLaterZone(Domain& domain) {
+    const stages::Scope stage(stages::Stage::formatting);
     if (model::isReadButNotWritten(domain)) return;
     plot_data::tecplotWriteZoneFE(domain.name, run.currentTimeText, 1, domain);
     writeArrays(domain);

@@ -23,6 +23,7 @@ constexpr int maximumAttempts = 100;
 struct State {
     std::array<bool, lastUnit - firstUnit + 1> taken{};
     std::map<int, Connection> connections;
+    std::vector<char> freeBuffer; // read buffer of a released unit, for the next one
 };
 
 Connection fixedStream(int descriptor, const char* path, bool writing) {
@@ -238,6 +239,7 @@ int releaseUnit(int unit) {
     file_replacement::discard(c->replacement); // its lock ends with the descriptor
     const bool closed = c->descriptor < 0 || table.close(c->descriptor) == 0;
     if (!closed && c->writing && status == ok) status = writeFailed;
+    if (!c->readBuffer.empty()) state.freeBuffer = std::move(c->readBuffer);
     state.connections.erase(unit);
     return status;
 }
@@ -293,6 +295,7 @@ int openRecordsUnchecked(int unit, const std::string& path) {
     Connection& c = connect(unit, path, Form::unformatted, Flush::inBlocks);
     c.infoKnown = false;
     c.size = unbounded;
+    c.readBuffer = std::move(state.freeBuffer);
     const int status = openDescriptor(c, OpenMode::read);
     if (status != ok) state.connections.erase(unit);
     return status;
