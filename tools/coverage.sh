@@ -26,7 +26,7 @@ done
 if [ -z "$reuse" ]; then
     # Counters of an earlier run would add up.
     if [ -d "$folder" ]; then find "$folder" -name '*.gcda' -delete; fi
-    tools/install_packages.sh tests
+    tools/install_packages.sh tool tests
     tools/build.sh coverage
     # The memory limits of one test apply to a program without counters.
     if ! ctest --preset coverage --parallel "$(nproc)" \

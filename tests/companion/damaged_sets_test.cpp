@@ -42,6 +42,32 @@ TEST_F(DamagedSets, CutAtAnyLength) {
     }
 }
 
+// Zone 2 shares with zone 1; its counts and the ranges of values must agree.
+TEST_F(DamagedSets, PartsThatDisagree) {
+    const std::string whole = get(pm);
+    const auto nodes = sample_files::bytesOf(sample_files::Integers{0, 0, 8, 1}); // and elements
+    const std::size_t counts = whole.find(nodes, whole.find(nodes) + 1) + 8;
+    const auto elevations = sample_files::bytesOf(sample_files::Reals{0, 0, 0, 0, 1, 1, 1, 1});
+    const std::size_t values = whole.find(elevations);
+    struct Case {
+        std::size_t at;
+        std::string bytes;
+        std::size_t command; // of `commandLines`
+        std::string errors;
+    };
+    const Case cases[] = {
+        {counts, sample_files::bytesOf(sample_files::Integers{9}), 1, "shared values of another"},
+        {counts + 4, sample_files::bytesOf(sample_files::Integers{2}), 1, "shared "},
+        {values, sample_files::bytesOf(sample_files::Reals{-1}), 0, "outside the range"},
+        {values, sample_files::bytesOf(sample_files::Reals{2}), 0, "outside the range"},
+    };
+    for (const auto& [at, bytes, command, errors] : cases) {
+        put(std::string(whole).replace(at, bytes.size(), bytes));
+        runs::expectFailure(tool_runs::tool(commandLines[command]),
+                            {"damaged.szplt: byte ", errors});
+    }
+}
+
 // Words with values that counts, types, shares, nodes and characters must not have.
 TEST_F(DamagedSets, ChangedWords) {
     const std::string whole = get(pm);

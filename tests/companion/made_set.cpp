@@ -80,7 +80,7 @@ void put(const std::string& path, const Shape& shape) {
     void* set = nullptr;
     int status = tecFileWriterOpen(path.c_str(), "made", names.c_str(), 1, 0, 0, nullptr, &set);
     for (std::size_t t = 0; t < shape.times.size(); ++t)
-        status += putZone(set, shape, shape.times[t], t == 0);
+        status += putZone(set, shape, shape.times[t], t == 0 || !shape.sharedMesh);
     EXPECT_EQ(status + tecFileWriterClose(&set), 0);
 }
 

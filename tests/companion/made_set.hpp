@@ -7,15 +7,15 @@
 // Binary data sets of any names and sizes, for the subcommands that read them.
 namespace made_set {
 
-// A row of bricks, or of other elements on the same nodes. Every third variable is a 32-bit real,
-// and every variable that ends in x, y or z is cell-centred. Zones after the first share X, Y, Z
-// and the node lists.
+// A row of bricks. Every third variable is a 32-bit real, and every variable that ends in x, y or z
+// is cell-centred. With `sharedMesh` the zones after the first share X, Y, Z and the node lists.
 struct Shape {
     std::vector<std::string> variables{"Head"}; // after X, Y and Z
     std::vector<double> times{0};
     std::int64_t elements = 2;
-    std::string title = "pm";   // of the zones
-    std::int32_t strand = 1;    // -1: no time
+    std::string title = "pm"; // of the zones
+    std::int32_t strand = 1;  // -1: no time
+    bool sharedMesh = true;
     std::int32_t firstNode = 1; // in the node lists; another number makes them invalid
 };
 

@@ -90,6 +90,9 @@ TEST_F(Series, Refused) {
 }
 
 TEST_F(Series, UnitsAndQuotes) {
+    made_set::put("digits", {.times = {0.1}}); // Head is a 32-bit real
+    EXPECT_EQ(series({"digits.szplt", "--variable", "Head", "--node", "1"}).screen,
+              "Time,Head node 1\n0.1,0.1\n");
     const runs::Ran quoted = series({"s.szplt", "--variable", "a\"b", "--node", "1"});
     EXPECT_THAT(quoted.screen, testing::StartsWith("Time,\"a\"\"b node 1\"\n0,2000\n"));
     const runs::Ran units = series({pm, "--variable", "Head", "--node", "1"});

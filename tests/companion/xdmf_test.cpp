@@ -139,6 +139,17 @@ TEST_F(Xdmf, VectorsAndNames) {
     EXPECT_THAT(get("w.xdmf"), HasSubstr("Name=\"V\" Center=\"Cell\" AttributeType=\"Vector\""));
 }
 
+// A viewer takes the mesh of a block from the time before if the name of the file is the same.
+TEST_F(Xdmf, MeshesHaveDifferentNamesOfTheFile) {
+    made_set::put("m", {.times = {0, 1, 2, 3}, .sharedMesh = false});
+    write({"m.szplt"});
+    std::vector<std::string> names;
+    for (const std::string& grid : occurrences(get("m.xdmf"), "<Topology", "</Topology>"))
+        names.push_back(data_set::between(grid, "8\">", "<"));
+    EXPECT_EQ(names,
+              (std::vector<std::string>{"m.szplt", ".//m.szplt", ".//./m.szplt", ".//.//m.szplt"}));
+}
+
 TEST_F(Xdmf, NodesWithoutElementsArePoints) {
     made_set::put("points", {.variables = {"Head", "Kx"}, .elements = 0});
     write({"points.szplt"});

@@ -17,7 +17,7 @@ import subprocess
 import sys
 
 TABLE = pathlib.Path(__file__).with_name("faults.txt")
-PRODUCT = ("meshrake", "tecio", "tvncommon")
+PRODUCT = ("companion", "meshrake", "tecio", "tvncommon")
 
 
 def read_table():

@@ -37,7 +37,7 @@ first_failure() {
         "$folder/test.log" | head -n 1
 }
 
-"$root/tools/install_packages.sh" tests
+"$root/tools/install_packages.sh" tool tests
 python3 "$apply" sync "$root" "$source"
 stale=0
 names=$(python3 "$apply" check "$source" "$@") || stale=1
