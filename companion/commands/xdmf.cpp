@@ -8,6 +8,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <filesystem>
 #include <memory>
 #include <set>
@@ -27,7 +28,8 @@ struct Options {
     std::string index;
 };
 
-constexpr std::string_view xmlBegin = "<?xml";
+constexpr std::string_view indexMark = "<Xdmf";
+constexpr std::int64_t indexMarkEnd = 256; // bytes of a file in which it is searched
 
 void check(int status, const std::string& file) {
     if (status != io_layer::ok)
@@ -71,13 +73,11 @@ void checkReplaceable(const std::string& index) {
     byte_file::File file;
     std::int64_t size = 0;
     if (byte_file::open(index, system_calls::OpenMode::read, file, size) != io_layer::ok) return;
-    std::string begin(xmlBegin.size(), ' ');
-    const bool isIndex =
-        size >= std::ssize(begin) &&
-        byte_file::readAt(file, 0, begin.data(), std::ssize(begin)) == io_layer::ok &&
-        begin == xmlBegin;
+    std::string begin(static_cast<std::size_t>(std::min(size, indexMarkEnd)), ' ');
+    const int status = byte_file::readAt(file, 0, begin.data(), std::ssize(begin));
     byte_file::close(file);
-    if (!isIndex && size > 0)
+    check(status, index);
+    if (size > 0 && begin.find(indexMark) == std::string::npos)
         throw std::runtime_error(index + ": exists and is not an index; it is not replaced");
 }
 

@@ -175,6 +175,7 @@ TEST_F(Xdmf, Refused) {
     made_set::put("nan", {.times = {1e77}});
     putReplaced("nan.szplt", 1e77, NAN);
     made_set::put("empty", {.times = {}});
+    put("other.xml", "<?xml version=\"1.0\"?><other/>");
     const std::string pmBytes = get(pm);
     struct Case {
         std::vector<std::string> arguments;
@@ -193,6 +194,7 @@ TEST_F(Xdmf, Refused) {
         {{"b\xfc.szplt"}, 1, "b\xfc.szplt: an index cannot contain this file name"},
         {{"d\n/to.pm.szplt", "-o", "x"}, 1, "an index cannot contain this file name"},
         {{"-o", pm, olf}, 1, "to.pm.szplt: exists and is not an index"},
+        {{"-o", "other.xml", pm}, 1, "other.xml: exists and is not an index"},
         {{pm, "-o", "no/x"}, 1, "no/x: "},
         {{pm, "-o", "/dev/full"}, 1, "/dev/full: "},
     };
