@@ -21,7 +21,7 @@ build=$(realpath "$build")
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 problem=$folder/problem
-repetitions=3
+repetitions=7
 few=1
 many=5
 
