@@ -41,6 +41,7 @@ void checkDiskSpace(Work& work) {
     std::int64_t replaced = 0;
     for (const DomainReport& domain : report.domains)
         if (!domain.dataSet.empty() && !appends) replaced += sizeOf(domain.dataSet);
+    for (const PlotReport& plot : report.plots) replaced += sizeOf(plot.file);
     if (report.bytesNeeded - replaced <= report.bytesFree) return;
     report.findings.push_back({.kind = "disk_full",
                                .text = "the plot files need " +

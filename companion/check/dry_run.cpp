@@ -153,26 +153,42 @@ void readRow(Work& work, DomainTrack& track, std::size_t i) {
     }
 }
 
+// One finding has all output times with the same text.
+void addAtThisTime(Work& work, Finding finding) {
+    const auto isSame = [&](const Finding& other) {
+        return other.kind == finding.kind && other.text == finding.text;
+    };
+    const auto same = std::ranges::find_if(work.report.findings, isSame);
+    if (same != work.report.findings.end()) return same->times.push_back(run.timeIndex);
+    finding.times = {run.timeIndex};
+    work.report.findings.push_back(std::move(finding));
+}
+
 // Every variable of a zone either has values or shares those of zone 1.
 void checkZone(Work& work, const DomainTrack& track) {
     if (!track.domain->writeDomain.enabled) return;
     const Measure& zone = measureOf(*track.domain);
-    std::string none, both;
-    for (std::size_t v = 0; v < zone.written.size(); ++v) {
-        if (zone.written[v] != zone.shared[v]) continue;
-        std::string& names = zone.written[v] ? both : none;
+    std::string none, both, others;
+    const auto addName = [&](std::string& names, std::size_t v) {
         names += (names.empty() ? "" : ", ") + zone.names[v];
+    };
+    for (std::size_t v = 0; v < zone.written.size(); ++v) {
+        const std::int64_t expected =
+            zone.ofElements[v] ? track.domain->neTruncated : track.domain->nnTruncated;
+        if (zone.written[v] == zone.shared[v]) addName(zone.written[v] ? both : none, v);
+        if (zone.written[v] && zone.counts[v] != expected) addName(others, v);
     }
     const auto add = [&](const std::string& sentence) {
         const bool ends = run.tecplotBinary;
-        work.report.findings.push_back({.kind = "inconsistent_zone",
-                                        .times = {run.timeIndex},
-                                        .text = track.domain->name + ": " + sentence +
-                                                (ends ? "" : "; the plot file cannot be read"),
-                                        .endsRun = ends});
+        addAtThisTime(work, {.kind = "inconsistent_zone",
+                             .text = track.domain->name + ": " + sentence +
+                                     (ends ? "" : "; the plot file cannot be read"),
+                             .endsRun = ends});
     };
     if (!none.empty()) add("the zone has no values of " + none);
     if (!both.empty()) add("the zone has values of " + both + ", but also shares those of zone 1");
+    if (!others.empty())
+        add("the zone has another number of values of " + others + " than of nodes or elements");
     if (zone.hasUndeclared)
         add("the zone has values of a variable that the data set does not have");
 }

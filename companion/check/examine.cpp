@@ -7,6 +7,7 @@
 #include "companion/check/forecast.hpp"
 #include "companion/check/observations.hpp"
 #include "companion/check/problem.hpp"
+#include "companion/check/surface_plots.hpp"
 #include "companion/check/unused_files.hpp"
 #include "meshrake/run/reset.hpp"
 
@@ -47,8 +48,9 @@ Report examine(const std::string& folderOrPrefix) {
         findUnusedFiles(*work, tracks);
         reportDomains(*work, tracks);
         checkEarlierDataSets(*work, tracks);
-        checkDiskSpace(*work);
         checkObservations(*work);
+        measureSurfacePlots(*work);
+        checkDiskSpace(*work);
     }
     Report report = std::move(work->report);
     run::resetAll();

@@ -37,6 +37,14 @@ Json jsonOf(const DomainReport& domain) {
             {"variables", std::move(variables)}};
 }
 
+Json jsonOf(const PlotReport& plot) {
+    return {{"plot_file", plot.file},
+            {"nodes", plot.nodes},
+            {"elements", plot.elements},
+            {"zones", plot.zones},
+            {"bytes", plot.bytes}};
+}
+
 Json jsonOf(const TimeReport& time) {
     return {{"index", time.index},
             {"suffix", time.suffix},
@@ -70,6 +78,7 @@ std::string jsonOf(const Report& report) {
                        {"selections", std::move(selections)},
                        {"times", listOf(report.times)},
                        {"domains", listOf(report.domains)},
+                       {"plots", listOf(report.plots)},
                        {"unread_files", report.unreadFiles},
                        {"bytes_needed", report.bytesNeeded},
                        {"bytes_free", report.bytesFree},

@@ -3,6 +3,7 @@
 #include "meshrake/model/cell_patterns.hpp"
 #include "meshrake/model/result_files.hpp"
 #include "meshrake/model/run_state.hpp"
+#include "meshrake/plot_data/data_set.hpp"
 #include "meshrake/plot_data/text_layout.hpp"
 #include "meshrake/plot_data/writer_functions.hpp"
 #include "tecio/own_functions.hpp"
@@ -62,26 +63,42 @@ void beginZone(Domain& domain) {
     measure.hasUndeclared = false;
 }
 
-std::int64_t valueCount(const Domain& domain, std::int32_t varNumber) {
-    return of(domain).ofElements[indexOf(varNumber)] ? domain.neTruncated : domain.nnTruncated;
+template<class T>
+std::int64_t countOf(const plot_data::ValueGenerator<T>& next) {
+    std::vector<T> buffer(plot_data::valuesPerPiece);
+    std::int64_t count = 0;
+    for (std::span<const T> piece = next(buffer); !piece.empty(); piece = next(buffer))
+        count += std::ssize(piece);
+    return count;
+}
+
+// Number of values of a variable. They are counted once: the masks of a domain do not change.
+template<class T>
+std::int64_t valueCount(std::int32_t varNumber, const plot_data::ValueGenerator<T>& next,
+                        Domain& domain) {
+    if (varNumber < 1) return countOf(next);
+    Measure& measure = of(domain);
+    measure.counts.resize(measure.written.size(), -1);
+    measure.written[indexOf(varNumber)] = true;
+    std::int64_t& count = measure.counts[indexOf(varNumber)];
+    if (count < 0) count = countOf(next);
+    return count;
 }
 
 // A text file has also the values of a variable that has no column.
 template<class T>
-void writeText(std::int32_t varNumber, const plot_data::ValueGenerator<T>&, std::string_view label,
-               Domain& domain) {
-    addLine(domain, text::arrayLine(label));
-    of(domain).hasUndeclared |= varNumber < 1;
-    if (varNumber < 1) return;
+void writeText(std::int32_t varNumber, const plot_data::ValueGenerator<T>& next,
+               std::string_view label, Domain& domain) {
     constexpr DataType type = std::is_integral_v<T> ? DataType::longInt : DataType::real8;
-    of(domain).bytes += text::arrayBytes(type, valueCount(domain, varNumber));
-    of(domain).written[indexOf(varNumber)] = true;
+    addLine(domain, text::arrayLine(label));
+    of(domain).bytes += text::arrayBytes(type, valueCount(varNumber, next, domain));
+    of(domain).hasUndeclared |= varNumber < 1;
 }
 
 template<class T>
-void noteWritten(std::int32_t varNumber, const plot_data::ValueGenerator<T>&, std::string_view,
+void countBinary(std::int32_t varNumber, const plot_data::ValueGenerator<T>& next, std::string_view,
                  Domain& domain) {
-    if (varNumber > 0) of(domain).written[indexOf(varNumber)] = true;
+    if (varNumber > 0) valueCount(varNumber, next, domain);
 }
 
 void openText(std::string_view, std::string_view title, Domain& domain) {
@@ -160,6 +177,7 @@ void close(Domain&) {}
 void selectMeasuringWriter() {
     state = {};
     plot_data::WriterFunctions& f = state.functions;
+    plot_data::selectWriter();
     state.real = &plot_data::writer();
     f = *state.real;
     f.addVariableName = addVariableName;
@@ -170,9 +188,9 @@ void selectMeasuringWriter() {
     f.flushFile = binary ? flushBinary : flushText;
     f.closeFile = close;
     f.writeZone = binary ? binaryZone : textZone;
-    f.writeReal4 = binary ? noteWritten<float> : writeText<float>;
-    f.writeReal8 = binary ? noteWritten<double> : writeText<double>;
-    f.writeInt4 = binary ? noteWritten<std::int32_t> : writeText<std::int32_t>;
+    f.writeReal4 = binary ? countBinary<float> : writeText<float>;
+    f.writeReal8 = binary ? countBinary<double> : writeText<double>;
+    f.writeInt4 = binary ? countBinary<std::int32_t> : writeText<std::int32_t>;
     f.writeConnectivity = binary ? noConnectivity : textConnectivity;
     run.plotWriter = &f;
 }

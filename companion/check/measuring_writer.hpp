@@ -17,8 +17,11 @@ struct Measure {
 
     // The last zone. The lists have an entry for each variable of the data set.
     std::vector<bool> ofElements;
-    std::vector<bool> shared;   // the values are those of zone 1
-    std::vector<bool> written;  // the zone has values
+    std::vector<bool> shared;  // the values are those of zone 1
+    std::vector<bool> written; // the zone has values
+    // Number of values in the first zone, below 0 before they are counted. Later zones have as
+    // many.
+    std::vector<std::int64_t> counts;
     bool hasUndeclared = false; // text form: it has values of a variable not in the data set
 };
 

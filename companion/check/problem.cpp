@@ -60,6 +60,20 @@ std::string prefixOfFolder(Work& work, const std::string& folder) {
     return onlyProblemHere(folder);
 }
 
+// A run without pm ends at the links of another domain.
+void reportMissingMesh(Work& work) {
+    bool hasOther = false;
+    for (const run::DomainEntry& entry : run::creationOrder)
+        attempt([&] {
+            hasOther |=
+                file_units::exists(model::problemFile("coordinates_" + std::string(entry.tag)));
+        });
+    work.report.findings.push_back({.kind = "mesh",
+                                    .file = model::problemFile("coordinates_pm"),
+                                    .text = "the file is missing: a problem needs the domain pm",
+                                    .endsRun = hasOther});
+}
+
 } // namespace
 
 void findProblem(Work& work, const std::string& folderOrPrefix) {
@@ -102,10 +116,7 @@ void readProblem(Work& work) {
         }
         if (isPm && !work.hasMesh) break;
     }
-    if (work.hasMesh || !work.report.domains.empty()) return;
-    work.report.findings.push_back({.kind = "mesh",
-                                    .file = model::problemFile("coordinates_pm"),
-                                    .text = "the file is missing: a problem needs the domain pm"});
+    if (!work.hasMesh && work.report.domains.empty()) reportMissingMesh(work);
 }
 
 } // namespace check

@@ -63,6 +63,14 @@ struct DomainReport {
     std::vector<VariableReport> variables{};
 };
 
+// A plot of the surface that the control file requests.
+struct PlotReport {
+    std::string file{};
+    std::int64_t nodes = 0, elements = 0;
+    std::int64_t zones = 0;
+    std::int64_t bytes = 0;
+};
+
 struct TimeReport {
     std::int32_t index = 0;
     std::string suffix{};   // index as in file names
@@ -82,6 +90,7 @@ struct Report {
     std::string controlFile{}; // empty without one, when all options have their defaults
     std::vector<Selection> selections{};
     std::vector<DomainReport> domains{}; // existing ones, in the order of the plot files
+    std::vector<PlotReport> plots{};
     std::vector<TimeReport> times{};
     std::vector<std::string> unreadFiles{}; // kinds of result files that no variable reads
     std::int64_t bytesNeeded = 0;           // of all data sets

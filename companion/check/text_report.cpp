@@ -125,6 +125,10 @@ std::string domainsTable(const Report& report) {
                         hasFile ? (d.bytesAreExact ? "" : "about ") + sizeText(d.bytes) : "",
                         (hasFile ? printable(d.dataSet) : d.remark) + shared});
     }
+    for (const PlotReport& plot : report.plots)
+        rows.push_back({"", grouped(plot.nodes), grouped(plot.elements),
+                        std::to_string(plot.zones) + (plot.zones == 1 ? " zone" : " zones"),
+                        sizeText(plot.bytes), printable(plot.file)});
     std::array<std::size_t, 6> widths{};
     for (const auto& row : rows)
         for (std::size_t c = 0; c < row.size(); ++c) widths[c] = std::max(widths[c], row[c].size());

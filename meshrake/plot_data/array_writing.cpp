@@ -1,5 +1,6 @@
 #include "meshrake/plot_data/array_writing.hpp"
 
+#include "meshrake/model/run_state.hpp"
 #include "meshrake/plot_data/writer_functions.hpp"
 
 #include <algorithm>
@@ -32,8 +33,21 @@ ValueGenerator<T> maskedValues(std::span<const T> values, const std::uint8_t* ma
     };
 }
 
+// Generates as many values, but not the values: a dry run has none.
+template<class T>
+ValueGenerator<T> countedValues(std::int64_t count, const Packing& packing) {
+    std::int64_t left = count;
+    if (packing.truncated) left = std::count(packing.mask, packing.mask + count, 1);
+    return [left](std::span<T> buffer) mutable -> std::span<const T> {
+        const std::int64_t n = std::min(left, std::ssize(buffer));
+        left -= n;
+        return buffer.first(static_cast<std::size_t>(n));
+    };
+}
+
 template<class T>
 ValueGenerator<T> valuesToWrite(std::int64_t count, const T* values, const Packing& packing) {
+    if (model::run.dryRun) return countedValues<T>(count, packing);
     if (packing.truncated) return maskedValues(arrayOf(values, count), packing.mask);
     return
         [rest = arrayOf(values, count)](std::span<T>) mutable { return std::exchange(rest, {}); };

@@ -74,15 +74,15 @@ void commonNodeWrite(Domain& domain, const VariableRow& row, OutputVar& var) {
     for (std::size_t c = 0; c < var.columns.size(); ++c) {
         const Column& column = var.columns[c];
         // Pressure heads can be disabled in pm and enabled here: the column then has no values.
-        const Column& values = c < source.columns.size() ? source.columns[c] : empty;
+        const bool hasValues = c < source.columns.size();
+        const Column& values = hasValues ? source.columns[c] : empty;
+        const std::int64_t count = hasValues ? domain.pmReference->nodeCount : 0;
         if (column.type == DataType::single)
-            plot_data::tecplotWriteArrayReal4(column.varNumber,
-                                              static_cast<std::int64_t>(values.real4.size()),
-                                              values.real4.data(), packing, column.label, domain);
+            plot_data::tecplotWriteArrayReal4(column.varNumber, count, values.real4.data(), packing,
+                                              column.label, domain);
         else
-            plot_data::tecplotWriteArrayReal8(column.varNumber,
-                                              static_cast<std::int64_t>(values.real8.size()),
-                                              values.real8.data(), packing, column.label, domain);
+            plot_data::tecplotWriteArrayReal8(column.varNumber, count, values.real8.data(), packing,
+                                              column.label, domain);
     }
 }
 

@@ -129,6 +129,17 @@ TEST_F(Check, ForecastsARun) {
          "--nx 2 --ny 2 --layers 1 --times 700 --variables head",
          "tecplot binary mode\ntecplot binary flush interval\n999\nend\n" + all,
          {}},
+        {"binary and plots",
+         times,
+         "tecplot binary mode\nend\nplot pm zone isopach structure\n"
+         "plot pm depth below ground surface\n" +
+             all,
+         {}},
+        {"truncation and plots",
+         times + "--coupling common",
+         "end\nplot pm zone isopach structure\nplot pm depth below ground surface\n"
+         "write olf domain file\ntruncate olf domain\n0 900\n0 900\n-1e9 1e9\nend\n",
+         {}},
         {"missing files", times, "", {"to.head_pm.0002", "to.sat_pm.0003"}},
         {"window and truncation",
          times,
@@ -155,6 +166,9 @@ TEST_F(Check, ForecastsARun) {
             SCOPED_TRACE(domain.dataSet);
             EXPECT_EQ(shownBy(report, domain), shownIn(domain.dataSet));
         }
+        for (const check::PlotReport& plot : report.plots)
+            EXPECT_EQ(plot.bytes, static_cast<std::int64_t>(fs::file_size(plot.file)));
+        EXPECT_EQ(report.plots.size(), c.name.ends_with("and plots") ? 2U : 0U);
         fs::current_path("..");
     }
 }
@@ -266,6 +280,21 @@ TEST_F(Check, FindsFaultsOfTheControlFile) {
          {"include t.plot.control:2! the file \"none\" does not exist",
           "unknown_instruction more:2 \"bad line\" is not an instruction of the first section and "
           "is skipped"}},
+        {"variables that pm does not have",
+         [] {
+             makeProblem("--nx 2 --ny 2 --layers 2 --times 3 --coupling common");
+             control("tecplot binary mode\nend\nwrite pm domain file\nno pm pressure heads\nend\n"
+                     "write olf domain file\nend\n");
+         },
+         {"inconsistent_zone  1 2 3! olf: the zone has another number of values of Pressure Head "
+          "than of nodes or elements"}},
+        {"plot of a surface that does not exist",
+         [] {
+             fs::remove("to.coordinates_olf");
+             control("end\nwrite pm domain file\nend\nplot pm zone isopach structure\n");
+         },
+         {"surface_plot ! The pm isopach plot divides by the nodes and elements of the olf domain, "
+          "which has 0 nodes and 0 elements. File: to.coordinates_olf"}},
         {"nothing inside",
          [] {
              control("truncate time domain\n-2 -1\nend\nwrite pm domain file\ntruncate pm domain\n"
@@ -376,6 +405,9 @@ TEST_F(Check, FindsFaultsOfResultFiles) {
          },
          {"no_times  1 there are no result files of this output time, so the plot files have the "
           "mesh alone"}},
+        {"no mesh of pm",
+         [=] { fs::remove("to.coordinates_pm"); },
+         {"mesh to.coordinates_pm! the file is missing: a problem needs the domain pm"}},
         {"damaged mesh",
          [=] { cut("to.coordinates_olf", 10); },
          {"mesh ! Error reading file: to.coordinates_olf (Error encountered during read "
