@@ -1,5 +1,12 @@
 #include "fuzz/support.hpp"
 
+#if FUZZ_WITH_CHECK
+#include "companion/check/check.hpp"
+
+#include <algorithm>
+#include <stdexcept>
+#endif
+
 // A whole run with an edited file of the problem; see `edit`. The word selects the kind of run:
 // "text", "binary", "vtk" or "template".
 namespace {
@@ -19,6 +26,24 @@ std::string controlFile(bool binary) {
     return text + "plot pm zone isopach structure\nplot pm depth below ground surface\n";
 }
 
+// Whether `meshrake-tool check` says that a run ends with status 1. It must not change a file.
+bool checkSaysThatItEnds([[maybe_unused]] const fuzz::Files& problem,
+                         [[maybe_unused]] const fuzz::Files& changed, bool otherwise) {
+#if FUZZ_WITH_CHECK
+    fuzz::setFiles(problem, changed);
+    const fuzz::Files before = fuzz::files();
+    try {
+        const check::Report report = check::examine(".");
+        fuzz::require(!check::textOf(report).empty() && !check::jsonOf(report).empty(),
+                      "no report");
+        otherwise = std::ranges::any_of(report.findings, &check::Finding::endsRun);
+    } catch (const std::runtime_error&) { // no problem to examine
+    }
+    fuzz::require(fuzz::files() == before, "check has changed a file");
+#endif
+    return otherwise;
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -28,6 +53,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         fuzz::edit(problem, {reinterpret_cast<const char*>(data), size}, changed);
     if (word.empty()) return 0;
     if (word != "template") changed["t.plot.control"] = controlFile(word == "binary");
-    fuzz::run(problem, changed, word == "vtk");
+    const bool ends = fuzz::run(problem, changed, word == "vtk") == 1;
+    if (word == "text" || word == "binary")
+        fuzz::require(checkSaysThatItEnds(problem, changed, ends) == ends,
+                      "check does not agree with the run");
     return 0;
 }

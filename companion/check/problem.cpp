@@ -49,9 +49,10 @@ std::string onlyProblemHere(const std::string& folder) {
 std::string prefixOfFolder(Work& work, const std::string& folder) {
     std::string prefix;
     bool good = false;
-    const Outcome outcome = attempt([&] { good = run::readBatchFile(prefix); });
+    const Outcome outcome = attempt([&] {
+        good = run::readBatchFile(prefix) && file_units::exists(prefix + std::string(mark));
+    });
     if (outcome.ended) throw std::runtime_error(folder + ": " + outcome.messages.back());
-    good = good && file_units::exists(prefix + std::string(mark));
     if (good) return prefix;
     work.report.findings.push_back({.kind = "no_prefix",
                                     .file = "batch.pfx",
