@@ -1,46 +1,33 @@
 #include "companion/check/control.hpp"
 
+#include "companion/check/control_lines.hpp"
+#include "companion/check/known_lines.hpp"
 #include "companion/check/nearest_words.hpp"
 #include "meshrake/model/file_names.hpp"
 #include "meshrake/model/run_state.hpp"
 #include "meshrake/plot_control/control_reading.hpp"
 #include "meshrake/plot_control/control_source.hpp"
 #include "meshrake/plot_control/control_template.hpp"
-#include "meshrake/plot_control/control_text.hpp"
-#include "meshrake/plot_control/instruction_table.hpp"
 #include "meshrake/plot_data/data_set.hpp"
 #include "tvncommon/io/file_units.hpp"
 #include "tvncommon/io/io_layer.hpp"
-#include "tvncommon/text/StringHelpers.hpp"
 #include "tvncommon/text/free_form.hpp"
 
 #include <algorithm>
-#include <optional>
 
 namespace check {
 
 using model::Domain;
-using plot_control::InstructionRow;
 using plot_control::LineUse;
-using plot_control::Section;
 
 namespace {
-
-struct ControlLine {
-    std::string file;
-    int number = 0;
-    std::string text;
-    std::string folded;         // as it is compared: at most 60 characters, lower case
-    std::optional<LineUse> use; // as the reader of the run reported it
-    bool isValue = false;       // read by the instruction before it
-    bool isAnywhere = false;    // an instruction that may be in any block, or its values
-};
 
 // The control text of the run that is examined. The functions of the source have no other argument.
 struct ControlText {
     std::vector<ControlLine> lines;
     std::size_t next = 0;       // line to read next
     bool inInstruction = false; // the lines that are read hold values
+    int compared = 0;           // lines for which the nearest instruction was searched
 };
 ControlText text;
 
@@ -67,52 +54,6 @@ void valuesRead() {
 
 constexpr plot_control::ControlSource source{readLine, rewind, noteUse, valuesRead};
 
-// Lower case and 60 characters, as the reader compares it.
-std::string foldedOf(std::string_view line) {
-    std::string folded(StringHelpers::cut(line, plot_control::lineLimit));
-    StringHelpers::lcase(folded);
-    return folded;
-}
-
-std::vector<ControlLine> linesOf(Work& work, const std::string& file) {
-    std::vector<ControlLine> lines;
-    int number = 0;
-    tryStep(work, {.kind = "control_file", .file = file}, [&] {
-        const int unit = file_units::openTextRead(file);
-        for (std::string line; plot_control::nextControlLine(unit, line, number);)
-            lines.push_back({file, number, line, foldedOf(line), {}, false});
-        file_units::freeUnit(unit);
-    });
-    return lines;
-}
-
-// Replaces the lines that include a file by its lines.
-std::vector<ControlLine> withIncluded(Work& work, std::vector<ControlLine> lines) {
-    std::vector<ControlLine> all;
-    for (ControlLine& line : lines) {
-        if (!plot_control::isInclude(line.text)) {
-            all.push_back(std::move(line));
-            continue;
-        }
-        const std::string name = plot_control::includedFile(line.text);
-        bool exists = false;
-        const Outcome outcome = attempt([&] { exists = file_units::exists(name); });
-        if (exists) {
-            const std::vector<ControlLine> included = linesOf(work, name);
-            all.insert(all.end(), included.begin(), included.end());
-            continue;
-        }
-        work.report.findings.push_back({.kind = "include",
-                                        .file = line.file,
-                                        .line = line.number,
-                                        .text = outcome.ended
-                                                    ? outcome.messages.back()
-                                                    : "the file \"" + name + "\" does not exist",
-                                        .endsRun = true});
-    }
-    return all;
-}
-
 void addFinding(Work& work, std::string_view kind, const ControlLine& line, std::string sentence,
                 bool endsRun = false) {
     work.report.findings.push_back({.kind = kind,
@@ -126,57 +67,11 @@ std::string quoted(std::string_view words) {
     return "\"" + std::string(words) + "\"";
 }
 
-std::vector<std::string> instructionLines(Section section, const Domain* domain) {
-    std::vector<std::string> lines;
-    for (const InstructionRow& row : plot_control::instructionTable()) {
-        if (row.section != section) continue;
-        if (section != Section::domainBlock)
-            lines.emplace_back(row.words);
-        else if (row.domains & domain->tag)
-            lines.push_back(plot_control::instructionLine(row, domain->name));
-    }
-    return lines;
-}
-
-// Lines of a block of the domain. Those of options that no line can clear are not among them.
-std::vector<std::string> blockLines(const Domain& domain) {
-    std::vector<std::string> lines = instructionLines(Section::domainBlock, &domain);
-    for (const model::OptionRow& row : model::optionTable)
-        if (row.cleared != model::Option::none)
-            lines.push_back(model::optionLabel(row, domain.name));
-    return lines;
-}
-
-std::string blockLine(std::string_view tag) {
-    return "write " + std::string(tag) + " domain file";
-}
-
-// Tag of the domain whose block the line begins; empty for another line.
-std::string_view blockTag(std::string_view folded) {
-    for (const model::tags::TagName& name : model::tags::names)
-        if (name.tag != model::tags::addition && folded == blockLine(name.name)) return name.name;
-    return {};
-}
-
-bool contains(const std::vector<std::string>& list, const std::string& line) {
-    return std::ranges::find(list, line) != list.end();
-}
-
-// True for a line that begins or ends a section or is an instruction of one.
-bool isKnownLine(const std::string& folded) {
-    if (folded.starts_with("end") || folded.starts_with("no ")) return true;
-    if (!blockTag(folded).empty()) return true;
-    for (const InstructionRow& row : plot_control::instructionTable())
-        for (const model::tags::TagName& name : model::tags::names)
-            if (plot_control::instructionLine(row, name.name) == folded) return true;
-    return false;
-}
-
 // Continues after a value that could not be read. If the value is missing, its line is read again
 // as an instruction. Otherwise further lines of values are skipped.
 void passValues() {
     const std::size_t at = text.next - 1;
-    if (text.lines[at].isValue && isKnownLine(text.lines[at].folded)) {
+    if (text.lines[at].isValue && known_lines::isKnown(text.lines[at].folded)) {
         text.lines[at].isValue = false;
         text.next = at;
         return;
@@ -217,31 +112,18 @@ void readSection(Work& work, const std::function<void()>& read, const std::funct
     }
 }
 
-// "; the nearest instruction is ..." or nothing.
+// "; the nearest instruction is ..." or nothing. A file of another kind may have any number of
+// lines, so that not all of them are compared with all instructions.
 std::string nearestText(const std::string& folded, const std::vector<std::string>& lines) {
+    constexpr int mostCompared = 1000;
+    if (++text.compared > mostCompared) return "";
     const std::string found = nearest(folded, lines);
     return found.empty() ? "" : "; the nearest instruction is " + quoted(found);
 }
 
-// Returns a text about the section in which the line is an instruction, or an empty text.
-std::string properSection(const ControlLine& line) {
-    if (contains(instructionLines(Section::first, nullptr), line.folded))
-        return "it belongs in the first section, before the first \"end\"";
-    if (contains(instructionLines(Section::afterFirst, nullptr), line.folded))
-        return "it belongs after the first section";
-    for (const model::tags::TagName& name : model::tags::names) {
-        Domain domain;
-        domain.name = name.name;
-        domain.tag = name.tag;
-        if (contains(blockLines(domain), line.folded))
-            return "it belongs in a block " + quoted(blockLine(name.name));
-    }
-    return {};
-}
-
 void reportUnrecognized(Work& work, const ControlLine& line, const std::string& why,
                         const std::vector<std::string>& known) {
-    const std::string place = properSection(line);
+    const std::string place = known_lines::properSection(line.folded);
     addFinding(work, "unknown_instruction", line,
                quoted(line.text) + " " + why + " and is skipped" +
                    (place.empty() ? nearestText(line.folded, known) : ": " + place));
@@ -269,7 +151,7 @@ void reportSkippedBlock(Work& work, const ControlLine& line, std::string_view ta
 
 struct SectionTexts {
     std::string name;
-    std::vector<std::string> known;
+    const std::vector<std::string>& known;
     bool isFirst = false;
 };
 
@@ -279,7 +161,7 @@ void reportSection(Work& work, std::size_t begin, const SectionTexts& section) {
         const ControlLine& line = text.lines[i];
         if (line.isValue || line.isAnywhere) continue;
         if (line.use == LineUse::sectionEnd) return;
-        if (const std::string_view tag = blockTag(line.folded); !tag.empty()) {
+        if (const std::string_view tag = known_lines::blockTag(line.folded); !tag.empty()) {
             addFinding(work, "no_end", line,
                        section.name + " has no \"end\" before this line" +
                            (section.isFirst ? ", so the block is not found" : ""));
@@ -298,7 +180,7 @@ void reportSection(Work& work, std::size_t begin, const SectionTexts& section) {
 
 void readFirstSection(Work& work) {
     readSection(work, plot_control::readPlotControlInit, plot_control::readPlotControlInit);
-    reportSection(work, 0, {"the first section", instructionLines(Section::first, nullptr), true});
+    reportSection(work, 0, {"the first section", known_lines::ofFirstSection(), true});
 }
 
 // Index of the line after the first section.
@@ -333,24 +215,22 @@ void readBlockOf(Work& work, Domain& domain) {
     const std::size_t begin = blockBegin(domain);
     if (!domain.exists || begin == text.lines.size()) return;
     reportSection(work, begin + 1,
-                  {"the block " + quoted(domain.writeDomain.label), blockLines(domain), false});
+                  {"the block " + quoted(domain.writeDomain.label),
+                   known_lines::ofBlock(domain.name), false});
 }
 
 // Lines after the first section that no reader used.
 void reportOutside(Work& work) {
-    std::vector<std::string> known = instructionLines(Section::afterFirst, nullptr);
-    for (const model::tags::TagName& name : model::tags::names)
-        if (name.tag != model::tags::addition) known.push_back(blockLine(name.name));
     bool inSkippedBlock = false;
     for (std::size_t i = afterFirstSection(); i < text.lines.size(); ++i) {
         const ControlLine& line = text.lines[i];
         if (line.use == LineUse::blockBegin) inSkippedBlock = false;
         if (line.use || line.isValue) continue;
         const bool isTimeSeries = line.folded == plot_control::timeSeriesLine;
-        if (const std::string_view tag = blockTag(line.folded); !tag.empty())
+        if (const std::string_view tag = known_lines::blockTag(line.folded); !tag.empty())
             reportSkippedBlock(work, line, tag);
         else if (!inSkippedBlock && !isTimeSeries && !line.folded.starts_with("end"))
-            reportUnrecognized(work, line, "is outside of all blocks", known);
+            reportUnrecognized(work, line, "is outside of all blocks", known_lines::ofRest());
         // A misspelt first line of a block is reported alone.
         if (line.folded.starts_with("write ")) inSkippedBlock = true;
         if (line.folded.starts_with("end")) inSkippedBlock = false;
@@ -381,7 +261,7 @@ void readControlFile(Work& work) {
         work.report.controlFile = name;
         text = {};
         const auto before = std::ssize(work.report.findings);
-        text.lines = withIncluded(work, linesOf(work, name));
+        text.lines = readControlLines(work, name);
         model::run.controlSource = &source;
         readFirstSection(work);
         readAnywhere(work);
