@@ -1,7 +1,7 @@
 #include "companion/check/disk_space.hpp"
 #include "tests/companion/check_runs.hpp"
 #include "tests/companion/tool_runs.hpp"
-#include "tests/support/text_data_set.hpp"
+#include "tests/support/data_set.hpp"
 
 #include <nlohmann/json.hpp>
 
@@ -78,7 +78,7 @@ Shown shownBy(const check::Report& report, const check::DomainReport& domain) {
 Shown shownIn(const std::string& file) {
     const bool isText = file.ends_with(".dat");
     const data_set_file::DataSet set =
-        isText ? text_data_set::parse(get(file)).set : data_set_file::read(file);
+        isText ? data_set::parse(get(file)).set : data_set_file::read(file);
     Shown shown{static_cast<std::int64_t>(fs::file_size(file)), set.variables, {}, {}};
     for (const data_set_file::Zone& zone : set.zones) {
         shown.times.push_back(std::to_string(zone.time));
