@@ -1,16 +1,12 @@
-#include "companion/data_set/data_set_file.hpp"
 #include "tecio/own_functions.hpp"
 #include "tests/support/power_cut.hpp"
 #include "tests/support/runs.hpp"
 #include "tests/tecio/tecio_calls.hpp"
 #include "tvncommon/io/system_calls.hpp"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <filesystem>
 #include <set>
 
 // Writers that resume unfinished data sets, after an interruption and with damaged files.
@@ -51,7 +47,7 @@ TEST(TecioResume, ThePaddingForZonesGrows) {
         for (int time = 1; time <= 3000; ++time) {
             if (time % opening == 1) {
                 if (time > 1) open("V", "another title");
-                EXPECT_EQ(tecDataSetAddAuxData(set, "k", std::to_string(time).c_str()), 0);
+                EXPECT_EQ(aux("k", std::to_string(time)), 0);
             }
             ASSERT_NO_FATAL_FAILURE(addZone(time));
             if (time % 2000 != 100) continue;
@@ -119,8 +115,8 @@ TEST(TecioResume, AReaderFindsAValidDataSetAfterEachPage) {
             EXPECT_EQ(time % interval == 0 ? flush() : 0, 0);
             if (time % 7 != 0) continue;
             open("V"); // replaces the last zone
-            EXPECT_EQ(tecDataSetAddAuxData(set, "k", Bytes(1000 + time * 3 / 7, 'k').c_str()), 0);
-            EXPECT_EQ(tecDataSetAddAuxData(set, "l", Bytes(2000 - time * 3 / 7, 'l').c_str()), 0);
+            EXPECT_EQ(aux("k", Bytes(1000 + time * 3 / 7, 'k')), 0);
+            EXPECT_EQ(aux("l", Bytes(2000 - time * 3 / 7, 'l')), 0);
             addZone(static_cast<double>(time));
         }
         system_calls::table = system_calls::systemTable();
@@ -232,55 +228,38 @@ TEST(TecioResume, RefusesAnotherMesh) {
     EXPECT_EQ(data_set_file::read("s.szplt").zones.size(), 3);
 }
 
-// The checksum does not depend on the pieces in which the values are written, and includes each of
-// their bytes.
-TEST(TecioResume, ComparesTheLastZone) {
-    constexpr std::size_t count = 300;
+// The checksum does not depend on the pieces in which the values are written.
+TEST(TecioResume, PiecesHaveTheChecksumOfTheWhole) {
+    const Durable durable;
     Reals values;
-    while (values.size() < count) values.push_back(static_cast<double>(values.size()) / 7);
-    Bytes firstSidecar;
-    for (const std::size_t piece : {count, std::size_t{1}, std::size_t{5}, std::size_t{11}}) {
-        const Durable durable;
+    for (int i = 0; i < 300; ++i) values.push_back(i / 7.0);
+    Bytes first;
+    for (const std::ptrdiff_t piece : {300, 1, 5, 11}) {
         const Folder folder;
         open("V");
-        beginNodes(1, count, {2});
-        for (std::size_t done = 0; done < count; done += piece)
-            EXPECT_EQ(reals(1, Reals(values.begin() + static_cast<std::ptrdiff_t>(done),
-                                     values.begin() + static_cast<std::ptrdiff_t>(
-                                                          std::min(done + piece, count)))),
-                      0);
-        EXPECT_EQ(flush(), 0);
-        if (firstSidecar.empty()) firstSidecar = sample_files::get(sidecar);
-        EXPECT_TRUE(sample_files::get(sidecar) == firstSidecar);
-        const Bytes whole = sample_files::get("s.szplt");
-        for (std::size_t at = whole.size() - count * 8 - 16; at < whole.size(); at += 5) {
-            Bytes damaged = whole;
-            damaged[at] = static_cast<char>(damaged[at] ^ 128);
-            sample_files::put("s.szplt", damaged);
-            EXPECT_EQ(tryOpen("V"), 2) << at;
+        beginNodes(1, 300, {2});
+        for (auto from = values.begin(); from != values.end();) {
+            const auto to = from + std::min(piece, values.end() - from);
+            EXPECT_EQ(reals(1, {from, to}), 0);
+            from = to;
         }
-        sample_files::put("s.szplt", whole);
-        open("V");
+        EXPECT_EQ(flush(), 0);
+        if (first.empty()) first = sample_files::get(sidecar);
+        EXPECT_TRUE(sample_files::get(sidecar) == first);
     }
-    const Folder folder;
-    open("V");
-    addZone(1);
-    EXPECT_EQ(flush(), 0);
-    const Durable durable;
-    EXPECT_EQ(tryOpen("V"), 6); // the data set was not durable
 }
 
-// A sector is lost or erased, its signs are changed, or it has the contents of another sector.
-// Equal values and changes of their signs do not cancel each other, at any position of the sector.
-TEST(TecioResume, DetectsADamagedSector) {
+// A byte is changed; a sector is lost or erased, its signs are changed, or it has the contents of
+// another sector. Equal values and changes of their signs do not cancel each other, at any position
+// of the sector.
+TEST(TecioResume, DetectsDamageOfTheLastZone) {
     constexpr std::size_t count = 640, sector = 512;
     using Damage = void (*)(Bytes&, std::size_t);
     const Damage damages[] = {
         [](Bytes& bytes, std::size_t at) { std::fill_n(&bytes[at], sector, '\0'); },
         [](Bytes& bytes, std::size_t at) { std::fill_n(&bytes[at], sector, '\xff'); },
         [](Bytes& bytes, std::size_t at) {
-            for (std::size_t i = at + 7; i < at + sector; i += 8)
-                bytes[i] = static_cast<char>(bytes[i] ^ 128);
+            for (std::size_t i = at + 7; i < at + sector; i += 8) bytes[i] ^= '\x80';
         },
         [](Bytes& bytes, std::size_t at) {
             std::swap_ranges(&bytes[at], &bytes[at + sector], &bytes[at + sector]);
@@ -298,17 +277,26 @@ TEST(TecioResume, DetectsADamagedSector) {
         EXPECT_EQ(reals(1, values) + flush(), 0);
         const Bytes whole = sample_files::get("s.szplt");
         const std::size_t begin = whole.size() - count * 8;
+        const auto expectRefused = [&](std::size_t at, const Damage damage) {
+            Bytes damaged = whole;
+            damage(damaged, at);
+            if (damaged == whole) return;
+            sample_files::put("s.szplt", damaged);
+            EXPECT_EQ(tryOpen("V"), 2) << at;
+        };
+        for (std::size_t at = begin - 16; at < whole.size(); at += 11) // also the range
+            expectRefused(at, [](Bytes& bytes, std::size_t i) { bytes[i] ^= '\x80'; });
         for (std::size_t at = begin; at + 2 * sector <= whole.size(); at += 64)
-            for (const Damage damage : damages) {
-                Bytes damaged = whole;
-                damage(damaged, at);
-                if (damaged == whole) continue;
-                sample_files::put("s.szplt", damaged);
-                EXPECT_EQ(tryOpen("V"), 2) << at;
-            }
+            for (const Damage damage : damages) expectRefused(at, damage);
         sample_files::put("s.szplt", whole);
         open("V");
     }
+    const Folder folder;
+    open("V");
+    addZone(1);
+    EXPECT_EQ(flush(), 0);
+    const Durable durable;
+    EXPECT_EQ(tryOpen("V"), 6); // the data set was not durable
 }
 
 // A power cut while the file is copied for a longer record and zones with headers on several pages

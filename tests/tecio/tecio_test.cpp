@@ -1,13 +1,9 @@
-#include "companion/data_set/data_set_file.hpp"
 #include "tecio/own_functions.hpp"
 #include "tests/support/runs.hpp"
 #include "tests/tecio/tecio_calls.hpp"
 #include "tvncommon/io/system_calls.hpp"
 
-#include <gtest/gtest.h>
-
 #include <cmath>
-#include <filesystem>
 #include <functional>
 
 // The writer library: its bytes, invalid calls, and large data sets.
@@ -36,9 +32,7 @@ TEST(Tecio, EveryByteOfASmallDataSet) {
     const Folder folder;
     open("X,Y,Z,Zone,H");
     const std::int32_t seven = 7;
-    EXPECT_EQ(tecDataSetAddAuxData(set, "k", "v"), 0);
-    EXPECT_EQ(tecDataSetAddAuxData(set, "blank", "  "), 0);
-    EXPECT_EQ(tecVarAddAuxData(set, 5, "Units", "(m)"), 0);
+    EXPECT_EQ(aux("k", "v") + aux("blank", "  ") + tecVarAddAuxData(set, 5, "Units", "(m)"), 0);
     ZoneShape shape{4, 1, {2, 2, 2, 3, 1}, {0, 0, 0, 0, 0}, {1, 1, 1, 0, 1}, 0, 3};
     EXPECT_EQ(create(shape) + at(0), 0);
     EXPECT_EQ(reals(1, {0, 1, 1, 0}) + reals(3, {5, 5, 5, 5}), 0); // in any order
