@@ -25,8 +25,7 @@ struct OpenFile {
 // By descriptor. An entry that a failed run leaves is replaced when the descriptor is opened again.
 std::map<int, OpenFile> openFiles{
     {0, {"standard input"}}, {1, {"standard output"}}, {2, {"standard error"}}};
-std::string answer;  // rest of the answer to the prompt
-std::string kept[3]; // text written to standard output and standard error, by descriptor
+std::string answer; // rest of the answer to the prompt
 
 OpenFile target(const char* path, OpenMode mode) {
     return {path, mode != OpenMode::read};
@@ -86,7 +85,7 @@ bool isFaulty(const Kind& kind, const OpenFile& file) {
 
 Table watchedTable() {
     static const Table real = system_calls::systemTable();
-    Table table = real;
+    Table table = runs::keepingTable();
     table.open = [](const char* path, OpenMode mode) {
         const int descriptor = real.open(path, mode);
         if (descriptor >= 0) openFiles[descriptor] = {path, mode != OpenMode::read};
@@ -100,11 +99,6 @@ Table watchedTable() {
         if (descriptor != 0) return real.read(descriptor, into, size);
         size = answer.copy(static_cast<char*>(into), size);
         answer.erase(0, size);
-        return static_cast<std::ptrdiff_t>(size);
-    };
-    table.write = [](int descriptor, const void* from, std::size_t size) {
-        if (descriptor > 2) return real.write(descriptor, from, size);
-        kept[descriptor].append(static_cast<const char*>(from), size);
         return static_cast<std::ptrdiff_t>(size);
     };
     return table;
@@ -178,17 +172,19 @@ std::span<const Kind> kinds() {
 
 runs::Ran run(const std::vector<const char*>& arguments, Fault& with) {
     fault = with;
-    for (std::string& text : kept) text.clear();
     answer = "t\n";
     Table table = watched;
     for (const Kind& kind : allKinds) kind.wrap(table, kind);
     system_calls::table = table;
-    watching = true;
-    const int status = meshrake_main(static_cast<int>(arguments.size()), arguments.data());
-    watching = false;
+    const runs::Ran ran = runs::keepStreams([&] {
+        watching = true;
+        const int status = meshrake_main(static_cast<int>(arguments.size()), arguments.data());
+        watching = false;
+        return status;
+    });
     system_calls::table = system_calls::systemTable();
     with = fault;
-    return {status, kept[1], kept[2]};
+    return ran;
 }
 
 } // namespace faulty_calls

@@ -32,11 +32,11 @@ std::ptrdiff_t keep(int descriptor, const void* from, std::size_t size) {
     return static_cast<std::ptrdiff_t>(size);
 }
 
-// Keeps the text of both streams until the end of the scope, unless a test has its own table.
+// Keeps the text of both streams until the end of the scope, unless a test has its own `write`.
 struct Keeping {
     Keeping() {
         for (std::string& text : kept) text.clear();
-        if (before.write == system_calls::systemTable().write) system_calls::table = keepingTable();
+        if (before.write == system_calls::systemTable().write) system_calls::table.write = keep;
     }
     ~Keeping() { system_calls::table = before; }
     Keeping(const Keeping&) = delete;
@@ -62,7 +62,10 @@ Ran runHere(const std::vector<std::string>& arguments) {
     EXPECT_EQ(input, 0);
     std::vector<const char*> argv{"meshrake"};
     for (const std::string& argument : arguments) argv.push_back(argument.c_str());
-    return keepStreams([&] { return meshrake_main(static_cast<int>(argv.size()), argv.data()); });
+    Ran ran =
+        keepStreams([&] { return meshrake_main(static_cast<int>(argv.size()), argv.data()); });
+    system_calls::table = system_calls::systemTable();
+    return ran;
 }
 
 Ran keepStreams(const std::function<int()>& call) {

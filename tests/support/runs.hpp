@@ -23,7 +23,8 @@ struct Ran {
 };
 
 // Do a run inside this process, and a run of the program with `input` as standard input. `shell` is
-// the text of the command before the program.
+// the text of the command before the program. The run inside this process makes the calls of the
+// table of system calls, which is then that of the system again.
 Ran runHere(const std::vector<std::string>& arguments = {});
 Ran runProgram(const std::string& arguments = "", const std::string& input = "",
                const std::string& shell = "exec");

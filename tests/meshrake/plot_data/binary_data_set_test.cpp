@@ -119,7 +119,6 @@ TEST(BinaryDataSet, FlushIntervalsBeginAtTheFirstOutputTimeOfTheRun) {
                           "truncate time domain\n10 1e20\nend\nwrite pm domain file\n");
     static std::map<std::string, std::size_t> zones;
     zones.clear();
-    system_calls::table = runs::keepingTable();
     system_calls::table.open = [](const char* path, system_calls::OpenMode mode) {
         const bool head = std::string(path).starts_with("to.head_pm");
         if (head && std::filesystem::exists(path) && std::filesystem::exists("to.pm.szplt"))
@@ -127,7 +126,6 @@ TEST(BinaryDataSet, FlushIntervalsBeginAtTheFirstOutputTimeOfTheRun) {
         return system_calls::systemTable().open(path, mode);
     };
     EXPECT_EQ(runs::runHere().status, 0);
-    system_calls::table = system_calls::systemTable();
     EXPECT_EQ(zones, (std::map<std::string, std::size_t>{
                          {"to.head_pm.0003", 0}, {"to.head_pm.0004", 0}, {"to.head_pm.0005", 3}}));
     EXPECT_EQ(data_set_file::read("to.pm.szplt").zones.size(), 4U);
