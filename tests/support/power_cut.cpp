@@ -152,13 +152,9 @@ void add(Disk& disk, const Call& call) {
     case Kind::resize:
         disk.pending.push_back(call);
         break;
-    case Kind::sync: {
-        std::vector<Call> others;
-        for (const Call& pending : disk.pending)
-            if (!reachesDisk(pending)) others.push_back(pending);
-        disk.pending = std::move(others);
+    case Kind::sync:
+        std::erase_if(disk.pending, reachesDisk);
         break;
-    }
     case Kind::syncFolder:
         for (const Call& pending : disk.pendingNames) apply(disk.names, pending);
         disk.pendingNames.clear();
