@@ -55,6 +55,16 @@ TEST_F(FileReplacement, NewFileNameExists) {
     EXPECT_TRUE(std::filesystem::is_directory(newFile));
 }
 
+TEST_F(FileReplacement, LinksAndPermissionsAreKept) {
+    put("elsewhere", "old");
+    std::filesystem::permissions("elsewhere", std::filesystem::perms{0640});
+    std::filesystem::create_symlink("./elsewhere", "file");
+    EXPECT_EQ(replaceFile(), ok);
+    EXPECT_TRUE(std::filesystem::is_symlink("file"));
+    EXPECT_EQ(get("elsewhere"), "new\n");
+    EXPECT_EQ(std::filesystem::status("elsewhere").permissions(), std::filesystem::perms{0640});
+}
+
 // A call for the new file fails with an errno. Then the new file is written, or the old file is
 // emptied and written in place, or the replacement fails and the old file is kept.
 enum class Outcome { replaced, inPlace, failed };
