@@ -170,36 +170,21 @@ TEST_F(Tables, TemplateIsComplete) {
         EXPECT_THAT(sections[i], testing::UnorderedElementsAreArray(expected[i]));
 }
 
-TEST_F(Tables, OptionsOfTheTemplateAreReadBack) {
-    const std::string text = templateText();
-    for (Domain& domain : domains) {
-        takeScreen();
-        read(text, domain);
-        std::string unknown;
-        std::set<std::string> cleared, disabled;
-        for (const model::OptionRow& row : model::optionTable) {
-            if (!model::optionOf(domain, row.option).enabled)
-                disabled.insert(model::optionOf(domain, row.option).label);
-            if (!(row.inTemplate & domain.tag)) continue;
-            if (row.cleared == Option::none)
-                unknown += "Plot control - Unrecognized line\n" +
-                           model::optionLabel(row, domain.name) + "\n\n";
-            else
-                cleared.insert(model::optionOf(domain, row.cleared).label);
-        }
-        EXPECT_EQ(disabled, cleared) << domain.name;
-        EXPECT_THAT(takeScreen(), testing::EndsWith("index 0001\n\n" + unknown));
-    }
-}
-
-// Options that are in no template can also be disabled.
+// Each option by itself, also those that are in no template.
 TEST_F(Tables, EachOptionIsReadBack) {
-    for (const model::OptionRow& row : model::optionTable) {
-        if (row.cleared == Option::none) continue;
-        read("end\nwrite pm domain file\n" + model::optionLabel(row, "pm"), pm);
-        EXPECT_FALSE(model::enabled(pm, row.cleared)) << row.words;
-        model::optionOf(pm, row.cleared).enabled = true;
-    }
+    for (Domain& domain : domains)
+        for (const model::OptionRow& row : model::optionTable) {
+            const std::string line = model::optionLabel(row, domain.name);
+            takeScreen();
+            read("end\nwrite " + domain.name + " domain file\n" + line, domain);
+            const bool known = row.cleared != Option::none;
+            EXPECT_EQ(takeScreen(),
+                      known ? "" : "Plot control - Unrecognized line\n" + line + "\n\n");
+            for (const model::OptionRow& other : model::optionTable)
+                EXPECT_EQ(model::enabled(domain, other.option), other.option != row.cleared)
+                    << line;
+            if (known) model::optionOf(domain, row.cleared).enabled = true;
+        }
 }
 
 // Returns the fields that instructions of the control file have changed, with their values.
