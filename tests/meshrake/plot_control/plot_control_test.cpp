@@ -82,26 +82,6 @@ TEST_F(PlotControl, InstructionsAndUnrecognizedLinesAreEchoed) {
     EXPECT_TRUE(run.plotDepthBelowSurface);
 }
 
-TEST_F(PlotControl, ReadsValuesOfSeveralInstructions) {
-    const std::string tail(60, ' ');
-    read("tecplot binary mode\ntecplot binary append\ntecplot binary flush interval\n7 rest\n"
-         "truncate time domain\n-1.5,\n 2.5d3\nend\nplot pm zone isopach structure\n"
-         "write olf domain file\ncompare surface water depth\n1 2\n3 4\n5 6\nno olf et" +
-         tail +
-         "beyond the line\nend\ninterpolate depth to gw table\n"
-         "write pm domain file\ncompare heads 3d domain\n7 8\n9 10\n11 12\nno pm heads\n");
-    EXPECT_TRUE(run.tecplotAppend && run.truncateTime && run.plotIsopach &&
-                run.interpolateDepthToTable && run.compareHeads && run.compareSurfaceDepth);
-    EXPECT_EQ(run.tecplotFlushInterval, 7);
-    EXPECT_EQ(run.timeWindowMin, -1.5);
-    EXPECT_EQ(run.timeWindowMax, 2500);
-    // Both comparisons have the same window; the block of olf is read last.
-    EXPECT_THAT(run.compareWindow, ElementsAre(1, 2, 3, 4, 5, 6));
-    EXPECT_THAT(disabledOptions(olf), ElementsAre("no olf et"));
-    EXPECT_THAT(disabledOptions(pm), ElementsAre("no pm heads"));
-    EXPECT_EQ(takeScreen(), "\nAppending to Tecplot output\nStarting at time index 0001\n\n");
-}
-
 TEST_F(PlotControl, SectionsCommentsAndIncludedFiles) {
     sample_files::put("more", "! comment\n  no pm heads\ninclude more\n\nendless");
     const std::string cases[] = {"end\nwrite olf domain file\nend\nwrite pm domain file\nend\n",
@@ -114,6 +94,7 @@ TEST_F(PlotControl, SectionsCommentsAndIncludedFiles) {
                                  "end\nwrite pm domain file\ninclude   more\nnonsense",
                                  std::string(254, ' ') +
                                      "end of a line that is cut\nwrite pm domain file\n",
+                                 "end\nwrite olf domain file" + std::string(60, ' ') + "cut",
                                  ""};
     std::string report;
     for (const std::string& text : cases) {

@@ -189,7 +189,7 @@ TEST_F(Run, OutputTimes) {
     const std::string pm = "end\nwrite pm domain file\nend\n";
     problem["to.ElemPor_pm.0001"] = resultFile("", {Singles{0.25F}}); // without a time stamp
     std::string report = timesOf(run("truncate time domain\n10 20\n" + pm)) +
-                         timesOf(run("truncate time domain\n11 1d1\n" + pm));
+                         timesOf(run("truncate time domain\n11,\n1d1\n" + pm));
     Problem others = problem;
     others["to.head_olf.0002"] = resultFile("soon", {Reals(4)});
     std::swap(problem, others);
