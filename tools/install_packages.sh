@@ -2,7 +2,7 @@
 # Installs the missing packages of a build, or prints which packages to install.
 #
 #   tools/install_packages.sh [tool] [tests] [bench] [fuzz] [valgrind] [paraview] [pictures]
-#                               [parallel] [xarray]
+#                               [parallel] [xarray] [manual] [reference] [package] [lintian]
 #
 # Changes nothing if all packages are installed. It installs as root, or with sudo without a
 # password. Otherwise it ends with status 1.
@@ -56,6 +56,17 @@ missing_packages() {
             ;;
         xarray) /usr/bin/python3 -c 'import xarray' 2>/dev/null || echo python3-xarray ;;
         valgrind) has_command valgrind || echo valgrind ;;
+        manual)
+            has_command mandoc || echo mandoc
+            has_command groff || echo groff-base
+            ;;
+        reference) has_command doxygen || echo doxygen ;;
+        package)
+            has_command dpkg-shlibdeps || echo dpkg-dev
+            has_command file || echo file
+            has_command gzip || echo gzip
+            ;;
+        lintian) has_command lintian || echo lintian ;;
         *)
             echo "install_packages.sh: no group of packages \"$group\"" >&2
             exit 2
