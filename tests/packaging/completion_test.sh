@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Checks the completion for bash and the manual page of meshrake-tool against the program's help, and
-# the completion of files.
+# Checks the completion for bash and the manual page of meshrake-tool against the program's help, the
+# instructions in the manual page of meshrake against the page of instructions, and the completion of
+# files.
 #
 #   completion_test.sh SOURCE_FOLDER MESHRAKE_TOOL
 set -euo pipefail
@@ -52,6 +53,12 @@ for subcommand in $subcommands; do
         grep -qE -e "(^|[ .])$name( |\$)" <<<"$page" || expect "manual page" "$name" ""
     done
 done
+
+instructions=$(sed -n '/^\.Ss Control file/,/^\.Sh/s/^\.It Cm //p' "$source/docs/man/meshrake.1" | grep .)
+while IFS= read -r instruction; do
+    grep -qF "| \`$instruction\` |" "$source/docs/instructions.md" ||
+        expect "manual page of meshrake" "$instruction" ""
+done <<<"$instructions"
 expect "option of meshrake" --make_plot_control "$(completed _meshrake x --)"
 
 cd "$folder"
