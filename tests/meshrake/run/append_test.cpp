@@ -122,7 +122,7 @@ TEST(Append, PowerCutAtAnyCall) {
         putControl("tecplot binary flush interval\n" + std::to_string(interval) + "\n");
         system_calls::table = power_cut::recording(runs::keepingTable());
         runOver(times);
-        const std::vector<power_cut::Files> states = power_cut::statesLeft(longTests());
+        const std::vector<Problem> states = power_cut::statesLeft(longTests());
         EXPECT_GT(states.size(), 80);
         for (std::size_t i = 0; i < states.size() && !HasFailure(); ++i) {
             SCOPED_TRACE(testing::Message() << "before " << before << ", recorded " << recorded
@@ -139,26 +139,15 @@ TEST(Append, PowerCutAtAnyCall) {
     }
 }
 
-// Also in a run that does not append: the data must be on the disk before the sidecar is removed.
-TEST(Append, AFailedSyncEndsTheRun) {
-    for (const char* option : {"tecplot binary append\n", ""}) {
-        const Folder folder;
-        write(appendedTimes(2));
-        put("t.plot.control",
-            Bytes("tecplot binary mode\n") + option + "end\nwrite pm domain file\nend\n");
-        system_calls::table.sync = [](int) { return errno = EIO, -1; };
-        runs::expectFailure(runs::runHere(), {"HALTING EXECUTION", pmSet});
-        EXPECT_TRUE(*option != 0 || std::filesystem::exists(pmSet + ".szhdr"));
-        EXPECT_FALSE(std::filesystem::exists(indexFile));
-    }
-}
-
-// A run that does not append replaces an unfinished data set.
-TEST(Append, ARunThatDoesNotAppendReplaces) {
+// The data must be on the disk before the sidecar is removed. The next run replaces the unfinished
+// data set.
+TEST(Append, ARunThatDoesNotAppend) {
     const Folder folder;
-    putControl("", "", false);
-    runOver(2);
+    write(appendedTimes(2));
     put("t.plot.control", "tecplot binary mode\nend\nwrite pm domain file\nend\n");
+    system_calls::table.sync = [](int) { return errno = EIO, -1; };
+    runs::expectFailure(runs::runHere(), {"HALTING EXECUTION", pmSet});
+    EXPECT_TRUE(std::filesystem::exists(pmSet + ".szhdr"));
     EXPECT_THAT(runOver(3).screen, HasSubstr("Closing tecplot file: to.pm\n"));
     EXPECT_EQ(timesOf(pmSet), (Reals{0, 10, 20}));
     EXPECT_FALSE(std::filesystem::exists(pmSet + ".szhdr"));
