@@ -11,6 +11,7 @@ namespace power_cut {
 namespace {
 
 using sample_files::Bytes;
+using sample_files::Problem;
 using system_calls::OpenMode;
 using system_calls::Table;
 
@@ -166,8 +167,8 @@ void add(Disk& disk, const Call& call) {
 
 enum class Fate { missing, zeros, kept };
 
-Files filesLeft(const Disk& disk, const std::function<Fate(std::size_t)>& fateOf,
-                const std::function<bool(std::size_t)>& keepsName) {
+Problem filesLeft(const Disk& disk, const std::function<Fate(std::size_t)>& fateOf,
+                  const std::function<bool(std::size_t)>& keepsName) {
     std::vector<Bytes> contents = disk.contents;
     Names names = disk.names;
     for (std::size_t i = 0; i < disk.pending.size(); ++i) {
@@ -177,15 +178,15 @@ Files filesLeft(const Disk& disk, const std::function<Fate(std::size_t)>& fateOf
     }
     for (std::size_t i = 0; i < disk.pendingNames.size(); ++i)
         if (keepsName(i)) apply(names, disk.pendingNames[i]);
-    Files files;
+    Problem files;
     for (const auto& [name, file] : names) files[name] = contents[file];
     return files;
 }
 
 } // namespace
 
-Files recordedFiles() {
-    Files files;
+Problem recordedFiles() {
+    Problem files;
     for (const auto& entry : std::filesystem::directory_iterator(".")) {
         const std::string name = entry.path().filename();
         if (isRecorded(name)) files[name] = sample_files::get(name);
@@ -212,8 +213,8 @@ Table recording(const Table& calls) {
     return table;
 }
 
-std::vector<Files> statesLeft(bool many) {
-    std::set<Files> states;
+std::vector<Problem> statesLeft(bool many) {
+    std::set<Problem> states;
     std::mt19937 numbers(1);
     Disk disk{recorder.begin, recorder.namesAtFirst, {}, {}};
     for (std::size_t call = 0; call <= recorder.calls.size(); ++call) {

@@ -3,18 +3,11 @@
 #include "tests/support/sample_files.hpp"
 #include "tvncommon/io/system_calls.hpp"
 
-#include <map>
-#include <string>
-#include <vector>
-
 // The contents that the files of a run may have after a power cut.
 namespace power_cut {
 
-// Contents by name.
-using Files = std::map<std::string, sample_files::Bytes>;
-
 // Returns the data sets, sidecars and index files of the working directory.
-Files recordedFiles();
+sample_files::Problem recordedFiles();
 
 // Returns a table of these calls that records the calls that change such a file. The present
 // contents of the files are on the disk. A sync is recorded and not done.
@@ -27,6 +20,6 @@ system_calls::Table recording(const system_calls::Table& calls);
 // The states of each call: all writes and none; single writes alone and missing; the first names,
 // and all names but one; and random choices, the same in each run. Without `many` there are only
 // about six single writes and two random choices.
-std::vector<Files> statesLeft(bool many);
+std::vector<sample_files::Problem> statesLeft(bool many);
 
 } // namespace power_cut

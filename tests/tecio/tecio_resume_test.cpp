@@ -316,7 +316,7 @@ TEST(TecioResume, PowerCutWhileZonesAreReplaced) {
         for (int time = 2; time <= 8; ++time) addZone(time);
         EXPECT_EQ(flush(), 0);
         system_calls::table.sync = [](int) { return 0; };
-        const std::vector<power_cut::Files> states = power_cut::statesLeft(runs::longTests());
+        const std::vector<sample_files::Problem> states = power_cut::statesLeft(runs::longTests());
         EXPECT_GT(states.size(), 10U);
         for (std::size_t i = 0; i < states.size() && !HasFailure(); ++i) {
             SCOPED_TRACE(testing::Message() << titleLength << ", state " << i);
