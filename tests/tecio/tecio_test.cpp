@@ -117,28 +117,16 @@ TEST(Tecio, RefusesInvalidCalls) {
             return create({}) +
                    tecZoneVarWriteDoubleValues(set, w[0], w[1], w[2], w[3], eight.data());
         });
-    const ZoneShape shapes[] = {{.nodes = -1},
-                                {.nodes = 9},
-                                {.nodes = 2147483648},
-                                {.elements = -1},
-                                {.elements = 2},
-                                {.elements = 2147483648},
-                                {.types = {1, 2}},
-                                {.types = {2, 4}},
-                                {.types = {2, 0}},
-                                {.shares = {2, 0}},
-                                {.shares = {-1, 0}},
-                                {.locations = {0, 1}},
-                                {.locations = {1, 2}},
-                                {.locations = {1, -1}},
-                                {.connectivity = 2},
-                                {.connectivity = -1},
-                                {.type = -1},
-                                {.type = 4},
-                                {.type = 6},
-                                {.passive = 1},
-                                {.faceConnections = 1},
-                                {.nodes = 9, .shares = {0, 0}}};
+    // clang-format off
+    const ZoneShape shapes[] = {
+        {.nodes = -1}, {.nodes = 9}, {.nodes = 2147483648}, {.nodes = 9, .shares = {0, 0}},
+        {.elements = -1}, {.elements = 2}, {.elements = 2147483648},
+        {.types = {1, 2}}, {.types = {2, 4}}, {.types = {2, 0}},
+        {.shares = {2, 0}}, {.shares = {-1, 0}},
+        {.locations = {0, 1}}, {.locations = {1, 2}}, {.locations = {1, -1}},
+        {.connectivity = 2}, {.connectivity = -1}, {.type = -1}, {.type = 4}, {.type = 6},
+        {.passive = 1}, {.faceConnections = 1}};
+    // clang-format on
     for (const ZoneShape& shape : shapes) calls.push_back([&] { return create(shape); });
     for (std::size_t i = 0; i < calls.size(); ++i) {
         SCOPED_TRACE(i);
