@@ -114,13 +114,6 @@ void expectFailure(const Ran& ran, const std::vector<std::string>& words) {
     for (const std::string& word : words) EXPECT_THAT(ran.errors, testing::HasSubstr(word));
 }
 
-sample_files::Integers numbersOf(const std::vector<std::uint8_t>& mask) {
-    sample_files::Integers numbers;
-    for (std::size_t i = 0; i < mask.size(); ++i)
-        if (mask[i]) numbers.push_back(static_cast<std::int32_t>(i + 1));
-    return numbers;
-}
-
 Ran ProblemRun::run(const std::string& control, const std::vector<std::string>& arguments) {
     if (!control.empty()) problem["t.plot.control"] = control;
     sample_files::write(problem);

@@ -50,9 +50,6 @@ void expectEnd(const std::string& kind, const std::string& message,
 // Expects status 1 and all of these words on the standard error stream.
 void expectFailure(const Ran& ran, const std::vector<std::string>& words);
 
-// Returns the numbers, from 1, of the entries that are set.
-sample_files::Integers numbersOf(const std::vector<std::uint8_t>& mask);
-
 // For tests of whole runs inside this process: an empty folder, and the problem of a run.
 class ProblemRun : public testing::Test {
 protected:

@@ -40,9 +40,15 @@ protected:
             report << "\n" << name << ":";
             for (const std::int32_t number : numbers) report << " " << number;
         };
-        list("nodes of pm", runs::numbersOf(domain.nodeIncluded));
-        list("nodes of the domain", runs::numbersOf(domain.domainNodeIncluded));
-        list("elements", runs::numbersOf(domain.elementIncluded));
+        const auto listIncluded = [&](const char* name, const std::vector<std::uint8_t>& mask) {
+            Integers numbers;
+            for (std::size_t i = 0; i < mask.size(); ++i)
+                if (mask[i]) numbers.push_back(static_cast<std::int32_t>(i + 1));
+            list(name, numbers);
+        };
+        listIncluded("nodes of pm", domain.nodeIncluded);
+        listIncluded("nodes of the domain", domain.domainNodeIncluded);
+        listIncluded("elements", domain.elementIncluded);
         list("numbers", domain.nodeRenumber);
         report << "\n\n";
     }
