@@ -9,7 +9,6 @@
 #include <numeric>
 #include <random>
 #include <string>
-#include <unordered_map>
 
 namespace {
 
@@ -20,8 +19,9 @@ void expectEnd(const std::string& message, const std::function<void()>& call) {
 }
 
 // Expects the entries of the reference from the iterator, and their number in all buckets.
-template<class Kind, class Reference>
-void checkContents(const hash_chains::Table<Kind>& table, const Reference& reference) {
+template<class Kind>
+void checkContents(const hash_chains::Table<Kind>& table,
+                   const std::map<typename Kind::Key, std::int32_t>& reference) {
     ASSERT_EQ(sz(table), static_cast<std::int32_t>(reference.size()));
     EXPECT_EQ(empty(table), reference.empty());
     std::size_t iterated = 0, inBuckets = 0;
@@ -43,12 +43,14 @@ void checkContents(const hash_chains::Table<Kind>& table, const Reference& refer
 }
 
 // Thousands of operations in random order. `sorted` returns the key of the reference.
-template<class Kind, class Reference>
-void checkAgainst(hash_chains::Table<Kind>& table, Reference reference, std::mt19937& random,
-                  const std::function<typename Kind::Key()>& anyKey,
-                  typename Kind::Key (*sorted)(typename Kind::Key)) {
+template<class Kind>
+void compareWithMap(hash_chains::Table<Kind>& table, std::mt19937& random,
+                    const std::function<typename Kind::Key()>& anyKey,
+                    typename Kind::Key (*sorted)(typename Kind::Key)) {
+    using Key = typename Kind::Key;
+    std::map<Key, std::int32_t> reference;
     for (int step = 0; step < 8000; ++step) {
-        const typename Kind::Key key = anyKey();
+        const Key key = anyKey();
         const auto what = random() % 100, more = random() % 1000;
         if (what < 45) {
             insert(table, key, reference[sorted(key)] = step);
@@ -96,9 +98,9 @@ TEST(IHashTable, EqualsTheStandardTable) {
             std::uniform_int_distribution<std::int32_t> anyKey(-range, range);
             IHashTable::Table table;
             init(table, 0, hash);
-            checkAgainst<IHashTable::Kind>(
-                table, std::unordered_map<std::int32_t, std::int32_t>(), random,
-                [&] { return anyKey(random); }, [](std::int32_t key) { return key; });
+            compareWithMap(
+                table, random, [&] { return anyKey(random); },
+                [](std::int32_t key) { return key; });
         }
 }
 
@@ -115,8 +117,7 @@ TEST(MeshHashTable, EqualsATableOfSortedKeys) {
     };
     MeshHashTable::Table table;
     init(table, 5);
-    checkAgainst<MeshHashTable::Kind>(table, std::map<Nodes, std::int32_t>(), random, anyKey,
-                                      sorted);
+    compareWithMap(table, random, anyKey, sorted);
 }
 
 TEST(IHashTable, GrowsByPrimes) {
@@ -141,7 +142,7 @@ TEST(IHashTable, GrowsByPrimes) {
     EXPECT_EQ(bucketCount(table), 11);
     rehash(table, 100);
     EXPECT_EQ(bucketCount(table), 199);
-    checkContents(table, std::map<std::int32_t, std::int32_t>{{1, 10}, {2, 20}, {3, 30}, {6, 60}});
+    checkContents(table, {{1, 10}, {2, 20}, {3, 30}, {6, 60}});
 }
 
 TEST(IHashTable, NewKeysAreFirstInTheirBucket) {
