@@ -74,27 +74,25 @@ struct Row {
     Outcome outcome;
 };
 
-int failing;
+std::string failingCall;
+int failing; // errno
+
+int openUnlessFailing(const char* path, system_calls::OpenMode mode) {
+    const bool creates = mode == system_calls::OpenMode::create;
+    const bool fails = creates
+                           ? failingCall.starts_with("create")
+                           : failingCall == "open the left-over" && std::string(path) == newFile;
+    return fails ? (errno = failing, -1) : system_calls::systemTable().open(path, mode);
+}
+
 void fail(const std::string& call, int error) {
+    failingCall = call;
     failing = error;
     system_calls::Table& table = system_calls::table;
     table = system_calls::systemTable();
-    if (call == "create")
-        table.open = [](const char* path, system_calls::OpenMode mode) {
-            if (mode != system_calls::OpenMode::create)
-                return system_calls::systemTable().open(path, mode);
-            return errno = failing, -1;
-        };
-    if (call == "open the left-over")
-        table.open = [](const char* path, system_calls::OpenMode mode) {
-            if (std::string(path) != newFile || mode == system_calls::OpenMode::create)
-                return system_calls::systemTable().open(path, mode);
-            return errno = failing, -1;
-        };
-    if (call == "create and empty") {
-        fail("create", error);
+    table.open = openUnlessFailing;
+    if (call == "create and empty")
         table.truncate = [](int, std::int64_t) { return errno = EIO, -1; };
-    }
     if (call == "lock") table.lock = [](int, bool) { return errno = failing, -1; };
     if (call == "remove") table.remove = [](const char*) { return errno = failing, -1; };
     if (call == "permissions")
