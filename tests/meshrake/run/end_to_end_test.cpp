@@ -214,12 +214,6 @@ TEST_F(Run, DomainsThatAreNotRequestedAreNotWritten) {
     EXPECT_FALSE(std::filesystem::exists("to.pm.dat"));
     EXPECT_THAT(get("to.meshrake.eco"),
                 Not(testing::ContainsRegex("Closing tecplot file: (to.pm)?\n")));
-
-    // Append stays enabled if the first section has no end.
-    std::filesystem::remove("to.olf.dat");
-    ASSERT_EQ(run("tecplot binary append\nwrite olf domain file\n").status, 0);
-    EXPECT_FALSE(std::filesystem::exists("to.olf.dat"));
-    EXPECT_EQ(get("to.tec_append"), integerRecord({4}));
 }
 
 TEST_F(Run, ShowsWarnings) {

@@ -79,13 +79,6 @@ TEST_F(Units, Labels) {
     EXPECT_EQ(parseUnits("K"), "(K)");
 }
 
-TEST_F(Units, LabelsGrowByOneFactor) {
-    std::string label = "(kg";
-    parseUnitsAppend(label, "L^-3");
-    parseUnitsAppend(label, "T^0");
-    EXPECT_EQ(label, "(kg m^-3");
-}
-
 TEST_F(Units, ConversionFromSI) {
     const SIUnits length{.length = 1}, time{.time = 1};
     const SIUnits density = divide(SIUnits{.mass = 1}, power_int(length, 3));
