@@ -2,7 +2,6 @@
 
 #include "tests/support/runs.hpp"
 
-#include <algorithm>
 #include <bit>
 #include <limits>
 #include <random>
@@ -13,12 +12,6 @@ using namespace depth_to_groundwater;
 using Values = std::vector<double>;
 
 const double nan = std::numeric_limits<double>::quiet_NaN();
-
-Values headsOf(const Values& z, const Values& pressureHead) {
-    Values head(z.size());
-    std::ranges::transform(z, pressureHead, head.begin(), std::plus<>());
-    return head;
-}
 
 // Returns the bits of each value; all NaN give the same.
 std::vector<std::uint64_t> bitsOf(const Values& values) {
@@ -47,9 +40,11 @@ TEST(DepthToGroundwater, ColumnsComputedByHand) {
         {"one sheet, unsaturated", {-3}, {3}, {3}, 0, 0}};
     for (const Column& column : columns) {
         SCOPED_TRACE(column.what);
-        Values z, depth(column.pressureHead.size(), 99);
-        for (std::size_t i = 0; i < depth.size(); ++i) z.push_back(10.0 * static_cast<double>(i));
-        const Values head = headsOf(z, column.pressureHead);
+        Values z, head, depth(column.pressureHead.size(), 99);
+        for (const double pressureHead : column.pressureHead) {
+            z.push_back(10.0 * static_cast<double>(z.size()));
+            head.push_back(z.back() + pressureHead);
+        }
         const auto n = static_cast<std::int32_t>(z.size());
         for (const bool interpolate : {false, true}) {
             const double depth2d = interpolate ? column.interpolated2d : column.depth2d;
@@ -82,14 +77,13 @@ TEST(DepthToGroundwater, SweepsEqualSearchesFromEachNode) {
     for (int round = 0; round < 400; ++round) {
         const int sheetCount = 1 + below(9), sheetNodes = 1 + below(7);
         const int nodeCount = sheetCount * sheetNodes + below(sheetCount);
-        Values z, head;
+        Values z, head, pressureHead;
         for (int i = 0; i < nodeCount; ++i) {
             const int kind = below(12);
             z.push_back(2.0 * i / sheetNodes + anyReal(random));
             head.push_back(kind == 0 ? nan : kind < 3 ? z.back() : z.back() + anyReal(random));
+            pressureHead.push_back(head.back() - z.back());
         }
-        Values pressureHead(z.size());
-        std::ranges::transform(head, z, pressureHead.begin(), std::minus<>());
         for (const bool interpolate : {false, true}) {
             Values depth(z.size(), 99), depth2d(z.size(), 99), found(z.size()), found2d(z.size());
             depth2gwtDomain(nodeCount, sheetCount, interpolate, z, head, depth);
