@@ -15,21 +15,17 @@ class FullDisk : public testing::Test {
 protected:
     FullDisk() { write(twoTimes()); }
 
-    static void expectFailure(const Ran& ran, const std::string& words) {
-        runs::expectFailure(ran, {"HALTING EXECUTION ***\n", words});
-    }
-
     Folder folder;
 };
 
 TEST_F(FullDisk, TheScreen) {
+    const std::string banner = "\nError writing file: standard output\n";
     for (const char* to : {">/dev/full", ">&-"})
-        expectFailure(runs::runProgram(to), "\nError writing file: standard output\n");
+        runs::expectFailure(runs::runProgram(to), {banner});
     // A reader that has ended.
     const std::string ending = ">&3; echo $? >.status) 3>&1 | true";
     const Ran ran = runs::runProgram(ending, "", "(sleep 0.2;");
-    expectFailure({std::stoi(get(".status")), "", ran.errors},
-                  "\nError writing file: standard output\n");
+    runs::expectFailure({std::stoi(get(".status")), "", ran.errors}, {banner});
     EXPECT_EQ(runs::runProgram("<&-").status, 0);
     EXPECT_EQ(runs::runProgram("2>&-").status, 0);
     EXPECT_EQ(runs::runProgram("2>/dev/full").status, 0);
@@ -40,7 +36,7 @@ TEST_F(FullDisk, FileSizeLimit) {
     write(brickProblem({40, 40, 2, 1}));
     // 64 KiB: the mesh of pm alone is more than that as text.
     const Ran ran = runs::runProgram("", "", "ulimit -f 128; exec");
-    expectFailure(ran, "\nError writing file: to.pm.dat\n");
+    runs::expectFailure(ran, {"\nError writing file: to.pm.dat\n"});
     EXPECT_EQ(std::filesystem::file_size("to.pm.dat"), 65536U); // the part within the limit
 }
 
