@@ -34,23 +34,15 @@ TEST_F(BcLocations, ValidAndDamagedFiles) {
         report += "---- " + contents + "\n---- " + converted(contents);
     EXPECT_EQ(takeScreen(), "");
     EXPECT_FALSE(std::filesystem::exists("to.Bc.gone.vtk"));
-    const std::string damaged[] = {"",
-                                   "\n\"X\"\n",
-                                   "\n\"X\"\nI=3\n#\n1\n2\n",
-                                   "\n\"X\"\nI=2\n#\n1.5 1.5\n",
-                                   "\n\"X\"\nI=1\n# x\ndepth\n",
-                                   "\n\"X\"\nI=1\n# x\n/\n",
-                                   "\n\"X\"\nI=1\n# x\n,\n",
-                                   "\n\"X\" \"Y\"\nI=1\n# x\n1\n",
-                                   "\n\"X\"\nI=1\n#\n" + std::string(1000, ' ') + "1\n", // cut
-                                   "\n\"X\"\nJ=3\n",
-                                   "\n\nI=\n",
-                                   "\n\nI=many\n",
-                                   "\n\nI=,5\n",
-                                   "\n\nI=2.5\n",
-                                   "\n\nI=99999999999\n",
-                                   "\n\nI=-1\n",
-                                   "\n\"X\"\nI=2147483647\n#\n1\n"};
+    // clang-format off
+    const std::string damaged[] = {
+        "", "\n\"X\"\n", "\n\"X\"\nJ=3\n", "\n\"X\"\nI=3\n#\n1\n2\n",
+        "\n\"X\"\nI=2\n#\n1.5 1.5\n", "\n\"X\"\nI=1\n# x\ndepth\n",
+        "\n\"X\"\nI=1\n# x\n/\n", "\n\"X\"\nI=1\n# x\n,\n", "\n\"X\" \"Y\"\nI=1\n# x\n1\n",
+        "\n\"X\"\nI=1\n#\n" + std::string(1000, ' ') + "1\n", // cut
+        "\n\nI=\n", "\n\nI=many\n", "\n\nI=,5\n", "\n\nI=2.5\n", "\n\nI=99999999999\n",
+        "\n\nI=-1\n", "\n\"X\"\nI=2147483647\n#\n1\n"};
+    // clang-format on
     for (const std::string& contents : damaged)
         report +=
             "---- " + contents + "\n---- " + runs::endingOf([&] { converted(contents); }) + "\n";

@@ -35,24 +35,19 @@ protected:
 };
 
 TEST_F(Banners, OfAllFunctions) {
-    const std::function<void()> calls[] = {[] { fatalError("  two\nlines  "); },
-                                           [] { input_error("what"); },
-                                           [] { warningMsg("what "); },
-                                           [] { fatalErrorStat(29, "what  "); },
-                                           [] { input_error_stat(100, "what"); },
-                                           [] { warningMsgStat(59, "what"); },
-                                           [] { checkFileOpen(29, "name  "); },
-                                           [] { checkFileWrite(38, "name"); },
-                                           [] { check_alloc(41, "some array "); },
-                                           [] { check_alloc(100, "some array"); },
-                                           [] { check_alloc(0, "some array"); },
-                                           [] { checkFileOpen(0, "name"); },
-                                           [] { user_size_check(12, 11, "nodes "); },
-                                           [] { user_size_check(11, 11, "nodes"); },
-                                           [] { unknownCommandError("Top ", "do that "); },
-                                           [] { commandConflictError("this ", "that "); },
-                                           [] { obsoleteCommandError(" "); },
-                                           [] { obsoleteCommandError("that "); }};
+    // clang-format off
+    const std::function<void()> calls[] = {
+        [] { fatalError("  two\nlines  "); }, [] { input_error("what"); },
+        [] { warningMsg("what "); }, [] { fatalErrorStat(29, "what  "); },
+        [] { input_error_stat(100, "what"); }, [] { warningMsgStat(59, "what"); },
+        [] { checkFileOpen(29, "name  "); }, [] { checkFileWrite(38, "name"); },
+        [] { check_alloc(41, "some array "); }, [] { check_alloc(100, "some array"); },
+        [] { check_alloc(0, "some array"); }, [] { checkFileOpen(0, "name"); },
+        [] { user_size_check(12, 11, "nodes "); }, [] { user_size_check(11, 11, "nodes"); },
+        [] { unknownCommandError("Top ", "do that "); },
+        [] { commandConflictError("this ", "that "); },
+        [] { obsoleteCommandError(" "); }, [] { obsoleteCommandError("that "); }};
+    // clang-format on
     std::string report;
     for (const auto& call : calls) {
         const std::string banner = bannerOf(call);
