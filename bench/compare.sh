@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Builds two commits and runs both in turn on the same problem, in text and in binary mode. Prints
-# the best and the median time of each and the ratios of the second to the first.
+# the minimum and the median time of each and the ratios of the second to the first.
 #
 #   bench/compare.sh REV_A REV_B [RUNS [MAKE_PROBLEM_OPTION...]]
 #
@@ -9,6 +9,8 @@
 # their syncs.
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+# shellcheck source=bench/measuring.sh
+source "$root/bench/measuring.sh"
 if [ $# -lt 2 ]; then
     sed -n '2,/^set/{/^#/s/^# \{0,1\}//p}' "${BASH_SOURCE[0]}" >&2
     exit 2
@@ -27,13 +29,13 @@ for revision in "${revisions[@]}"; do
         tar -x -C "$root/build-compare"
     "$source/tools/build.sh" bench
 done
-tools=$root/build-compare/${revisions[0]}/build-bench
+build=$root/build-compare/${revisions[0]}/build-bench
 
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 problem=$folder/problem
-"$tools/examples/make_problem" --prefix large "${options[@]}" "$problem" >/dev/null
-(cd "$problem" && "$tools/meshrake/meshrake" --make_plot_control >/dev/null 2>&1)
+"$build/examples/make_problem" --prefix large "${options[@]}" "$problem" >/dev/null
+(cd "$problem" && "$build/meshrake/meshrake" --make_plot_control >/dev/null 2>&1)
 mv "$problem/large.plot.control" "$folder/text.control"
 sed '1i tecplot binary mode' "$folder/text.control" >"$folder/binary.control"
 find "$problem" -type f -exec cat {} + >/dev/null
@@ -44,14 +46,11 @@ run() {
     rm -f "$problem"/largeo.*.szplt* "$problem"/largeo.*.dat "$problem"/largeo.meshrake.eco
     sync
     cp "$folder/$1.control" "$problem/large.plot.control"
-    numbers=$("$tools/bench/run_measured" "$problem" env \
-        LD_PRELOAD="$tools/bench/libsync_times.so" \
-        "$root/build-compare/$2/build-bench/meshrake/meshrake" 2>/dev/null)
+    numbers=$(measured "$problem" env LD_PRELOAD="$build/bench/libsync_times.so" \
+        "$root/build-compare/$2/build-bench/meshrake/meshrake")
     [ "$3" -eq 0 ] || echo "${numbers%% *}" >>"$folder/$1.$2"
 }
 
-best() { sort -n "$1" | head -n 1; }
-median() { sort -n "$1" | awk '{ line[NR] = $0 } END { print line[int((NR + 1) / 2)] }'; }
 ratio() { awk -v a="$1" -v b="$2" 'BEGIN { printf "%.3f", b / a }'; }
 
 printf '%-8s %-8s %10s %10s %8s\n' mode measure "${revisions[@]}" ratio
@@ -59,7 +58,7 @@ for mode in binary text; do
     for ((i = 0; i <= runs; ++i)); do # the first turn warms up
         for revision in "${revisions[@]}"; do run "$mode" "$revision" "$i"; done
     done
-    for measure in best median; do
+    for measure in minimum median; do
         a=$($measure "$folder/$mode.${revisions[0]}")
         b=$($measure "$folder/$mode.${revisions[1]}")
         printf '%-8s %-8s %10s %10s %8s\n' "$mode" "$measure" "$a" "$b" "$(ratio "$a" "$b")"

@@ -11,6 +11,8 @@ set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 # shellcheck source=bench/table.sh
 source "$root/bench/table.sh"
+# shellcheck source=bench/measuring.sh
+source "$root/bench/measuring.sh"
 
 build=${1:-}
 if [ -z "$build" ]; then
@@ -33,14 +35,6 @@ sync
 outputs() { ls "$problem"/largeo.*.dat "$problem/largeo.meshrake.eco"; }
 remove_outputs() { rm -rf "$copy" "$problem"/largeo.*.dat "$problem"/*.eco "$problem"/*.control; }
 
-# measured FOLDER PROGRAM [ARGUMENT]...: prints the line of run_measured. The program must succeed.
-measured() {
-    "$build/bench/run_measured" "$@" 2>"$folder/errors" || {
-        cat "$folder/errors" >&2
-        return 1
-    }
-}
-
 repetitions=5
 runs=()
 copies=()
@@ -59,8 +53,6 @@ for ((i = 0; i <= repetitions; ++i)); do
     [ "$memory" -le "$peak" ] || peak=$memory
 done
 
-median() { printf '%s\n' "$@" | sort -n | sed -n "$((($# + 1) / 2))p"; }
-
 # Bytes that the program must keep in memory. Coordinates, links, element lists and zones have the
 # size of the mesh files plus the coordinates of domains other than pm. An array per column has the
 # size of the result files of one output time.
@@ -76,8 +68,8 @@ kept_bytes() {
     echo "$bytes"
 }
 
-run=$(median "${runs[@]}")
-copied=$(median "${copies[@]}")
+run=$(median <(printf '%s\n' "${runs[@]}"))
+copied=$(median <(printf '%s\n' "${copies[@]}"))
 mib() { awk -v bytes="$1" 'BEGIN { printf "%.1f", bytes / 1048576 }'; }
 kept=$(kept_bytes)
 peak=$((peak * 1024))

@@ -135,7 +135,6 @@ int beginData(DataFile& f, std::int64_t before, std::int64_t bytes) {
     f.current.anyWritten = true;
     if (before + bytes <= maximumGathered) {
         f.gathered.position = f.dataEnd;
-        f.gathered.bytes.reserve(static_cast<std::size_t>(maximumGathered));
         f.gathered.bytes.assign(static_cast<std::size_t>(before), '\0');
     }
     const int status = byte_file::reserve(f.file, f.dataEnd, f.current.layout.size);
@@ -154,6 +153,7 @@ int writeData(DataFile& f, std::int64_t position, const void* from, std::int64_t
     // A large array goes to the file from the caller's memory.
     if (bytes > maximumGathered) return write(f, position, from, bytes);
     if (gathered.bytes.empty()) gathered.position = position;
+    gathered.bytes.reserve(static_cast<std::size_t>(maximumGathered));
     const char* first = static_cast<const char*>(from);
     gathered.bytes.insert(gathered.bytes.end(), first, first + bytes);
     return ok;

@@ -14,8 +14,8 @@ template<class T>
 Range range(const T* values, std::int64_t count) {
     constexpr std::int64_t lanes = 32;
     std::array<T, lanes> least, greatest;
-    least.fill(greatestOf<T>);
-    greatest.fill(leastOf<T>);
+    least.fill(emptyLeast<T>);
+    greatest.fill(emptyGreatest<T>);
     const auto take = [&](std::size_t lane, T value) {
         least[lane] = value < least[lane] ? value : least[lane];
         greatest[lane] = value > greatest[lane] ? value : greatest[lane];

@@ -13,13 +13,13 @@ struct Range {
 
 // Least and greatest value of an empty range: the first comparison with a value replaces both.
 template<class T>
-inline constexpr T greatestOf = std::numeric_limits<T>::has_infinity
+inline constexpr T emptyLeast = std::numeric_limits<T>::has_infinity
                                     ? std::numeric_limits<T>::infinity()
                                     : std::numeric_limits<T>::max();
 template<class T>
-inline constexpr T leastOf = std::numeric_limits<T>::has_infinity
-                                 ? -std::numeric_limits<T>::infinity()
-                                 : std::numeric_limits<T>::lowest();
+inline constexpr T emptyGreatest = std::numeric_limits<T>::has_infinity
+                                       ? -std::numeric_limits<T>::infinity()
+                                       : std::numeric_limits<T>::lowest();
 
 // Returns the range of an array of this type: 1 float, 2 double, 3 int32_t.
 Range rangeOf(std::int32_t type, const void* values, std::int64_t count);

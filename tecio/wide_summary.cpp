@@ -2,7 +2,6 @@
 
 #include "tecio/layout.hpp"
 
-#include <algorithm>
 #include <array>
 #include <cstring>
 
@@ -29,8 +28,8 @@ template<class T, bool withChecksum>
                                              Range& range, Checksum* checksum) {
     using Values = typename Wide<T>::Values;
     std::array<Values, registers> least, greatest;
-    least.fill(Values{} + greatestOf<T>);
-    greatest.fill(Values{} + leastOf<T>);
+    least.fill(Values{} + emptyLeast<T>);
+    greatest.fill(Values{} + emptyGreatest<T>);
     std::array<Words, registers> lanes{};
     if constexpr (withChecksum) std::memcpy(&lanes, &checksum->lanes, halfBlock);
     for (; block < end; block += Checksum::blockBytes) {
@@ -51,8 +50,7 @@ template<class T, bool withChecksum>
     }
     if constexpr (withChecksum) std::memcpy(&checksum->lanes, &lanes, halfBlock);
     constexpr std::int64_t count = halfBlock / sizeof(T);
-    range.least = std::min(range.least, rangeOf(type, &least, count).least);
-    range.greatest = std::max(range.greatest, rangeOf(type, &greatest, count).greatest);
+    extend(range, {rangeOf(type, &least, count).least, rangeOf(type, &greatest, count).greatest});
 }
 
 template<class T>
