@@ -128,7 +128,7 @@ void findGap(Work& work, std::int32_t end, const FilesByTime& files) {
              .times = {end},
              .text = "no file of this output time is of a kind from which a run takes the time, "
                      "so the plot files end before it"});
-    } else if (!later.empty()) {
+    } else if (!later.empty() && end > 1) { // the finding without output times covers index 1
         work.report.findings.push_back({.kind = "gap",
                                         .times = {end},
                                         .text = "this output time has no result files, so the "

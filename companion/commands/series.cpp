@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
+#include <limits>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -156,6 +158,7 @@ int writeSeries(const Options& options) {
 
 Run addSeries(CLI::App& app) {
     const auto options = std::make_shared<Options>();
+    const CLI::Range positive(1, std::numeric_limits<std::int32_t>::max(), "POSITIVE");
     app.add_option("FILE", options->file, "Binary data set (.szplt)")->required();
     app.add_option("--variable", options->variables, "Name of a variable, such as Head")
         ->required()
@@ -163,11 +166,11 @@ Run addSeries(CLI::App& app) {
     app.add_option("--node", options->nodes, "Number of a node in the data set, from 1")
         ->delimiter(',')
         ->allow_extra_args(false)
-        ->check(CLI::PositiveNumber);
+        ->check(positive);
     app.add_option("--element", options->elements, "Number of an element in the data set, from 1")
         ->delimiter(',')
         ->allow_extra_args(false)
-        ->check(CLI::PositiveNumber);
+        ->check(positive);
     app.add_option("--point", options->points,
                    "x,y,z: the nearest node, or the element with the nearest centre")
         ->allow_extra_args(false)

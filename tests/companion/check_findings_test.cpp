@@ -234,6 +234,14 @@ TEST_F(CheckFindings, FindsFaultsOfResultFiles) {
          },
          {"no_times  1 there are no result files of this output time, so the plot files have the "
           "mesh alone"}},
+        {"no results at the first output time",
+         [=] {
+             for (const fs::directory_entry& entry : fs::directory_iterator("."))
+                 if (entry.path().string().ends_with(".0001")) fs::remove(entry);
+         },
+         {"no_times  1 there are no result files of this output time, so the plot files have the "
+          "mesh alone",
+          "after_gap  2 3 result files after the gap are not in the plot files"}},
         {"no mesh of pm",
          [=] { fs::remove("to.coordinates_pm"); },
          {"mesh to.coordinates_pm! the file is missing: a problem needs the domain pm"}},
