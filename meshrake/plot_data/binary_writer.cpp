@@ -28,13 +28,15 @@ constexpr std::int32_t strand = 1;
 // A longer unit is cut without a message.
 constexpr std::size_t unitLimit = 50;
 
+constexpr std::string_view noReason = "File: ";
+
 // Returns the reason of a failed call, as a text before the name of the file.
 std::string_view reasonOf(std::int32_t status) {
     if (MESHRAKE_OWN_TECIO && status == binary::invalidCall)
         return "Arrays of a zone do not fit its variables, nodes and elements: ";
     if (binary::ownStatus(status) == binary::otherMesh)
         return "Its plot file has zones with other nodes or elements: ";
-    return "File: ";
+    return noReason;
 }
 
 // After a failed call, closes the data set, which stays unfinished, and ends the run.
@@ -42,8 +44,12 @@ void check(std::int32_t status, const std::string& what, Domain& domain) {
     if (status == 0) return;
     const std::string file = binary::failedFile(domain.dataSet.fileName + ".szplt");
     tecFileWriterClose(&domain.dataSet.handle);
-    error::fatalError(what + " " + domain.name + " domain.\n" + std::string(reasonOf(status)) +
-                      file);
+    const std::string_view reason = reasonOf(status);
+    const std::string message =
+        what + " " + domain.name + " domain.\n" + std::string(reason) + file;
+    // The numbers of another library are not those of the I/O layer.
+    if (MESHRAKE_OWN_TECIO && reason == noReason) error::fatalErrorStat(status, message);
+    error::fatalError(message);
 }
 
 void addVariableName(std::string_view name, Domain& domain) {

@@ -34,10 +34,16 @@ TEST_F(FullDisk, TheScreen) {
 TEST_F(FullDisk, FileSizeLimit) {
     for (const char* name : {"to.sat_pm.0001", "t.plot.control"}) std::filesystem::remove(name);
     write(brickProblem({40, 40, 2, 1}));
-    // 64 KiB: the mesh of pm alone is more than that as text.
-    const Ran ran = runs::runProgram("", "", "ulimit -f 128; exec");
-    runs::expectFailure(ran, {"\nError writing file: to.pm.dat\n"});
+    // 64 KiB: the mesh of pm alone is more than that.
+    const std::string limit = "ulimit -f 128; exec";
+    const std::string detail =
+        "\nError detail: Error encountered during write statement\nError number: 38\n";
+    runs::expectFailure(runs::runProgram("", "", limit),
+                        {"\nError writing file: to.pm.dat" + detail});
     EXPECT_EQ(std::filesystem::file_size("to.pm.dat"), 65536U); // the part within the limit
+    put("t.plot.control", "tecplot binary mode\nend\nwrite pm domain file\nend\n");
+    runs::expectFailure(runs::runProgram("", "", limit),
+                        {"\nCreate new zone in pm domain.\nFile: to.pm.szplt" + detail});
 }
 
 // Files of an unexpected kind instead of an input file.
