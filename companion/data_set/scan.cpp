@@ -11,6 +11,8 @@ namespace data_set_file {
 namespace {
 
 constexpr std::int64_t greatestCount = std::numeric_limits<std::int32_t>::max();
+// Far more than a run writes. A damaged number must not take all memory for the names.
+constexpr std::int64_t greatestVariables = 1000000;
 
 void takeConstant(Cursor& cursor, std::int32_t value, const char* fault) {
     takeBetween(cursor, value, value, fault);
@@ -22,10 +24,9 @@ void takeFileHeader(Cursor& cursor, DataSet& set) {
     takeConstant(cursor, 1, "another byte order");
     takeConstant(cursor, 0, "another file type");
     set.title = takeText(cursor);
-    const std::int64_t most = (cursor.file.size - cursor.position) / 4;
-    set.variables.resize(
-        static_cast<std::size_t>(takeBetween(cursor, 0, most, "not a number of variables")));
-    for (std::string& name : set.variables) name = takeText(cursor);
+    const std::int32_t variables =
+        takeBetween(cursor, 0, greatestVariables, "not a number of variables");
+    for (std::int32_t v = 0; v < variables; ++v) set.variables.push_back(takeText(cursor));
 }
 
 void takeAux(Cursor& cursor, DataSet& set, bool ofVariable) {

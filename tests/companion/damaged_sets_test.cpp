@@ -68,6 +68,16 @@ TEST_F(DamagedSets, PartsThatDisagree) {
     }
 }
 
+// The file has as many bytes as names of so many variables would have, but they are a hole.
+TEST_F(DamagedSets, MoreVariablesThanAnyRunHas) {
+    const std::string whole = get(pm);
+    const std::size_t count = whole.find(sample_files::bytesOf(sample_files::Integers{'X', 0})) - 4;
+    put(whole.substr(0, count) + sample_files::bytesOf(sample_files::Integers{0x7fffffff}));
+    std::filesystem::resize_file("damaged.szplt", std::uintmax_t{9} << 30U);
+    runs::expectFailure(tool_runs::tool(commandLines[0]),
+                        {"damaged.szplt: byte ", "not a number of variables"});
+}
+
 // Words with values that counts, types, shares, nodes and characters must not have.
 TEST_F(DamagedSets, ChangedWords) {
     const std::string whole = get(pm);
