@@ -1,6 +1,7 @@
 #include "companion/check/earlier_data_sets.hpp"
 
 #include "companion/data_set/data_set_file.hpp"
+#include "companion/screen/screen.hpp"
 #include "meshrake/model/file_names.hpp"
 #include "meshrake/model/run_state.hpp"
 #include "tecio/own_functions.hpp"
@@ -8,7 +9,6 @@
 #include "tvncommon/io/file_units.hpp"
 
 #include <algorithm>
-#include <charconv>
 #include <stdexcept>
 
 namespace check {
@@ -57,16 +57,11 @@ std::int32_t examine(const EarlierFile& file, const DomainTrack* track, bool dur
     return fine;
 }
 
-std::string timeText(double time) {
-    char digits[32];
-    return {digits, std::to_chars(digits, digits + sizeof digits, time).ptr};
-}
-
 std::string contentsText(const tecio::UnfinishedDataSet& set) {
     if (set.zones == 0) return "without an output time";
     const bool isOne = set.zones == 1;
     return "with " + std::to_string(set.zones) + (isOne ? " output time" : " output times") +
-           " up to " + timeText(set.lastTime);
+           " up to " + screen::numberText(set.lastTime);
 }
 
 void reportUnfinished(Work& work, const EarlierFile& file, bool isReplaced) {

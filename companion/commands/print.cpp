@@ -7,6 +7,7 @@
 #include <CLI/CLI.hpp>
 
 #include <charconv>
+#include <cmath>
 #include <memory>
 #include <string>
 
@@ -40,8 +41,12 @@ std::string numbersOf(const List& list, const char* before, const char* after) {
     return numbers.empty() ? "" : before + numbers + after;
 }
 
-// A real has 17 significant digits, without trailing zeros.
+// A finite real has 17 significant digits, without trailing zeros.
 void append(std::string& out, double value) {
+    if (!std::isfinite(value)) {
+        out += screen::numberText(value);
+        return;
+    }
     char digits[32];
     out.append(
         digits,

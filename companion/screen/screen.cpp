@@ -3,6 +3,8 @@
 #include "tvncommon/diagnostics/error.hpp"
 #include "tvncommon/io/io_layer.hpp"
 
+#include <charconv>
+#include <cmath>
 #include <stdexcept>
 
 namespace screen {
@@ -39,6 +41,14 @@ std::string escapeOf(unsigned char c) {
     }
 }
 
+template<class Real>
+std::string textOf(Real value) {
+    if (std::isnan(value)) return "NaN";
+    if (std::isinf(value)) return value < 0 ? "-Infinity" : "Infinity";
+    char digits[32];
+    return {digits, std::to_chars(digits, digits + sizeof digits, value).ptr};
+}
+
 } // namespace
 
 std::string printable(std::string_view text) {
@@ -56,6 +66,14 @@ std::string printable(std::string_view text) {
         }
     }
     return out;
+}
+
+std::string numberText(double value) {
+    return textOf(value);
+}
+
+std::string numberText(float value) {
+    return textOf(value);
 }
 
 void write(std::string_view text) {

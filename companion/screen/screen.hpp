@@ -3,13 +3,18 @@
 #include <string>
 #include <string_view>
 
-// Output of meshrake-tool to the terminal.
+// Output of meshrake-tool to the terminal, and texts for it.
 namespace screen {
 
 // Returns the text with control characters as escapes, such as "\n" and "\x1b". Names in files may
 // contain them, and they could change the state of a terminal or break a table. A backslash is not
 // escaped.
 std::string printable(std::string_view text);
+
+// Returns the fewest digits that give the number again in its type, or "NaN", "Infinity" or
+// "-Infinity" as in a text data set.
+std::string numberText(double value);
+std::string numberText(float value);
 
 // Writes to the standard output. Throws std::runtime_error if that fails.
 void write(std::string_view text);

@@ -1,9 +1,9 @@
 #include "companion/xdmf/index.hpp"
 
+#include "companion/screen/screen.hpp"
 #include "companion/xdmf/xml_text.hpp"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <map>
 #include <set>
@@ -59,9 +59,7 @@ std::vector<std::string> blockNames(const std::vector<Block>& blocks) {
 }
 
 std::string timeElement(double time) {
-    char digits[32];
-    char* const end = std::to_chars(digits, digits + sizeof digits, time).ptr;
-    return "<Time Value=\"" + std::string(+digits, end) + "\"/>\n";
+    return "<Time Value=\"" + screen::numberText(time) + "\"/>\n";
 }
 
 void beginCollection(std::string& out, const std::string& xmlName, const char* type) {

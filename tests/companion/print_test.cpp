@@ -1,3 +1,4 @@
+#include "tests/companion/made_set.hpp"
 #include "tests/companion/tool_runs.hpp"
 
 #include "tests/support/data_set.hpp"
@@ -25,12 +26,14 @@ TEST_F(Print, LinesOfATextDataSet) {
     }
 }
 
-TEST_F(Print, EscapesNames) {
+TEST_F(Print, EscapesNamesAndNamesNumbers) {
     std::string bytes = get(pm);
     const std::size_t at = bytes.find(std::string("H\0\0\0e\0\0\0a\0\0\0d", 13));
     bytes[at + 4] = '\x1b';
     put(pm, bytes);
     EXPECT_THAT(tool({"print", pm}).screen, HasSubstr("\"H\\x1bad\""));
+    made_set::put("infinite", {.times = {-1e300}});
+    EXPECT_THAT(tool({"print", "infinite.szplt"}).screen, HasSubstr("\n-Infinity -Infinity"));
 }
 
 } // namespace

@@ -1,7 +1,10 @@
+#include "tests/companion/made_set.hpp"
 #include "tests/companion/tool_runs.hpp"
 
 #include "companion/commands/commands.hpp"
 #include "companion/screen/screen.hpp"
+
+#include <cmath>
 
 namespace {
 
@@ -58,10 +61,19 @@ TEST_F(Tool, ReportsAScreenThatCannotBeWritten) {
     }
 }
 
-TEST(Screen, ShowsControlCharactersAsEscapes) {
+// As other programs do in a pipe to `head`.
+TEST_F(Tool, EndsWithoutAMessageWhenItsReaderHasEnded) {
+    made_set::put("long", {.elements = 20000}); // more than a pipe holds
+    EXPECT_EQ(std::system(MESHRAKE_TOOL_PROGRAM " print long.szplt 2>errors | head -n 1 >line"), 0);
+    EXPECT_EQ(sample_files::get("line"), "TITLE = \"made\"\n");
+    EXPECT_EQ(sample_files::get("errors"), "");
+}
+
+TEST(Screen, TextsAndNumbers) {
     EXPECT_EQ(screen::printable("a\\ \xc3\xbc\xc2\xa0 \n\r\t\x1b\x7f\xc2\x9b\xc2"),
               "a\\ \xc3\xbc\xc2\xa0 \\n\\r\\t\\x1b\\x7f\\xc2\\x9b\xc2");
     EXPECT_EQ(screen::printable(std::string(1, '\0')), "\\x00");
+    EXPECT_EQ(screen::numberText(0.1F) + screen::numberText(-NAN), "0.1NaN");
 }
 
 } // namespace
