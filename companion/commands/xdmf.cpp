@@ -42,9 +42,10 @@ std::string defaultIndex(const std::vector<std::string>& files) {
     if (files.size() == 1) return path(files[0]).replace_extension(".xdmf").string();
     std::set<std::string> problems;
     for (const std::string& file : files) {
-        const std::string stem = path(file).stem().stem().string(); // <prefix>o.<domain>.szplt
+        const path normal = path(file).lexically_normal();
+        const std::string stem = normal.stem().stem().string(); // <prefix>o.<domain>.szplt
         if (stem.size() > 1 && stem.ends_with('o'))
-            problems.insert((path(file).parent_path() / stem.substr(0, stem.size() - 1)).string());
+            problems.insert((normal.parent_path() / stem.substr(0, stem.size() - 1)).string());
         else
             problems.insert("");
     }
@@ -72,7 +73,9 @@ std::string relativeName(const std::string& file, const std::string& index) {
 void checkReplaceable(const std::string& index) {
     byte_file::File file;
     std::int64_t size = 0;
-    if (byte_file::open(index, system_calls::OpenMode::read, file, size) != io_layer::ok) return;
+    const int opened = byte_file::open(index, system_calls::OpenMode::read, file, size);
+    if (opened == io_layer::permissionDenied) check(opened, index);
+    if (opened != io_layer::ok) return; // the write reports other failures
     std::string begin(static_cast<std::size_t>(std::min(size, indexMarkEnd)), ' ');
     const int status = byte_file::readAt(file, 0, begin.data(), std::ssize(begin));
     byte_file::close(file);

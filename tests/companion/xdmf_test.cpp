@@ -18,10 +18,13 @@ using sample_files::put;
 using testing::HasSubstr;
 using tool_runs::tool;
 
+runs::Ran xdmfOf(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), "xdmf");
+    return tool(arguments);
+}
+
 void write(const std::vector<std::string>& arguments) {
-    std::vector<std::string> all{"xdmf"};
-    all.insert(all.end(), arguments.begin(), arguments.end());
-    const runs::Ran ran = tool(all);
+    const runs::Ran ran = xdmfOf(arguments);
     EXPECT_EQ(ran.status, 0) << ran.errors;
 }
 
@@ -91,7 +94,7 @@ TEST_F(Xdmf, NamesOfIndexAndFiles) {
     };
     const Case cases[] = {
         {{pm}, "to.pm.xdmf", pm},
-        {{pm, olf}, "t.xdmf", olf},
+        {{"./" + pm, olf}, "t.xdmf", olf},
         {{pm, "-o", "other.xdmf"}, "other.xdmf", pm},
         {{"a & b/so.pm.szplt"}, "a & b/so.pm.xdmf", "so.pm.szplt"},
         {{"a & b/so.pm.szplt", "-o", "i.xdmf"}, "i.xdmf", "a &amp; b/so.pm.szplt"},
@@ -200,14 +203,21 @@ TEST_F(Xdmf, Refused) {
     };
     for (const auto& [arguments, status, errors] : cases) {
         SCOPED_TRACE(testing::PrintToString(arguments));
-        std::vector<std::string> all{"xdmf"};
-        all.insert(all.end(), arguments.begin(), arguments.end());
-        const runs::Ran ran = tool(all);
+        const runs::Ran ran = xdmfOf(arguments);
         EXPECT_EQ(ran.status, status);
         EXPECT_THAT(ran.errors, HasSubstr(errors));
         EXPECT_FALSE(std::filesystem::exists("x"));
     }
     EXPECT_TRUE(get(pm) == pmBytes);
+    // An index that may be written but not read could be another file.
+    system_calls::table.open = [](const char* path, system_calls::OpenMode mode) {
+        const bool isOther =
+            std::string(path) == "other.xml" && mode == system_calls::OpenMode::read;
+        return isOther ? (errno = EACCES, -1) : system_calls::systemTable().open(path, mode);
+    };
+    const runs::Ran unread = xdmfOf({pm, "-o", "other.xml"});
+    system_calls::table = system_calls::systemTable();
+    runs::expectFailure(unread, {"other.xml: Permission to access file denied"});
 }
 
 TEST_F(Xdmf, ManyOutputTimes) {
