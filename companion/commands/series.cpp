@@ -6,11 +6,13 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
 #include <limits>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -30,6 +32,12 @@ struct Options {
     std::vector<std::string> points;
 };
 
+// A node or element, and its text for a label.
+struct Place {
+    std::int64_t index = 0; // from 0
+    std::string text;
+};
+
 // Values of one variable at one node or element.
 struct Column {
     std::size_t variable = 0;
@@ -39,14 +47,15 @@ struct Column {
     std::string value{};
 };
 
-std::string numberText(auto value) {
-    char digits[32];
-    return {digits, std::to_chars(digits, digits + sizeof digits, value).ptr};
+std::string valueText(const Zone& zone, std::size_t variable, double value) {
+    return zone.types[variable] == 1 ? screen::numberText(static_cast<float>(value))
+                                     : screen::numberText(value);
 }
 
-// The fewest digits that give the value again in its type.
-std::string valueText(const Zone& zone, std::size_t variable, double value) {
-    return zone.types[variable] == 1 ? numberText(static_cast<float>(value)) : numberText(value);
+std::string distanceText(double distance) {
+    char digits[32];
+    constexpr auto format = std::chars_format::general;
+    return {digits, std::to_chars(digits, digits + sizeof digits, distance, format, 3).ptr};
 }
 
 series::Point pointOf(const std::string& text) {
@@ -72,40 +81,58 @@ std::string checkPoint(const std::string& text) {
     }
 }
 
-std::size_t findVariable(const File& file, const DataSet& set, const std::string& name) {
-    const auto found = std::ranges::find(set.variables, name);
-    if (found != set.variables.end())
-        return static_cast<std::size_t>(found - set.variables.begin());
+std::size_t findVariable(const File& file, const std::vector<std::string>& names,
+                         const std::string& name) {
+    const auto found = std::ranges::find(names, name);
+    if (found != names.end()) return static_cast<std::size_t>(found - names.begin());
     std::string known;
-    for (const std::string& variable : set.variables)
-        known += (known.empty() ? "" : ", ") + variable;
+    for (const std::string& variable : names) known += (known.empty() ? "" : ", ") + variable;
     throw std::runtime_error(file.path + ": no variable \"" + name + "\"; it has " + known);
 }
 
-// All places of the options at which the variable has values.
-void addColumns(std::vector<Column>& columns, const File& file, const DataSet& set,
-                const Options& options, const std::string& name) {
-    const std::size_t variable = findVariable(file, set, name);
-    const Zone& zone = set.zones[0];
-    const bool cells = zone.centred[variable];
-    const char* const place = cells ? "element " : "node ";
-    const auto unit = set.units.find(static_cast<std::int32_t>(variable) + 1);
-    const std::string begin = name + (unit == set.units.end() ? "" : ' ' + unit->second) + ' ';
-    const std::size_t before = columns.size();
+// The nodes or elements of the options, with the text of each for a label.
+std::vector<Place> placesOf(const File& file, const DataSet& set, const Options& options,
+                            bool cells) {
+    const std::string item = cells ? "element " : "node ";
+    std::vector<Place> places;
     for (const std::int32_t number : cells ? options.elements : options.nodes)
-        columns.push_back({variable, number - 1, begin + place + std::to_string(number)});
-    for (const std::string& text : options.points) {
-        const auto nearest = cells ? series::nearestElement : series::nearestNode;
-        const std::int64_t index = nearest(file, set, zone, pointOf(text));
-        std::string point = text;
+        places.push_back({number - 1, item + std::to_string(number)});
+    if (options.points.empty()) return places;
+    std::vector<series::Point> points;
+    for (const std::string& text : options.points) points.push_back(pointOf(text));
+    const auto nearest = cells ? series::nearestElements : series::nearestNodes;
+    const std::vector<series::Nearest> found = nearest(file, set, set.zones[0], points);
+    for (std::size_t p = 0; p < found.size(); ++p) {
+        std::string point = options.points[p];
+        const std::string itemText = item + std::to_string(found[p].number + 1);
+        if (found[p].isOutside)
+            screen::writeError("meshrake-tool: the point " + point + " is outside the mesh, " +
+                               distanceText(found[p].distance) + " from " + itemText);
         std::ranges::replace(point, ',', ' ');
-        columns.push_back({variable, index,
-                           begin + "at " + point + " (" + place + std::to_string(index + 1) + ')'});
+        places.push_back({found[p].number, "at " + point + " (" + itemText + ')'});
     }
-    if (columns.size() == before)
-        throw std::runtime_error(file.path + ": \"" + name + "\" has values of " +
-                                 (cells ? "elements; give --element" : "nodes; give --node") +
-                                 " or --point");
+    return places;
+}
+
+std::vector<Column> columnsOf(const File& file, const DataSet& set, const Options& options) {
+    const std::vector<std::string> names = data_set_file::uniqueNames(set.variables);
+    std::array<std::optional<std::vector<Place>>, 2> places; // of nodes and of elements
+    std::vector<Column> columns;
+    for (const std::string& name : options.variables) {
+        const std::size_t variable = findVariable(file, names, name);
+        const bool cells = set.zones[0].centred[variable];
+        std::optional<std::vector<Place>>& here = places[cells ? 1 : 0];
+        if (!here) here = placesOf(file, set, options, cells);
+        if (here->empty())
+            throw std::runtime_error(file.path + ": \"" + name + "\" has values of " +
+                                     (cells ? "elements; give --element" : "nodes; give --node") +
+                                     " or --point");
+        const auto unit = set.units.find(static_cast<std::int32_t>(variable) + 1);
+        const std::string begin = name + (unit == set.units.end() ? "" : ' ' + unit->second) + ' ';
+        for (const Place& place : *here)
+            columns.push_back({variable, place.index, begin + place.text});
+    }
+    return columns;
 }
 
 const std::string& valueAt(Column& column, const File& file, const Zone& zone, std::size_t number) {
@@ -138,8 +165,7 @@ int writeSeries(const Options& options) {
     File file(options.file);
     const DataSet set = scan(file);
     if (set.zones.empty()) throw std::runtime_error(file.path + ": no complete zone");
-    std::vector<Column> columns;
-    for (const std::string& name : options.variables) addColumns(columns, file, set, options, name);
+    std::vector<Column> columns = columnsOf(file, set, options);
 
     const auto unit = set.aux.find("Time_Base_Unit");
     std::string out = unit == set.aux.end() ? "Time" : field("Time (" + unit->second + ')');
@@ -147,7 +173,7 @@ int writeSeries(const Options& options) {
     for (std::size_t z = 0; z < set.zones.size(); ++z) {
         const Zone& zone = set.zones[z];
         out += '\n';
-        if (zone.strand >= 0) out += numberText(zone.time);
+        if (zone.strand >= 0) out += screen::numberText(zone.time);
         for (Column& column : columns) out += ',' + valueAt(column, file, zone, z + 1);
     }
     screen::write(out + '\n');

@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <map>
+#include <set>
 #include <stdexcept>
 #include <utility>
 
@@ -37,6 +39,19 @@ std::vector<double> readReals(const File& file, std::int32_t type, std::int64_t 
 }
 
 } // namespace
+
+std::vector<std::string> uniqueNames(const std::vector<std::string>& names) {
+    std::set<std::string> taken;
+    std::map<std::string, int> lastNumber; // of each name
+    std::vector<std::string> unique;
+    for (const std::string& name : names) {
+        int& number = lastNumber.try_emplace(name, 1).first->second;
+        std::string text = name;
+        while (!taken.insert(text).second) text = name + " (" + std::to_string(++number) + ")";
+        unique.push_back(std::move(text));
+    }
+    return unique;
+}
 
 std::int64_t cornersOf(const Zone& zone) {
     return cornersOfType[static_cast<std::size_t>(zone.type)];

@@ -62,6 +62,9 @@ struct File {
 // All arrays of the zones are inside the file.
 DataSet scan(File& file);
 
+// Returns the names, each once: a repeated name gets a number, as in "Head (2)".
+std::vector<std::string> uniqueNames(const std::vector<std::string>& names);
+
 // Number of nodes of an element, by zone type.
 std::int64_t cornersOf(const Zone& zone);
 

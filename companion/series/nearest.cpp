@@ -1,6 +1,7 @@
 #include "companion/series/nearest.hpp"
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 #include <stdexcept>
 #include <vector>
@@ -27,58 +28,88 @@ Coordinates readCoordinates(const File& file, const DataSet& set, const Zone& zo
     return coordinates;
 }
 
-struct Nearest {
+// The mean of the nodes of an element. Triangles and prisms repeat nodes as corners.
+Point centreOf(std::span<const std::int32_t> corners, const Coordinates& coordinates) {
+    Point centre{};
+    double count = 0;
+    for (std::size_t c = 0; c < corners.size(); ++c) {
+        const auto earlier = corners.first(c);
+        if (std::ranges::find(earlier, corners[c]) != earlier.end()) continue;
+        const auto node = static_cast<std::size_t>(corners[c] - 1);
+        for (std::size_t i = 0; i < 3; ++i) centre[i] += coordinates[i][node];
+        ++count;
+    }
+    for (double& coordinate : centre) coordinate /= count;
+    return centre;
+}
+
+struct Search {
     Point point;
     double square = std::numeric_limits<double>::infinity(); // of the distance
     std::int64_t number = -1;
 };
 
-void compare(Nearest& nearest, std::int64_t number, const Point& candidate) {
-    double square = 0;
-    for (std::size_t i = 0; i < 3; ++i) {
-        const double difference = candidate[i] - nearest.point[i];
-        square += difference * difference;
-    }
-    if (square >= nearest.square || square != square) return;
-    nearest.square = square;
-    nearest.number = number;
+std::vector<Search> searchesOf(std::span<const Point> points) {
+    std::vector<Search> searches;
+    for (const Point& point : points) searches.push_back({point});
+    return searches;
 }
 
-std::int64_t foundIn(const Nearest& nearest, const File& file, const char* items) {
-    if (nearest.number < 0)
-        throw std::runtime_error(file.path + ": no " + items + " near the point");
-    return nearest.number;
+void compare(std::vector<Search>& searches, std::int64_t number, const Point& candidate) {
+    for (Search& search : searches) {
+        double square = 0;
+        for (std::size_t i = 0; i < 3; ++i) {
+            const double difference = candidate[i] - search.point[i];
+            square += difference * difference;
+        }
+        if (square >= search.square || std::isnan(square)) continue;
+        search.square = square;
+        search.number = number;
+    }
+}
+
+bool isWithin(double value, const std::vector<double>& values) {
+    const auto isAtMost = [value](double v) { return v <= value; };
+    const auto isAtLeast = [value](double v) { return v >= value; };
+    return std::ranges::any_of(values, isAtMost) && std::ranges::any_of(values, isAtLeast);
+}
+
+std::vector<Nearest> resultsOf(const std::vector<Search>& searches, const Coordinates& coordinates,
+                               const File& file, const char* items) {
+    std::vector<Nearest> results;
+    for (const auto& [point, square, number] : searches) {
+        if (number < 0) throw std::runtime_error(file.path + ": no " + items + " near the point");
+        const bool isInside =
+            isWithin(point[0], coordinates[0]) && isWithin(point[1], coordinates[1]);
+        results.push_back({number, std::sqrt(square), !isInside});
+    }
+    return results;
 }
 
 } // namespace
 
-std::int64_t nearestNode(const File& file, const DataSet& set, const Zone& zone,
-                         const Point& point) {
-    const auto [x, y, z] = readCoordinates(file, set, zone);
-    Nearest nearest{point};
+std::vector<Nearest> nearestNodes(const File& file, const DataSet& set, const Zone& zone,
+                                  std::span<const Point> points) {
+    const Coordinates coordinates = readCoordinates(file, set, zone);
+    const auto& [x, y, z] = coordinates;
+    std::vector<Search> searches = searchesOf(points);
     for (std::size_t n = 0; n < x.size(); ++n)
-        compare(nearest, static_cast<std::int64_t>(n), {x[n], y[n], z[n]});
-    return foundIn(nearest, file, "node");
+        compare(searches, static_cast<std::int64_t>(n), {x[n], y[n], z[n]});
+    return resultsOf(searches, coordinates, file, "node");
 }
 
-std::int64_t nearestElement(const File& file, const DataSet& set, const Zone& zone,
-                            const Point& point) {
+std::vector<Nearest> nearestElements(const File& file, const DataSet& set, const Zone& zone,
+                                     std::span<const Point> points) {
     checkElementNodes(file, zone);
     const Coordinates coordinates = readCoordinates(file, set, zone);
     const std::vector<std::int32_t> nodes = readElementNodes(file, zone);
-    const std::int64_t corners = cornersOf(zone);
-    Nearest nearest{point};
-    for (std::int64_t e = 0; corners > 0 && e < zone.elements; ++e) {
-        Point centre{};
-        for (std::int64_t c = 0; c < corners; ++c) {
-            const auto node =
-                static_cast<std::size_t>(nodes[static_cast<std::size_t>(e * corners + c)] - 1);
-            for (std::size_t i = 0; i < 3; ++i)
-                centre[i] += coordinates[i][node] / static_cast<double>(corners);
-        }
-        compare(nearest, e, centre);
-    }
-    return foundIn(nearest, file, "element");
+    const auto corners = static_cast<std::size_t>(cornersOf(zone));
+    std::vector<Search> searches = searchesOf(points);
+    std::int64_t element = 0;
+    for (std::size_t first = 0; first < nodes.size(); first += corners)
+        compare(searches, element++,
+                centreOf(std::span(nodes).subspan(first, corners), coordinates));
+    return resultsOf(searches, coordinates, file, "element");
 }
 
 } // namespace series

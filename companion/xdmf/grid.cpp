@@ -1,11 +1,10 @@
 #include "companion/xdmf/grid.hpp"
 
+#include "companion/screen/screen.hpp"
 #include "companion/xdmf/xml_text.hpp"
 
 #include <algorithm>
-#include <charconv>
 #include <map>
-#include <set>
 #include <stdexcept>
 #include <string_view>
 #include <utility>
@@ -56,11 +55,16 @@ bool findColumns(const std::vector<std::string>& variables,
 }
 
 // A viewer shows one of several arrays with the same name.
-std::string uniqueName(std::set<std::string>& taken, const std::string& name) {
-    std::string unique = name;
-    for (int number = 2; !taken.insert(unique).second; ++number)
-        unique = name + " (" + std::to_string(number) + ")";
-    return xmlName(unique);
+void setNames(Block& block) {
+    std::vector<std::string> names;
+    for (const std::string& name : block.set.variables) names.push_back(xmlName(name));
+    for (const Vector& vector : block.vectors) names.push_back(vector.name);
+    names = data_set_file::uniqueNames(names);
+    const std::size_t columns = block.set.variables.size();
+    for (std::size_t i = 0; i < block.vectors.size(); ++i)
+        block.vectors[i].name = names[columns + i];
+    names.resize(columns);
+    block.xmlNames = std::move(names);
 }
 
 // The same file by another name for each number: a "./" or ".//" for each bit.
@@ -165,9 +169,7 @@ void appendVectors(std::string& out, const Block& block, const Zone& zone) {
 // Replaces the times of isopachs by numbers in the names of their zones.
 void showAtAllTimes(std::vector<Zone>& zones) {
     for (Zone& zone : zones) {
-        char number[32];
-        char* const end = std::to_chars(number, number + sizeof number, zone.time).ptr;
-        zone.title += ' ' + std::string(+number, end);
+        zone.title += ' ' + screen::numberText(zone.time);
         zone.strand = -1;
     }
 }
@@ -182,13 +184,12 @@ Block blockOf(std::string path, std::string xmlFile, data_set_file::DataSet set)
         showAtAllTimes(block.set.zones);
     else if (!findColumns(variables, coordinateNames, block.coordinates))
         throw std::runtime_error(block.path + ": no variables X, Y and Z");
-    std::set<std::string> taken;
-    for (const std::string& name : variables) block.xmlNames.push_back(uniqueName(taken, name));
     for (const VectorRow& row : vectorTable) {
         std::array<std::size_t, 3> components{};
         if (findColumns(variables, row.components, components))
-            block.vectors.push_back({uniqueName(taken, std::string(row.name)), components});
+            block.vectors.push_back({std::string(row.name), components});
     }
+    setNames(block);
     block.meshFiles = meshFilesOf(block);
     return block;
 }
