@@ -9,7 +9,7 @@
     data.series("Head", 16)          # values of node 16, counted from 0, at all output times
     data.connectivity                # elements by corners, node numbers from 0
 
-A column can be specified by its number, from 0, if its name occurs twice. Arrays of a binary data
+If a name occurs twice, a column can be specified by its number, from 0. Arrays of a binary data
 set are mapped into memory, so only the used parts are read. Arrays of a text data set are located
 by the width of their columns and converted on each access. An incomplete zone, in the data set of a
 run that continues or was killed, is omitted. A file that is damaged or not a data set of meshrake
@@ -18,6 +18,7 @@ raises Damaged, whose message names the file and the fault.
 
 import dataclasses
 import math
+import operator
 import os
 import re
 
@@ -31,6 +32,7 @@ TYPES = {1: "<f4", 2: "<f8", 3: "<i4"}  # number of a type in a binary data set
 TYPE_WORDS = {"SINGLE": "<f4", "DOUBLE": "<f8", "LONGINT": "<i4"}
 # By zone type: no element lists, lines, quadrilaterals, tetrahedra, bricks.
 CORNERS = {0: 0, 1: 2, 3: 4, 4: 4, 5: 8}
+GREATEST_VARIABLES = 1000000  # far more than a run writes; a damaged number must not take all memory
 CUT_LENGTH = 512  # of a zone line in a text data set; a longer one is cut
 ZONE_TYPES = {"": 0, "FELINESEG": 1, "FEQUADRILATERAL": 3, "FETETRAHEDRON": 4, "FEBRICK": 5}
 
@@ -127,20 +129,27 @@ class DataSet:
         return lists if self.binary else lists - 1
 
     def to_xarray(self):
-        """All columns as an xarray.Dataset with the dimensions time, node and element."""
+        """All columns as an xarray.Dataset with the dimensions time, node and element.
+
+        A repeated name gets a number, as in "Head (2)".
+        """
         import xarray
 
         columns = {}
-        for name in self.variables:
-            dimension = "element" if self.is_cell_centred(name) else "node"
-            values = numpy.stack([self.values(name, z) for z in range(len(self.zones))])
+        for v, name in enumerate(self.variables):
+            dimension = "element" if self.is_cell_centred(v) else "node"
+            values = numpy.stack([self.values(v, z) for z in range(len(self.zones))])
             attributes = {"units": self.units[name]} if name in self.units else {}
-            columns[name] = (("time", dimension), values, attributes)
+            unique, number = name, 1
+            while unique in columns:
+                number += 1
+                unique = f"{name} ({number})"
+            columns[unique] = (("time", dimension), values, attributes)
         return xarray.Dataset(columns, coords={"time": self.times}, attrs={"title": self.title})
 
     def _column(self, name):
-        if isinstance(name, int):
-            return name
+        if not isinstance(name, str):
+            return operator.index(name)
         try:
             return self.variables.index(name)
         except ValueError:
@@ -151,19 +160,25 @@ class DataSet:
             return numpy.empty(array.shape, array.type)
         if self.binary:
             return numpy.ndarray(array.shape, array.type, self.mapped, array.offset)
-        with _open_file(self.path, "rb") as file:
-            file.seek(array.offset)
-            data = file.read(_text_bytes(array))
-        return _parse(array, data)
+        return self._read_text(array.offset, _text_bytes(array), lambda data: _parse(array, data))
 
     def _read_one(self, array, index):
         if self.binary:
             return self._read(array)[index]
         width = FIELD[array.type]
         row, column = divmod(index, ROW)
+        offset = array.offset + row * (ROW * width + 1) + column * width
+        return self._read_text(offset, width, lambda data: _convert(data, width, array.type))[0]
+
+    def _read_text(self, offset, size, convert):
         with _open_file(self.path, "rb") as file:
-            file.seek(array.offset + row * (ROW * width + 1) + column * width)
-            return _convert(file.read(width), width, array.type)[0]
+            file.seek(offset)
+            data = file.read(size)
+        try:
+            return convert(data)
+        except ValueError:
+            raise Damaged(f"{self.path}: from byte {offset}: a value is not a number of its type") \
+                from None
 
 
 _open_file = __builtins__["open"] if isinstance(__builtins__, dict) else __builtins__.open
@@ -184,7 +199,14 @@ def _text_bytes(array):
 
 
 def _convert(data, width, type):
-    return numpy.frombuffer(data, f"S{width}").astype(type)
+    fields = numpy.frombuffer(data, f"S{width}")
+    if type != "<i4":
+        return fields.astype(type)
+    wide = fields.astype("<i8")  # the conversion to 32 bits would wrap around
+    values = wide.astype(type)
+    if (values != wide).any():
+        raise ValueError
+    return values
 
 
 def _parse(array, data):
@@ -352,7 +374,7 @@ def _scan_binary(data_set):
         words.require(list(words.take(2)) == [1, 0], "another byte order or file type")
         data_set.title = words.text()
         count = words.one()
-        words.require(count >= 0, "not a number of variables")
+        words.require(0 <= count <= GREATEST_VARIABLES, "not a number of variables")
         data_set.variables = [words.text() for _ in range(count)]
         headers = _scan_headers(data_set, words)
     except EOFError:

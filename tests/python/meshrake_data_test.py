@@ -34,7 +34,7 @@ class BothForms(unittest.TestCase):
         subprocess.run(
             [MAKE_PROBLEM, "--prefix", "t", "--nx", "5", "--ny", "4", "--layers", "3", "--times",
              "3", "--variables", "all", "--domains", ",".join(DOMAINS[1:]), "--species",
-             "Nitrate,Heat:heat", cls.folder / "problem"],
+             "Head,Nitrate,Heat:heat", cls.folder / "problem"],
             check=True, stdout=subprocess.DEVNULL)
 
     @classmethod
@@ -64,7 +64,7 @@ class BothForms(unittest.TestCase):
             for v, name in enumerate(text.variables):
                 centred = binary.is_cell_centred(v, zone)
                 self.assertEqual(text.is_cell_centred(v, zone), centred)
-                a, b = text.values(v, zone), binary.values(v, zone)
+                a, b = text.values(v, zone), binary.values(numpy.int64(v), zone)
                 self.assertEqual(a.dtype, b.dtype, name)
                 numpy.testing.assert_array_equal(a, b, name)
                 shape = binary.zones[zone]
@@ -110,6 +110,11 @@ class BothForms(unittest.TestCase):
             path.write_bytes(whole[:length])
             with self.assertRaises(meshrake_data.Damaged, msg=length):
                 meshrake_data.open(path)
+        # The names of so many variables are a hole of the file.
+        path.write_bytes(whole[:whole.index(b"X\0\0\0\0\0\0\0") - 4] + b"\xff\xff\xff\x7f")
+        os.truncate(path, 9 << 30)
+        with self.assertRaises(meshrake_data.Damaged):
+            meshrake_data.open(path)
         path.write_bytes(b"no data set\n")
         with self.assertRaises(meshrake_data.Damaged):
             meshrake_data.open(path)
@@ -165,6 +170,17 @@ class BothForms(unittest.TestCase):
                 path.write_bytes(whole.replace(before, after))
                 refused = self.read_all(path)
                 self.assertTrue(refused or meshrake_data.open(path).zones == [])
+        path.write_bytes(whole)
+        zone = meshrake_data.open(path).zones[0]
+        for array, field in [(zone.columns[0], 26 * b"*"), (zone.columns[3], b" **********"),
+                             (zone.columns[3], b" 9999999999"), (zone.element_lists, 11 * b"x")]:
+            with self.subTest(field):
+                path.write_bytes(
+                    whole[: array.offset] + field + whole[array.offset + len(field) :])
+                self.assertTrue(self.read_all(path))
+                if array is zone.columns[0]:
+                    with self.assertRaises(meshrake_data.Damaged):
+                        meshrake_data.open(path).series("X", 0)
         path.write_bytes(whole.replace(b", NODES=", b", NODES=" + 30 * b"9"))
         self.assertEqual(meshrake_data.open(path).zones, [])
 
@@ -174,7 +190,11 @@ class BothForms(unittest.TestCase):
         except ImportError:
             self.skipTest("xarray is not installed")
         data = meshrake_data.open(self.run_program("xarray", WHOLE_PM) / "to.pm.dat")
-        head = data.to_xarray()["Head"]
+        converted = data.to_xarray()
+        self.assertEqual(len(converted), len(data.variables))
+        second = data.variables.index("Head", data.variables.index("Head") + 1)
+        numpy.testing.assert_array_equal(converted["Head (2)"][1], data.values(second, 1))
+        head = converted["Head"]
         self.assertEqual(head.dims, ("time", "node"))
         numpy.testing.assert_array_equal(head.sel(time=3600.0), data["Head", 3600.0])
 
