@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <map>
+#include <ranges>
 
 namespace check {
 
@@ -39,10 +40,6 @@ struct Current {
     std::vector<std::string> probed;
 };
 Current current;
-
-std::string withoutIndex(const std::string& file) {
-    return file.substr(0, file.rfind('.'));
-}
 
 bool isOfThisTime(const std::string& file) {
     return file.ends_with("." + run.timeSuffix);
@@ -158,8 +155,10 @@ void addAtThisTime(Work& work, Finding finding) {
     const auto isSame = [&](const Finding& other) {
         return other.kind == finding.kind && other.text == finding.text;
     };
-    const auto same = std::ranges::find_if(work.report.findings, isSame);
-    if (same != work.report.findings.end()) return same->times.push_back(run.timeIndex);
+    // From the last one, which is that of the output time before.
+    auto findings = work.report.findings | std::views::reverse;
+    const auto same = std::ranges::find_if(findings, isSame);
+    if (same != findings.end()) return same->times.push_back(run.timeIndex);
     finding.times = {run.timeIndex};
     work.report.findings.push_back(std::move(finding));
 }
@@ -314,6 +313,10 @@ run::OutputTime nextTime(Work& work, bool& firstInWindowFound, bool anyWritten) 
 }
 
 } // namespace
+
+std::string withoutIndex(const std::string& file) {
+    return file.substr(0, file.rfind('.'));
+}
 
 void beginDryRun(Work& work) {
     current = {};

@@ -13,6 +13,9 @@ namespace check {
 // Makes all later steps test result files instead of reading them, and write nothing.
 void beginDryRun(Work& work);
 
+// Returns the name of a result file without the index of its output time.
+std::string withoutIndex(const std::string& file);
+
 // A column of a data set.
 struct ColumnTrack {
     std::string name{};

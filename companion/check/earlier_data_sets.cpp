@@ -1,9 +1,11 @@
 #include "companion/check/earlier_data_sets.hpp"
 
+#include "companion/check/plot_files.hpp"
 #include "companion/data_set/data_set_file.hpp"
 #include "companion/screen/screen.hpp"
 #include "meshrake/model/file_names.hpp"
 #include "meshrake/model/run_state.hpp"
+#include "meshrake/plot_data/binary_open.hpp"
 #include "tecio/own_functions.hpp"
 #include "tvncommon/diagnostics/error.hpp"
 #include "tvncommon/io/file_units.hpp"
@@ -15,18 +17,13 @@ namespace check {
 
 using model::Domain;
 using model::run;
+using namespace plot_data::binary;
 
 namespace {
 
-// Statuses of an open that are not those of the I/O layer, as in tecio.h.
-enum LibraryStatus {
-    fine = 0,
-    noZones = 1,
-    damagedDataSet,
-    damagedSidecar,
-    otherVariables,
-    notDurable = 6
-};
+// Statuses of an open, besides those in binary_open.hpp and of the I/O layer.
+constexpr std::int32_t fine = 0;
+constexpr std::int32_t noZones = plot_data::binary::invalidCall; // without a list of variables
 
 struct EarlierFile {
     std::string path;
@@ -129,7 +126,8 @@ void checkEarlierDataSets(Work& work, const std::vector<DomainTrack>& tracks) {
         const auto found = std::ranges::find(tracks, domain, &DomainTrack::domain);
         const DomainTrack* track = found != tracks.end() && found->isOpen ? &*found : nullptr;
         const bool isWritten = domain->writeDomain.enabled;
-        const bool isReplaced = isWritten && track && run.tecplotBinary;
+        const bool isReplaced =
+            isWritten && track && run.tecplotBinary && whyNotReplaceable(file.path).empty();
         if (continues && isWritten)
             checkResumed(work, file, track);
         else if (file.hasSidecar)

@@ -6,6 +6,7 @@
 #include "companion/check/earlier_data_sets.hpp"
 #include "companion/check/forecast.hpp"
 #include "companion/check/observations.hpp"
+#include "companion/check/plot_files.hpp"
 #include "companion/check/problem.hpp"
 #include "companion/check/surface_plots.hpp"
 #include "companion/check/unused_files.hpp"
@@ -50,6 +51,7 @@ Report examine(const std::string& folderOrPrefix) {
         checkEarlierDataSets(*work, tracks);
         checkObservations(*work);
         measureSurfacePlots(*work);
+        checkPlotFiles(*work);
         checkDiskSpace(*work);
     }
     Report report = std::move(work->report);

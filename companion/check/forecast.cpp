@@ -26,12 +26,6 @@ std::vector<std::int32_t> missingTimes(const Work& work, const VariableReport& v
     return times;
 }
 
-std::string joined(const std::vector<std::string>& names) {
-    std::string list;
-    for (const std::string& name : names) list += (list.empty() ? "" : ", ") + name;
-    return list;
-}
-
 // An output time without a file shares the values of zone 1, in a run that appends too.
 void reportMissing(Work& work, const DomainReport& domain, const VariableReport& variable) {
     const std::vector<std::int32_t> times = missingTimes(work, variable);

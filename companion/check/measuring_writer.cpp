@@ -3,6 +3,7 @@
 #include "meshrake/model/cell_patterns.hpp"
 #include "meshrake/model/result_files.hpp"
 #include "meshrake/model/run_state.hpp"
+#include "meshrake/plot_data/binary_open.hpp"
 #include "meshrake/plot_data/data_set.hpp"
 #include "meshrake/plot_data/text_layout.hpp"
 #include "meshrake/plot_data/writer_functions.hpp"
@@ -130,6 +131,7 @@ void textConnectivity(Domain& domain) {
 }
 
 void openBinary(std::string_view, std::string_view title, Domain& domain) {
+    plot_data::binary::checkNames(domain);
     state.binary[domain.name] = {};
     state.binary[domain.name].title = title;
     state.binary[domain.name].variableList = domain.dataSet.varNameList;

@@ -81,14 +81,16 @@ void checkResults(Work& work, const Comparison& comparison, const Domain& domain
             "the comparison needs an olf with nodes of its own", true);
 }
 
+// `range` has a least and a greatest value.
+bool isWithin(double value, const double* range) {
+    return range[0] <= value && value <= range[1];
+}
+
 bool isInRanges(const Comparison& comparison, std::size_t i) {
     const model::ObservationSet& set = run.observations;
     const double* r = run.compareWindow.data();
-    const auto within = [](double v, const double* range) {
-        return range[0] <= v && v <= range[1];
-    };
-    return !comparison.hasRanges ||
-           (within(set.obsX[i], r) && within(set.obsY[i], r + 2) && within(set.obsZ[i], r + 4));
+    return !comparison.hasRanges || (isWithin(set.obsX[i], r) && isWithin(set.obsY[i], r + 2) &&
+                                     isWithin(set.obsZ[i], r + 4));
 }
 
 // Whether a mesh contains a point, in space or in plan.
@@ -114,9 +116,22 @@ Contains interpolates(const Domain& pm) {
     };
 }
 
-// In a mesh without layers of prisms or bricks nothing is outside.
+// Least and greatest coordinate. Without nodes, no value is within them.
+std::array<double, 2> rangeOf(const std::vector<double>& coordinates) {
+    if (coordinates.empty()) return {0, -1};
+    const auto [least, greatest] = std::ranges::minmax(coordinates);
+    return {least, greatest};
+}
+
+// In a mesh without layers of prisms or bricks, the box of all nodes is tested.
 Contains containsOf(const Domain& pm, bool inSpace) {
-    if (!isLayered(pm)) return [](double, double, double) { return true; };
+    if (!isLayered(pm)) {
+        const std::array box{rangeOf(pm.x), rangeOf(pm.y), rangeOf(pm.z)};
+        return [box, inSpace](double x, double y, double z) {
+            return isWithin(x, box[0].data()) && isWithin(y, box[1].data()) &&
+                   (!inSpace || isWithin(z, box[2].data()));
+        };
+    }
     ElementSearch::reset();
     ElementSearch::initElementSearch(pm.elementCount, pm.elementCount / (run.sheetCount - 1),
                                      pm.nodesPerElement, run.sheetCount, pm.elementNodes, pm.x,

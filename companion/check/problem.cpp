@@ -1,5 +1,6 @@
 #include "companion/check/problem.hpp"
 
+#include "companion/check/folder_names.hpp"
 #include "meshrake/model/file_names.hpp"
 #include "meshrake/model/problem_description.hpp"
 #include "meshrake/model/run_state.hpp"
@@ -28,10 +29,8 @@ void enter(const fs::path& folder) {
 
 std::vector<std::string> problemsHere() {
     std::vector<std::string> prefixes;
-    std::error_code failure;
-    for (auto entry = fs::directory_iterator(".", failure);
-         !failure && entry != fs::directory_iterator(); entry.increment(failure))
-        if (entry->path().extension() == mark) prefixes.push_back(entry->path().stem().string());
+    for (const std::string& name : namesIn("."))
+        if (fs::path(name).extension() == mark) prefixes.push_back(fs::path(name).stem().string());
     std::ranges::sort(prefixes);
     return prefixes;
 }
@@ -80,7 +79,10 @@ void reportMissingMesh(Work& work) {
 void findProblem(Work& work, const std::string& folderOrPrefix) {
     std::error_code failure;
     const fs::path given = folderOrPrefix.empty() ? "." : folderOrPrefix;
-    const bool isFolder = fs::is_directory(given, failure);
+    const fs::file_status status = fs::status(given, failure);
+    if (!fs::status_known(status))
+        throw std::runtime_error(folderOrPrefix + ": " + failure.message());
+    const bool isFolder = fs::is_directory(status);
     const fs::path folder = isFolder ? given : given.parent_path();
     if (!folder.empty()) enter(folder);
     work.report.folder = folder.empty() ? "." : folder.string();
@@ -89,7 +91,10 @@ void findProblem(Work& work, const std::string& folderOrPrefix) {
     } else {
         model::run.problemPrefix = given.filename().string();
         bool found = false;
-        attempt([&] { found = file_units::exists(model::run.problemPrefix + std::string(mark)); });
+        const Outcome outcome = attempt(
+            [&] { found = file_units::exists(model::run.problemPrefix + std::string(mark)); });
+        if (outcome.ended)
+            throw std::runtime_error(folderOrPrefix + ": " + outcome.messages.back());
         if (!found)
             throw std::runtime_error(folderOrPrefix + ": neither a folder nor the prefix of a "
                                                       "problem, which has a file <prefix>.skiv");

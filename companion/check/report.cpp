@@ -25,6 +25,12 @@ const CellWord& wordOf(CellState state) {
     return words[static_cast<std::size_t>(state)];
 }
 
+std::string joined(const std::vector<std::string>& names) {
+    std::string list;
+    for (const std::string& name : names) list += (list.empty() ? "" : ", ") + name;
+    return list;
+}
+
 std::string rangesText(const std::vector<std::int32_t>& numbers) {
     std::string text;
     for (std::size_t i = 0; i < numbers.size();) {

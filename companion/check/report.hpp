@@ -98,6 +98,9 @@ struct Report {
     std::vector<Finding> findings{};
 };
 
+// Returns names with a comma between them.
+std::string joined(const std::vector<std::string>& names);
+
 // Returns ascending numbers as a text such as "4, 7 to 9".
 std::string rangesText(const std::vector<std::int32_t>& numbers);
 

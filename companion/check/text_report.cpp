@@ -50,12 +50,6 @@ std::vector<std::string> printableAll(const std::vector<std::string>& names) {
     return list;
 }
 
-std::string joined(const std::vector<std::string>& names) {
-    std::string list;
-    for (const std::string& name : names) list += (list.empty() ? "" : ", ") + printable(name);
-    return list;
-}
-
 // Words in lines of at most `lineWidth` characters, each after two blanks.
 std::string wrapped(const std::vector<std::string>& words) {
     std::string out, line;
@@ -180,13 +174,13 @@ std::string variablesTable(const Report& report, const DomainReport& domain) {
     const bool withSigns = report.times.size() <= maximumColumns;
     std::size_t names = 0;
     for (const VariableReport& variable : domain.variables)
-        names = std::max(names, joined(variable.names).size());
+        names = std::max(names, joined(printableAll(variable.names)).size());
     names = std::min(names, maximumNameWidth);
     constexpr std::size_t typeWidth = 16;
     std::string out = "\nVariables of " + domain.tag + '\n';
     if (withSigns) out += columnHeads(report, 2 + names + 2 + typeWidth);
     for (const VariableReport& variable : domain.variables) {
-        std::string name = joined(variable.names);
+        std::string name = joined(printableAll(variable.names));
         if (name.size() > names) name += "\n" + std::string(names + 2, ' ');
         const std::string type = variable.type + (variable.ofElements ? " element" : " node");
         out += "  " + padded(name, names) + "  " + padded(type, typeWidth) +

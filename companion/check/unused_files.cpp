@@ -1,5 +1,6 @@
 #include "companion/check/unused_files.hpp"
 
+#include "companion/check/folder_names.hpp"
 #include "meshrake/model/file_names.hpp"
 #include "meshrake/model/result_files.hpp"
 #include "meshrake/model/run_state.hpp"
@@ -9,7 +10,7 @@
 #include <charconv>
 #include <filesystem>
 #include <map>
-#include <system_error>
+#include <stdexcept>
 
 namespace check {
 
@@ -18,7 +19,7 @@ using model::run;
 
 namespace {
 
-constexpr std::string_view fractionsFolder = "./hmc/";
+const std::string fractionsFolder = "./hmc/";
 
 // Result files by index of the output time.
 using FilesByTime = std::map<std::int32_t, std::vector<std::string>>;
@@ -35,25 +36,32 @@ std::int32_t indexOf(const std::string& name) {
     return fits && *begin != '-' ? index : 0;
 }
 
-void addFiles(const fs::path& folder, const std::string& before, const std::string& prefix,
-              FilesByTime& files) {
-    std::error_code failure;
-    for (auto entry = fs::directory_iterator(folder, failure);
-         !failure && entry != fs::directory_iterator(); entry.increment(failure)) {
-        const std::string name = entry->path().filename().string();
-        const std::int32_t index = name.starts_with(prefix) ? indexOf(name) : 0;
-        if (index > 0) files[index].push_back(before + name);
+// Adds the result files in a folder. `before` is the part of their names before that in the folder.
+void addFiles(Work& work, const std::string& folder, const std::string& before,
+              const std::string& prefix, FilesByTime& files) {
+    try {
+        for (const std::string& name : namesIn(folder)) {
+            const std::int32_t index = name.starts_with(prefix) ? indexOf(name) : 0;
+            if (index > 0) files[index].push_back(before + name);
+        }
+    } catch (const std::runtime_error& fault) {
+        // The message begins with the name of the folder.
+        work.report.findings.push_back(
+            {.kind = "unlisted_folder",
+             .file = folder,
+             .text = std::string(fault.what()).substr(folder.size() + 2) +
+                     ", so gaps and files that no variable reads are not found"});
     }
 }
 
 // Named as a run names them.
-FilesByTime resultFiles() {
+FilesByTime resultFiles(Work& work) {
     const fs::path prefix = run.problemPrefix;
     const std::string folder = prefix.parent_path().string();
     const std::string begin = prefix.filename().string() + "o.";
     FilesByTime files;
-    addFiles(folder.empty() ? "." : folder, folder.empty() ? "" : folder + "/", begin, files);
-    addFiles(fractionsFolder, std::string(fractionsFolder), begin, files);
+    addFiles(work, folder.empty() ? "." : folder, folder.empty() ? "" : folder + "/", begin, files);
+    addFiles(work, fractionsFolder, fractionsFolder, begin, files);
     return files;
 }
 
@@ -73,10 +81,6 @@ bool hasTimeFile(std::int32_t index) {
     bool found = false;
     attempt([&] { found = model::findTimeFile("." + model::outputTimeIndex(index)); });
     return found;
-}
-
-std::string withoutIndex(const std::string& file) {
-    return file.substr(0, file.rfind('.'));
 }
 
 std::string namesOf(const plot_data::VariableRow& row) {
@@ -165,7 +169,7 @@ void listUnread(Work& work, const FilesByTime& files) {
 
 void findUnusedFiles(Work& work, std::vector<DomainTrack>& tracks) {
     const std::int32_t end = run.timeIndex;
-    const FilesByTime files = resultFiles();
+    const FilesByTime files = resultFiles(work);
     if (work.report.times.empty())
         work.report.findings.push_back(
             {.kind = "no_times",

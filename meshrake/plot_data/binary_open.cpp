@@ -53,15 +53,6 @@ std::string openFailure(std::int32_t status, const std::string& path) {
     }
 }
 
-// Ends the run if a name has a comma, by which the library separates the names.
-void checkNames(const Domain& domain) {
-    const std::string& list = domain.dataSet.varNameList;
-    if (std::count(list.begin(), list.end(), ',') < domain.dataSet.numVars) return;
-    error::input_error(
-        "A variable of the " + domain.name +
-        " domain has a comma in its name, which a binary plot file cannot hold: " + list);
-}
-
 } // namespace
 
 std::int32_t ownStatus(std::int32_t status) {
@@ -72,6 +63,14 @@ std::string failedFile(const std::string& path) {
     if constexpr (MESHRAKE_OWN_TECIO)
         if (tecio::sidecarFailed()) return path + ".szhdr";
     return path;
+}
+
+void checkNames(const Domain& domain) {
+    const std::string& list = domain.dataSet.varNameList;
+    if (std::count(list.begin(), list.end(), ',') < domain.dataSet.numVars) return;
+    error::input_error(
+        "A variable of the " + domain.name +
+        " domain has a comma in its name, which a binary plot file cannot hold: " + list);
 }
 
 void openDataSet(std::string_view name, std::string_view title, Domain& domain) {

@@ -26,6 +26,10 @@ std::int32_t ownStatus(std::int32_t status);
 // Returns the file at which the library's last call failed: the data set `path` or its sidecar.
 std::string failedFile(const std::string& path);
 
+// Ends the run if a variable of the domain has a comma in its name, by which the library separates
+// the names.
+void checkNames(const model::Domain& domain);
+
 // Opens <name>.szplt. A run that continues the output resumes the data set, or creates it if it is
 // missing; any other run replaces it.
 void openDataSet(std::string_view name, std::string_view title, model::Domain& domain);

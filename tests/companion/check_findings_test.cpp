@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <regex>
 
 namespace {
 
@@ -117,6 +118,34 @@ TEST_F(CheckFindings, FindsFaultsOfTheControlFile) {
          },
          {"inconsistent_zone  1 2 3! olf: the zone has another number of values of Pressure Head "
           "than of nodes or elements"}},
+        {"name of a variable with a comma",
+         [] {
+             makeProblem("--nx 2 --ny 2 --layers 2 --times 3 --variables head,conc --species A_");
+             for (const std::string time : {"0001", "0002", "0003"})
+                 fs::rename("to.conc_pm.A_." + time, "to.conc_pm.A,." + time);
+             put("to.species", std::regex_replace(get("to.species"), std::regex("A_"), "A,"));
+             control("tecplot binary mode\nend\nwrite pm domain file\nend\n");
+         },
+         {"domain  1! A variable of the pm domain has a comma in its name, which a binary plot "
+          "file "
+          "cannot hold: X,Y,Z,Zone,Layer Number,Column Number,Thickness,Head,Pressure Head,Sat,"
+          "Depth2GWT,Depth2GWT2D,Vx,Vy,Vz,A,"}},
+        {"plot files that cannot be written",
+         [] {
+             control("end\n" + blocks);
+             fs::create_directory("to.pm.dat");
+         },
+         {"unwritable_file to.pm.dat! it cannot be replaced: Unknown error encountered opening "
+          "file"}},
+        {"binary plot files that cannot be written",
+         [] {
+             control("tecplot binary mode\nend\n" + blocks);
+             fs::create_directory("to.pm.szplt");
+         },
+         {"damaged_data_set to.pm.szplt this data set of an earlier run cannot be read: Unknown "
+          "error encountered opening file",
+          "unwritable_file to.pm.szplt! it cannot be replaced: Unknown error encountered opening "
+          "file"}},
         {"plot of a surface that does not exist",
          [] {
              fs::remove("to.coordinates_olf");
@@ -399,6 +428,20 @@ TEST_F(CheckFindings, FindsFaultsOfObservations) {
          },
          {"observations t.observed_heads! observation 9 has no element of the same number, pm has "
           "only 8"}},
+        {"outside a mesh without layers",
+         [=] {
+             sample_files::Integers tetrahedra;
+             for (int corner = 0; corner < 32; ++corner) tetrahedra.push_back(corner % 27 + 1);
+             put("to.elements_pm", sample_files::integerRecords({4, 8}) +
+                                       sample_files::integerRecord(tetrahedra) +
+                                       sample_files::integerRecord(sample_files::Integers(8, 1)));
+             pmBlock("compare heads 3d domain\n" + ranges);
+             put("t.observed_heads", "2\n100 100 1e6 1\n100 100 200 1\n");
+         },
+         {"inconsistent_zone  2 3 pm: the zone has values of a variable that the data set does not "
+          "have; the plot file cannot be read",
+          "outside_mesh t.observed_heads observation 1 of \"compare heads 3d domain\" is outside "
+          "the mesh, but compared at the nearest node"}},
         {"none in the ranges",
          [=] {
              pmBlock("compare heads 3d domain\n1 2\n1 2\n1 2\n");

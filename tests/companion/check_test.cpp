@@ -11,6 +11,8 @@
 #include <set>
 #include <utility>
 
+#include <unistd.h>
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -209,6 +211,32 @@ TEST_F(Check, PrintsTextAndJson) {
     EXPECT_EQ(tool({"check", ".", "t"}).status, 2);
     runs::expectFailure(tool({"check"}), {"batch.pfx names no problem"});
     runs::expectFailure(tool({"check", "t"}), {"neither a folder nor the prefix of a problem"});
+}
+
+// A folder with files that can be opened by their names, but not listed.
+TEST_F(Check, ReportsAFolderThatCannotBeListed) {
+    makeProblem("--nx 2 --ny 2 --layers 1 --times 1");
+    const auto asOtherUser = [](const std::function<runs::Ran()>& call) {
+        constexpr unsigned nobody = 65534;
+        const bool isRoot = ::geteuid() == 0; // who can list all folders
+        fs::permissions(".", fs::perms{0311});
+        EXPECT_TRUE(!isRoot || ::seteuid(nobody) == 0);
+        const runs::Ran ran = call();
+        EXPECT_TRUE(!isRoot || ::seteuid(0) == 0);
+        fs::permissions(".", fs::perms{0700});
+        return ran;
+    };
+    const runs::Ran listed = asOtherUser([] { return tool({"check"}); });
+    EXPECT_THAT(listed.screen,
+                HasSubstr("\n1 finding:\n  .: it cannot be listed: Permission denied"));
+    EXPECT_EQ(listed.status, 1);
+    fs::remove("batch.pfx");
+    runs::expectFailure(asOtherUser([] { return tool({"check"}); }),
+                        {".: it cannot be listed: Permission denied"});
+    fs::create_symlink("loop.skiv", "loop.skiv");
+    fs::create_symlink("loop", "loop");
+    for (const char* problem : {"loop", "./loop"})
+        runs::expectFailure(tool({"check", problem}), {problem, "Too many levels"});
 }
 
 // The files of a small problem, each damaged in several ways: a run ends exactly if a finding says
