@@ -33,6 +33,12 @@ struct GatheredData {
     std::vector<char> bytes;
 };
 
+// Data that were written but whose transfer to the disk has not been started: from `begin` to
+// `end`.
+struct PendingSync {
+    std::int64_t begin = 0, end = 0;
+};
+
 struct DataFile {
     std::string path;
     byte_file::File file;
@@ -60,6 +66,7 @@ struct DataFile {
     bool headerIsIncomplete = false;      // the last of these headers is incomplete
     CurrentZone current;
     GatheredData gathered;
+    PendingSync pendingSync;
 };
 
 // Returns the name of the sidecar of a data set.

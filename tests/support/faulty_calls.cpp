@@ -154,6 +154,7 @@ const Kind allKinds[] = {
     {"rename", change, false, {EIO, EACCES, ENOSPC}, Entry<&Table::rename>::wrap},
     {"ftruncate", change, true, {EIO, EPERM}, Entry<&Table::truncate>::wrap},
     {"fallocate", growth, true, {ENOSPC, EFBIG, EIO}, Entry<&Table::reserve>::wrap},
+    {"sync_file_range", none, true, {EIO, ENOSPC, EINVAL}, Entry<&Table::startSync>::wrap},
     {"fdatasync", none, true, {EIO, ENOSPC, EDQUOT}, Entry<&Table::sync>::wrap},
     {"flock", none, true, {ENOLCK, EIO}, Entry<&Table::lock>::wrap},
     {"unlink", change, false, {EIO, EACCES, EPERM}, Entry<&Table::remove>::wrap},

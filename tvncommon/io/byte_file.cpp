@@ -70,6 +70,10 @@ int reserve(const File& file, std::int64_t position, std::int64_t size) {
     return result == 0 ? ok : io_layer::writeFailed;
 }
 
+void startSync(const File& file, std::int64_t position, std::int64_t size) {
+    table.startSync(file.descriptor, position, size);
+}
+
 int sync(const File& file) {
     const bool synced = restart([&] { return table.sync(file.descriptor); }) == 0;
     return synced || errno == EINVAL || errno == ENOSYS ? ok : io_layer::writeFailed;

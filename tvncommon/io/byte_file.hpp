@@ -35,6 +35,10 @@ int truncate(const File& file, std::int64_t size);
 // reserved.
 int reserve(const File& file, std::int64_t position, std::int64_t size);
 
+// Starts to write these bytes to the disk, so that a later `sync` has less to wait for. A failure
+// is left to that `sync`.
+void startSync(const File& file, std::int64_t position, std::int64_t size);
+
 // `sync` returns when all that was written to the file is on the disk. `syncFolderOf` does this for
 // the folder of `path`, whose names a rename has changed. A file system that cannot sync counts as
 // success.

@@ -100,6 +100,10 @@ int reserveSpace(int descriptor, std::int64_t position, std::int64_t size) {
     return missing ? 0 : result;
 }
 
+int startSync(int descriptor, std::int64_t position, std::int64_t size) {
+    return ::sync_file_range(descriptor, position, size, SYNC_FILE_RANGE_WRITE);
+}
+
 int realPathOf(const char* path, std::string& real) {
     char* found = ::realpath(path, nullptr);
     if (!found) return -1;
@@ -136,10 +140,11 @@ void* allocate(std::size_t size) {
 
 namespace {
 
-constexpr Table realCalls{
-    openFile,   ::read,   readBoth,         ::write,        seekFile,     ::close,     fileInfo,
-    existsFile, readAt,   writeAt,          truncateFile,   reserveSpace, ::fdatasync, lockFile,
-    ::rename,   ::unlink, setPermissionsOf, fileInfoOfName, ::readlink,   realPathOf,  allocate};
+constexpr Table realCalls{openFile,     ::read,       readBoth,         ::write,        seekFile,
+                          ::close,      fileInfo,     existsFile,       readAt,         writeAt,
+                          truncateFile, reserveSpace, startSync,        ::fdatasync,    lockFile,
+                          ::rename,     ::unlink,     setPermissionsOf, fileInfoOfName, ::readlink,
+                          realPathOf,   allocate};
 
 constexpr std::size_t stackBytes = 262144; // more than any run uses
 

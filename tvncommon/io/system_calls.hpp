@@ -46,6 +46,9 @@ struct Table {
     int (*truncate)(int descriptor, std::int64_t size);
     // Reserves disk space. Succeeds on a file system that does not support it.
     int (*reserve)(int descriptor, std::int64_t position, std::int64_t size);
+    // Starts to write these bytes of a file to the disk and does not wait for their end. Does
+    // nothing on a system that has no such call.
+    int (*startSync)(int descriptor, std::int64_t position, std::int64_t size);
     // Returns once the file's data and size, or a folder's entries, are on the disk.
     int (*sync)(int descriptor);
     // Takes an exclusive advisory lock that ends with the descriptor. If another process holds it,
