@@ -35,6 +35,13 @@ void computeChange(const Domain& domain, OutputVar& var) {
     for (std::size_t i = 0; i < change.size(); ++i) change[i] = domain.z[i] - current[i];
 }
 
+void readCurrentElevations(Domain& domain, const VariableRow& row) {
+    const std::string name = plot_data::variableFile(domain, row.stem);
+    OutputVar& topography = model::outputVar(domain, key);
+    const std::span elevations = std::span(topography.columns).first(1);
+    topography.exists = plot_data::readColumnsIfExist(domain, elevations, name);
+}
+
 } // namespace
 
 const std::vector<double>& elevation(const Domain& domain) {
@@ -50,9 +57,7 @@ void tvTopoPreInit(Domain& domain, const VariableRow& row, OutputVar& var) {
 }
 
 void tvTopoPreRead(Domain& domain, const VariableRow& row, OutputVar&) {
-    const std::string name = plot_data::variableFile(domain, row.stem);
-    std::vector<model::Column>& columns = model::outputVar(domain, key).columns;
-    plot_data::readColumnsIfExist(domain, std::span(columns).first(1), name);
+    readCurrentElevations(domain, row);
 }
 
 void tvTopoInit(Domain& domain, const VariableRow& row, OutputVar& var) {
@@ -70,8 +75,8 @@ void tvTopoInit(Domain& domain, const VariableRow& row, OutputVar& var) {
 }
 
 void tvTopoRead(Domain& domain, const VariableRow& row, OutputVar& var) {
-    const std::string name = plot_data::variableFile(domain, row.stem);
-    var.exists = plot_data::readColumnsIfExist(domain, std::span(var.columns).first(1), name);
+    // A dry run reports the file with the row whose columns show it.
+    if (run.dryRun) readCurrentElevations(domain, row);
     if (!var.exists) return plot_data::shareColumns(domain, var.columns);
     computeChange(domain, var);
 }

@@ -15,13 +15,13 @@ using plot_data::VariableRow;
 // those of the last file with time-varying topography or, without such a file, of the mesh.
 const std::vector<double>& elevation(const Domain& domain);
 
-// Reads the elevations before the heads, which need them. Declares nothing.
+// Read the elevations before the heads, which need them. Declare nothing.
 void tvTopoPreInit(Domain& domain, const VariableRow& row, OutputVar& var);
 void tvTopoPreRead(Domain& domain, const VariableRow& row, OutputVar& var);
 
 // The column of elevations and, in pm, a second column: mesh elevation minus current elevation,
-// positive at a lowered node. The columns come after those of the heads, so the file of an output
-// time is read twice.
+// positive at a lowered node. They come after the columns of the heads. At a later output time they
+// have the elevations that were read for the heads.
 void tvTopoInit(Domain& domain, const VariableRow& row, OutputVar& var);
 void tvTopoRead(Domain& domain, const VariableRow& row, OutputVar& var);
 

@@ -58,12 +58,9 @@ TEST(ResultFiles, CostAnOpenTheReadsAndAClose) {
             for (const auto& [path, calls] : callsOf) {
                 if (!path.ends_with(".0002") || !std::filesystem::exists(path)) continue;
                 ++files;
-                // One file gives the time, before its values are read, and elevations are read for
-                // the heads and for their own column.
+                // One file gives the time, before its values are read.
                 const std::string first = "to.conc_dual.Solute 1.0002";
-                const bool twice =
-                    path == (callsOf.contains(first) ? first : "to.head_olf.0002") ||
-                    (path.starts_with("to.tvtopo_") && !path.starts_with("to.tvtopo_zone"));
+                const bool twice = path == (callsOf.contains(first) ? first : "to.head_olf.0002");
                 // A read fills the array and the buffer, which has the first 32768 bytes.
                 const bool vector = path.starts_with("to.v_") || path.starts_with("to.q_");
                 const int large = vector ? 3 : 2;
