@@ -93,6 +93,7 @@ void runMeshrake(int argc, const char* const* argv, bool legacyVtk) {
 
     // From here on the mesh and the requested options are fixed.
     model::run.pmPassRequired = run::pmNeededByCommonNodeDomains(domains);
+    model::run.pmColumnsUsed = run::commonNodeDomainsUsePm(domains);
     run::timeLoop(domains);
     model::writeScreen("");
     model::writeEcho("");

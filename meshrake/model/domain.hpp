@@ -1,6 +1,7 @@
 #pragma once
 
 #include "meshrake/model/domain_options.hpp"
+#include "tvncommon/io/TVNBinaryFile.hpp"
 
 #include <array>
 #include <cstdint>
@@ -34,6 +35,8 @@ struct OutputVar {
     bool firstExists = false; // the first pass found it: later passes read or share it
     bool exists = false;      // it has values of the current output time, which the zone gets
     std::vector<Column> columns;
+    bool readsDeferred = false;         // its files are read while the zone is written
+    TVNBinaryFile::OpenFile openFile{}; // to be read for the current zone; unit 0: none
 };
 
 // Numbers of the variables with a property that holds for the next zone of a data set only.

@@ -43,6 +43,7 @@ struct RunState {
     bool timeFileKnown = false;        // the last search for a file with a time stamp succeeded
     std::string timeFile;              // result file whose time stamp was read last
     bool pmPassRequired = false;       // pm is not written, but common-node domains need its values
+    bool pmColumnsUsed = false;        // common-node domains take values from the columns of pm
     bool makePlotControl = false;      // the command line has --make_plot_control
     bool controlFileExists = false;    // <prefix>.plot.control exists
 
@@ -114,6 +115,8 @@ struct RunState {
     // Collects text until it is written. Each zone is complete before that of the next domain
     // begins, so one buffer is enough.
     std::vector<char> writeBuffer;
+    // Values of the column that is being written, if it has no array of its own.
+    std::vector<std::byte> columnValues;
 };
 
 extern RunState run;

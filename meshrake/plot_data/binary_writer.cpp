@@ -204,6 +204,7 @@ void writeConnectivity(Domain& domain) {
 } // namespace
 
 const WriterFunctions binaryWriter{.extension = ".szplt",
+                                   .hidesIncompleteZones = true,
                                    .addVariableName = addVariableName,
                                    .addDataType = addDataType,
                                    .addUnit = addUnit,

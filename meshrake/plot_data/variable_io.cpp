@@ -6,6 +6,7 @@
 #include "meshrake/model/stages.hpp"
 #include "meshrake/plot_data/array_writing.hpp"
 #include "meshrake/plot_data/data_set.hpp"
+#include "meshrake/plot_data/deferred_reading.hpp"
 #include "meshrake/plot_data/unit_labels.hpp"
 #include "tvncommon/diagnostics/ArrayHelpers.hpp"
 #include "tvncommon/io/TVNBinaryFile.hpp"
@@ -25,11 +26,20 @@ std::string fileWithSuffix(const Domain& domain, std::string_view stem, const st
     return model::problemFile(std::string(stem) + (hasDomain ? domain.name + "." : "") + suffix);
 }
 
+} // namespace
+
 std::int32_t valueCount(const Domain& domain, const Column& column) {
     return column.location == Location::node ? domain.nodeCount : domain.elementCount;
 }
 
-} // namespace
+std::int64_t valueBytes(const Domain& domain, const Column& column) {
+    const bool wide = column.type == DataType::real8;
+    return std::int64_t{valueCount(domain, column)} * (wide ? 8 : 4);
+}
+
+bool othersUseColumns(const Domain& domain) {
+    return run.paraviewMode || (domain.tag == model::tags::pm && run.pmColumnsUsed);
+}
 
 std::size_t columnCount(const VariableRow& row) {
     const auto unused = std::find_if(row.columns.begin(), row.columns.end(),
@@ -146,6 +156,12 @@ bool readZones(Domain& domain, const std::string& name, Missing missing) {
     return TVNBinaryFile::read_i4_1d(name, n, domain.elementZone.data(), nullptr, missing);
 }
 
+bool readOrOpen(Domain& domain, const VariableRow& row, OutputVar& var, const std::string& name,
+                Missing missing) {
+    if (var.readsDeferred) return openDeferred(domain, row, var, name, missing);
+    return read(domain, var.columns, name, missing);
+}
+
 } // namespace
 
 void readColumns(const Domain& domain, std::span<Column> columns, const std::string& name) {
@@ -180,6 +196,17 @@ void markColumns(Domain& domain, std::span<const Column> columns) {
 }
 
 void writeColumn(Domain& domain, const Column& column) {
+    switch (column.type) {
+    case DataType::single:
+        return writeValues(domain, column, column.real4.data());
+    case DataType::real8:
+        return writeValues(domain, column, column.real8.data());
+    case DataType::longInt:
+        return writeValues(domain, column, column.int4.data());
+    }
+}
+
+void writeValues(Domain& domain, const Column& column, const void* values) {
     const bool nodal = column.location == Location::node;
     const std::int32_t n = valueCount(domain, column);
     // In a common-node domain `nodeIncluded` has an entry for each pm node, but the column has a
@@ -189,15 +216,22 @@ void writeColumn(Domain& domain, const Column& column) {
     const Packing packing{domain.outputIsPacked, (nodal ? nodes : domain.elementIncluded).data()};
     switch (column.type) {
     case DataType::single:
-        return tecplotWriteArrayReal4(column.varNumber, n, column.real4.data(), packing,
-                                      column.label, domain);
+        return tecplotWriteArrayReal4(column.varNumber, n, static_cast<const float*>(values),
+                                      packing, column.label, domain);
     case DataType::real8:
-        return tecplotWriteArrayReal8(column.varNumber, n, column.real8.data(), packing,
-                                      column.label, domain);
+        return tecplotWriteArrayReal8(column.varNumber, n, static_cast<const double*>(values),
+                                      packing, column.label, domain);
     case DataType::longInt:
-        return tecplotWriteArrayInt4(column.varNumber, n, column.int4.data(), packing, column.label,
-                                     domain);
+        return tecplotWriteArrayInt4(column.varNumber, n, static_cast<const std::int32_t*>(values),
+                                     packing, column.label, domain);
     }
+}
+
+void* columnValues(const Domain& domain, const Column& column, std::string_view arrayText) {
+    const std::int64_t bytes = valueBytes(domain, column);
+    if (std::ssize(run.columnValues) < bytes)
+        ArrayHelpers::allocateArray(run.columnValues, bytes, arrayText);
+    return run.columnValues.data();
 }
 
 void plainInit(Domain& domain, const VariableRow& row, OutputVar& var) {
@@ -205,26 +239,26 @@ void plainInit(Domain& domain, const VariableRow& row, OutputVar& var) {
     var.firstExists = var.exists = !name.empty();
     if (!var.firstExists) return;
     if (var.columns.empty()) var.columns = columnsOf(row);
+    var.readsDeferred = canDeferReads(domain, row, var);
     for (std::size_t c = 0; c < var.columns.size(); ++c) {
-        allocateColumn(domain, var.columns[c], row.arrayText);
+        if (!var.readsDeferred) allocateColumn(domain, var.columns[c], row.arrayText);
         declareColumn(domain, var.columns[c], row.columns[c].name, row.unit);
     }
-    readColumns(domain, var.columns, name);
+    readOrOpen(domain, row, var, name, Missing::endsRun);
 }
 
 void plainRead(Domain& domain, const VariableRow& row, OutputVar& var) {
     if (row.timing != Timing::everyTime) return constantRead(domain, row, var);
     std::string name = variableFile(domain, row.stem);
-    var.exists = readColumnsIfExist(domain, var.columns, name);
-    if (!var.exists && row.laterFallback && useFallbackFile(name)) {
-        readColumns(domain, var.columns, name);
-        var.exists = true;
-    }
+    var.exists = readOrOpen(domain, row, var, name, Missing::returnsFalse);
+    if (!var.exists && row.laterFallback && useFallbackFile(name))
+        var.exists = readOrOpen(domain, row, var, name, Missing::endsRun);
     if (!var.exists) shareColumns(domain, var.columns);
     markColumns(domain, var.columns);
 }
 
-void plainWrite(Domain& domain, const VariableRow&, OutputVar& var) {
+void plainWrite(Domain& domain, const VariableRow& row, OutputVar& var) {
+    if (var.openFile.unit != 0) return writeDeferred(domain, row, var);
     for (const Column& column : var.columns) writeColumn(domain, column);
 }
 

@@ -83,6 +83,14 @@ struct DryRun {
     void (*testFile)(const ResultFile& file);
 };
 
+// Return the number of values of the column, one for each node or element, and their bytes.
+std::int32_t valueCount(const Domain& domain, const Column& column);
+std::int64_t valueBytes(const Domain& domain, const Column& column);
+
+// Returns whether common-node domains or a VTK file use the columns of the domain, so that they
+// need arrays.
+bool othersUseColumns(const Domain& domain);
+
 // Returns the number of columns that have a name.
 std::size_t columnCount(const VariableRow& row);
 
@@ -136,8 +144,14 @@ void shareColumns(Domain& domain, std::span<const Column> columns);
 // Marks the element columns as cell-centred in the next zone, which every zone needs.
 void markColumns(Domain& domain, std::span<const Column> columns);
 
-// Writes the values of the included nodes or elements into the zone.
+// Writes the values of the included nodes or elements into the zone. The second function writes the
+// values of an array other than the column's, of the column's type.
 void writeColumn(Domain& domain, const Column& column);
+void writeValues(Domain& domain, const Column& column, const void* values);
+
+// Returns the memory for the values of a column without an array, until the next column.
+// `arrayText` as for `allocateColumn`.
+void* columnValues(const Domain& domain, const Column& column, std::string_view arrayText);
 
 // First pass: declares the columns and reads the values if the file exists.
 void plainInit(Domain& domain, const VariableRow& row, OutputVar& var);

@@ -14,7 +14,8 @@
 namespace plot_data {
 
 struct WriterFunctions {
-    std::string_view extension; // of the plot file, with its point
+    std::string_view extension;        // of the plot file, with its point
+    bool hidesIncompleteZones = false; // readers see a zone once all of it is written
 
     // Called before the file is open; they collect in `domain.dataSet` what its header will have.
     // The comma before the name is already in the list.

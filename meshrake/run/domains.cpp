@@ -69,6 +69,13 @@ bool pmNeededByCommonNodeDomains(const Domains& d) {
     });
 }
 
+bool commonNodeDomainsUsePm(const Domains& d) {
+    const Domain* others[] = {&d.dual, &d.frac, &d.olf, &d.well, &d.tile, &d.chan};
+    return std::any_of(std::begin(others), std::end(others), [](const Domain* domain) {
+        return isProcessed(*domain) && !model::hasOwnNodes(*domain);
+    });
+}
+
 void initAll(Domains& domains) {
     for (Domain* domain : processingOrder(domains)) init(*domain, domains.pm);
 }

@@ -39,6 +39,9 @@ void createDomains(Domains& domains);
 // True if pm is not written but must be read, because a common-node domain is written.
 bool pmNeededByCommonNodeDomains(const Domains& domains);
 
+// True if a domain that is written takes its values from the columns of pm.
+bool commonNodeDomainsUsePm(const Domains& domains);
+
 // True for a domain that is read at the output times.
 bool isProcessed(const model::Domain& domain);
 

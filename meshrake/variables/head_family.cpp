@@ -1,6 +1,7 @@
 #include "meshrake/variables/head_family.hpp"
 
 #include "meshrake/derived_columns/topography.hpp"
+#include "meshrake/model/run_state.hpp"
 #include "tvncommon/io/file_units.hpp"
 #include "tvncommon/io/io_layer.hpp"
 
@@ -46,27 +47,41 @@ void computeWaterDepth(const Domain& domain, OutputVar& var) {
     }
 }
 
-void computePressureHead(const Domain& domain, OutputVar& var) {
+void computePressureHead(const Domain& domain, const OutputVar& var, double* pressure) {
     const std::vector<double>& head = var.columns[0].real8;
     const std::vector<double>& ground = derived_columns::elevation(domain);
-    std::vector<double>& pressure = var.columns[1].real8;
     for (std::size_t i = 0; i < head.size(); ++i) pressure[i] = head[i] - ground[i];
 }
 
+// Pressure heads without an array are computed for the write.
 void computeDerivedColumns(const Domain& domain, OutputVar& var) {
     if (hasWaterDepth(domain))
         computeWaterDepth(domain, var);
-    else if (hasPressureHead(domain))
-        computePressureHead(domain, var);
+    else if (hasPressureHead(domain) && plot_data::othersUseColumns(domain))
+        computePressureHead(domain, var, var.columns[1].real8.data());
 }
 
 // Declares one of the columns that are computed from the heads.
 void addDerivedColumn(Domain& domain, const VariableRow& row, OutputVar& var, DataType type,
-                      std::string_view name, std::string_view label, std::string_view arrayText) {
+                      std::string_view name, std::string_view label) {
     Column& column = var.columns.emplace_back(plot_data::columnOf(row, label));
     column.type = type;
-    plot_data::allocateColumn(domain, column, arrayText);
     plot_data::declareColumn(domain, column, name, row.unit);
+}
+
+void addWaterDepths(Domain& domain, const VariableRow& row, OutputVar& var) {
+    addDerivedColumn(domain, row, var, DataType::single, "Depth", "Depth");
+    addDerivedColumn(domain, row, var, DataType::single, "LogDepth", "log10(Depth)");
+    for (const std::size_t c : {1, 2})
+        plot_data::allocateColumn(domain, var.columns[c], "depth and log depth arrays");
+}
+
+constexpr std::string_view pressureArray = "pressure head array";
+
+void addPressureHead(Domain& domain, const VariableRow& row, OutputVar& var) {
+    addDerivedColumn(domain, row, var, DataType::real8, "Pressure Head", "pressure head");
+    if (plot_data::othersUseColumns(domain))
+        plot_data::allocateColumn(domain, var.columns[1], pressureArray);
 }
 
 } // namespace
@@ -74,14 +89,10 @@ void addDerivedColumn(Domain& domain, const VariableRow& row, OutputVar& var, Da
 void headInit(Domain& domain, const VariableRow& row, OutputVar& var) {
     plot_data::plainInit(domain, row, var);
     if (!var.firstExists) return;
-    if (hasWaterDepth(domain)) {
-        constexpr std::string_view arrays = "depth and log depth arrays";
-        addDerivedColumn(domain, row, var, DataType::single, "Depth", "Depth", arrays);
-        addDerivedColumn(domain, row, var, DataType::single, "LogDepth", "log10(Depth)", arrays);
-    } else if (hasPressureHead(domain)) {
-        addDerivedColumn(domain, row, var, DataType::real8, "Pressure Head", "pressure head",
-                         "pressure head array");
-    }
+    if (hasWaterDepth(domain))
+        addWaterDepths(domain, row, var);
+    else if (hasPressureHead(domain))
+        addPressureHead(domain, row, var);
     computeDerivedColumns(domain, var);
 }
 
@@ -90,6 +101,16 @@ void headRead(Domain& domain, const VariableRow& row, OutputVar& var) {
     var.exists = plot_data::readColumnsIfExist(domain, std::span(var.columns).first(1), name);
     if (!var.exists) return plot_data::shareColumns(domain, var.columns);
     computeDerivedColumns(domain, var);
+}
+
+void headWrite(Domain& domain, const VariableRow& row, OutputVar& var) {
+    if (!hasPressureHead(domain) || plot_data::othersUseColumns(domain) || model::run.dryRun)
+        return plot_data::plainWrite(domain, row, var);
+    plot_data::writeColumn(domain, var.columns[0]);
+    const Column& column = var.columns[1];
+    auto* pressure = static_cast<double*>(plot_data::columnValues(domain, column, pressureArray));
+    computePressureHead(domain, var, pressure);
+    plot_data::writeValues(domain, column, pressure);
 }
 
 } // namespace variables

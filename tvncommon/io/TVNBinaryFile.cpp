@@ -13,14 +13,8 @@ namespace TVNBinaryFile {
 
 namespace {
 
-struct OpenFile {
-    int unit;
-    std::string header;
-};
-
-// Returns unit 0 for a missing file that does not end the run.
 OpenFile openAndReadHeader(const std::string& filename, std::string* header, Missing missing) {
-    OpenFile file{file_units::openResultFile(filename, missing == Missing::returnsFalse),
+    OpenFile file{file_units::openResultFile(filename, missing == Missing::returnsFalse), filename,
                   std::string(headerLength, ' ')};
     if (file.unit == 0) return file;
     const int status = io_layer::readRecord(file.unit, file.header.data(), headerLength);
@@ -30,13 +24,20 @@ OpenFile openAndReadHeader(const std::string& filename, std::string* header, Mis
     return file;
 }
 
-// Reads one record of `bytes` bytes into `into`. `what` is the part of the file in the message of a
-// failure.
-void readValues(const OpenFile& file, void* into, std::int64_t bytes, const std::string& what,
-                const std::string& filename) {
+// Reads one record. `what` is its part of the file in the message of a failure.
+void readValues(const OpenFile& file, void* into, std::int64_t bytes, const std::string& what) {
     const int status = io_layer::readRecord(file.unit, into, bytes);
     if (status != io_layer::ok)
-        error::input_error_stat(status, "Error reading " + what + "values from file " + filename);
+        error::input_error_stat(status, "Error reading " + what + "values from file " + file.name);
+}
+
+void readComponentRecord(const OpenFile& file, int component, std::int64_t bytes, void* into) {
+    readValues(file, into, bytes, "component " + std::to_string(component) + " ");
+}
+
+template<class T>
+std::int64_t bytesOf(std::int32_t n, const T*) {
+    return std::max(n, 0) * static_cast<std::int64_t>(sizeof(T));
 }
 
 template<class T>
@@ -44,19 +45,17 @@ bool read_1d(const std::string& filename, std::int32_t n, T* array, std::string*
              Missing missing) {
     const OpenFile file = openAndReadHeader(filename, header, missing);
     if (file.unit == 0) return false;
-    const std::int64_t bytes = std::max(n, 0) * static_cast<std::int64_t>(sizeof(T));
-    readValues(file, array, bytes, "", filename);
+    readValues(file, array, bytesOf(n, array), "");
     file_units::freeUnit(file.unit);
     return true;
 }
 
 template<class T>
-void readNodeByNode(const OpenFile& file, std::int32_t n, int components, T* const* arrays,
-                    const std::string& filename) {
+void readNodeByNode(const OpenFile& file, std::int32_t n, int components, T* const* arrays) {
     std::vector<T> values(static_cast<std::size_t>(std::max(components, 0)));
     const auto bytes = static_cast<std::int64_t>(sizeof(T) * values.size());
     for (std::int32_t i = 0; i < n; ++i) {
-        readValues(file, values.data(), bytes, "", filename);
+        readValues(file, values.data(), bytes, "");
         for (int c = 0; c < components; ++c) arrays[c][i] = values[static_cast<std::size_t>(c)];
     }
 }
@@ -67,12 +66,10 @@ bool readComponents(const std::string& filename, std::int32_t n, int components,
     const OpenFile file = openAndReadHeader(filename, header, missing);
     if (file.unit == 0) return false;
     if (isNewerFileFormat(file.header)) {
-        const std::int64_t bytes = std::max(n, 0) * static_cast<std::int64_t>(sizeof(T));
         for (int c = 0; c < components; ++c)
-            readValues(file, arrays[c], bytes, "component " + std::to_string(c + 1) + " ",
-                       filename);
+            readComponentRecord(file, c + 1, bytesOf(n, arrays[c]), arrays[c]);
     } else {
-        readNodeByNode(file, n, components, arrays, filename);
+        readNodeByNode(file, n, components, arrays);
     }
     file_units::freeUnit(file.unit);
     return true;
@@ -152,6 +149,20 @@ BinaryHeader parseTVNBinFileHeader(std::string_view header, const std::string& f
         error::fatalError("Invalid number of values in binary file header: " +
                           std::to_string(parsed.numValues) + inFile(filename));
     return parsed;
+}
+
+OpenFile open(const std::string& filename, Missing missing) {
+    return openAndReadHeader(filename, nullptr, missing);
+}
+
+bool hasRecordPerComponent(const OpenFile& file, int components) {
+    return components == 1 || isNewerFileFormat(file.header);
+}
+
+void readNextComponent(const OpenFile& file, int component, int components, std::int64_t bytes,
+                       void* into) {
+    if (components == 1) return readValues(file, into, bytes, "");
+    readComponentRecord(file, component, bytes, into);
 }
 
 bool read_i4_1d(const std::string& filename, std::int32_t n, std::int32_t* array,

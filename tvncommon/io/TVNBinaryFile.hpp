@@ -73,4 +73,23 @@ bool read_r8_components(const std::string& filename, std::int32_t n, int compone
                         double* const* arrays, std::string* header = nullptr,
                         Missing missing = Missing::endsRun);
 
+// A file whose values are read later, one component after the other.
+struct OpenFile {
+    int unit = 0; // 0: the file is missing
+    std::string name;
+    std::string header; // headerLength characters
+};
+
+// Opens the file and reads its header. A failure ends the run.
+OpenFile open(const std::string& filename, Missing missing);
+
+// Returns whether the file has a record for each component, so that `readNextComponent` can read
+// it.
+bool hasRecordPerComponent(const OpenFile& file, int components);
+
+// Reads the next component into the caller's array of `bytes` bytes; `component` counts from 1.
+// Ends the run as the functions above do.
+void readNextComponent(const OpenFile& file, int component, int components, std::int64_t bytes,
+                       void* into);
+
 } // namespace TVNBinaryFile

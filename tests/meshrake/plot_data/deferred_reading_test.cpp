@@ -1,0 +1,97 @@
+#include "tests/support/runs.hpp"
+
+#include "companion/data_set/data_set_file.hpp"
+
+#include <gmock/gmock.h>
+
+// A binary run reads arrays of a mebibyte and more while it writes their zone.
+namespace {
+
+using namespace sample_files;
+using data_set_file::DataSet;
+using Singles = std::vector<float>;
+
+constexpr Grid grid{513, 256, 1, 3};
+constexpr std::size_t nodes = 2 * 514 * 257, elements = 513 * 256;
+
+template<class T>
+std::vector<T> ramp(std::size_t count, double first) {
+    std::vector<T> values(count);
+    for (std::size_t i = 0; i < count; ++i)
+        values[i] = static_cast<T>(first + 0.5 * static_cast<double>(i));
+    return values;
+}
+
+// A tensor with a record for each element, as in the older format.
+Bytes tensorByElement(const std::vector<Reals>& components) {
+    Bytes file = textRecord("0.0 1", 80);
+    for (std::size_t e = 0; e < elements; ++e)
+        file += realRecord({components[0][e], components[1][e], components[2][e]});
+    return file;
+}
+
+std::vector<double> valuesOf(const DataSet& set, std::size_t zone, const std::string& variable) {
+    const auto found = std::ranges::find(set.variables, variable);
+    const auto v = static_cast<std::size_t>(found - set.variables.begin());
+    const std::int32_t share = set.zones[zone].shares[v];
+    return set.zones[share > 0 ? static_cast<std::size_t>(share - 1) : zone].values.at(v);
+}
+
+class DeferredReading : public runs::ProblemRun {
+protected:
+    DeferredReading() {
+        problem = brickProblem(grid);
+        problem["t.plot.control"] = "tecplot binary mode\nend\nwrite pm domain file\nend\n";
+        problem["to.sat_pm.0001"] = resultFile("0.0", {ramp<float>(nodes, 1)});
+        problem["to.sat_pm.0003"] = resultFile("20.0", {ramp<float>(nodes, 3)});
+        problem["to.ElemK_pm.0001"] = resultFile("0.0 1", tensor);
+        problem["to.vwc_pm.0001"] = resultFile("0.0", {ramp<double>(nodes, 5)});
+    }
+
+    const std::vector<Reals> tensor{ramp<double>(elements, 7), ramp<double>(elements, 8),
+                                    ramp<double>(elements, 9)};
+};
+
+TEST_F(DeferredReading, GivesTheValuesOfTheFiles) {
+    const Reals heads(nodes, 0.5 + 0.25 * 2); // of the third output time
+    for (const bool byElement : {false, true}) {
+        if (byElement) problem["to.ElemK_pm.0001"] = tensorByElement(tensor);
+        ASSERT_EQ(run().status, 0);
+        const DataSet set = data_set_file::read("to.pm.szplt");
+        ASSERT_EQ(set.zones.size(), 3U);
+        for (const std::size_t zone : {0U, 1U, 2U}) {
+            SCOPED_TRACE(testing::Message() << "zone " << zone << ", " << byElement);
+            EXPECT_EQ(valuesOf(set, zone, "Sat"), ramp<double>(nodes, zone == 2 ? 3 : 1));
+            EXPECT_EQ(valuesOf(set, zone, "VWC"), ramp<double>(nodes, 5));
+            EXPECT_EQ(valuesOf(set, zone, "Kyy"), tensor[1]);
+            EXPECT_EQ(valuesOf(set, zone, "Kzz"), tensor[2]);
+        }
+        const Reals pressure = valuesOf(set, 2, "Pressure Head");
+        EXPECT_EQ(valuesOf(set, 2, "Head"), heads);
+        EXPECT_EQ(pressure.front(), heads.front());
+        EXPECT_EQ(pressure.back(), heads.back() - 1);
+    }
+}
+
+// Common-node domains take their values from the arrays of pm.
+TEST_F(DeferredReading, KeepsArraysThatOthersUse) {
+    patch(problem["to.coordinates_olf"], 1, 0, 0); // common-node
+    for (const std::string pm : {"", "write pm domain file\nend\n"}) {
+        ASSERT_EQ(run("tecplot binary mode\nend\n" + pm + "write olf domain file\nend\n").status,
+                  0);
+        const DataSet set = data_set_file::read("to.olf.szplt");
+        ASSERT_EQ(set.zones.size(), 3U);
+        const Reals top = ramp<double>(nodes, 3);
+        EXPECT_EQ(valuesOf(set, 2, "Saturation"), Reals(top.begin() + nodes / 2, top.end()));
+        EXPECT_EQ(valuesOf(set, 2, "Pressure Head"), Reals(nodes / 2, 0));
+    }
+}
+
+TEST_F(DeferredReading, EndsWithinTheZoneOfADamagedFile) {
+    problem["to.sat_pm.0003"].resize(500000);
+    const runs::Ran ran = run();
+    runs::expectFailure(ran, {"Error reading values from file to.sat_pm.0003"});
+    EXPECT_EQ(data_set_file::read("to.pm.szplt").zones.size(), 2U);
+}
+
+} // namespace
