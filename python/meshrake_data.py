@@ -74,7 +74,8 @@ class DataSet:
 
     def __init__(self, path):
         self.path = os.fspath(path)
-        self.size = os.path.getsize(self.path)
+        self.size = 0
+        self.mapped = None  # the bytes of a binary data set
         self.title = ""
         self.aux = {}
         self.variables = []
@@ -82,8 +83,6 @@ class DataSet:
         self.zones = []
         with _open_file(self.path, "rb") as file:
             self.binary = file.read(8) == b"#!TDV112"
-        # One mapping for all arrays: each takes longer than the read of a small array.
-        self.mapped = numpy.memmap(self.path, "u1", "r", 0, (self.size,)) if self.binary else None
         (_scan_binary if self.binary else _scan_text)(self)
         self.times = numpy.array([zone.time for zone in self.zones])
 
@@ -146,6 +145,11 @@ class DataSet:
                 unique = f"{name} ({number})"
             columns[unique] = (("time", dimension), values, attributes)
         return xarray.Dataset(columns, coords={"time": self.times}, attrs={"title": self.title})
+
+    def _map(self):
+        """Maps the file as it is now; one mapping for all, as each takes longer than a small read."""
+        self.size = os.path.getsize(self.path)
+        self.mapped = numpy.memmap(self.path, "u1", "r", 0, (self.size,))
 
     def _column(self, name):
         if not isinstance(name, str):
@@ -240,6 +244,7 @@ def _numbers(file, line, key, count):
 
 
 def _scan_text(data_set):
+    data_set.size = os.path.getsize(data_set.path)
     with _open_file(data_set.path, "rb") as file:
         if file.read(5) != b"TITLE":
             raise Damaged(f"{data_set.path}: not a data set of meshrake")
@@ -335,8 +340,12 @@ class _Words:
 
     def __init__(self, data_set):
         self.path = data_set.path
-        self.words = numpy.ndarray((data_set.size // 4,), "<i4", data_set.mapped)
         self.position = 0
+        self.map(data_set)
+
+    def map(self, data_set):
+        data_set._map()
+        self.words = numpy.ndarray((data_set.size // 4,), "<i4", data_set.mapped)
 
     def take(self, count, type="<i4"):
         words = count * numpy.dtype(type).itemsize // 4
@@ -379,6 +388,7 @@ def _scan_binary(data_set):
         headers = _scan_headers(data_set, words)
     except EOFError:
         raise Damaged(f"{data_set.path}: the header is incomplete") from None
+    words.map(data_set)  # a run may have added zones since the file was opened
     for header in headers:
         try:
             zone = _scan_binary_zone(data_set, words, header)

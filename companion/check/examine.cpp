@@ -20,7 +20,7 @@ namespace check {
 
 namespace {
 
-// The working directory is put back at the end.
+// Restores the working directory at the end of the scope.
 struct WorkingDirectory {
     std::filesystem::path before = std::filesystem::current_path();
     WorkingDirectory() = default;

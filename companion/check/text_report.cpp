@@ -10,6 +10,7 @@
 namespace check {
 
 using screen::printable;
+using screen::widthOf;
 
 namespace {
 
@@ -18,12 +19,13 @@ constexpr std::size_t lineWidth = 100;
 constexpr std::size_t maximumNameWidth = 30; // characters of the names of a variable in the table
 
 std::string padded(std::string text, std::size_t width) {
-    if (text.size() < width) text.append(width - text.size(), ' ');
-    return text;
+    const std::size_t own = widthOf(text);
+    return own < width ? text.append(width - own, ' ') : text;
 }
 
 std::string rightAligned(const std::string& text, std::size_t width) {
-    return text.size() < width ? std::string(width - text.size(), ' ') + text : text;
+    const std::size_t own = widthOf(text);
+    return own < width ? std::string(width - own, ' ') + text : text;
 }
 
 // With a comma after each three digits from the right.
@@ -54,7 +56,7 @@ std::vector<std::string> printableAll(const std::vector<std::string>& names) {
 std::string wrapped(const std::vector<std::string>& words) {
     std::string out, line;
     for (const std::string& word : words) {
-        if (!line.empty() && line.size() + 2 + word.size() > lineWidth) {
+        if (!line.empty() && widthOf(line) + 2 + widthOf(word) > lineWidth) {
             out += line + '\n';
             line.clear();
         }
@@ -125,7 +127,8 @@ std::string domainsTable(const Report& report) {
                         sizeText(plot.bytes), printable(plot.file)});
     std::array<std::size_t, 6> widths{};
     for (const auto& row : rows)
-        for (std::size_t c = 0; c < row.size(); ++c) widths[c] = std::max(widths[c], row[c].size());
+        for (std::size_t c = 0; c < row.size(); ++c)
+            widths[c] = std::max(widths[c], widthOf(row[c]));
     std::string out = "\n";
     for (const auto& row : rows) {
         std::string line = padded(row[0], widths[0]);
@@ -174,14 +177,14 @@ std::string variablesTable(const Report& report, const DomainReport& domain) {
     const bool withSigns = report.times.size() <= maximumColumns;
     std::size_t names = 0;
     for (const VariableReport& variable : domain.variables)
-        names = std::max(names, joined(printableAll(variable.names)).size());
+        names = std::max(names, widthOf(joined(printableAll(variable.names))));
     names = std::min(names, maximumNameWidth);
     constexpr std::size_t typeWidth = 16;
     std::string out = "\nVariables of " + domain.tag + '\n';
     if (withSigns) out += columnHeads(report, 2 + names + 2 + typeWidth);
     for (const VariableReport& variable : domain.variables) {
         std::string name = joined(printableAll(variable.names));
-        if (name.size() > names) name += "\n" + std::string(names + 2, ' ');
+        if (widthOf(name) > names) name += "\n" + std::string(names + 2, ' ');
         const std::string type = variable.type + (variable.ofElements ? " element" : " node");
         out += "  " + padded(name, names) + "  " + padded(type, typeWidth) +
                (withSigns ? signsOf(variable) : statesOf(report, variable)) + '\n';

@@ -16,15 +16,16 @@ void readAt(const File& file, std::int64_t position, void* into, std::int64_t by
 
 struct Cursor {
     File& file;
-    std::int64_t position = 0;
+    std::int64_t position = 0;       // of what is taken next
     std::int64_t blockBytes = 65536; // read at once
     std::vector<char> block{};
-    std::int64_t blockAt = 0;
+    std::int64_t blockAt = 0; // position of the block
 };
 
 // Fails, at the position of the cursor, unless the condition is true.
 void require(const Cursor& cursor, bool condition, const char* fault);
 
+// Take bytes, a number, and an array. They fail if the file ends before.
 void takeBytes(Cursor& cursor, void* into, std::int64_t bytes);
 
 // Moves the cursor to the end of an array without reading it. Returns the position of the array.

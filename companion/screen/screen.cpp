@@ -3,6 +3,7 @@
 #include "tvncommon/diagnostics/error.hpp"
 #include "tvncommon/io/io_layer.hpp"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <stdexcept>
@@ -66,6 +67,13 @@ std::string printable(std::string_view text) {
         }
     }
     return out;
+}
+
+std::size_t widthOf(std::string_view text) {
+    const auto beginsCharacter = [](char c) {
+        return (static_cast<unsigned char>(c) & 0xc0U) != 0x80U;
+    };
+    return static_cast<std::size_t>(std::ranges::count_if(text, beginsCharacter));
 }
 
 std::string numberText(double value) {

@@ -11,6 +11,9 @@ namespace screen {
 // escaped.
 std::string printable(std::string_view text);
 
+// Returns the number of characters of a text in UTF-8.
+std::size_t widthOf(std::string_view text);
+
 // Returns the fewest digits that give the number again in its type, or "NaN", "Infinity" or
 // "-Infinity" as in a text data set.
 std::string numberText(double value);

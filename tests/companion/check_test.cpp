@@ -213,6 +213,21 @@ TEST_F(Check, PrintsTextAndJson) {
     runs::expectFailure(tool({"check", "t"}), {"neither a folder nor the prefix of a problem"});
 }
 
+TEST(TextOfReport, SignsAreUnderTheirOutputTimes) {
+    using enum check::CellState;
+    check::Report report;
+    for (const std::int32_t index : {1, 2, 3}) report.times.push_back({.index = index});
+    const auto variable = [](const std::string& name, const std::string& type) {
+        return check::VariableReport{
+            .names = {name}, .type = type, .cells = {present, missing, present}};
+    };
+    report.domains = {{.tag = "pm"}};
+    report.domains[0].variables = {variable("S\xc3\xbc\xc3\x9f", "real8"), variable("B", "int4")};
+    EXPECT_THAT(check::textOf(report), HasSubstr("\n                       123\n"
+                                                 "  S\xc3\xbc\xc3\x9f  real8 node      +-+\n"
+                                                 "  B    int4 node       +-+\n"));
+}
+
 // A folder with files that can be opened by their names, but not listed.
 TEST_F(Check, ReportsAFolderThatCannotBeListed) {
     makeProblem("--nx 2 --ny 2 --layers 1 --times 1");

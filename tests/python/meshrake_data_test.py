@@ -10,6 +10,7 @@ import subprocess
 import sys
 import tempfile
 import unittest
+import unittest.mock
 
 try:
     import numpy
@@ -151,6 +152,14 @@ class BothForms(unittest.TestCase):
                     file.seek(at)
                     file.write(whole[at : at + 4])
         self.assertLess(len(positions) // 2, refused)
+
+    def test_zones_that_a_run_adds_while_the_file_is_opened(self):
+        path = self.run_program("added", WHOLE_PM.replace("mode", "binary mode")) / "to.pm.szplt"
+        times = list(meshrake_data.open(path).times)
+        before = [path.stat().st_size - 4]  # without the end of the last zone
+        getsize = os.path.getsize
+        with unittest.mock.patch("os.path.getsize", lambda p: before.pop() if before else getsize(p)):
+            self.assertEqual(list(meshrake_data.open(path).times), times)
 
     def test_changed_lines(self):
         path = self.run_program("lines", WHOLE_PM) / "to.pm.dat"
