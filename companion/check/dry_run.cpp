@@ -12,7 +12,6 @@
 
 #include <algorithm>
 #include <map>
-#include <ranges>
 
 namespace check {
 
@@ -156,11 +155,11 @@ void addAtThisTime(Work& work, Finding finding) {
         return other.kind == finding.kind && other.text == finding.text;
     };
     // From the last one, which is that of the output time before.
-    auto findings = work.report.findings | std::views::reverse;
-    const auto same = std::ranges::find_if(findings, isSame);
-    if (same != findings.end()) return same->times.push_back(run.timeIndex);
+    std::vector<Finding>& findings = work.report.findings;
+    const auto same = std::find_if(findings.rbegin(), findings.rend(), isSame);
+    if (same != findings.rend()) return same->times.push_back(run.timeIndex);
     finding.times = {run.timeIndex};
-    work.report.findings.push_back(std::move(finding));
+    findings.push_back(std::move(finding));
 }
 
 // Every variable of a zone either has values or shares those of zone 1.
