@@ -22,13 +22,13 @@
 // The tables of options, variables and instructions, and the tables that refer to their rows.
 namespace {
 
+using namespace sample_files;
 using model::Domain;
 using model::Option;
 using plot_control::InstructionRow;
 using plot_control::Section;
 using plot_data::Location;
 using plot_data::VariableRow;
-using Texts = std::vector<std::string>;
 
 constexpr std::size_t lineWidth = 60; // of an instruction
 constexpr std::size_t unitWidth = 50;
@@ -36,8 +36,8 @@ constexpr std::size_t unitWidth = 50;
 class Tables : public runs::PartOfRun {
 protected:
     Tables() {
-        sample_files::makeProblem("--nx 2 --ny 2 --layers 2 --times 1 --variables all --tensor "
-                                  "--domains pm,dual,olf,frac,chan,well,tile --observations 1");
+        makeProblem("--nx 2 --ny 2 --layers 2 --times 1 --variables all --tensor "
+                    "--domains pm,dual,olf,frac,chan,well,tile --observations 1");
         model::run.timeSuffix = "0001";
         run::createDomains(all);
         for (Domain* domain : run::processingOrder(all)) domains.push_back(*domain);
@@ -45,13 +45,13 @@ protected:
 
     // Returns the template for this problem with its comments as active lines.
     std::string templateText() {
-        sample_files::put("t.observed_d2gwt", "");
+        put("t.observed_d2gwt", "");
         model::run.controlUnit = file_units::openTextReplace("template", io_layer::Flush::inBlocks);
         plot_control::writePlotControlInit();
         for (const Domain& domain : domains) plot_control::writePlotControl(domain);
         plot_control::writePlotControl(addition);
         file_units::freeUnit(model::run.controlUnit);
-        std::string text = "\n" + sample_files::get("template");
+        std::string text = "\n" + get("template");
         for (std::size_t at = 0; (at = text.find("\n! ", at)) != std::string::npos; ++at)
             text.erase(at + 1, 2);
         return text.substr(1);
@@ -59,7 +59,7 @@ protected:
 
     // Reads the first section, up to "end", and then the block of the domain.
     static void read(const std::string& text, Domain& domain) {
-        sample_files::put("control", text);
+        put("control", text);
         model::run.controlUnit = file_units::openTextRead("control");
         plot_control::readPlotControlInit();
         plot_control::readPlotControl(domain);
@@ -260,7 +260,7 @@ TEST_F(Tables, EachInstructionIsReadBack) {
             for (Domain& domain : domains)
                 report += std::string(row.words) + ", " + domain.name + ": " +
                           resultOf(row, domain) + "\n";
-    sample_files::expectFile("instructions.txt", report);
+    expectFile("instructions.txt", report);
 }
 
 // The program that writes sample problems has its own table. Types, sizes and names of its files
@@ -271,8 +271,8 @@ TEST_F(Tables, VariablesHaveTheFilesOfTheSimulator) {
         if (!row.stem.empty() && row.family == plot_data::Family::oneFile)
             withoutFile.insert(row.key);
     std::set<std::string> left;
-    for (const auto& entry : std::filesystem::directory_iterator("."))
-        if (entry.path().extension() == ".0001") left.insert(entry.path().filename());
+    for (const std::string& name : filesHere())
+        if (name.ends_with(".0001")) left.insert(name);
     EXPECT_GT(left.size(), 100U);
     for (const Domain& domain : domains)
         for (const VariableRow& row : variables::variableTable()) {

@@ -71,6 +71,7 @@ bool isFaulty(const Kind& kind, const OpenFile& file) {
     const bool grows = kind.effect == Effect::growth;
     if (!fault.met && grows && file.path == echoFile) fault.echoBegun = true;
     if (fault.way == Way::lasting && file.path.starts_with("standard ")) return false;
+    if (file.path.find(fault.only) == std::string::npos) return false;
     if (fault.met)
         return fault.way == Way::lasting &&
                (grows ? fault.kind->effect == Effect::growth : fault.kind == &kind);
@@ -169,6 +170,10 @@ const Kind allKinds[] = {
 
 std::span<const Kind> kinds() {
     return allKinds;
+}
+
+const Kind* kind(std::string_view name) {
+    return std::ranges::find(allKinds, name, &Kind::name);
 }
 
 runs::Ran run(const std::vector<const char*>& arguments, Fault& with) {

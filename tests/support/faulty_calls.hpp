@@ -19,6 +19,7 @@ struct Kind {
     void (*wrap)(system_calls::Table& table, const Kind& kind);
 };
 std::span<const Kind> kinds(); // allocation is the last
+const Kind* kind(std::string_view name);
 
 enum class Way {
     none,
@@ -32,8 +33,9 @@ struct Fault {
     Way way = Way::none;
     const Kind* kind = nullptr;
     int error = 0;     // errno
-    int countdown = 0; // number of calls up to the one that fails
+    int countdown = 1; // number of calls up to the one that fails
     std::size_t maximumBytes = 0;
+    std::string only{}; // if not empty, calls fail for files with this part in their path
 
     // Results
     bool met = false;       // the call was reached

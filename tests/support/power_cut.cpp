@@ -187,10 +187,8 @@ Problem filesLeft(const Disk& disk, const std::function<Fate(std::size_t)>& fate
 
 Problem recordedFiles() {
     Problem files;
-    for (const auto& entry : std::filesystem::directory_iterator(".")) {
-        const std::string name = entry.path().filename();
+    for (const std::string& name : sample_files::filesHere())
         if (isRecorded(name)) files[name] = sample_files::get(name);
-    }
     return files;
 }
 

@@ -111,7 +111,11 @@ void expectEnd(const std::string& kind, const std::string& message,
 
 void expectFailure(const Ran& ran, const std::vector<std::string>& words) {
     EXPECT_EQ(ran.status, 1);
-    for (const std::string& word : words) EXPECT_THAT(ran.errors, testing::HasSubstr(word));
+    for (const std::string& word : words) EXPECT_THAT(ran.errors, HasSubstr(word));
+}
+
+Files::~Files() {
+    resetModules();
 }
 
 Ran ProblemRun::run(const std::string& control, const std::vector<std::string>& arguments) {
@@ -126,10 +130,6 @@ PartOfRun::PartOfRun() {
     model::run.echoUnit = file_units::openTextReplace("echo", io_layer::Flush::everyLine);
     kept[1].clear();
     system_calls::table = keepingTable();
-}
-
-PartOfRun::~PartOfRun() {
-    resetModules();
 }
 
 std::string PartOfRun::takeScreen() {

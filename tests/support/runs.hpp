@@ -13,6 +13,9 @@
 // Runs of the program and of parts of it.
 namespace runs {
 
+using testing::HasSubstr;
+using testing::Not;
+
 // Returns the system's calls, with a `write` that keeps the text for standard output and standard
 // error instead of writing it.
 system_calls::Table keepingTable();
@@ -50,22 +53,29 @@ void expectEnd(const std::string& kind, const std::string& message,
 // Expects status 1 and all of these words on the standard error stream.
 void expectFailure(const Ran& ran, const std::vector<std::string>& words);
 
+// For tests with files: an empty folder. At the end all files are closed, and all modules and the
+// table of system calls have the state of a program start.
+class Files : public testing::Test {
+protected:
+    ~Files() override;
+
+    sample_files::Folder folder;
+};
+
 // For tests of whole runs inside this process: an empty folder, and the problem of a run.
-class ProblemRun : public testing::Test {
+class ProblemRun : public Files {
 protected:
     // Writes the problem and does a run. A control text that is not empty is added to the problem.
     Ran run(const std::string& control = "", const std::vector<std::string>& arguments = {});
 
-    sample_files::Folder folder;
     sample_files::Problem problem;
 };
 
 // For tests of parts of a run: an empty folder, the prefix "t", and an open echo file "echo". The
 // text of the screen is kept.
-class PartOfRun : public testing::Test {
+class PartOfRun : public Files {
 protected:
     PartOfRun();
-    ~PartOfRun() override;
 
     // Return the text of screen and echo file since the last call.
     std::string takeScreen();
@@ -74,8 +84,6 @@ protected:
     // Creates a domain from the files in the folder. pm must be created first and must not be
     // moved.
     static void create(model::Domain& domain, const std::string& tag, const model::Domain& pm);
-
-    sample_files::Folder folder;
 
 private:
     std::size_t echoTaken = 0;

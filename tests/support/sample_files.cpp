@@ -75,7 +75,7 @@ Bytes resultFile(const std::string& text, const std::vector<Reals>& components) 
     return fileOf(text, "R08", components);
 }
 
-Bytes resultFile(const std::string& text, const std::vector<std::vector<float>>& components) {
+Bytes resultFile(const std::string& text, const std::vector<Singles>& components) {
     return fileOf(text, "R04", components);
 }
 
@@ -146,8 +146,7 @@ Problem twoTimes() {
     problem["t.plot.control"] =
         "tecplot mode\nend\nwrite pm domain file\ninclude more\nend\nwrite olf domain file\n";
     problem["more"] = "truncate pm domain\n0 1\n0 1\n0 1\n";
-    problem["to.sat_pm.0001"] =
-        resultFile("0.0", {std::vector<float>(12, 0.5F)}); // more values than nodes
+    problem["to.sat_pm.0001"] = resultFile("0.0", {Singles(12, 0.5F)}); // more values than nodes
     return problem;
 }
 
@@ -155,7 +154,7 @@ Problem appendedTimes(int times) {
     Problem problem = brickProblem({2, 1, 1, times});
     for (int t = 1; t <= times; t += 2)
         problem["to.sat_pm.000" + std::to_string(t)] =
-            resultFile("0.0", {std::vector<float>(12, 0.1F * static_cast<float>(t))});
+            resultFile("0.0", {Singles(12, 0.1F * static_cast<float>(t))});
     return problem;
 }
 
@@ -188,6 +187,13 @@ Bytes get(const std::string& path) {
     std::ostringstream contents;
     contents << std::ifstream(path, std::ios::binary).rdbuf();
     return contents.str();
+}
+
+std::set<std::string> filesHere() {
+    std::set<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator("."))
+        if (entry.path().filename().string()[0] != '.') names.insert(entry.path().filename());
+    return names;
 }
 
 Bytes getDated(const std::string& path) {

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <map>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -14,6 +15,8 @@ namespace sample_files {
 using Bytes = std::string;
 using Integers = std::vector<std::int32_t>;
 using Reals = std::vector<double>;
+using Singles = std::vector<float>;
+using Texts = std::vector<std::string>;
 using Problem = std::map<std::string, Bytes>;
 
 template<class T>
@@ -30,7 +33,7 @@ Bytes textRecord(std::string text, std::size_t length);
 
 // A result file of the newer format: a record for each component.
 Bytes resultFile(const std::string& text, const std::vector<Reals>& components);
-Bytes resultFile(const std::string& text, const std::vector<std::vector<float>>& components);
+Bytes resultFile(const std::string& text, const std::vector<Singles>& components);
 Bytes resultFile(const std::string& text, const Integers& values);
 Bytes header(const std::string& text, const std::string& type, std::size_t components,
              std::size_t values);
@@ -66,6 +69,9 @@ void patch(Bytes& file, int number, int index, std::int32_t value);
 void write(const Problem& problem);
 void put(const std::string& path, std::string_view contents);
 Bytes get(const std::string& path);
+
+// Returns the names of the files in the folder, without those that begin with a point.
+std::set<std::string> filesHere();
 
 // Reads a text or binary data set without the value of Date_Created.
 Bytes getDated(const std::string& path);

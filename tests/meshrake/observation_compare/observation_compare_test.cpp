@@ -13,11 +13,10 @@
 namespace {
 
 using namespace sample_files;
+using namespace runs;
 using box_tree::Point;
 using model::Domain;
 using observation_compare::LocalPoint;
-using testing::HasSubstr;
-using testing::Not;
 
 constexpr double infinity = std::numeric_limits<double>::infinity();
 constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
@@ -207,7 +206,7 @@ const std::string heads = "compare heads 3d domain\n" + everywhere;
 const std::string withDual = "write dual domain file\nend\n";
 const std::string withOlf = "write olf domain file\nend\n";
 
-class Comparison : public runs::ProblemRun {
+class Comparison : public ProblemRun {
 protected:
     // Three bricks in a row whose head is x + 10 y + 100 z, and a dual continuum on their nodes, so
     // that points are located in elements.
@@ -221,12 +220,12 @@ protected:
         addDual(problem, 16);
     }
 
-    runs::Ran runWith(const std::string& observed, const std::string& pm, const std::string& others,
-                      const std::string& topLevel = "") {
+    Ran runWith(const std::string& observed, const std::string& pm, const std::string& others,
+                const std::string& topLevel = "") {
         problem["t.observed_heads"] = observed;
         return run(topLevel + "end\nwrite pm domain file\n" + pm + "end\n" + others);
     }
-    runs::Ran runHeads(const std::string& observed) { return runWith(observed, heads, withDual); }
+    Ran runHeads(const std::string& observed) { return runWith(observed, heads, withDual); }
 
     static void expectFiles(const std::vector<std::string>& names) {
         for (const std::string& name : names) expectFile(name, getDated("to." + name));
@@ -293,11 +292,11 @@ TEST_F(Comparison, RefusesDamagedFiles) {
     std::string report;
     for (const auto& [file, located] : cases) {
         problem["to.ObsShape.txt"] = located;
-        report += runs::endingOf(runHeads(file).errors) + "\n";
+        report += endingOf(runHeads(file).errors) + "\n";
     }
     expectFile("damaged_observations.txt", report);
-    runs::expectFailure(runWith("", "compare depth to gw table\n", withDual),
-                        {"Failed to open file: t.observed_d2gwt"});
+    expectFailure(runWith("", "compare depth to gw table\n", withDual),
+                  {"Failed to open file: t.observed_d2gwt"});
 }
 
 TEST_F(Comparison, PointsOutsideTheWindowCountInTheVarianceOnly) {
@@ -322,8 +321,7 @@ TEST_F(Comparison, NeedsAnElementForEachComparedPoint) {
     EXPECT_EQ(runHeads(four + "9 9 9 1\n").status, 1); // only the cache marks a point as outside
     EXPECT_EQ(runHeads(four + "9 9 9 1\n").status, 0);
     std::filesystem::remove("to.ObsShape.txt");
-    runs::expectFailure(runHeads(four + "0 0 0 1\n"),
-                        {"observation 4 takes part", "only 3 elements"});
+    expectFailure(runHeads(four + "0 0 0 1\n"), {"observation 4 takes part", "only 3 elements"});
 }
 
 TEST_F(Comparison, UsesTheNearestNodeWithoutElementSearch) {
@@ -368,12 +366,12 @@ TEST_F(Comparison, WaterDepthsAreThoseOfTheSurface) {
 
 TEST_F(Comparison, MissingResultsEndTheRun) {
     problem["t.observed_heads_olf"] = "0\n";
-    runs::expectFailure(runWith("0\n", "no pm heads\n" + heads, withOlf),
-                        {"Head of the pm domain", "\"no pm heads\""});
-    runs::expectFailure(runWith("0\n", "", depths + "no olf heads\nend\n"),
-                        {"Depth of the olf domain", "to.head_olf.<index>"});
-    runs::expectFailure(runWith("0\n", heads, withOlf, "truncate time domain\n5 6\n"),
-                        {"to.head_pm.<index>", "time window"});
+    expectFailure(runWith("0\n", "no pm heads\n" + heads, withOlf),
+                  {"Head of the pm domain", "\"no pm heads\""});
+    expectFailure(runWith("0\n", "", depths + "no olf heads\nend\n"),
+                  {"Depth of the olf domain", "to.head_olf.<index>"});
+    expectFailure(runWith("0\n", heads, withOlf, "truncate time domain\n5 6\n"),
+                  {"to.head_pm.<index>", "time window"});
     EXPECT_FALSE(std::filesystem::exists("to.compare_heads.dat"));
 }
 

@@ -2,8 +2,6 @@
 #include "tests/support/runs.hpp"
 #include "tvncommon/io/file_units.hpp"
 
-#include <gmock/gmock.h>
-
 namespace {
 
 using namespace sample_files;

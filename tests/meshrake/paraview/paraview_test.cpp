@@ -4,8 +4,6 @@
 #include "tests/support/runs.hpp"
 #include "tvncommon/io/file_units.hpp"
 
-#include <gmock/gmock.h>
-
 #include <cstdlib>
 #include <limits>
 #include <sstream>
@@ -14,9 +12,9 @@
 namespace {
 
 using namespace sample_files;
+using namespace runs;
 using model::Domain;
 using model::run;
-using testing::HasSubstr;
 
 TEST(Paraview, RowsOfEveryWriter) {
     constexpr double infinity = std::numeric_limits<double>::infinity();
@@ -26,7 +24,7 @@ TEST(Paraview, RowsOfEveryWriter) {
     const std::uint8_t mask[] = {1, 0, 1, 1, 1, 1};
     const paraview::Extent few{3, mask, false}, truncated{3, mask, true}, many{6, mask, true};
     Reals values{1.000000002e-30, 2, 3, 4, 5, -1.5e-30, 7};
-    const std::vector<float> a{1, 2, 1e-31F};
+    const Singles a{1, 2, 1e-31F};
     const Reals x{0, 9, -0.0, 0.1, -12.34567, 99999.4}, y{1e99, 9, -1e-200, infinity, nan, 1},
         limits{0.0999994, 9, 0.0999996, 99999.6, 1.03125, 1.09375};
     paraview::write_paraview_darray(values, {7, nullptr, false}, "POINT_DATA,SCALARS h", 1, unit);
@@ -42,7 +40,7 @@ TEST(Paraview, RowsOfEveryWriter) {
 }
 
 // Nodes at x = y = z = 1, 2, ..., linked to pm nodes 100, 200, ...
-class Writer : public runs::PartOfRun {
+class Writer : public PartOfRun {
 protected:
     Writer() {
         run.timeSuffix = "0003";
@@ -120,13 +118,12 @@ TEST_F(Writer, TitleReportAndErrors) {
     run.timeFile = "to.head_pm.0003";
     for (const std::string text : {"soon", "/"}) {
         run.currentTimeText = text;
-        runs::expectEnd(
-            "INPUT", "Error reading file: to.head_pm.0003\nThe time stamp is not a number: " + text,
-            [&] { written(domain); });
+        expectEnd("INPUT",
+                  "Error reading file: to.head_pm.0003\nThe time stamp is not a number: " + text,
+                  [&] { written(domain); });
     }
     run.problemPrefix = "nowhere/t";
-    runs::expectEnd("FATAL", "Failed to open file: nowhere/to.pm.0003.vtk",
-                    [&] { written(domain); });
+    expectEnd("FATAL", "Failed to open file: nowhere/to.pm.0003.vtk", [&] { written(domain); });
 }
 
 TEST_F(Writer, TruncatedDomainsHaveNoScalars) {
@@ -189,10 +186,9 @@ protected:
 TEST_F(VtkRun, FilesOfABrickProblem) {
     const Grid grid{.nx = 2, .ny = 1, .layers = 1, .times = 2};
     Problem problem = brickProblem(grid);
-    problem["to.v_pm.0001"] = resultFile(
-        "0.0", std::vector<std::vector<float>>{{1.5F, -2}, {0, 1e-31F}, {1e10F, 0.125F}});
-    problem["to.ElemPor_pm.0001"] =
-        resultFile("0.0", std::vector<std::vector<float>>{{0.25F, 0.3F}});
+    problem["to.v_pm.0001"] =
+        resultFile("0.0", std::vector<Singles>{{1.5F, -2}, {0, 1e-31F}, {1e10F, 0.125F}});
+    problem["to.ElemPor_pm.0001"] = resultFile("0.0", std::vector<Singles>{{0.25F, 0.3F}});
     write(problem);
     EXPECT_EQ(runVtk(), 0) << get("errors");
     for (const std::string name : {"pm.0001", "pm.0002", "olf.0001"})

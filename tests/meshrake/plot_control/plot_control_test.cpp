@@ -9,18 +9,19 @@
 
 namespace {
 
+using namespace sample_files;
+using namespace runs;
 using model::Domain;
 using model::Option;
 using model::run;
-using testing::HasSubstr;
 
-class PlotControl : public runs::PartOfRun {
+class PlotControl : public PartOfRun {
 protected:
     PlotControl() {
-        const sample_files::Grid grid;
-        sample_files::Problem problem = sample_files::brickProblem(grid);
-        sample_files::addSheetDomain(problem, grid, "chan", 12, "", "");
-        sample_files::write(problem);
+        const Grid grid;
+        Problem problem = brickProblem(grid);
+        addSheetDomain(problem, grid, "chan", 12, "", "");
+        write(problem);
         const char* const tags[] = {"pm", "olf", "chan", "well", "addition"};
         for (std::size_t d = 0; d < domains.size(); ++d) create(domains[d], tags[d], pm);
         takeScreen();
@@ -29,7 +30,7 @@ protected:
 
     // Reads a control text like a run, from its copy without comments.
     void read(const std::string& text) {
-        sample_files::put("control", text);
+        put("control", text);
         const int control = file_units::openTextRead("control");
         const int scratch = file_units::openTextReplace("scratch", io_layer::Flush::inBlocks);
         plot_control::strip_comments(control, scratch);
@@ -52,14 +53,14 @@ TEST_F(PlotControl, TemplateHasTheInstructionsThatApplyToTheProblem) {
         for (const Domain& domain : domains) plot_control::writePlotControl(domain);
         plot_control::writePlotControlEnd();
         file_units::freeUnit(run.controlUnit);
-        return sample_files::get("template");
+        return get("template");
     };
-    sample_files::expectFile("template.plot.control", written());
-    sample_files::put("t.observed_heads", "");
+    expectFile("template.plot.control", written());
+    put("t.observed_heads", "");
     const std::string window = "! -1.0E+20  1.0E+20\n! -1.0E+20  1.0E+20\n! -1.0E+20  1.0E+20\n";
     EXPECT_THAT(written(), HasSubstr("        1000\n! compare heads 3d domain\n" + window +
                                      "! compare gw table elevation\nend\n!---"));
-    sample_files::put("t.observed_d2gwt", "");
+    put("t.observed_d2gwt", "");
     EXPECT_THAT(written(),
                 HasSubstr("! compare gw table elevation\n! compare depth to gw table\nend\n"));
 }
@@ -67,13 +68,13 @@ TEST_F(PlotControl, TemplateHasTheInstructionsThatApplyToTheProblem) {
 TEST_F(PlotControl, InstructionsAndUnrecognizedLinesAreEchoed) {
     read("Tecplot Mode\nNonsense LINE\n  END of section  \n"
          "WRITE OLF domain file\nNo olf HEADS\nwhat Is\nend\nPlot PM depth below ground surface\n");
-    sample_files::expectFile("control_echo.txt", takeEcho() + "-- screen --\n" + takeScreen());
+    expectFile("control_echo.txt", takeEcho() + "-- screen --\n" + takeScreen());
     EXPECT_FALSE(model::enabled(olf, Option::heads));
     EXPECT_TRUE(run.plotDepthBelowSurface);
 }
 
 TEST_F(PlotControl, SectionsCommentsAndIncludedFiles) {
-    sample_files::put("more", "! comment\n  no pm heads\ninclude more\n\nendless");
+    put("more", "! comment\n  no pm heads\ninclude more\n\nendless");
     const std::string cases[] = {"end\nwrite olf domain file\nend\nwrite pm domain file\nend\n",
                                  "end\nwrite pm domain file ! why\nwrite olf domain file",
                                  "tecplot binary append\nwrite pm domain file\nend\n",
@@ -94,7 +95,7 @@ TEST_F(PlotControl, SectionsCommentsAndIncludedFiles) {
             if (domain.writeDomain.enabled) report += " " + domain.name;
         report += "\n" + takeScreen();
     }
-    sample_files::expectFile("control_sections.txt", report);
+    expectFile("control_sections.txt", report);
     EXPECT_FALSE(model::enabled(pm, Option::heads));
 }
 
@@ -113,10 +114,10 @@ TEST_F(PlotControl, ValuesThatEndTheRun) {
         "include .\n"};
     std::string report;
     for (const std::string& text : cases) {
-        report += "---- " + text + "\n---- " + runs::endingOf([&] { read(text); }) + "\n";
+        report += "---- " + text + "\n---- " + endingOf([&] { read(text); }) + "\n";
         run.echoUnit = file_units::openTextReplace("echo", io_layer::Flush::everyLine);
     }
-    sample_files::expectFile("control_values.txt", report);
+    expectFile("control_values.txt", report);
     read("tecplot binary flush interval\n-5\nend\n");
     EXPECT_EQ(run.tecplotFlushInterval, 1);
 }

@@ -2,8 +2,6 @@
 #include "tests/support/data_set.hpp"
 #include "tests/support/runs.hpp"
 
-#include <gmock/gmock.h>
-
 #include <cmath>
 #include <filesystem>
 

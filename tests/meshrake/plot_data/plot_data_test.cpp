@@ -8,8 +8,6 @@
 #include "tvncommon/io/file_units.hpp"
 #include "tvncommon/io/io_layer.hpp"
 
-#include <gmock/gmock.h>
-
 #include <limits>
 
 namespace {

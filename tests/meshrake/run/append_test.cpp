@@ -1,21 +1,17 @@
 #include "tests/support/data_set.hpp"
+#include "tests/support/faulty_calls.hpp"
 #include "tests/support/power_cut.hpp"
-#include "tests/support/runs.hpp"
-
-#include <gmock/gmock.h>
-
-#include <cstdlib>
 
 // Runs that append to the binary data sets of earlier runs, some of which were interrupted.
 namespace {
 
 using namespace sample_files;
+using namespace runs;
 using data_set_file::DataSet;
-using runs::longTests;
-using runs::Ran;
+using faulty_calls::Fault;
+using faulty_calls::kind;
+using faulty_calls::Way;
 using testing::Each;
-using testing::HasSubstr;
-using testing::Not;
 
 const std::string pmSet = "to.pm.szplt", olfSet = "to.olf.szplt", indexFile = "to.tec_append";
 
@@ -27,7 +23,7 @@ void putControl(const std::string& topLevel = "", const std::string& pm = "", bo
 
 Ran runOver(int times) {
     write(appendedTimes(times));
-    Ran ran = runs::runHere();
+    Ran ran = runHere();
     EXPECT_EQ(ran.status, 0) << ran.errors;
     return ran;
 }
@@ -87,7 +83,7 @@ TEST(Append, OutputTimesMayHaveTheSameTime) {
         for (int t = 1; t <= times; ++t)
             put("to.head_olf.000" + std::to_string(t),
                 resultFile(texts[t - 1], {Reals(6, 0.5 * t)}));
-        EXPECT_EQ(runs::runHere().status, 0);
+        EXPECT_EQ(runHere().status, 0);
     };
     const Folder home;
     putControl();
@@ -146,7 +142,7 @@ TEST(Append, ARunThatDoesNotAppend) {
     write(appendedTimes(2));
     put("t.plot.control", "tecplot binary mode\nend\nwrite pm domain file\nend\n");
     system_calls::table.sync = [](int) { return errno = EIO, -1; };
-    runs::expectFailure(runs::runHere(), {"HALTING EXECUTION", pmSet});
+    expectFailure(runHere(), {"HALTING EXECUTION", pmSet});
     EXPECT_TRUE(std::filesystem::exists(pmSet + ".szhdr"));
     EXPECT_THAT(runOver(3).screen, HasSubstr("Closing tecplot file: to.pm\n"));
     EXPECT_EQ(timesOf(pmSet), (Reals{0, 10, 20}));
@@ -169,7 +165,8 @@ protected:
     void expectRefused(const std::string& banner) {
         Problem before;
         for (const auto& [name, contents] : files) before[name] = get(name);
-        runs::expectFailure(runs::runHere(), {"ERROR, HALTING EXECUTION", banner + "\n"});
+        expectFailure(faulty_calls::run({"meshrake"}, fault),
+                      {"ERROR, HALTING EXECUTION", banner + "\n"});
         for (const auto& [name, contents] : before) EXPECT_TRUE(get(name) == contents) << name;
     }
 
@@ -204,6 +201,7 @@ protected:
     const std::string sidecar = pmSet + ".szhdr";
     const Folder folder;
     Problem files, thirdTime;
+    Fault fault; // of the second run
 };
 
 TEST_F(Refused, DamagedFiles) {
@@ -230,20 +228,11 @@ TEST_F(Refused, DamagedFiles) {
 
 // A sidecar that cannot be opened or read is not reported as damaged.
 TEST_F(Refused, ASidecarThatCannotBeRead) {
-    static int openError;
-    for (const auto& [failsAtOpen, detail] :
-         {std::pair{EACCES, "Permission to access file denied\nError number: 9"},
-          {EIO, "Unknown error encountered opening file\nError number: 30"},
-          {0, "Error encountered during read statement\nError number: 39"}}) {
-        openError = failsAtOpen;
-        system_calls::table.open = [](const char* path, system_calls::OpenMode mode) {
-            const bool fails = openError != 0 && std::string_view(path).ends_with(".szhdr");
-            return fails ? (errno = openError, -1) : system_calls::systemTable().open(path, mode);
-        };
-        if (openError == 0)
-            system_calls::table.readAt = [](int, void*, std::size_t, std::int64_t) {
-                return errno = EIO, std::ptrdiff_t{-1};
-            };
+    for (const auto& [call, error, detail] :
+         {std::tuple{"open", EACCES, "Permission to access file denied\nError number: 9"},
+          {"open", EIO, "Unknown error encountered opening file\nError number: 30"},
+          {"pread", EIO, "Error encountered during read statement\nError number: 39"}}) {
+        fault = {.way = Way::lasting, .kind = kind(call), .error = error, .only = ".szhdr"};
         expectRefused(std::string("Failed to open file: to.pm.szplt.szhdr\nError detail: ") +
                       detail);
     }
@@ -253,18 +242,15 @@ TEST_F(Refused, ASidecarThatCannotBeRead) {
 // zone.
 TEST_F(Refused, ADataSetOfARunWithoutAppend) {
     const Bytes control = get("t.plot.control");
-    static bool beforeFirstZone;
     for (const bool before : {true, false}) {
         write(files);
         write(thirdTime);
         put("t.plot.control", "tecplot binary mode\nend\nwrite pm domain file\nend\n");
-        beforeFirstZone = before;
-        system_calls::table.rename = [](const char* from, const char* to) {
-            const bool fails = beforeFirstZone && std::string_view(to).ends_with(".szplt");
-            return fails ? -1 : system_calls::systemTable().rename(from, to);
-        };
-        system_calls::table.sync = [](int) { return -1; };
-        EXPECT_EQ(runs::runHere().status, 1);
+        Fault ending{.way = Way::once,
+                     .kind = kind(before ? "rename" : "fdatasync"),
+                     .error = EIO,
+                     .only = pmSet + (before ? ".unfinished" : "")};
+        EXPECT_EQ(faulty_calls::run({"meshrake"}, ending).status, 1);
         put("t.plot.control", control);
         EXPECT_EQ(get(pmSet) == files[pmSet], before);
         expectRefusedWithAnyTimes(

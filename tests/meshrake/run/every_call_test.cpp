@@ -12,15 +12,13 @@
 namespace {
 
 using namespace sample_files;
+using namespace runs;
 using faulty_calls::echoFile;
 using faulty_calls::Effect;
 using faulty_calls::Fault;
 using faulty_calls::Kind;
 using faulty_calls::kinds;
 using faulty_calls::Way;
-using runs::longTests;
-using runs::Ran;
-using testing::HasSubstr;
 
 // A problem with all comparisons and plots, whose points are located in elements.
 Problem withProducts(const std::string& mode) {
@@ -100,8 +98,7 @@ Bytes withoutWarnings(Bytes echo) {
 // append are compared by their contents, independent of which zones share them.
 Problem folderContents(const Scenario& scenario) {
     Problem files;
-    for (const auto& entry : std::filesystem::directory_iterator(".")) {
-        const std::string name = entry.path().filename();
+    for (const std::string& name : filesHere()) {
         const bool dataSet = name.ends_with(".szplt");
         if (scenario.append && dataSet)
             files[name] = data_set::contentsOf(data_set_file::read(name));
@@ -144,8 +141,7 @@ class EveryCall : public testing::TestWithParam<Scenario> {
 protected:
     EveryCall() {
         scenario.prepare();
-        for (const auto& entry : std::filesystem::directory_iterator("."))
-            given[entry.path().filename()] = get(entry.path());
+        for (const std::string& name : filesHere()) given[name] = get(name);
         const Folder folder;
         write(given);
         for (Problem& files : clean) {

@@ -1,4 +1,4 @@
-#include "tests/support/runs.hpp"
+#include "tests/support/faulty_calls.hpp"
 #include "tvncommon/io/io_layer.hpp"
 #include "tvncommon/io/system_calls.hpp"
 
@@ -15,25 +15,22 @@
 namespace {
 
 using namespace sample_files;
-using runs::Ran;
-using testing::HasSubstr;
+using namespace runs;
+using faulty_calls::Fault;
+using faulty_calls::kind;
+using faulty_calls::Way;
 
-class RunFiles : public testing::Test {
+class RunFiles : public Files {
 protected:
     RunFiles() { write(brickProblem({1, 1, 1, 2})); }
-    ~RunFiles() override { system_calls::table = system_calls::systemTable(); }
 
     // Returns all files of the folder, without those that each run writes.
     static Problem files() {
         Problem found;
-        for (const auto& entry : std::filesystem::directory_iterator("."))
-            if (entry.is_regular_file()) found[entry.path().filename()] = get(entry.path());
-        for (const char* name : {"to.meshrake.eco", "scratch_plot", ".input", ".screen", ".errors"})
-            found.erase(name);
+        for (const std::string& name : filesHere())
+            if (name != "to.meshrake.eco" && name != "scratch_plot") found[name] = get(name);
         return found;
     }
-
-    const Folder folder;
 };
 
 // A failed allocation in an open leaves no lock, which would make the next open fail.
@@ -64,17 +61,13 @@ TEST_F(RunFiles, NoMemoryForANewFile) {
 
 TEST_F(RunFiles, AnIndexThatCannotBeWritten) {
     put("t.plot.control", "tecplot binary append\n"); // without "end" the index is not read
-    static std::string refused;
     for (const bool file : {false, true}) {
         put("to.tec_append", "old");
-        refused = file ? "to.tec_append" : "to.tec_append.";
-        system_calls::table.open = [](const char* path, system_calls::OpenMode mode) {
-            errno = EACCES;
-            return std::string_view(path).starts_with(refused)
-                       ? -1
-                       : system_calls::systemTable().open(path, mode);
-        };
-        const Ran ran = runs::runHere();
+        Fault fault{.way = Way::lasting,
+                    .kind = kind("open"),
+                    .error = EACCES,
+                    .only = file ? "to.tec_append" : "to.tec_append."};
+        const Ran ran = faulty_calls::run({"meshrake"}, fault);
         EXPECT_EQ(ran.status, 0);
         // The index may be writable although no file can be created in the folder.
         EXPECT_EQ(get("to.tec_append"), file ? "old" : integerRecord({2}));
@@ -90,17 +83,16 @@ TEST_F(RunFiles, AnIndexThatCannotBeWritten) {
 // A run whose write to the new file fails keeps the old file.
 TEST_F(RunFiles, AreReplacedWhenTheNewFileIsComplete) {
     struct Case {
-        std::string name, control, argument, before;
+        std::string name, control, before = "old";
+        const char* argument = "";
     };
-    const Case cases[] = {{"t.plot.control", "old", "--make_plot_control", "old"},
-                          {"to.tec_append", "tecplot binary append\n", "", "old"},
-                          {"batch.pfx", "tecplot mode\n", "", "nosuch"}, // asks for the prefix
+    const Case cases[] = {{"t.plot.control", "old", "old", "--make_plot_control"},
+                          {"to.tec_append", "tecplot binary append\n"},
+                          {"batch.pfx", "tecplot mode\n", "nosuch"}, // asks for the prefix
                           {"to.ObsShape.txt",
                            "end\nwrite pm domain file\ncompare gw table elevation\nend\n"
                            "write dual domain file\n",
-                           "", ""}};
-    static std::string target;
-    static int descriptor;
+                           ""}};
     Problem problem = brickProblem({1, 1, 1, 2});
     problem["t.observed_heads"] = "1\n0.5 0.5 0.5\n";
     addDual(problem, 8);
@@ -110,27 +102,11 @@ TEST_F(RunFiles, AreReplacedWhenTheNewFileIsComplete) {
         problem["t.plot.control"] = c.control;
         write(problem);
         if (!c.before.empty()) put(c.name, c.before);
-        target = c.name;
-        descriptor = -1;
-        system_calls::table.open = [](const char* path, system_calls::OpenMode mode) {
-            const int opened = system_calls::systemTable().open(path, mode);
-            if (mode != system_calls::OpenMode::read && std::string(path).starts_with(target))
-                descriptor = opened;
-            return opened;
-        };
-        system_calls::table.write = [](int d, const void* from, std::size_t size) {
-            const std::ptrdiff_t n =
-                runs::keepingTable().write(d, from, d == descriptor ? size / 2 : size);
-            return d == descriptor ? (errno = ENOSPC, std::ptrdiff_t{-1}) : n;
-        };
-        system_calls::table.read = [](int d, void* into, std::size_t size) {
-            if (d != 0) return system_calls::systemTable().read(d, into, size);
-            return static_cast<std::ptrdiff_t>(
-                std::string("t\n").copy(static_cast<char*>(into), size));
-        };
-        runs::expectFailure(runs::runHere({c.argument}), {"Error writing file: " + c.name});
+        Fault fault{.way = Way::once, .kind = kind("write"), .error = ENOSPC, .only = c.name};
+        expectFailure(faulty_calls::run({"meshrake", c.argument}, fault),
+                      {"Error writing file: " + c.name});
         EXPECT_EQ(get(c.name), c.before);
-        EXPECT_FALSE(std::filesystem::exists(target + ".unfinished"));
+        EXPECT_FALSE(std::filesystem::exists(c.name + ".unfinished"));
     }
 }
 
@@ -140,7 +116,7 @@ TEST_F(RunFiles, LinksToDataSetsAreKept) {
     std::filesystem::create_symlink("elsewhere", "to.pm.szplt");
     for (const std::string made : {"elsewhere.unfinished", "to.pm.szplt.szhdr.unfinished"})
         std::filesystem::create_symlink("other", made);
-    EXPECT_EQ(runs::runHere().status, 0);
+    EXPECT_EQ(runHere().status, 0);
     EXPECT_EQ(std::filesystem::read_symlink("to.pm.szplt"), "elsewhere");
     EXPECT_TRUE(get("elsewhere").starts_with("#!TDV112"));
     EXPECT_EQ(get("other"), "other");
@@ -165,8 +141,8 @@ TEST_F(RunFiles, TwoRunsOfOnePrefix) {
         put("batch.pfx", batch);
         const Problem before = files();
         const Lock lock("to.meshrake.eco");
-        const Ran ran = runs::runProgram("", "t\n", "exec timeout 20");
-        runs::expectFailure(ran, {"ERROR, HALTING EXECUTION ***\n", "\nAnother run is using t\n"});
+        const Ran ran = runProgram("", "t\n", "exec timeout 20");
+        expectFailure(ran, {"ERROR, HALTING EXECUTION ***\n", "\nAnother run is using t\n"});
         EXPECT_EQ(get("to.meshrake.eco"), "of the other run");
         EXPECT_EQ(files(), before);
     }
@@ -180,7 +156,7 @@ TEST_F(RunFiles, TwoRunsOfOnePrefix) {
             if (error == EINTR) error = 0;
             return errno == 0 ? 0 : -1;
         };
-        const Ran ran = runs::runHere();
+        const Ran ran = runHere();
         EXPECT_EQ(ran.status, status) << number << ran.errors;
         EXPECT_THAT(ran.errors,
                     HasSubstr(status == 0 ? "" : "Failed to open file: to.meshrake.eco"));
@@ -194,7 +170,7 @@ TEST_F(RunFiles, TwoPrefixesAtOnce) {
     put("batch.pfx", "nosuch\n");
     put("batch.pfx.unfinished", "of the other run");
     const Lock lock("batch.pfx.unfinished");
-    const Ran ran = runs::runProgram("", "t\n", "exec timeout 20");
+    const Ran ran = runProgram("", "t\n", "exec timeout 20");
     EXPECT_EQ(ran.status, 0) << ran.errors;
     EXPECT_THAT(ran.screen, HasSubstr("\nFailed to generate batch.pfx file with prefix t\n"));
     EXPECT_EQ(get("batch.pfx"), "nosuch\n");
@@ -210,8 +186,8 @@ TEST_F(RunFiles, ARunWaitsForTheScratchFile) {
         auto lock = std::make_unique<Lock>("scratch_plot");
         put("scratch_plot", "of the other run");
         const std::string waits = "\nWaiting for another run that uses scratch_plot\n";
-        auto waiting = std::async(std::launch::async,
-                                  [] { return runs::runProgram("", "", "exec timeout 20"); });
+        auto waiting =
+            std::async(std::launch::async, [] { return runProgram("", "", "exec timeout 20"); });
         while (get(".screen").find(waits) == std::string::npos &&
                waiting.wait_for(std::chrono::milliseconds(10)) != std::future_status::ready) {
         }

@@ -5,11 +5,10 @@
 namespace {
 
 using namespace sample_files;
+using namespace runs;
 using data_set::Text;
 using data_set::valuesOf;
 using model::Domain;
-using testing::HasSubstr;
-using testing::Not;
 
 const std::string isopachs = "plot pm zone isopach structure\n";
 const std::string depths = "plot pm depth below ground surface\n";
@@ -18,7 +17,7 @@ const std::string writeOlf = "write olf domain file\nend\n";
 const std::string rule(48, '-');
 
 // Two columns of bricks in three layers with heights 1, 2 and 3. Each layer is an element zone.
-class SurfacePlots : public runs::ProblemRun {
+class SurfacePlots : public ProblemRun {
 protected:
     SurfacePlots() { problem = brickProblem({2, 1, 3, 1}); }
 
@@ -50,8 +49,7 @@ TEST_F(SurfacePlots, IsopachsHaveThicknessAndTopOfEachZone) {
         setZones(zones);
         const Text plot = isopachPlot();
         EXPECT_EQ(plot.labels.at(0),
-                  (std::vector<std::string>{"x", "y", "z (isopach top)",
-                                            "isopach thickness (cell centred)"}));
+                  (Texts{"x", "y", "z (isopach top)", "isopach thickness (cell centred)"}));
         report += std::string(what) + "\n" + getDated("to.pm_Isopach.dat");
     }
     expectFile("isopachs.txt", report);
@@ -66,7 +64,7 @@ TEST_F(SurfacePlots, UseTheTruncationOfTheRun) {
     EXPECT_EQ(echo.find("Medium: olf"), echo.rfind("Medium: olf"));
 
     // A domain that the run has not written is truncated for the plot, which is reported first.
-    const runs::Ran ran = run("end\n" + isopachs + depths);
+    const Ran ran = run("end\n" + isopachs + depths);
     const std::string report = "Full mesh (no truncation)\nNodes:    6\nElements: 2\n \n" + rule +
                                "\npm isopach plot\nCreating Tecplot file to.pm_Isopach.dat\n";
     EXPECT_THAT(ran.screen, HasSubstr(report));
@@ -104,8 +102,8 @@ TEST_F(SurfacePlots, DepthsAreBelowTheTopNodeOfTheColumn) {
 TEST_F(SurfacePlots, InvalidMeshesEndTheRunBeforeAnythingIsWritten) {
     const Problem good = problem;
     const auto expectEnd = [&](const std::string& plot, const std::string& words) {
-        const runs::Ran ran = run("end\n" + writePm + writeOlf + plot);
-        runs::expectFailure(ran, {words});
+        const Ran ran = run("end\n" + writePm + writeOlf + plot);
+        expectFailure(ran, {words});
         EXPECT_THAT(ran.screen, Not(HasSubstr("Creating Tecplot file")));
         problem = good;
     };

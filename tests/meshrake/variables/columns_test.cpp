@@ -11,10 +11,7 @@
 namespace {
 
 using namespace sample_files;
-using Singles = std::vector<float>;
-using testing::HasSubstr;
-using testing::Not;
-using Texts = std::vector<std::string>;
+using namespace runs;
 
 // A result file whose values differ by output time and by file. A shape without values removes the
 // file.
@@ -83,7 +80,7 @@ std::string summaryOf(const Case& c) {
         control += "end\n";
     }
     write(problem);
-    const std::string ending = runs::endingOf(runs::runHere().errors);
+    const std::string ending = endingOf(runHere().errors);
     if (!ending.empty()) return c.what + "\n  " + ending + "\n";
     std::string summary = c.what + "\n";
     for (const std::string& domain : data_set::split(c.domains))
@@ -190,14 +187,14 @@ TEST(Columns, FamiliesAreInTheirDomains) {
                 "--species Heat:heat,Virus:particles,Ca:immobile --variables conc,concsolid,iconc,"
                 "ExchSol,ExchSolAdv,DualExchSolAdv,ExchSolDisp,DualExchSolDisp,conc-Redox,"
                 "mass_sorbed,hmc");
-    ASSERT_EQ(runs::runHere().status, 0);
+    ASSERT_EQ(runHere().status, 0);
     std::string summaries;
     for (const std::string tag : {"pm", "dual", "olf"})
         summaries += tag + "\n" + data_set::summaryOf(data_set::parse(get("to." + tag + ".dat")));
     expectFile("family_domains.txt", summaries);
 }
 
-class ColumnValues : public runs::ProblemRun {
+class ColumnValues : public ProblemRun {
 protected:
     ColumnValues() { problem = baseProblem(2); }
 
@@ -270,7 +267,7 @@ TEST_F(ColumnValues, TetrahedraHaveDepthsInLaterZones) {
     EXPECT_THAT(get("to.pm.dat"), HasSubstr("VARSHARELIST=([1,2,3,4,5,6,7,8,9,0,0])"));
 }
 
-class Steps : public runs::PartOfRun {};
+class Steps : public PartOfRun {};
 
 // No pass calls pecletRead: all zones share the numbers of zone 1.
 TEST_F(Steps, PecletNumbersCanBeReadAtLaterTimes) {

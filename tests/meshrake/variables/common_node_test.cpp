@@ -5,8 +5,7 @@
 namespace {
 
 using namespace sample_files;
-using testing::HasSubstr;
-using Texts = std::vector<std::string>;
+using namespace runs;
 
 const std::string pmBlock = "write pm domain file\nend\n", olfBlock = "write olf domain file\n";
 
@@ -23,7 +22,7 @@ protected:
 
     static data_set::Text runOver(const std::string& control = pmBlock + olfBlock) {
         put("t.plot.control", "end\n" + control);
-        const runs::Ran ran = runs::runHere();
+        const Ran ran = runHere();
         EXPECT_EQ(ran.status, 0) << ran.errors;
         return data_set::parse(get("to.olf.dat"));
     }

@@ -1,24 +1,15 @@
 #include "tvncommon/diagnostics/error.hpp"
 
-#include "tests/support/sample_files.hpp"
+#include "tests/support/runs.hpp"
 #include "tvncommon/io/file_units.hpp"
 #include "tvncommon/io/io_layer.hpp"
-
-#include <gmock/gmock.h>
-
-#include <functional>
 
 namespace {
 
 using namespace error;
 
-class Banners : public testing::Test {
+class Banners : public runs::Files {
 protected:
-    ~Banners() override {
-        error::reset();
-        io_layer::reset();
-    }
-
     // Returns the text that the call writes to the standard error stream, and how it ends.
     static std::string bannerOf(const std::function<void()>& call) {
         testing::internal::CaptureStderr();
@@ -30,8 +21,6 @@ protected:
         }
         return testing::internal::GetCapturedStderr() + end;
     }
-
-    sample_files::Folder folder;
 };
 
 TEST_F(Banners, OfAllFunctions) {

@@ -18,14 +18,9 @@ using sample_files::Bytes;
 using sample_files::Integers;
 using sample_files::Reals;
 
-class BinaryFile : public testing::Test {
+class BinaryFile : public runs::Files {
 protected:
-    ~BinaryFile() override {
-        system_calls::table = system_calls::systemTable();
-        io_layer::reset();
-        resetWriters();
-    }
-    sample_files::Folder folder;
+    ~BinaryFile() override { resetWriters(); }
 };
 
 std::string padded(std::string text, std::size_t length = 80) {

@@ -15,14 +15,7 @@ using namespace io_layer;
 using sample_files::get;
 using sample_files::put;
 
-class FileReplacement : public testing::Test {
-protected:
-    ~FileReplacement() override {
-        system_calls::table = system_calls::systemTable();
-        reset();
-    }
-    sample_files::Folder folder;
-};
+class FileReplacement : public runs::Files {};
 
 constexpr const char* newFile = "file.unfinished";
 

@@ -13,27 +13,17 @@ namespace {
 
 using namespace io_layer;
 using namespace std::string_literals;
+using namespace sample_files;
 using runs::expectEnd;
-using sample_files::Bytes;
-using sample_files::get;
-using sample_files::put;
-using Texts = std::vector<std::string>;
 
-class IoLayer : public testing::Test {
-protected:
-    ~IoLayer() override {
-        system_calls::table = system_calls::systemTable();
-        reset();
-    }
-    sample_files::Folder folder;
-};
+class IoLayer : public runs::Files {};
 
 // Returns a record of several sub-records, each with this length before and after its payload. A
 // negative length means that another sub-record follows.
 Bytes subRecords(const std::vector<std::pair<std::int32_t, std::string>>& parts) {
     Bytes file;
     for (const auto& [signedLength, payload] : parts) {
-        const Bytes length = sample_files::bytesOf(sample_files::Integers{signedLength});
+        const Bytes length = bytesOf(Integers{signedLength});
         file += length + payload + length;
     }
     return file;
@@ -103,7 +93,7 @@ TEST_F(IoLayer, RecordsBeyondTheReadBuffer) {
 }
 
 TEST_F(IoLayer, CutRecordsAndWrongLengths) {
-    const Bytes first = sample_files::record("abcde");
+    const Bytes first = record("abcde");
     const Bytes whole = first + subRecords({{-3, "fgh"}, {-2, "ij"}, {1, "k"}});
     for (std::size_t length = 0; length <= whole.size(); ++length) {
         std::vector<int> expected{ok, ok, endOfFile};
@@ -112,9 +102,9 @@ TEST_F(IoLayer, CutRecordsAndWrongLengths) {
         EXPECT_EQ(statuses(whole.substr(0, length), {5, 6, 1}), expected) << length;
     }
     const std::tuple<Bytes, std::int64_t, int> cases[] = {
-        {sample_files::record("abcd"), 2, ok},
-        {sample_files::record("abcd"), 0, ok},
-        {sample_files::record("abcd"), 5, readFailed},
+        {record("abcd"), 2, ok},
+        {record("abcd"), 0, ok},
+        {record("abcd"), 5, readFailed},
         {"\4\0\0\0abcd\5\0\0\0"s, 4, readFailed},
         {"\3\0\0\0abcd\4\0\0\0"s, 3, readFailed},
         {"\4\0\0\0abcd\xfc\xff\xff\xff"s, 4, ok}, // the sign of a trailing length is ignored
@@ -206,7 +196,7 @@ TEST_F(IoLayer, ReadsAndWritesOfNoBytes) {
     put("file", "text\n");
     const int cut = file_units::openTextRead("file");
     std::string line, block(100000, ' ');
-    put("large", sample_files::record(block + block));
+    put("large", record(block + block));
     const int large = file_units::openRecordsRead("large");
     EXPECT_EQ(beginRecord(large), ok);
     // A read that fails, and a file that is shorter than at its open.

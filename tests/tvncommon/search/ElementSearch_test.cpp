@@ -10,11 +10,11 @@
 
 namespace {
 
+using namespace sample_files;
 using namespace ElementSearch;
 using plan_mesh::makeMesh;
 using plan_mesh::Mesh;
 using plan_mesh::MeshSize;
-using Texts = std::vector<std::string>;
 
 // Linear in every coordinate, so that the interpolation is exact.
 double plane(double x, double y, double z) {
@@ -148,7 +148,7 @@ TEST_F(Search, PointsOutsideAndInvalidMeshesAreErrorsOrUseTheNearestElement) {
     EXPECT_NE(runs::endingOf([] { initElementSearch(1, 1, 7, 2, {}, {}, {}, {}); }), "");
     add("elements of seven nodes",
         [] { return pointInElement2D(1, 0, 0) + interpElement2DIndex(1, 0, 0, {}); });
-    sample_files::expectFile("element_search.txt", report.str());
+    expectFile("element_search.txt", report.str());
 }
 
 TEST_F(Search, GeometryOfAnElement) {

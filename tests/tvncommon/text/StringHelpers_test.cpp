@@ -10,9 +10,8 @@
 
 namespace {
 
+using namespace sample_files;
 using namespace StringHelpers;
-using Integers = std::vector<std::int32_t>;
-using Texts = std::vector<std::string>;
 
 TEST(StringHelpers, PositionsAndPadding) {
     EXPECT_EQ(findFirstOf("1.5 msg", " "), 4U);
@@ -85,7 +84,7 @@ TEST(ArrayHelpers, ArraysOfTheSameSizeKeepTheirEntriesWithoutFill) {
 TEST(ArrayHelpers, FailedAllocationsNameTheArray) {
     constexpr std::int64_t tooMany = std::int64_t{1} << 61;
     Integers i4;
-    std::vector<float> r4;
+    Singles r4;
     std::vector<double> r8;
     Texts texts;
     const std::function<void()> calls[] = {
@@ -98,7 +97,7 @@ TEST(ArrayHelpers, FailedAllocationsNameTheArray) {
         [&] { ArrayHelpers::allocateArray(i4, tooMany, "of yours"); }};
     std::string report;
     for (const auto& call : calls) report += runs::endingOf(call) + "\n";
-    sample_files::expectFile("failed_allocations.txt", report);
+    expectFile("failed_allocations.txt", report);
 }
 
 TEST(Utils, WidthsAboveTheMaximumEndTheRun) {

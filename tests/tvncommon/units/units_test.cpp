@@ -10,11 +10,7 @@ namespace {
 
 using namespace units;
 
-class Units : public testing::Test {
-protected:
-    void SetUp() override { reset(); }
-    void TearDown() override { reset(); }
-};
+class Units : public runs::Files {};
 
 TEST_F(Units, SystemsByHandle) {
     for (std::int32_t h = 0; h < 10; ++h) {
@@ -100,7 +96,6 @@ TEST_F(Units, ConversionFromSI) {
 }
 
 TEST_F(Units, SystemsInFiles) {
-    const sample_files::Folder folder;
     for (const bool text : {false, true}) {
         int unit = file_units::getUnit();
         const int status = text ? io_layer::openTextReplace(unit, "file", io_layer::Flush::inBlocks)
@@ -124,7 +119,6 @@ TEST_F(Units, SystemsInFiles) {
     const std::string message = "serialize failed: unassociated file unit\n";
     runs::expectEnd("FATAL", "UnitSystem: " + message, [&] { serialize(system, 1200); });
     runs::expectEnd("FATAL", "UnitSystem: de" + message, [&] { deserialize(system, 1200); });
-    io_layer::reset();
 }
 
 TEST_F(Units, InvalidExponentsEndTheRun) {
