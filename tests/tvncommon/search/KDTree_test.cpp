@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <numeric>
 #include <random>
 #include <set>
 
@@ -144,7 +143,13 @@ void checkTree(Kind kind, std::size_t count, std::optional<std::int32_t> leafSiz
     same.init2(together, leafSize, maxDepth);
     EXPECT_EQ(tree.order, same.order);
     EXPECT_EQ(tree.empty(), count == 0);
+    const auto n = static_cast<std::int32_t>(count);
+    EXPECT_EQ(tree.leafSize, std::clamp(leafSize.value_or(20), std::min(1, n), n));
+    EXPECT_EQ(tree.maxDepth, std::max(maxDepth.value_or(n), 0));
     checkShape(tree);
+    if (kind == Kind::anywhere) {
+        EXPECT_EQ(tree.leaves() == 1, n <= tree.leafSize || tree.maxDepth == 0);
+    }
     tree = same;
     same.destroy();
     ASSERT_TRUE(same.empty());
@@ -170,26 +175,6 @@ TEST(KDTree, EveryQueryEqualsALoopOverAllPoints) {
                         << static_cast<int>(kind) << " " << count << " " << leafSize.value_or(-9)
                         << " " << maxDepth.value_or(-9);
                 }
-}
-
-TEST(KDTree, DefaultsAndLimits) {
-    std::vector<double> values(3000);
-    std::iota(values.begin(), values.end(), 0);
-    struct Case {
-        std::size_t count;
-        std::optional<std::int32_t> leafSize, maxDepth;
-        std::int32_t leafSizeInUse, maxDepthInUse;
-        bool oneLeaf;
-    };
-    for (const Case& c : {Case{1000, 0, -5, 1, 0, true}, Case{1000, 1001, 7, 1000, 7, true},
-                          Case{20, {}, {}, 20, 20, true}, Case{21, {}, {}, 20, 21, false},
-                          Case{5, {}, {}, 5, 5, true}, Case{0, 5, {}, 0, 0, true}}) {
-        KDTree3D tree;
-        tree.init2({values.data(), 3 * c.count}, c.leafSize, c.maxDepth);
-        EXPECT_EQ(tree.leafSize, c.leafSizeInUse);
-        EXPECT_EQ(tree.maxDepth, c.maxDepthInUse);
-        EXPECT_EQ(tree.leaves() == 1, c.oneLeaf) << c.count;
-    }
 }
 
 TEST(KDTree, EqualDistancesAreInTheOrderOfThePoints) {
