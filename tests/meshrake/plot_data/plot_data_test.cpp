@@ -42,12 +42,6 @@ TEST_F(PlotData, FirstZoneSharesNothing) {
     EXPECT_EQ(take(), "ZONE T=\"pm\", DATAPACKING=BLOCK, NODES=0, ELEMENTS=0, ZONETYPE=\n");
 }
 
-TEST_F(PlotData, EmptyUnitsAreNotWritten) {
-    tecplotVarUnitsAdd("X", 1, "", domain);
-    tecplotVarUnitsWrite(domain);
-    EXPECT_EQ(take(), "");
-}
-
 TEST_F(PlotData, ListsAndZoneLinesAreCutAt512) {
     std::string list;
     for (int v = 1; v <= 200; ++v) {
