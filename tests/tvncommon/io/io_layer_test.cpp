@@ -101,21 +101,23 @@ TEST_F(IoLayer, CutRecordsAndWrongLengths) {
         if (length < first.size()) expected = {length == 0 ? endOfFile : readFailed};
         EXPECT_EQ(statuses(whole.substr(0, length), {5, 6, 1}), expected) << length;
     }
-    const std::tuple<Bytes, std::int64_t, int> cases[] = {
-        {record("abcd"), 2, ok},
-        {record("abcd"), 0, ok},
-        {record("abcd"), 5, readFailed},
-        {"\4\0\0\0abcd\5\0\0\0"s, 4, readFailed},
-        {"\3\0\0\0abcd\4\0\0\0"s, 3, readFailed},
-        {"\4\0\0\0abcd\xfc\xff\xff\xff"s, 4, ok}, // the sign of a trailing length is ignored
-        {"\0\0\0\x80"s + "abcd", 4, readFailed},
-        {subRecords({{-2, "ab"}, {2, "cd"}}), 1, ok},
-        {subRecords({{-2, "ab"}, {0, ""}}), 2, ok},
-        {subRecords({{-2, "ab"}, {0, ""}}), 3, readFailed},
-        {subRecords({{-2, "ab"}}), 2, readFailed} // the next sub-record is missing
-    };
-    for (const auto& [file, size, status] : cases)
-        EXPECT_EQ(statuses(file, {size}), std::vector{status}) << testing::PrintToString(file);
+    // The sign of a trailing length is ignored. In the last case the next sub-record is missing.
+    const Bytes two = subRecords({{-2, "ab"}, {0, ""}});
+    const std::pair<Bytes, std::int64_t> good[] = {{record("abcd"), 2},
+                                                   {record("abcd"), 0},
+                                                   {"\4\0\0\0abcd\xfc\xff\xff\xff"s, 4},
+                                                   {subRecords({{-2, "ab"}, {2, "cd"}}), 1},
+                                                   {two, 2}},
+                                         bad[] = {{record("abcd"), 5},
+                                                  {"\4\0\0\0abcd\5\0\0\0"s, 4},
+                                                  {"\3\0\0\0abcd\4\0\0\0"s, 3},
+                                                  {"\0\0\0\x80"s + "abcd", 4},
+                                                  {two, 3},
+                                                  {subRecords({{-2, "ab"}}), 2}};
+    for (const auto& [file, size] : good)
+        EXPECT_EQ(statuses(file, {size}), std::vector{ok}) << file;
+    for (const auto& [file, size] : bad)
+        EXPECT_EQ(statuses(file, {size}), std::vector{readFailed}) << testing::PrintToString(file);
 }
 
 TEST_F(IoLayer, Lines) {
@@ -268,14 +270,12 @@ TEST_F(IoLayer, StatusesOfAnOpen) {
                                                                  {"file\0"s, invalidPath}}) {
         byte_file::File file;
         std::int64_t size = 0;
+        const int unchecked = takeUnit(), written = path == "missing" ? ok : status;
         EXPECT_EQ(openRecordsRead(takeUnit(), path), status) << path;
-        const int unchecked = takeUnit();
-        char byte = 0;
         EXPECT_EQ(openRecordsUnchecked(unchecked, path), path == "folder" ? ok : status) << path;
-        EXPECT_EQ(readRecord(unchecked, &byte, 1), readFailed) << path;
+        EXPECT_EQ(readRecord(unchecked, &file, 1), readFailed) << path;
         EXPECT_EQ(bytesLeft(unchecked), 0) << path;
         EXPECT_EQ(byte_file::open(path, system_calls::OpenMode::read, file, size), status) << path;
-        const int written = path == "missing" ? ok : status;
         EXPECT_EQ(openTextForCommit(takeUnit(), path), written) << path;
         EXPECT_EQ(openTextReplace(takeUnit(), path, Flush::inBlocks), written) << path;
     }
@@ -287,13 +287,10 @@ TEST_F(IoLayer, StatusesOfAnOpen) {
         EXPECT_EQ(openTextRead(takeUnit(), path), status);
         EXPECT_EQ(openTextForCommit(takeUnit(), path), status);
     }
-    static int reason;
-    system_calls::table.open = [](const char*, system_calls::OpenMode) {
-        return errno = reason, -1;
-    };
+    system_calls::table.open = [](const char*, system_calls::OpenMode) { return -1; };
     for (const auto& [error, status] :
          std::map<int, int>{{EACCES, permissionDenied}, {EMFILE, tooManyOpenFiles}}) {
-        reason = error;
+        errno = error;
         EXPECT_EQ(openTextRead(takeUnit(), "file"), status);
     }
 }
