@@ -80,36 +80,6 @@ TEST_F(RunFiles, AnIndexThatCannotBeWritten) {
     }
 }
 
-// A run whose write to the new file fails keeps the old file.
-TEST_F(RunFiles, AreReplacedWhenTheNewFileIsComplete) {
-    struct Case {
-        std::string name, control, before = "old";
-        const char* argument = "";
-    };
-    const Case cases[] = {{"t.plot.control", "old", "old", "--make_plot_control"},
-                          {"to.tec_append", "tecplot binary append\n"},
-                          {"batch.pfx", "tecplot mode\n", "nosuch"}, // asks for the prefix
-                          {"to.ObsShape.txt",
-                           "end\nwrite pm domain file\ncompare gw table elevation\nend\n"
-                           "write dual domain file\n",
-                           ""}};
-    Problem problem = brickProblem({1, 1, 1, 2});
-    problem["t.observed_heads"] = "1\n0.5 0.5 0.5\n";
-    addDual(problem, 8);
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        const Folder inner;
-        problem["t.plot.control"] = c.control;
-        write(problem);
-        if (!c.before.empty()) put(c.name, c.before);
-        Fault fault{.way = Way::once, .kind = kind("write"), .error = ENOSPC, .only = c.name};
-        expectFailure(faulty_calls::run({"meshrake", c.argument}, fault),
-                      {"Error writing file: " + c.name});
-        EXPECT_EQ(get(c.name), c.before);
-        EXPECT_FALSE(std::filesystem::exists(c.name + ".unfinished"));
-    }
-}
-
 TEST_F(RunFiles, LinksToDataSetsAreKept) {
     put("t.plot.control", "tecplot binary mode\nend\nwrite pm domain file\n");
     for (const char* name : {"elsewhere", "other"}) put(name, name);
