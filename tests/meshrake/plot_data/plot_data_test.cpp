@@ -93,21 +93,18 @@ TEST_F(PlotData, ArraysAreWrittenWholeAndPacked) {
             some.push_back(i % 3 != 1);
         }
         const auto n = static_cast<std::int64_t>(count);
-        const std::pair<Packing, const std::vector<std::uint8_t>*> packings[] = {
-            {{}, &all},
-            {{false, none.data()}, &all},
-            {{true, all.data()}, &all},
-            {{true, some.data()}, &some},
-            {{true, none.data()}, &none}};
-        for (const auto& [packing, mask] : packings) {
-            SCOPED_TRACE(std::to_string(count));
-            const std::string reals = "# v\n" + rowsOf(realFields, *mask);
+        for (const auto& [packed, mask] :
+             {std::pair{false, &none}, {true, &all}, {true, &some}, {true, &none}}) {
+            SCOPED_TRACE(count);
+            const Packing packing{packed, mask->data()};
+            const std::vector<std::uint8_t>& written = packed ? *mask : all;
+            const std::string reals = "# v\n" + rowsOf(realFields, written);
             tecplotWriteArrayReal8(1, n, real8.data(), packing, "v ", domain);
             EXPECT_TRUE(take() == reals);
             tecplotWriteArrayReal4(1, n, real4.data(), packing, "v", domain);
             EXPECT_TRUE(take() == reals);
             tecplotWriteArrayInt4(1, n, int4.data(), packing, "v", domain);
-            EXPECT_TRUE(take() == "# v\n" + rowsOf(intFields, *mask));
+            EXPECT_TRUE(take() == "# v\n" + rowsOf(intFields, written));
         }
     }
     // Comments of lengths around the one after which the rows exactly fill the block.

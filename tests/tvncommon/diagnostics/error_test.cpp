@@ -12,14 +12,15 @@ class Banners : public runs::Files {
 protected:
     // Returns the text that the call writes to the standard error stream, and how it ends.
     static std::string bannerOf(const std::function<void()>& call) {
-        testing::internal::CaptureStderr();
-        std::string end = "returns\n";
-        try {
-            call();
-        } catch (const RunEnded&) {
-            end = "ends the run\n";
-        }
-        return testing::internal::GetCapturedStderr() + end;
+        const runs::Ran ran = runs::keepStreams([&] {
+            try {
+                call();
+            } catch (const RunEnded& ended) {
+                return ended.status;
+            }
+            return 0;
+        });
+        return ran.errors + (ran.status == 0 ? "returns\n" : "ends the run\n");
     }
 };
 

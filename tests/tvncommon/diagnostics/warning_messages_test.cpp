@@ -1,18 +1,14 @@
 #include "tvncommon/diagnostics/warning_messages.hpp"
 
-#include "tests/support/sample_files.hpp"
+#include "tests/support/runs.hpp"
 #include "tvncommon/diagnostics/error.hpp"
-
-#include <gtest/gtest.h>
 
 namespace {
 
 using namespace warning_messages;
 
 std::string shown(void (*call)()) {
-    testing::internal::CaptureStderr();
-    call();
-    return testing::internal::GetCapturedStderr();
+    return runs::keepStreams([=] { return call(), 0; }).errors;
 }
 
 void raiseAll() {
