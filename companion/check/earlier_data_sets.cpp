@@ -1,6 +1,6 @@
 #include "companion/check/earlier_data_sets.hpp"
 
-#include "companion/check/plot_files.hpp"
+#include "companion/check/earlier_files.hpp"
 #include "companion/data_set/data_set_file.hpp"
 #include "companion/screen/screen.hpp"
 #include "meshrake/model/file_names.hpp"

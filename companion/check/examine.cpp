@@ -4,9 +4,9 @@
 #include "companion/check/disk_space.hpp"
 #include "companion/check/dry_run.hpp"
 #include "companion/check/earlier_data_sets.hpp"
+#include "companion/check/earlier_files.hpp"
 #include "companion/check/forecast.hpp"
 #include "companion/check/observations.hpp"
-#include "companion/check/plot_files.hpp"
 #include "companion/check/problem.hpp"
 #include "companion/check/surface_plots.hpp"
 #include "companion/check/unused_files.hpp"
@@ -51,7 +51,7 @@ Report examine(const std::string& folderOrPrefix) {
         checkEarlierDataSets(*work, tracks);
         checkObservations(*work);
         measureSurfacePlots(*work);
-        checkPlotFiles(*work);
+        checkEarlierFiles(*work);
         checkDiskSpace(*work);
     }
     Report report = std::move(work->report);

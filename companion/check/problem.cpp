@@ -82,7 +82,8 @@ void findProblem(Work& work, const std::string& folderOrPrefix) {
     const fs::file_status status = fs::status(given, failure);
     if (!fs::status_known(status))
         throw std::runtime_error(folderOrPrefix + ": " + failure.message());
-    const bool isFolder = fs::is_directory(status);
+    const bool isPrefix = fs::exists(given.string() + std::string(mark), failure);
+    const bool isFolder = fs::is_directory(status) && !isPrefix;
     const fs::path folder = isFolder ? given : given.parent_path();
     if (!folder.empty()) enter(folder);
     work.report.folder = folder.empty() ? "." : folder.string();

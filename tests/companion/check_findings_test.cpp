@@ -134,8 +134,12 @@ TEST_F(CheckFindings, FindsFaultsOfTheControlFile) {
          [] {
              control("end\n" + blocks);
              fs::create_directory("to.pm.dat");
+             fs::create_directory("to.meshrake.eco");
          },
-         {"unwritable_file to.pm.dat! it cannot be replaced: Unknown error encountered opening "
+         {"unwritable_file to.meshrake.eco! it cannot be replaced: Unknown error encountered "
+          "opening "
+          "file",
+          "unwritable_file to.pm.dat! it cannot be replaced: Unknown error encountered opening "
           "file"}},
         {"binary plot files that cannot be written",
          [] {

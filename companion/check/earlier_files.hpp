@@ -10,7 +10,7 @@ namespace check {
 // The file is opened but not changed.
 std::string whyNotReplaceable(const std::string& path);
 
-// Reports plot files of earlier runs that this run could not replace.
-void checkPlotFiles(Work& work);
+// Reports the echo file and the plot files of earlier runs that this run could not replace.
+void checkEarlierFiles(Work& work);
 
 } // namespace check

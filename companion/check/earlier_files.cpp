@@ -1,5 +1,6 @@
-#include "companion/check/plot_files.hpp"
+#include "companion/check/earlier_files.hpp"
 
+#include "meshrake/model/file_names.hpp"
 #include "tvncommon/diagnostics/error.hpp"
 #include "tvncommon/io/byte_file.hpp"
 #include "tvncommon/io/io_layer.hpp"
@@ -28,8 +29,8 @@ std::string whyNotReplaceable(const std::string& path) {
                : error::ioStatErrorMsg(status);
 }
 
-void checkPlotFiles(Work& work) {
-    std::vector<std::string> files;
+void checkEarlierFiles(Work& work) {
+    std::vector<std::string> files{model::problemFile("meshrake.eco")};
     for (const DomainReport& domain : work.report.domains)
         if (!domain.dataSet.empty()) files.push_back(domain.dataSet);
     for (const PlotReport& plot : work.report.plots) files.push_back(plot.file);
