@@ -22,9 +22,6 @@ using plot_data::VariableRow;
 
 namespace {
 
-// Text of an output time whose time file has a malformed header.
-const std::string unknownTime = "unknown";
-
 // What the callback of the reader needs; it has no other argument.
 struct Current {
     Work* work = nullptr;
@@ -57,8 +54,9 @@ void addFaults(const std::string& file, const std::vector<FileFault>& faults) {
 
 bool isSameTime(const std::string& a, const std::string& b) {
     double first = 0, second = 0;
-    return free_form::readReal(a, first) == io_layer::ok &&
-           free_form::readReal(b, second) == io_layer::ok && first == second;
+    const bool areNumbers = free_form::readReal(a, first) == io_layer::ok &&
+                            free_form::readReal(b, second) == io_layer::ok;
+    return a == b || (areNumbers && first == second);
 }
 
 CellState test(const ResultFile& file) {
@@ -302,7 +300,7 @@ run::OutputTime nextTime(Work& work, bool& firstInWindowFound, bool anyWritten) 
     run::OutputTime time = anyWritten ? run::OutputTime::later : run::OutputTime::first;
     const Outcome outcome = attempt([&] { time = run::nextOutputTime(firstInWindowFound); });
     if (!outcome.ended) return time;
-    run.currentTimeText = unknownTime;
+    run.currentTimeText = std::string(unknownTime);
     work.report.findings.push_back({.kind = "malformed_header",
                                     .file = run.timeFile,
                                     .times = {run.timeIndex},

@@ -8,6 +8,8 @@
 #include "tvncommon/text/free_form.hpp"
 
 #include <algorithm>
+#include <cmath>
+#include <limits>
 
 namespace check {
 
@@ -87,6 +89,13 @@ void addDataSet(DomainReport& report, const DomainTrack& track) {
     report.bytesAreExact = finishMeasure(domain, report.bytes);
 }
 
+// NaN for a time that is not a finite number.
+double numberOf(const TimeReport& time) {
+    double number = 0;
+    const bool isNumber = free_form::readReal(time.text, number) == io_layer::ok;
+    return isNumber && std::isfinite(number) ? number : std::numeric_limits<double>::quiet_NaN();
+}
+
 } // namespace
 
 void reportDomains(Work& work, const std::vector<DomainTrack>& tracks) {
@@ -113,17 +122,19 @@ void reportDomains(Work& work, const std::vector<DomainTrack>& tracks) {
 
 void checkTimes(Work& work) {
     const std::vector<TimeReport>& times = work.report.times;
-    for (std::size_t t = 1; t < times.size(); ++t) {
-        double previous = 0, time = 0;
-        if (free_form::readReal(times[t - 1].text, previous) != io_layer::ok ||
-            free_form::readReal(times[t].text, time) != io_layer::ok || time > previous)
-            continue;
-        work.report.findings.push_back({.kind = "time_order",
-                                        .file = times[t].file,
-                                        .times = {times[t].index},
-                                        .text = "the time " + times[t].text +
-                                                " is not after that of the output time before, " +
-                                                times[t - 1].text});
+    for (std::size_t t = 0; t < times.size(); ++t) {
+        const auto add = [&](std::string_view kind, const std::string& fault) {
+            work.report.findings.push_back({.kind = kind,
+                                            .file = times[t].file,
+                                            .times = {times[t].index},
+                                            .text = "the time " + times[t].text + fault});
+        };
+        const double time = numberOf(times[t]);
+        // The pass over a binary data set has reported its time.
+        if (std::isnan(time) && !run.tecplotBinary && times[t].text != unknownTime)
+            add("invalid_time", " is not a number, but would be written into the plot files");
+        if (t > 0 && time <= numberOf(times[t - 1]))
+            add("time_order", " is not after that of the output time before, " + times[t - 1].text);
     }
     if (times.empty() || std::ranges::any_of(times, &TimeReport::isWritten)) return;
     Finding finding{.kind = "empty_time_window",

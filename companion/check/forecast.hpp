@@ -8,7 +8,7 @@ namespace check {
 // passes over the output times. Variables without a file at an output time are findings.
 void reportDomains(Work& work, const std::vector<DomainTrack>& tracks);
 
-// Reports output times that are not later than the previous one.
+// Reports output times that are not numbers, or not later than the previous one.
 void checkTimes(Work& work);
 
 } // namespace check

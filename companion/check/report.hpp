@@ -71,6 +71,9 @@ struct PlotReport {
     std::int64_t bytes = 0;
 };
 
+// Text of an output time whose time file has a malformed header.
+inline constexpr std::string_view unknownTime = "unknown";
+
 struct TimeReport {
     std::int32_t index = 0;
     std::string suffix{};   // index as in file names

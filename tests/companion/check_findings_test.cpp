@@ -231,6 +231,14 @@ TEST_F(CheckFindings, FindsFaultsOfResultFiles) {
           "the run takes 0.0 from to.head_olf.0002",
           "time_order to.head_olf.0002 2 the time 0.0 is not after that of the output time before, "
           "0.0"}},
+        {"time that is not a number",
+         [=] {
+             for (const std::string kind :
+                  {"head_pm", "head_olf", "sat_pm", "v_pm", "v_olf", "Rain_olf"})
+                 overwrite("to." + kind + ".0002", 4, "later  ");
+         },
+         {"invalid_time to.head_olf.0002 2 the time later is not a number, but would be "
+          "written into the plot files"}},
         {"a folder",
          [=] {
              fs::remove(sat);
@@ -257,9 +265,6 @@ TEST_F(CheckFindings, FindsFaultsOfResultFiles) {
          [=] { fs::remove("to.sat_pm.0001"); },
          {"late_variable to.sat_pm 2 3 the files begin after the first output time, 0001, so the "
           "plot file of pm does not have Sat"}},
-        {"not read",
-         [=] { fs::rename("to.Rain_olf.0003", "to.Raim_olf.0003"); },
-         {"missing_file to.Rain_olf 3 no file, so olf would show Rain of time 0001"}},
         {"no results",
          [=] {
              for (const fs::directory_entry& entry : fs::directory_iterator("."))

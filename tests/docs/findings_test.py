@@ -9,7 +9,7 @@ import sys
 
 ROOT = pathlib.Path(sys.argv[1])
 # A kind is a member of a record of a finding, or the argument of a function that adds one.
-KIND = re.compile(r'(?:kind = |(?:addFinding|add|findingAt)\(\s*work,\s*|end\(|CellState::\w+,\s*)'
+KIND = re.compile(r'(?:kind = |(?:addFinding|add|findingAt)\(\s*work,\s*|(?:add|end)\(|CellState::\w+,\s*)'
                   r'"(\w+)"')
 
 used = {kind for source in (ROOT / "companion" / "check").glob("*.cpp")
