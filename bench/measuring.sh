@@ -30,3 +30,18 @@ run_floor() {
     sync
     measured "$folder" "$build/bench/floor" "$copy" "$folder/list"
 }
+
+nodes_of() { od -An -t d4 -j 4 -N 4 "$1" | tr -d ' '; }
+
+# kept_bytes PROBLEM: the bytes that the program must keep in memory. Coordinates, links, element
+# lists and zones have the size of the mesh files plus the coordinates of domains other than pm. An
+# array per column has the size of the result files of one output time.
+kept_bytes() {
+    local bytes file
+    bytes=$(cat "$1"/largeo.coordinates_* "$1"/largeo.elements_* "$1"/largeo.*.0001 | wc -c)
+    for file in "$1"/largeo.coordinates_*; do
+        [ "${file##*_}" != pm ] || continue
+        bytes=$((bytes + 24 * $(nodes_of "$file")))
+    done
+    echo "$bytes"
+}

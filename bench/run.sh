@@ -66,6 +66,8 @@ done
 echo
 "$root/bench/whole_run.sh" "$build" || missed=1
 echo
+"$root/bench/memory.sh" "$build" || missed=1
+echo
 "$root/bench/binary_whole_run.sh" "$build" || missed=1
 echo
 "$root/bench/against_floor.sh" "$build" || missed=1

@@ -1,8 +1,7 @@
 #!/usr/bin/env bash
 # Compares a whole run on a problem of about a million nodes and three output times with cp of the
-# files that it wrote, and measures its peak memory. All files are in the page cache, and runs and
-# copies alternate. Uses 2 GB in the folder for temporary files and ends with status 1 if a limit is
-# missed.
+# files that it wrote. All files are in the page cache, and runs and copies alternate. Uses 2 GB in
+# the folder for temporary files and ends with status 1 if a limit is missed.
 #
 #   bench/whole_run.sh [BUILD_FOLDER]
 #
@@ -38,11 +37,10 @@ remove_outputs() { rm -rf "$copy" "$problem"/largeo.*.dat "$problem"/*.eco "$pro
 repetitions=5
 runs=()
 copies=()
-peak=0
 for ((i = 0; i <= repetitions; ++i)); do
     remove_outputs
     numbers=$(measured "$problem" "$build/meshrake/meshrake")
-    read -r run _ _ memory <<<"$numbers"
+    read -r run _ <<<"$numbers"
     mkdir "$copy"
     # shellcheck disable=SC2046 # a list of file names without blanks
     numbers=$(measured "$folder" cp $(outputs) "$copy")
@@ -50,35 +48,15 @@ for ((i = 0; i <= repetitions; ++i)); do
     [ "$i" -gt 0 ] || continue # the first round warms up the caches
     runs+=("$run")
     copies+=("$copied")
-    [ "$memory" -le "$peak" ] || peak=$memory
 done
-
-# Bytes that the program must keep in memory. Coordinates, links, element lists and zones have the
-# size of the mesh files plus the coordinates of domains other than pm. An array per column has the
-# size of the result files of one output time.
-kept_bytes() {
-    local bytes nodes file
-    bytes=$(cat "$problem"/largeo.coordinates_* "$problem"/largeo.elements_* \
-        "$problem"/largeo.*.0001 | wc -c)
-    for file in "$problem"/largeo.coordinates_*; do
-        [ "${file##*_}" != pm ] || continue
-        nodes=$(od -An -t d4 -j 4 -N 4 "$file")
-        bytes=$((bytes + 24 * nodes))
-    done
-    echo "$bytes"
-}
 
 run=$(median <(printf '%s\n' "${runs[@]}"))
 copied=$(median <(printf '%s\n' "${copies[@]}"))
 mib() { awk -v bytes="$1" 'BEGIN { printf "%.1f", bytes / 1048576 }'; }
-kept=$(kept_bytes)
-peak=$((peak * 1024))
 
 # shellcheck disable=SC2046
 written=$(wc -c $(outputs) | tail -n 1)
 echo "Written: $(mib "${written% *}") MiB. Runs: ${runs[*]} s. Copies: ${copies[*]} s."
 table_head
 table_row "whole run, against cp" "$run s" "$copied s" "$(ratio "$run" "$copied")" 2.5 1.3
-table_row "peak memory, MiB over the arrays kept" "$(mib "$peak")" "$(mib "$kept")" \
-    "$(mib $((peak - kept)))" 64 32
 exit "$missed"
