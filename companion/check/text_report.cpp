@@ -158,7 +158,7 @@ std::string signsOf(const VariableReport& variable) {
     return signs;
 }
 
-// For many output times: each state but the usual one with its times.
+// For many output times: each state with its output times, but for those not in the plot file.
 std::string statesOf(const Report& report, const VariableReport& variable) {
     std::string text;
     for (int state = 1; state <= static_cast<int>(CellState::unreadable); ++state) {

@@ -9,11 +9,6 @@ using sample_files::put;
 using testing::HasSubstr;
 using tool_runs::tool;
 
-runs::Ran series(std::vector<std::string> arguments) {
-    arguments.insert(arguments.begin(), "series");
-    return tool(arguments);
-}
-
 // Node 6 is at 1, 0, 1; the centre of element 3 is at 2.5, 0.5, 0.5.
 struct Series : tool_runs::ToolRun {
     Series() {
@@ -49,7 +44,7 @@ TEST_F(Series, RowsOfOutputTimes) {
     };
     for (auto [arguments, screen, errors] : cases) {
         arguments.emplace_back("s.szplt");
-        const runs::Ran ran = series(arguments);
+        const runs::Ran ran = tool("series", arguments);
         EXPECT_EQ(ran.screen, screen) << testing::PrintToString(arguments);
         EXPECT_EQ(ran.errors, errors);
         EXPECT_EQ(ran.status, 0);
@@ -63,7 +58,7 @@ TEST_F(Series, CentreOfAnElementWithRepeatedNodes) {
     put("s.szplt",
         bytes.replace(at, 32,
                       sample_files::bytesOf(sample_files::Integers{0, 0, 0, 0, 0, 0, 0, 7})));
-    EXPECT_THAT(series({"s.szplt", "--variable", "Kx", "--point", "0.9,0.5,0.5"}).screen,
+    EXPECT_THAT(tool("series", {"s.szplt", "--variable", "Kx", "--point", "0.9,0.5,0.5"}).screen,
                 HasSubstr("(element 1)"));
 }
 
@@ -100,7 +95,7 @@ TEST_F(Series, Refused) {
         {{"nodes.szplt", "--variable", "Kx", "--point", "0,0,0"}, 1, "element 2 has a node"},
     };
     for (const auto& [arguments, status, errors] : cases) {
-        const runs::Ran ran = series(arguments);
+        const runs::Ran ran = tool("series", arguments);
         EXPECT_EQ(ran.status, status) << testing::PrintToString(arguments);
         EXPECT_THAT(ran.errors, HasSubstr(errors));
         EXPECT_EQ(ran.screen, "");
@@ -109,14 +104,14 @@ TEST_F(Series, Refused) {
 
 TEST_F(Series, UnitsQuotesAndNumbers) {
     made_set::put("digits", {.times = {0.1}}); // Head is a 32-bit real
-    EXPECT_EQ(series({"digits.szplt", "--variable", "Head", "--node", "1"}).screen,
+    EXPECT_EQ(tool("series", {"digits.szplt", "--variable", "Head", "--node", "1"}).screen,
               "Time,Head node 1\n0.1,0.1\n");
     made_set::put("infinite", {.times = {1e300}});
-    EXPECT_EQ(series({"infinite.szplt", "--variable", "Head", "--node", "1"}).screen,
+    EXPECT_EQ(tool("series", {"infinite.szplt", "--variable", "Head", "--node", "1"}).screen,
               "Time,Head node 1\n1e+300,Infinity\n");
-    const runs::Ran quoted = series({"s.szplt", "--variable", "a\"b", "--node", "1"});
+    const runs::Ran quoted = tool("series", {"s.szplt", "--variable", "a\"b", "--node", "1"});
     EXPECT_THAT(quoted.screen, testing::StartsWith("Time,\"a\"\"b node 1\"\n0,2000\n"));
-    const runs::Ran units = series({pm, "--variable", "Head", "--node", "1"});
+    const runs::Ran units = tool("series", {pm, "--variable", "Head", "--node", "1"});
     EXPECT_THAT(units.screen, testing::StartsWith("Time (s),Head (m) node 1\n0,"));
 }
 
@@ -136,7 +131,7 @@ TEST_F(Series, ReadsOnlyTheBytesItNeeds) {
             return system_calls::systemTable().readAt(file, into, size, at);
         };
         arguments.emplace_back("long.szplt");
-        EXPECT_EQ(series(arguments).status, 0);
+        EXPECT_EQ(tool("series", arguments).status, 0);
         system_calls::table = system_calls::systemTable();
         return std::pair(calls, bytes);
     };

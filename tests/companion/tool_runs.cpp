@@ -11,6 +11,11 @@ runs::Ran tool(const std::vector<std::string>& arguments) {
         [&] { return meshrakeTool(static_cast<int>(argv.size()), argv.data()); });
 }
 
+runs::Ran tool(const std::string& subcommand, std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), subcommand);
+    return tool(arguments);
+}
+
 ToolRun::ToolRun() {
     problem = sample_files::twoTimes();
     const runs::Ran ran = run("tecplot binary mode\nend\nwrite pm domain file\nend\n"

@@ -10,6 +10,7 @@
 namespace tool_runs {
 
 runs::Ran tool(const std::vector<std::string>& arguments);
+runs::Ran tool(const std::string& subcommand, std::vector<std::string> arguments);
 
 // In a folder of its own: binary data sets of a column of one brick at two output times, and of its
 // surface.

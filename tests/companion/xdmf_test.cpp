@@ -18,13 +18,8 @@ using sample_files::put;
 using testing::HasSubstr;
 using tool_runs::tool;
 
-runs::Ran xdmfOf(std::vector<std::string> arguments) {
-    arguments.insert(arguments.begin(), "xdmf");
-    return tool(arguments);
-}
-
 void write(const std::vector<std::string>& arguments) {
-    const runs::Ran ran = xdmfOf(arguments);
+    const runs::Ran ran = tool("xdmf", arguments);
     EXPECT_EQ(ran.status, 0) << ran.errors;
 }
 
@@ -203,7 +198,7 @@ TEST_F(Xdmf, Refused) {
     };
     for (const auto& [arguments, status, errors] : cases) {
         SCOPED_TRACE(testing::PrintToString(arguments));
-        const runs::Ran ran = xdmfOf(arguments);
+        const runs::Ran ran = tool("xdmf", arguments);
         EXPECT_EQ(ran.status, status);
         EXPECT_THAT(ran.errors, HasSubstr(errors));
         EXPECT_FALSE(std::filesystem::exists("x"));
@@ -215,7 +210,7 @@ TEST_F(Xdmf, Refused) {
             std::string(path) == "other.xml" && mode == system_calls::OpenMode::read;
         return isOther ? (errno = EACCES, -1) : system_calls::systemTable().open(path, mode);
     };
-    const runs::Ran unread = xdmfOf({pm, "-o", "other.xml"});
+    const runs::Ran unread = tool("xdmf", {pm, "-o", "other.xml"});
     system_calls::table = system_calls::systemTable();
     runs::expectFailure(unread, {"other.xml: Permission to access file denied"});
 }
