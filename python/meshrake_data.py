@@ -111,6 +111,8 @@ class DataSet:
     def series(self, name, index):
         """Values of one node or element, counted from 0, in all zones."""
         column = self._column(name)
+        if len({zone.cell_centred[column] for zone in self.zones}) > 1:
+            raise Damaged(f"{self.path}: {name} has values of nodes and of elements")
         arrays = [zone.columns[column] for zone in self.zones]
         for array in arrays:
             if not -array.shape[0] <= index < array.shape[0]:

@@ -41,6 +41,7 @@ struct Place {
 // Values of one variable at one node or element.
 struct Column {
     std::size_t variable = 0;
+    bool ofElements = false;
     std::int64_t index = 0; // of the node or element, from 0
     std::string label;
     std::int64_t position = -1; // of the last value that was read, which later zones may share
@@ -130,13 +131,16 @@ std::vector<Column> columnsOf(const File& file, const DataSet& set, const Option
         const auto unit = set.units.find(static_cast<std::int32_t>(variable) + 1);
         const std::string begin = name + (unit == set.units.end() ? "" : ' ' + unit->second) + ' ';
         for (const Place& place : *here)
-            columns.push_back({variable, place.index, begin + place.text});
+            columns.push_back({variable, cells, place.index, begin + place.text});
     }
     return columns;
 }
 
 const std::string& valueAt(Column& column, const File& file, const Zone& zone, std::size_t number) {
     const std::size_t v = column.variable;
+    if (zone.centred[v] != column.ofElements)
+        throw std::runtime_error(file.path + ": zone " + std::to_string(number) +
+                                 " has other locations of values than zone 1");
     if (column.index >= valueCount(zone, v))
         throw std::runtime_error(file.path + ": zone " + std::to_string(number) + " has no " +
                                  (zone.centred[v] ? "element " : "node ") +

@@ -98,6 +98,9 @@ class BothForms(unittest.TestCase):
         self.assertLess(0, b.zones[0].nodes)
         self.assertLess(b.connectivity.max(), b.zones[0].nodes)
         self.assert_equal(a, b)
+        b.zones[1].cell_centred[0] = True
+        with self.assertRaises(meshrake_data.Damaged):
+            b.series("X", 0)
 
     def test_cut_and_damaged_sets(self):
         text, binary = self.pair("cut", WHOLE_PM)
