@@ -71,7 +71,11 @@ void reportUnfinished(Work& work, const EarlierFile& file, bool isReplaced) {
 }
 
 void checkResumed(Work& work, const EarlierFile& file, const DomainTrack* track) {
-    if (!file.exists) return; // the run creates it
+    if (!file.exists) // the run creates it at its first output time
+        return add(work, "missing_data_set", file.path,
+                   "there is no such data set of an earlier run, so its output times before " +
+                       std::to_string(run.startTimeIndex) + " will be missing",
+                   false);
     if (!file.hasSidecar) {
         // Without a further output time the run does not open the data set.
         if (track)

@@ -373,6 +373,13 @@ TEST_F(CheckFindings, FindsFaultsOfEarlierDataSets) {
          },
          {"damaged_data_set to.pm.szplt! the file to.pm.szplt.szhdr of an earlier run is damaged, "
           "so no output time can be appended"}},
+        {"missing",
+         [=] {
+             runBefore(append);
+             fs::remove(pm);
+         },
+         {"missing_data_set to.pm.szplt there is no such data set of an earlier run, so its output "
+          "times before 3 will be missing"}},
         {"nothing to append",
          [=] {
              runBefore(append);
