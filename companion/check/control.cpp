@@ -262,6 +262,11 @@ void readControlFile(Work& work) {
         text = {};
         const auto before = std::ssize(work.report.findings);
         text.lines = readControlLines(work, name);
+        if (text.lines.empty() && std::ssize(work.report.findings) == before)
+            work.report.findings.push_back(
+                {.kind = "no_end",
+                 .file = name,
+                 .text = "the file has no instruction, so no domain is written"});
         model::run.controlSource = &source;
         readFirstSection(work);
         readAnywhere(work);

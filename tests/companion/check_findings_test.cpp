@@ -73,6 +73,9 @@ TEST_F(CheckFindings, FindsFaultsOfTheControlFile) {
         {"no end at all",
          [] { control("tecplot mode\n"); },
          {"no_end t.plot.control:1 the first section has no \"end\", so no domain is written"}},
+        {"no instruction",
+         [] { control("! comment\n"); },
+         {"no_end t.plot.control the file has no instruction, so no domain is written"}},
         {"block without end",
          [] { control("end\nwrite pm domain file\nno pm heads\nwrite olf domain file\nend\n"); },
          {"no_end t.plot.control:4 the block \"write pm domain file\" has no \"end\" before this "
