@@ -11,6 +11,7 @@
 #include "meshrake/plot_data/data_set.hpp"
 #include "tvncommon/io/file_units.hpp"
 #include "tvncommon/io/io_layer.hpp"
+#include "tvncommon/text/StringHelpers.hpp"
 #include "tvncommon/text/free_form.hpp"
 
 #include <algorithm>
@@ -112,12 +113,14 @@ void readSection(Work& work, const std::function<void()>& read, const std::funct
     }
 }
 
-// "; the nearest instruction is ..." or nothing. A file of another kind may have any number of
+// "; the nearest instruction is ..." or nothing. A line cannot end with a comment, so that a line
+// with one is compared without it. A file of another kind may have any number of
 // lines, so that not all of them are compared with all instructions.
 std::string nearestText(const std::string& folded, const std::vector<std::string>& lines) {
     constexpr int mostCompared = 1000;
     if (++text.compared > mostCompared) return "";
-    const std::string found = nearest(folded, lines);
+    const std::string_view words = std::string_view(folded).substr(0, folded.find('!'));
+    const std::string found = nearest(StringHelpers::trimRight(words), lines);
     return found.empty() ? "" : "; the nearest instruction is " + quoted(found);
 }
 

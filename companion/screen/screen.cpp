@@ -21,11 +21,13 @@ bool isControl(unsigned char c) {
     return c < ' ' || c == 0x7f;
 }
 
-// U+0080 to U+009F, control characters of some terminals, in UTF-8.
-bool isLongControl(std::string_view text, std::size_t at) {
-    return text[at] == '\xc2' && at + 1 < text.size() &&
-           static_cast<unsigned char>(text[at + 1]) >= 0x80 &&
-           static_cast<unsigned char>(text[at + 1]) <= 0x9f;
+// Number of bytes of a character in UTF-8 that is not shown, otherwise 0: a byte order mark, which
+// some editors write, and U+0080 to U+009F, control characters of some terminals.
+std::size_t longControl(std::string_view text) {
+    if (text.starts_with("\xef\xbb\xbf")) return 3;
+    if (text.size() < 2 || text[0] != '\xc2') return 0;
+    const auto second = static_cast<unsigned char>(text[1]);
+    return second >= 0x80 && second <= 0x9f ? 2 : 0;
 }
 
 std::string escapeOf(unsigned char c) {
@@ -55,13 +57,13 @@ std::string textOf(Real value) {
 std::string printable(std::string_view text) {
     std::string out;
     out.reserve(text.size());
+    std::size_t escaped = 0; // bytes of a character that are still to be escaped
     for (std::size_t i = 0; i < text.size(); ++i) {
         const auto c = static_cast<unsigned char>(text[i]);
-        if (isLongControl(text, i)) {
+        if (escaped == 0) escaped = isControl(c) ? 1 : longControl(text.substr(i));
+        if (escaped > 0) {
             out += escapeOf(c);
-            out += escapeOf(static_cast<unsigned char>(text[++i]));
-        } else if (isControl(c)) {
-            out += escapeOf(c);
+            --escaped;
         } else {
             out += text[i];
         }

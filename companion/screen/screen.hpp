@@ -6,9 +6,9 @@
 // Output of meshrake-tool to the terminal, and texts for it.
 namespace screen {
 
-// Returns the text with control characters as escapes, such as "\n" and "\x1b". Names in files may
-// contain them, and they could change the state of a terminal or break a table. A backslash is not
-// escaped.
+// Returns the text with control characters, and byte order marks, as escapes such as "\n". Names in
+// files may contain them, and they could change the state of a terminal or break a table. A
+// backslash is not escaped.
 std::string printable(std::string_view text);
 
 // Returns the number of characters of a text in UTF-8.

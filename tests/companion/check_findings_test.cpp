@@ -51,7 +51,7 @@ TEST_F(CheckFindings, FindsFaultsOfTheControlFile) {
          [] {
              control("! comment\n\ntruncate tme domain\n0 1\nend\nwrite pm domain file\n"
                      "no pm hedas\nno olf heads\nend\nwrite olv domain file\nno olf heads\nend\n"
-                     "nonsense\n");
+                     "nonsense\nwrite pm domain file ! comment\n");
          },
          {"unknown_instruction t.plot.control:3 \"truncate tme domain\" is not an instruction of "
           "the first section and is skipped; the nearest instruction is \"truncate time domain\"",
@@ -65,7 +65,9 @@ TEST_F(CheckFindings, FindsFaultsOfTheControlFile) {
           "unknown_instruction t.plot.control:10 \"write olv domain file\" is outside of all "
           "blocks and is skipped; the nearest instruction is \"write olf domain file\"",
           "unknown_instruction t.plot.control:13 \"nonsense\" is outside of all blocks and is "
-          "skipped"}},
+          "skipped",
+          "unknown_instruction t.plot.control:14 \"write pm domain file ! comment\" is outside of "
+          "all blocks and is skipped; the nearest instruction is \"write pm domain file\""}},
         {"no end of the first section",
          [] { control("tecplot mode\n" + blocks); },
          {"no_end t.plot.control:2 the first section has no \"end\" before this line, so the block "

@@ -73,6 +73,10 @@ TEST(Screen, TextsAndNumbers) {
     EXPECT_EQ(screen::printable("a\\ \xc3\xbc\xc2\xa0 \n\r\t\x1b\x7f\xc2\x9b\xc2"),
               "a\\ \xc3\xbc\xc2\xa0 \\n\\r\\t\\x1b\\x7f\\xc2\\x9b\xc2");
     EXPECT_EQ(screen::printable(std::string(1, '\0')), "\\x00");
+    EXPECT_EQ(screen::printable("\xef\xbb\xbf"
+                                "end\xef\xbb\xbe"),
+              "\\xef\\xbb\\xbf"
+              "end\xef\xbb\xbe");
     EXPECT_EQ(screen::numberText(0.1F) + screen::numberText(-NAN), "0.1NaN");
 }
 
