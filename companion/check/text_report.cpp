@@ -158,6 +158,14 @@ std::string signsOf(const VariableReport& variable) {
     return signs;
 }
 
+// The output times on less than a line. The report as JSON has all of them.
+std::string timesText(const std::vector<std::int32_t>& times) {
+    const std::string all = rangesText(times);
+    if (all.size() <= lineWidth) return all;
+    return all.substr(0, all.rfind(", ", lineWidth - 20)) + ", ... (" +
+           std::to_string(times.size()) + " in all)";
+}
+
 // For many output times: each state with its output times, but for those not in the plot file.
 std::string statesOf(const Report& report, const VariableReport& variable) {
     std::string text;
@@ -168,7 +176,7 @@ std::string statesOf(const Report& report, const VariableReport& variable) {
                 times.push_back(report.times[t].index);
         if (times.empty()) continue;
         const std::string word(wordOf(static_cast<CellState>(state)).word);
-        text += (text.empty() ? "" : "; ") + word + " " + rangesText(times);
+        text += (text.empty() ? "" : "; ") + word + " " + timesText(times);
     }
     return text;
 }
@@ -210,7 +218,7 @@ std::string locationOf(const Finding& finding) {
     if (finding.line > 0) location += ":" + std::to_string(finding.line);
     if (finding.times.empty()) return location.empty() ? "problem" : location;
     const std::string times =
-        (finding.times.size() == 1 ? "time " : "times ") + rangesText(finding.times);
+        (finding.times.size() == 1 ? "time " : "times ") + timesText(finding.times);
     return location.empty() ? times : times + ": " + location;
 }
 

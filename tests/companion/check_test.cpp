@@ -216,7 +216,7 @@ TEST_F(Check, PrintsTextAndJson) {
     runs::expectFailure(tool({"check", "t"}), {"neither a folder nor the prefix of a problem"});
 }
 
-TEST(TextOfReport, SignsAreUnderTheirOutputTimes) {
+TEST(TextOfReport, SignsAndTimes) {
     using enum check::CellState;
     check::Report report;
     for (const std::int32_t index : {1, 2, 3}) report.times.push_back({.index = index});
@@ -229,6 +229,11 @@ TEST(TextOfReport, SignsAreUnderTheirOutputTimes) {
     EXPECT_THAT(check::textOf(report), HasSubstr("\n                       123\n"
                                                  "  S\xc3\xbc\xc3\x9f  real8 node      +-+\n"
                                                  "  B    int4 node       +-+\n"));
+    check::Finding finding{.file = "f", .text = "x"};
+    for (std::int32_t index = 0; index < 100; ++index) finding.times.push_back(5 * index);
+    report.findings = {finding};
+    EXPECT_THAT(check::textOf(report), HasSubstr("  times 0, 5, 10, "));
+    EXPECT_THAT(check::textOf(report), HasSubstr(", 95, ... (100 in all): f: x.\n"));
 }
 
 // A folder with files that can be opened by their names, but not listed.
