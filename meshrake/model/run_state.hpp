@@ -26,6 +26,12 @@ struct ObservationSet {
     std::vector<std::int32_t> obsElement; // obsCount: element from 1; 0: not known; -1: outside
 };
 
+// The beginning of the write buffer, which a file does not have yet.
+struct KeptText {
+    int unit = 0; // of the file
+    std::size_t bytes = 0;
+};
+
 // The state of a run, without its domains. A run starts with a default record.
 struct RunState {
     // Problem and progress
@@ -115,6 +121,7 @@ struct RunState {
     // Collects text until it is written. Each zone is complete before that of the next domain
     // begins, so one buffer is enough.
     std::vector<char> writeBuffer;
+    KeptText keptText; // text in it between two arrays of a zone
     // Values of the column that is being written, if it has no array of its own.
     std::vector<std::byte> columnValues;
 };

@@ -201,6 +201,9 @@ void writeConnectivity(Domain& domain) {
     if (!anyWritten) write(nullptr, 0, 0);
 }
 
+// The library commits a zone with its last array.
+void endZone(Domain&) {}
+
 } // namespace
 
 const WriterFunctions binaryWriter{.extension = ".szplt",
@@ -218,6 +221,7 @@ const WriterFunctions binaryWriter{.extension = ".szplt",
                                    .writeReal8 = writeArray<double, tecZoneVarWriteDoubleValues>,
                                    .writeInt4 =
                                        writeArray<std::int32_t, tecZoneVarWriteInt32Values>,
-                                   .writeConnectivity = writeConnectivity};
+                                   .writeConnectivity = writeConnectivity,
+                                   .endZone = endZone};
 
 } // namespace plot_data

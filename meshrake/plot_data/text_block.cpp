@@ -4,6 +4,7 @@
 #include "tvncommon/io/file_units.hpp"
 
 #include <algorithm>
+#include <utility>
 
 namespace plot_data {
 
@@ -23,7 +24,9 @@ char* blockBegin() {
 TextBlock beginBlock(int unit) {
     if (run.writeBuffer.empty())
         ArrayHelpers::allocateArray(run.writeBuffer, blockSize, "write buffer");
-    return {unit, blockBegin()};
+    if (run.keptText.unit != unit) writeKeptBlock();
+    const std::size_t kept = std::exchange(run.keptText.bytes, 0);
+    return {unit, blockBegin() + kept};
 }
 
 std::int64_t ensureSpace(TextBlock& block, std::int64_t rowBytes) {
@@ -43,6 +46,15 @@ void writeBlock(TextBlock& block) {
     const auto size = static_cast<std::size_t>(block.end - blockBegin());
     if (size > 0) file_units::writeBlock(block.unit, blockBegin(), size);
     block.end = blockBegin();
+}
+
+void keepBlock(const TextBlock& block) {
+    run.keptText = {block.unit, static_cast<std::size_t>(block.end - blockBegin())};
+}
+
+void writeKeptBlock() {
+    const std::size_t kept = std::exchange(run.keptText.bytes, 0);
+    if (kept > 0) file_units::writeBlock(run.keptText.unit, blockBegin(), kept);
 }
 
 } // namespace plot_data

@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <string_view>
 
-// Text that is collected in `run.writeBuffer` and written to a file in blocks. The buffer is empty
-// between two arrays.
+// Text that is collected in `run.writeBuffer` and written to a file in blocks. The arrays of a zone
+// share blocks; otherwise the buffer is empty after a block.
 namespace plot_data {
 
 struct TextBlock {
@@ -12,7 +12,8 @@ struct TextBlock {
     char* end; // one past the last character
 };
 
-// Starts an empty block for the file of `unit`.
+// Starts a block for the file of `unit`. It continues the block that was kept for the file; one for
+// another file is written.
 TextBlock beginBlock(int unit);
 
 // Ensures space for a row of `rowBytes` bytes: writes and empties the block if the row does not
@@ -24,5 +25,10 @@ void appendLine(TextBlock& block, std::string_view line);
 
 // Writes the block and empties it. A failure ends the run.
 void writeBlock(TextBlock& block);
+
+// Leaves the text in the buffer, for the next block of this file or until `writeKeptBlock`, which
+// must come before any other write to the file.
+void keepBlock(const TextBlock& block);
+void writeKeptBlock();
 
 } // namespace plot_data

@@ -73,12 +73,14 @@ void flushFile(Domain&) {}
 void closeFile(Domain& domain) {
     if (domain.tecplotUnit < 1 || domain.dataSet.fileName.empty()) return;
     model::write_string("Closing tecplot file: " + domain.dataSet.fileName);
+    writeKeptBlock();
     file_units::freeUnit(domain.tecplotUnit);
     domain.tecplotUnit = -1;
 }
 
 void writeZone(std::string_view title, std::string_view solutionTime, int connectivityShareZone,
                Domain& domain) {
+    writeKeptBlock();
     ++domain.dataSet.zoneNumber;
     file_units::writeLine(domain.tecplotUnit, text_layout::zoneLine(title, solutionTime,
                                                                     connectivityShareZone, domain));
@@ -119,7 +121,7 @@ void writeArray(std::int32_t, const ValueGenerator<T>& next, std::string_view la
     appendLine(block, text_layout::arrayLine(label));
     for (std::span<const T> piece = next(buffer); !piece.empty(); piece = next(buffer))
         appendValues(block, piece);
-    writeBlock(block);
+    keepBlock(block);
 }
 
 void writeConnectivity(Domain& domain) {
@@ -134,7 +136,11 @@ void writeConnectivity(Domain& domain) {
             lists -= n;
         }
     });
-    writeBlock(block);
+    keepBlock(block);
+}
+
+void endZone(Domain&) {
+    writeKeptBlock();
 }
 
 } // namespace
@@ -152,6 +158,7 @@ const WriterFunctions textWriter{.extension = ".dat",
                                  .writeReal4 = writeArray<float>,
                                  .writeReal8 = writeArray<double>,
                                  .writeInt4 = writeArray<std::int32_t>,
-                                 .writeConnectivity = writeConnectivity};
+                                 .writeConnectivity = writeConnectivity,
+                                 .endZone = endZone};
 
 } // namespace plot_data

@@ -40,6 +40,7 @@ struct WriterFunctions {
     void (*writeInt4)(std::int32_t varNumber, const ValueGenerator<std::int32_t>& next,
                       std::string_view label, model::Domain& domain);
     void (*writeConnectivity)(model::Domain& domain);
+    void (*endZone)(model::Domain& domain);
 };
 
 extern const WriterFunctions textWriter;

@@ -16,4 +16,8 @@ void tecplotWriteConnectivity(model::Domain& domain) {
     writer().writeConnectivity(domain);
 }
 
+void tecplotEndZone(model::Domain& domain) {
+    writer().endZone(domain);
+}
+
 } // namespace plot_data

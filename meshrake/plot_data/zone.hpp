@@ -17,4 +17,8 @@ void tecplotWriteZoneFE(std::string_view title, std::string_view solutionTime,
 // unused slot repeats a node or, if its shape repeats none, is 0.
 void tecplotWriteConnectivity(model::Domain& domain);
 
+// Ends a zone whose arrays are complete: the file has all of it. The next zone or the close of the
+// data set has the same effect, later.
+void tecplotEndZone(model::Domain& domain);
+
 } // namespace plot_data

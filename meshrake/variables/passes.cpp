@@ -113,6 +113,7 @@ void writeFirstZone(Domain& domain) {
     plot_data::tecplotWriteZoneFE(domain.name, run.currentTimeText, 0, domain);
     writeArrays(domain);
     plot_data::tecplotWriteConnectivity(domain);
+    plot_data::tecplotEndZone(domain);
     flushAtInterval(domain);
 }
 
@@ -132,6 +133,7 @@ void writeLaterZone(Domain& domain) {
     if (model::isReadButNotWritten(domain)) return;
     plot_data::tecplotWriteZoneFE(domain.name, run.currentTimeText, 1, domain);
     writeArrays(domain);
+    plot_data::tecplotEndZone(domain);
     flushAtInterval(domain);
 }
 

@@ -27,6 +27,7 @@ protected:
 
     // Returns what was written since the last call.
     std::string take() {
+        tecplotEndZone(domain);
         file_units::freeUnit(domain.tecplotUnit);
         const std::string text = sample_files::get("plot");
         openPlot();
