@@ -135,24 +135,17 @@ TEST_F(CheckFindings, FindsFaultsOfTheControlFile) {
           "file "
           "cannot hold: X,Y,Z,Zone,Layer Number,Column Number,Thickness,Head,Pressure Head,Sat,"
           "Depth2GWT,Depth2GWT2D,Vx,Vy,Vz,A,"}},
-        {"plot files that cannot be written",
-         [] {
-             control("end\n" + blocks);
-             fs::create_directory("to.pm.dat");
-             fs::create_directory("to.meshrake.eco");
-         },
-         {"unwritable_file to.meshrake.eco! it cannot be replaced: Unknown error encountered "
-          "opening "
-          "file",
-          "unwritable_file to.pm.dat! it cannot be replaced: Unknown error encountered opening "
-          "file"}},
-        {"binary plot files that cannot be written",
+        {"files that cannot be replaced",
          [] {
              control("tecplot binary mode\nend\n" + blocks);
              fs::create_directory("to.pm.szplt");
+             fs::create_directory("to.meshrake.eco");
          },
          {"damaged_data_set to.pm.szplt this data set of an earlier run cannot be read: Unknown "
           "error encountered opening file",
+          "unwritable_file to.meshrake.eco! it cannot be replaced: Unknown error encountered "
+          "opening "
+          "file",
           "unwritable_file to.pm.szplt! it cannot be replaced: Unknown error encountered opening "
           "file"}},
         {"plot of a surface that does not exist",
@@ -292,9 +285,6 @@ TEST_F(CheckFindings, FindsFaultsOfResultFiles) {
          [=] { cut("to.coordinates_olf", 10); },
          {"mesh ! Error reading file: to.coordinates_olf (Error encountered during read "
           "statement)"}},
-        {"damaged elements",
-         [=] { cut("to.elements_pm", 40); },
-         {"mesh ! Error reading file: to.elements_pm; More than the file can hold: 8 elements"}},
         {"damaged description",
          [=] { cut("to.gen", 100); },
          {"description ! Error reading file: to.gen; More than the file can hold: 2 title lines"}},
