@@ -1,8 +1,5 @@
+#include "tests/support/data_set.hpp"
 #include "tests/support/runs.hpp"
-
-#include "companion/data_set/data_set_file.hpp"
-
-#include <gmock/gmock.h>
 
 // A binary run reads arrays of a mebibyte and more while it writes their zone.
 namespace {
@@ -92,6 +89,17 @@ TEST_F(DeferredReading, EndsWithinTheZoneOfADamagedFile) {
     const runs::Ran ran = run();
     runs::expectFailure(ran, {"Error reading values from file to.sat_pm.0003"});
     EXPECT_EQ(data_set_file::read("to.pm.szplt").zones.size(), 2U);
+}
+
+// The text form reads all files of a zone before it begins the zone.
+TEST_F(DeferredReading, TextHasCompleteZonesBeforeADamagedFile) {
+    problem = brickProblem({1, 1, 1, 3});
+    problem["to.sat_pm.0001"] = problem["to.sat_pm.0003"] = resultFile("0.0", {ramp<float>(8, 1)});
+    problem["to.sat_pm.0003"].resize(100);
+    runs::expectFailure(run(), {"Error reading values from file to.sat_pm.0003"});
+    const data_set::Text text = data_set::parse(get("to.pm.dat"));
+    EXPECT_EQ(text.fault, "");
+    EXPECT_EQ(text.set.zones.size(), 2U);
 }
 
 } // namespace
