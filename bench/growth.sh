@@ -71,13 +71,12 @@ for mesh in "${meshes[@]}"; do
     read -r millions nx ny layers <<<"$mesh"
     first=
     for times in 1 10 100; do
-        if awk -v a="$millions" -v b="$times" -v c="$largest" 'BEGIN { exit a * b <= c }'; then
-            continue
-        fi
+        awk -v m="$millions" -v t="$times" -v l="$largest" 'BEGIN { exit m * t > l }' || continue
         make_problem "$times" --nx "$nx" --ny "$ny" --layers "$layers"
         read -r elapsed memory <<<"$(run_times "tecplot binary mode\n$domains")"
         [ "$times" -gt 1 ] || first=$elapsed
-        awk -v n="$(nodes_of "$problem/largeo.coordinates_pm")" -v times="$times" -v s="$elapsed" -v f="$(minimum "$folder/floors")" \
+        nodes=$(nodes_of "$problem/largeo.coordinates_pm")
+        awk -v n="$nodes" -v times="$times" -v s="$elapsed" -v f="$(minimum "$folder/floors")" \
             -v first="$first" -v m="$memory" -v kept="$(kept_bytes "$problem")" '
             BEGIN {
                 each = times == 1 ? s : (s - first) / (times - 1)
