@@ -37,10 +37,11 @@ void compute(const Domain& domain, DepthFunction depthFunction, std::span<double
                   model::findOutputVar(domain, "head")->columns[0].real8, depth);
 }
 
-// Allocates the array at its first use. With 4-node elements this is at a later output time: the
-// first pass declares no column, but later passes compute the values. They differ on purpose.
-void computeKept(const Domain& domain, const VariableRow& row, OutputVar& var,
-                 DepthFunction depthFunction) {
+// Computes the values before the write if they are kept. Allocates the array at its first use. With
+// 4-node elements this is at a later output time: the first pass declares no column, but later
+// passes compute the values. They differ on purpose.
+void prepare(const Domain& domain, const VariableRow& row, OutputVar& var,
+             DepthFunction depthFunction) {
     checkSheets(domain);
     if (!keepsValues()) return;
     std::vector<double>& depth = var.columns[0].real8;
@@ -55,13 +56,13 @@ void init(Domain& domain, const VariableRow& row, OutputVar& var, DepthFunction 
     if (domain.nodesPerElement == 4) return;
     var.exists = true;
     plot_data::declareColumn(domain, var.columns[0], row.columns[0].name, row.unit);
-    computeKept(domain, row, var, depthFunction);
+    prepare(domain, row, var, depthFunction);
 }
 
 void read(Domain& domain, const VariableRow& row, OutputVar& var, DepthFunction depthFunction) {
     var.exists = model::outputVar(domain, "head").exists;
     if (var.exists)
-        computeKept(domain, row, var, depthFunction);
+        prepare(domain, row, var, depthFunction);
     else
         plot_data::shareColumns(domain, var.columns);
 }
