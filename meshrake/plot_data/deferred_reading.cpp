@@ -16,10 +16,14 @@ constexpr std::int64_t minimumDeferred = 1048576; // bytes
 
 } // namespace
 
-bool canDeferReads(const Domain& domain, const VariableRow& row, const OutputVar& var) {
+bool canDeferReads(const Domain& domain, const VariableRow& row, const OutputVar& var,
+                   const std::string& name) {
     const bool ownSteps = row.read || row.write; // they may use the arrays
-    return writer().hidesIncompleteZones && !run.dryRun && !ownSteps && !othersUseColumns(domain) &&
-           valueBytes(domain, var.columns[0]) >= minimumDeferred;
+    if (!writer().hidesIncompleteZones || run.dryRun || ownSteps || othersUseColumns(domain))
+        return false;
+    const std::int64_t bytes = valueBytes(domain, var.columns[0]);
+    return bytes >= minimumDeferred &&
+           TVNBinaryFile::hasCompleteRecords(name, static_cast<int>(var.columns.size()), bytes);
 }
 
 bool openDeferred(Domain& domain, const VariableRow& row, OutputVar& var, const std::string& name,
@@ -32,6 +36,7 @@ bool openDeferred(Domain& domain, const VariableRow& row, OutputVar& var, const 
         return true;
     }
     file_units::freeUnit(file.unit);
+    var.readsDeferred = false;
     for (Column& column : var.columns) allocateColumn(domain, column, row.arrayText);
     readColumns(domain, var.columns, name);
     return true;

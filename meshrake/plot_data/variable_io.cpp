@@ -239,7 +239,7 @@ void plainInit(Domain& domain, const VariableRow& row, OutputVar& var) {
     var.firstExists = var.exists = !name.empty();
     if (!var.firstExists) return;
     if (var.columns.empty()) var.columns = columnsOf(row);
-    var.readsDeferred = canDeferReads(domain, row, var);
+    var.readsDeferred = canDeferReads(domain, row, var, name);
     for (std::size_t c = 0; c < var.columns.size(); ++c) {
         if (!var.readsDeferred) allocateColumn(domain, var.columns[c], row.arrayText);
         declareColumn(domain, var.columns[c], row.columns[c].name, row.unit);

@@ -149,8 +149,8 @@ void markColumns(Domain& domain, std::span<const Column> columns);
 void writeColumn(Domain& domain, const Column& column);
 void writeValues(Domain& domain, const Column& column, const void* values);
 
-// Returns the memory for the values of a column without an array, until the next column.
-// `arrayText` as for `allocateColumn`.
+// Returns memory for the values of a column without an array. The next call returns the same
+// memory. `arrayText` as for `allocateColumn`.
 void* columnValues(const Domain& domain, const Column& column, std::string_view arrayText);
 
 // First pass: declares the columns and reads the values if the file exists.

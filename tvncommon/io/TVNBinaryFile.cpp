@@ -159,6 +159,20 @@ bool hasRecordPerComponent(const OpenFile& file, int components) {
     return components == 1 || isNewerFileFormat(file.header);
 }
 
+bool hasCompleteRecords(const std::string& filename, int components, std::int64_t bytes) {
+    OpenFile file{file_units::getUnit(), filename, std::string(headerLength, ' ')};
+    bool complete =
+        io_layer::openRecordsUnchecked(file.unit, filename) == io_layer::ok &&
+        io_layer::readRecord(file.unit, file.header.data(), headerLength) == io_layer::ok &&
+        hasRecordPerComponent(file, components);
+    for (int c = 0; c < components && complete; ++c) {
+        std::int64_t size = 0;
+        complete = io_layer::skipRecord(file.unit, size) == io_layer::ok && size >= bytes;
+    }
+    file_units::freeUnit(file.unit);
+    return complete;
+}
+
 void readNextComponent(const OpenFile& file, int component, int components, std::int64_t bytes,
                        void* into) {
     if (components == 1) return readValues(file, into, bytes, "");

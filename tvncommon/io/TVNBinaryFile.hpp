@@ -80,12 +80,16 @@ struct OpenFile {
     std::string header; // headerLength characters
 };
 
-// Opens the file and reads its header. A failure ends the run.
+// Opens the file and reads its header. A failure other than a missing file ends the run.
 OpenFile open(const std::string& filename, Missing missing);
 
 // Returns whether the file has a record for each component, so that `readNextComponent` can read
 // it.
 bool hasRecordPerComponent(const OpenFile& file, int components);
+
+// Returns whether the file also has all of these records, with at least `bytes` bytes in each.
+// Reads their lengths only. A file that cannot be opened or read gives false.
+bool hasCompleteRecords(const std::string& filename, int components, std::int64_t bytes);
 
 // Reads the next component into the caller's array of `bytes` bytes; `component` counts from 1.
 // Ends the run as the functions above do.

@@ -6,7 +6,6 @@ namespace {
 
 using namespace sample_files;
 using data_set_file::DataSet;
-using Singles = std::vector<float>;
 
 constexpr Grid grid{513, 256, 1, 3};
 constexpr std::size_t nodes = 2 * 514 * 257, elements = 513 * 256;
@@ -19,11 +18,14 @@ std::vector<T> ramp(std::size_t count, double first) {
     return values;
 }
 
-// A tensor with a record for each element, as in the older format.
-Bytes tensorByElement(const std::vector<Reals>& components) {
-    Bytes file = textRecord("0.0 1", 80);
-    for (std::size_t e = 0; e < elements; ++e)
-        file += realRecord({components[0][e], components[1][e], components[2][e]});
+// A file with a record for each element, as in the older format.
+Bytes fileByElement(const std::string& text, const std::vector<Reals>& components) {
+    Bytes file = textRecord(text, 80);
+    for (std::size_t e = 0; e < elements; ++e) {
+        Reals values;
+        for (const Reals& component : components) values.push_back(component[e]);
+        file += realRecord(values);
+    }
     return file;
 }
 
@@ -52,7 +54,7 @@ protected:
 TEST_F(DeferredReading, GivesTheValuesOfTheFiles) {
     const Reals heads(nodes, 0.5 + 0.25 * 2); // of the third output time
     for (const bool byElement : {false, true}) {
-        if (byElement) problem["to.ElemK_pm.0001"] = tensorByElement(tensor);
+        if (byElement) problem["to.ElemK_pm.0001"] = fileByElement("0.0 1", tensor);
         ASSERT_EQ(run().status, 0);
         const DataSet set = data_set_file::read("to.pm.szplt");
         ASSERT_EQ(set.zones.size(), 3U);
@@ -81,6 +83,39 @@ TEST_F(DeferredReading, KeepsArraysThatOthersUse) {
         const Reals top = ramp<double>(nodes, 3);
         EXPECT_EQ(valuesOf(set, 2, "Saturation"), Reals(top.begin() + nodes / 2, top.end()));
         EXPECT_EQ(valuesOf(set, 2, "Pressure Head"), Reals(nodes / 2, 0));
+    }
+}
+
+TEST_F(DeferredReading, ReadsAFormatThatChanges) {
+    std::vector<Reals> frictions;
+    for (int t = 1; t <= 3; ++t) {
+        frictions = {ramp<double>(elements, t), ramp<double>(elements, 10 * t)};
+        problem["to.friction_olf.000" + std::to_string(t)] =
+            t == 2 ? fileByElement("10.0", frictions) : resultFile("10.0", frictions);
+    }
+    ASSERT_EQ(run("tecplot binary mode\nend\nwrite olf domain file\nend\n").status, 0);
+    const DataSet set = data_set_file::read("to.olf.szplt");
+    ASSERT_EQ(set.zones.size(), 3U);
+    for (const std::size_t zone : {0U, 1U, 2U})
+        EXPECT_EQ(valuesOf(set, zone, "ny").front(), 10.0 * static_cast<double>(zone + 1)) << zone;
+    EXPECT_EQ(valuesOf(set, 2, "nx"), frictions[0]);
+}
+
+// The first zone replaces the data set of an earlier run.
+TEST_F(DeferredReading, KeepsTheEarlierDataSetIfTheFirstZoneHasADamagedFile) {
+    problem["to.pm.szplt"] = "earlier";
+    const Bytes whole = problem["to.ElemK_pm.0001"];
+    for (const bool cut : {true, false}) {
+        Bytes& file = problem["to.ElemK_pm.0001"] = whole;
+        if (cut)
+            file.resize(file.size() - 100);
+        else
+            file[88 + 4 + 8 * elements] ^= 1; // of the two lengths of the first record
+        const runs::Ran ran = run();
+        runs::expectFailure(ran, {"values from file to.ElemK_pm.0001"});
+        EXPECT_TRUE(get("to.pm.szplt") == "earlier") << cut;
+        EXPECT_THAT(ran.screen, runs::HasSubstr("Kzz"));
+        EXPECT_THAT(ran.screen, runs::Not(runs::HasSubstr("SpStor")));
     }
 }
 
