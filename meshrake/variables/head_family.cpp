@@ -72,7 +72,7 @@ void addDerivedColumn(Domain& domain, const VariableRow& row, OutputVar& var, Da
 void addWaterDepths(Domain& domain, const VariableRow& row, OutputVar& var) {
     addDerivedColumn(domain, row, var, DataType::single, "Depth", "Depth");
     addDerivedColumn(domain, row, var, DataType::single, "LogDepth", "log10(Depth)");
-    for (const std::size_t c : {1, 2})
+    for (const std::size_t c : {1U, 2U})
         plot_data::allocateColumn(domain, var.columns[c], "depth and log depth arrays");
 }
 
