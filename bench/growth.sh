@@ -44,12 +44,13 @@ make_problem() {
     find "$problem" -type f -exec cat {} + >/dev/null
 }
 
-# run_times CONTROL: the minimum time (s) of runs with that control file and their peak memory (KiB).
+# run_times CONTROL: the minimum time (s) of `runs` runs with that control file and their peak memory
+# (KiB). The floor goes to the file `floors`.
 run_times() {
     local elapsed memory i
     rm -f "$folder/seconds" "$folder/memory" "$folder/floors"
     printf '%b' "$1" >"$problem/large.plot.control"
-    for ((i = 0; i < 4; ++i)); do
+    for ((i = 0; i < runs; ++i)); do
         rm -rf "$copy" "$problem"/largeo.*.szplt* "$problem"/largeo.meshrake.eco
         rm -f "$problem"/largeo.ObsShape.*
         sync
@@ -72,6 +73,7 @@ for mesh in "${meshes[@]}"; do
     first=
     for times in 1 10 100; do
         awk -v m="$millions" -v t="$times" -v l="$largest" 'BEGIN { exit m * t > l }' || continue
+        runs=$(awk -v m="$millions" -v t="$times" 'BEGIN { print m * t < 1000 ? 4 : 1 }')
         make_problem "$times" --nx "$nx" --ny "$ny" --layers "$layers"
         read -r elapsed memory <<<"$(run_times "tecplot binary mode\n$domains")"
         [ "$times" -gt 1 ] || first=$elapsed
@@ -90,6 +92,7 @@ echo
 echo "| Observations | Time | Time over that without | Memory |"
 echo "|---|---|---|---|"
 compare='write pm domain file\ncompare heads 3d domain\n-1e20 1e20\n-1e20 1e20\n-1e20 1e20\nend\n'
+runs=4
 for observations in 100 1000 10000; do
     make_problem 1 --nx 160 --ny 155 --layers 39 --observations "$observations"
     read -r without _ <<<"$(run_times "tecplot binary mode\nend\nwrite pm domain file\nend\n")"
