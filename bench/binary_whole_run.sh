@@ -36,10 +36,9 @@ run_meshrake() {
         "$build/meshrake/meshrake"
 }
 
-# run_with_and_without_syncs KIND: appends the time of the syncs to KIND.sync, and the elapsed and
-# CPU time of a run without them to KIND.run and KIND.cpu.
-run_with_and_without_syncs() {
-    local numbers elapsed user kernel calls
+# run_with_syncs KIND: adds the time of the syncs to KIND.sync.
+run_with_syncs() {
+    local elapsed calls
     run_meshrake "$1" MESHRAKE_SYNC_TIMES="$folder/syncs" >/dev/null
     read -r calls elapsed <"$folder/syncs"
     if [ "$calls" -eq 0 ]; then
@@ -48,6 +47,11 @@ run_with_and_without_syncs() {
     fi
     echo "$calls" >"$folder/$1.calls"
     echo "$elapsed" >>"$folder/$1.sync"
+}
+
+# run_without_syncs KIND: adds the elapsed and the CPU time to KIND.run and KIND.cpu.
+run_without_syncs() {
+    local numbers elapsed user kernel
     numbers=$(run_meshrake "$1")
     read -r elapsed user kernel _ <<<"$numbers"
     echo "$elapsed" >>"$folder/$1.run"
@@ -65,7 +69,7 @@ table_rows() {
 
 # measure MEASURE MAKE_PROBLEM_OPTION...: the rows of one problem.
 measure() {
-    local numbers append plain repetitions=9 i
+    local numbers append plain kind repetitions=9 i
     rm -rf "$problem"
     "$build/examples/make_problem" --prefix large "${@:2}" "$problem" >/dev/null
     (cd "$problem" && "$build/meshrake/meshrake" --make_plot_control >/dev/null 2>&1)
@@ -74,11 +78,15 @@ measure() {
     list_inputs "$problem" >"$folder/inputs"
     cat "$problem"/* >/dev/null
     sync
-    for ((i = 0; i <= repetitions; ++i)); do
-        # The first round warms up the caches.
-        [ "$i" -ne 1 ] || rm "$folder"/*.{run,cpu,sync}
-        run_with_and_without_syncs append
-        run_with_and_without_syncs plain
+    rm -f "$folder"/*.{run,cpu,sync}
+    for kind in append plain; do run_without_syncs "$kind"; done # warms up the caches
+    rm "$folder"/*.{run,cpu}
+    for ((i = 0; i < repetitions; ++i)); do
+        for kind in append plain; do run_with_syncs "$kind"; done
+    done
+    # In turn, so that all find the memory of the page cache in the same state.
+    for ((i = 0; i < 3 * repetitions; ++i)); do
+        for kind in append plain; do run_without_syncs "$kind"; done
         numbers=$(run_floor)
         echo "${numbers%% *}" >>"$folder/floor.run"
     done
