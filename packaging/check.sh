@@ -33,14 +33,14 @@ else
     echo "not checked: lintian is not installed"
 fi
 for package in "${packages[@]}"; do
-    dpkg-deb --extract "$package" "$folder/root"
+    dpkg-deb --extract "$package" "$folder/unpacked"
 done
 
 [ -d demo-problem ] || ./demo.sh
 cp -r demo-problem "$folder/run"
 cd "$folder/run"
 rm -f ./*.dat ./*.szplt ./*.xdmf ./*.eco scratch_plot
-export PATH=$folder/root/usr/bin:$PATH
+export PATH=$folder/unpacked/usr/bin:$PATH
 binary='tecplot binary mode'
 sed "s/^$binary/! $binary/" -i catchment.plot.control
 quietly meshrake
@@ -60,16 +60,16 @@ for file in *.dat *.szplt *.xdmf; do
 done
 [ "$files" -gt 10 ]
 # Packages of the system are found by its own Python.
-PYTHONPATH=$folder/root/usr/lib/python3/dist-packages /usr/bin/python3 -c '
+PYTHONPATH=$folder/unpacked/usr/lib/python3/dist-packages /usr/bin/python3 -c '
 import meshrake_data
 assert meshrake_data.__file__.startswith("'"$folder"'")
 assert len(meshrake_data.open("catchmento.pm.szplt").times) == 12'
 for page in meshrake meshrake-tool; do
-    [ -s "$folder/root/usr/share/man/man1/$page.1.gz" ]
-    [ -s "$folder/root/usr/share/bash-completion/completions/$page" ]
+    [ -s "$folder/unpacked/usr/share/man/man1/$page.1.gz" ]
+    [ -s "$folder/unpacked/usr/share/bash-completion/completions/$page" ]
 done
 
 quietly cmake -S "$source_folder/tests/installed_library" -B "$folder/build" \
-    -DCMAKE_PREFIX_PATH="$folder/root/usr" -DEXAMPLE="$source_folder/examples/locate_in_mesh.cpp"
+    -DCMAKE_PREFIX_PATH="$folder/unpacked/usr" -DEXAMPLE="$source_folder/examples/locate_in_mesh.cpp"
 quietly cmake --build "$folder/build"
 echo 500 500 200 | "$folder/build/locate_in_mesh" catchment 0001 | grep -q '^element [1-9].* head '

@@ -261,7 +261,7 @@ int writeNodes(DataFile& f, std::int64_t count, const std::int32_t* nodes, std::
     current.nodesWritten = std::max<std::int64_t>(current.nodesWritten, 0);
     if (count < 0 || count > all - current.nodesWritten) return invalidCall;
     // The file counts nodes from 0. A block of at most 2 MiB is still in the cache when it is
-    // written.
+    // written, and goes to the file without the copy of small arrays.
     constexpr std::int64_t blockNodes = 524288;
     std::vector<std::int32_t> block(static_cast<std::size_t>(std::min(count, blockNodes)));
     int status = ok;

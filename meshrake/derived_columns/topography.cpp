@@ -64,7 +64,8 @@ void tvTopoInit(Domain& domain, const VariableRow& row, OutputVar& var) {
     std::string name;
     var.firstExists = var.exists = findFirstFile(domain, row.stem, name);
     if (!var.firstExists) return;
-    readElevations(domain, row, var, name);
+    // They were read for the heads. A dry run reports the file with this row too, as below.
+    if (var.columns.empty() || run.dryRun) readElevations(domain, row, var, name);
     plot_data::declareColumn(domain, var.columns[0], row.columns[0].name, row.unit);
     var.columns[0].label = row.columns[0].label;
     if (domain.tag != model::tags::pm) return;

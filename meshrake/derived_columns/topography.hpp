@@ -20,8 +20,8 @@ void tvTopoPreInit(Domain& domain, const VariableRow& row, OutputVar& var);
 void tvTopoPreRead(Domain& domain, const VariableRow& row, OutputVar& var);
 
 // The column of elevations and, in pm, a second column: mesh elevation minus current elevation,
-// positive at a lowered node. They come after the columns of the heads. At a later output time they
-// have the elevations that were read for the heads.
+// positive at a lowered node. They come after the columns of the heads and have the elevations that
+// were read for these.
 void tvTopoInit(Domain& domain, const VariableRow& row, OutputVar& var);
 void tvTopoRead(Domain& domain, const VariableRow& row, OutputVar& var);
 

@@ -17,7 +17,8 @@ enum class DataType { single = 1, real8 = 2, longInt = 3 };
 enum class Location { node, element };
 
 // One variable's values in a data set. Only the array of the column's type is in use, with one
-// value per node or per element.
+// value per node or per element. It is empty if the values are read or computed for each write and
+// nothing else uses them.
 struct Column {
     std::int32_t varNumber = 0; // number in the data set, from 1; 0 if it is not in one
     DataType type = DataType::real8;

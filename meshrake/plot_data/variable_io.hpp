@@ -62,7 +62,8 @@ struct VariableRow {
     bool sharedLast = false;
 
     // Functions of a variable that needs its own. Null: `plainInit`, `plainRead` and `plainWrite`,
-    // or the functions of the family.
+    // or the functions of the family. A row whose arrays are used for anything but its own columns
+    // has a `read` of its own: the arrays of other rows can be empty, see deferred_reading.hpp.
     Step init = nullptr;  // first pass: declares the columns and reads the values
     Step read = nullptr;  // later output time: reads the values or shares them
     Step write = nullptr; // writes the values into the zone
